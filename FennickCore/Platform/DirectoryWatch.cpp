@@ -1,0 +1,83 @@
+#include "FennickCore/Platform/DirectoryWatch.h"
+
+#include <linux/magic.h>
+#include <sys/inotify.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+namespace fennick {
+
+namespace {
+
+constexpr std::uint32_t kMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
+                                IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
+
+// File systems that <linux/magic.h> does not name.
+constexpr std::uint32_t kCIFSMagic = 0xFF534D42;
+constexpr std::uint32_t kSMB2Magic = 0xFE534D42;
+
+bool isShared(const std::filesystem::path &folder) {
+  struct statfs volume {};
+  if (::statfs(folder.c_str(), &volume) != 0)
+    return true;
+  switch (static_cast<std::uint32_t>(volume.f_type)) {
+  case NFS_SUPER_MAGIC:
+  case SMB_SUPER_MAGIC:
+  case kCIFSMagic:
+  case kSMB2Magic:
+  case FUSE_SUPER_MAGIC:
+  case V9FS_MAGIC:
+  case CEPH_SUPER_MAGIC:
+  case AFS_SUPER_MAGIC:
+    return true;
+  default:
+    return false;
+  }
+}
+
+DirectoryChange changeOf(const inotify_event &event, const char *name) {
+  using Kind = DirectoryChange::Kind;
+  if ((event.mask & IN_Q_OVERFLOW) != 0)
+    return {.kind = Kind::overflow, .watch = 0, .name = {}};
+  if ((event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT)) != 0)
+    return {.kind = Kind::lost, .watch = event.wd, .name = {}};
+  const bool came = (event.mask & (IN_CREATE | IN_MOVED_TO)) != 0;
+  return {.kind = came ? Kind::appeared : Kind::vanished, .watch = event.wd, .name = name};
+}
+
+} // namespace
+
+DirectoryWatch::DirectoryWatch() : inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
+
+IOResult<int> DirectoryWatch::add(const std::filesystem::path &folder) {
+  if (!inotify_.isOpen() || isShared(folder))
+    return std::unexpected(std::make_error_code(std::errc::not_supported));
+  const int watch = ::inotify_add_watch(inotify_.get(), folder.c_str(), kMask);
+  if (watch < 0)
+    return std::unexpected(std::error_code(errno, std::generic_category()));
+  return watch;
+}
+
+void DirectoryWatch::remove(int watch) { ::inotify_rm_watch(inotify_.get(), watch); }
+
+std::vector<DirectoryChange> DirectoryWatch::drain() {
+  std::vector<DirectoryChange> changes;
+  alignas(inotify_event) std::array<char, 16384> buffer;
+  while (true) {
+    const ssize_t count = ::read(inotify_.get(), buffer.data(), buffer.size());
+    if (count <= 0)
+      return changes;
+    for (const char *at = buffer.data(); at < buffer.data() + count;) {
+      inotify_event event{};
+      std::memcpy(&event, at, sizeof event);
+      changes.push_back(changeOf(event, event.len > 0 ? at + sizeof event : ""));
+      at += sizeof event + event.len;
+    }
+  }
+}
+
+} // namespace fennick

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+// The operating system's cryptographically secure random source. Any thread; never fails (a kernel without it
+// ends the program, since no key could be trusted then).
+namespace fennick {
+
+void fillRandom(std::span<std::byte> bytes);
+[[nodiscard]] std::uint64_t randomWord();
+
+// A new random UUID in upper-case canonical text, 36 characters.
+[[nodiscard]] std::string newUUID();
+
+} // namespace fennick
