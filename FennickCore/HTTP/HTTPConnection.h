@@ -1,0 +1,62 @@
+#pragma once
+
+#include "FennickCore/HTTP/HTTPLimits.h"
+#include "FennickCore/HTTP/HTTPRequestHandler.h"
+#include "FennickCore/HTTP/RateLimiter.h"
+#include "FennickCore/Platform/ByteStream.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace fennick {
+
+// Serves exactly one request on one accepted connection and then closes it: head, decision of the handler, body
+// into a sink or a file out, one response. A peer that is too slow or too long-lived is dropped without a word.
+//
+// The connection lives on the thread that calls `start`, one blocking step after another; only `close` may come
+// from elsewhere. Handler, limiter and clock are borrowed and outlive it.
+class HTTPConnection {
+public:
+  HTTPConnection(std::unique_ptr<ByteStream> stream, std::string remote, HTTPRequestHandler &handler,
+                 const HTTPLimits &limits, RateLimiter &rateLimiter, const Clock &clock);
+
+  // Called once, on the serving thread, when the connection is over and before its socket is closed. Set it
+  // before `start`.
+  std::function<void()> onClose;
+
+  // Serves the request and returns when the connection is closed. Once.
+  void start();
+  // Ends the connection from any thread: whatever it waits for fails, a sink still receiving is aborted.
+  void close();
+
+private:
+  std::optional<std::size_t> receiveHead();
+  void handleHead(std::string_view bytes, std::span<const std::byte> rest);
+  void receiveBody(const HTTPRequestHead &head, HTTPReceive decision, std::span<const std::byte> rest);
+  void reject(const HTTPRequestHead &head, const HTTPResponse &response);
+  void drain(Uptime deadline);
+  void respond(const HTTPResponse &response);
+  void sendFile(const HTTPResponse &response);
+  bool sendAll(std::span<const std::byte> bytes, Uptime deadline);
+  bool sendWhileRead(std::span<const std::byte> bytes);
+  bool writeToSink(std::span<const std::byte> bytes);
+  [[nodiscard]] Uptime deadlineIn(Seconds length) const;
+  void finish();
+
+  std::unique_ptr<ByteStream> stream_;
+  const std::string remote_;
+  HTTPRequestHandler &handler_;
+  const HTTPLimits limits_;
+  RateLimiter &rateLimiter_;
+  const Clock &clock_;
+  Uptime lifetimeEnd_;
+  bool isHead_ = false;
+  std::unique_ptr<std::byte[]> buffer_;
+  std::unique_ptr<HTTPBodySink> sink_; // present while a body is being received
+};
+
+} // namespace fennick

@@ -1,0 +1,143 @@
+#include "FennickCore/HTTP/HTTPServer.h"
+
+#include "FennickCore/HTTP/PrivateAddress.h"
+#include "FennickCore/Platform/Log.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <exception>
+#include <system_error>
+
+namespace fennick {
+
+namespace {
+
+// Threads kept asleep for the next requests: a page with its calls, or a few uploads at a time.
+constexpr std::size_t kIdleThreads = 8;
+
+bool isPortTaken(const std::error_code &error) { return error == std::errc::address_in_use; }
+
+} // namespace
+
+std::string description(const HTTPServerError &error) {
+  if (const auto *failed = std::get_if<ListenerFailed>(&error))
+    return failed->message;
+  const auto &tried = std::get<NoFreePort>(error).tried;
+  if (tried.empty())
+    return "没有可用的端口";
+  if (tried.size() == 1)
+    return fmt::format("端口 {} 已被占用", tried.front());
+  return fmt::format("端口 {} 到 {} 都已被占用", tried.front(), tried.back());
+}
+
+HTTPServer::HTTPServer(HTTPRequestHandler &handler, const HTTPLimits &limits, RateLimiter &rateLimiter,
+                       const Clock &clock)
+    : handler_(handler), limits_(limits), rateLimiter_(rateLimiter), clock_(clock), threads_(kIdleThreads) {}
+
+HTTPServer::~HTTPServer() { stop(); }
+
+std::expected<std::uint16_t, HTTPServerError> HTTPServer::start(std::uint16_t preferredPort, int attempts) {
+  stop();
+  NoFreePort taken;
+  for (int i = 0; i < attempts && preferredPort + i <= 65535; ++i) {
+    const auto candidate = static_cast<std::uint16_t>(preferredPort + i);
+    taken.tried.push_back(candidate);
+    auto listener = ListeningSocket::open(candidate);
+    if (listener) {
+      const std::uint16_t bound = listener->port();
+      run(std::move(*listener));
+      return bound;
+    }
+    if (!isPortTaken(listener.error()))
+      return std::unexpected(ListenerFailed{listener.error().message()});
+  }
+  return std::unexpected(std::move(taken));
+}
+
+void HTTPServer::run(ListeningSocket listener) {
+  listener_ = std::make_unique<ListeningSocket>(std::move(listener));
+  {
+    const Locked locked(lock_);
+    port_ = listener_->port();
+  }
+  listenerThread_ = std::jthread([this] { acceptConnections(); });
+}
+
+void HTTPServer::stop() {
+  if (!listener_)
+    return;
+  listener_->wake();
+  listenerThread_.join();
+  listener_.reset();
+
+  std::unordered_map<std::uint64_t, std::shared_ptr<HTTPConnection>> live;
+  {
+    const Locked locked(lock_);
+    live.swap(connections_);
+    port_.reset();
+  }
+  for (const auto &[identity, connection] : live)
+    connection->close();
+  Locked locked(lock_);
+  while (serving_ > 0)
+    locked.wait(idle_);
+}
+
+std::optional<std::uint16_t> HTTPServer::port() const {
+  const Locked locked(lock_);
+  return port_;
+}
+
+void HTTPServer::acceptConnections() {
+  while (auto accepted = listener_->accept())
+    admit(std::move(*accepted));
+}
+
+// A refused connection is closed without a byte written, by letting go of its socket.
+void HTTPServer::admit(AcceptedSocket accepted) {
+  if (limits_.privateSourcesOnly && !isPrivateAddress(accepted.remote))
+    return;
+  std::uint64_t identity = 0;
+  std::shared_ptr<HTTPConnection> connection;
+  {
+    const Locked locked(lock_);
+    if (static_cast<std::int64_t>(connections_.size()) >= limits_.maxConnections)
+      return;
+    identity = ++lastIdentity_;
+    connection = makeConnection(std::move(accepted));
+    connections_.emplace(identity, connection);
+    ++serving_;
+  }
+  connection->onClose = [this, identity] {
+    const Locked locked(lock_);
+    connections_.erase(identity);
+  };
+  try {
+    threads_.run([this, identity, connection] { serve(identity, connection); });
+  } catch (const std::system_error &error) {
+    log(fmt::format("no thread for a connection: {}", error.what()));
+    const Locked locked(lock_);
+    connections_.erase(identity);
+    --serving_;
+  }
+}
+
+std::shared_ptr<HTTPConnection> HTTPServer::makeConnection(AcceptedSocket accepted) {
+  return std::make_shared<HTTPConnection>(std::make_unique<SocketStream>(std::move(accepted.socket), clock_),
+                                          std::move(accepted.remote), handler_, limits_, rateLimiter_, clock_);
+}
+
+void HTTPServer::serve(std::uint64_t identity, const std::shared_ptr<HTTPConnection> &connection) {
+  try {
+    connection->start();
+  } catch (const std::exception &error) {
+    // Out of memory, most likely: this request is lost, the service goes on.
+    log(fmt::format("request {} failed: {}", identity, error.what()));
+  }
+  const Locked locked(lock_);
+  if (--serving_ == 0)
+    idle_.notify_all();
+}
+
+} // namespace fennick

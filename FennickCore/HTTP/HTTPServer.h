@@ -1,0 +1,88 @@
+#pragma once
+
+#include "FennickCore/HTTP/HTTPConnection.h"
+#include "FennickCore/HTTP/HTTPLimits.h"
+#include "FennickCore/HTTP/HTTPRequestHandler.h"
+#include "FennickCore/HTTP/RateLimiter.h"
+#include "FennickCore/Platform/ListeningSocket.h"
+#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/ThreadCache.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <expected>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <variant>
+#include <vector>
+
+namespace fennick {
+
+// Every port of the run was taken; `tried` lists them in order. Another preferred port helps.
+struct NoFreePort {
+  std::vector<std::uint16_t> tried;
+  bool operator==(const NoFreePort &) const = default;
+};
+
+// The system refused to listen for another reason; `message` is its text.
+struct ListenerFailed {
+  std::string message;
+  bool operator==(const ListenerFailed &) const = default;
+};
+
+using HTTPServerError = std::variant<NoFreePort, ListenerFailed>;
+
+// The error in the user's words.
+[[nodiscard]] std::string description(const HTTPServerError &error);
+
+// Owns the listening socket, admits or refuses each connection and keeps the table of live ones. The listener
+// has a thread of its own, each connection one from a small cache.
+//
+// `start`, `stop` and the destructor: one thread, never a connection's own. `port`: any thread. Handler, limiter
+// and clock are borrowed and outlive the server.
+class HTTPServer {
+public:
+  HTTPServer(HTTPRequestHandler &handler, const HTTPLimits &limits, RateLimiter &rateLimiter,
+             const Clock &clock);
+  ~HTTPServer();
+
+  // Listens on the first free port of preferredPort, preferredPort + 1, …, `attempts` of them, none past 65535;
+  // gives the port bound. A preferred port of 0 lets the system choose. Any failure but a taken port ends the
+  // search. The kernel answers at once and once, so this does not wait.
+  [[nodiscard]] std::expected<std::uint16_t, HTTPServerError> start(std::uint16_t preferredPort, int attempts);
+
+  // Ends the listener and every connection and returns when all of them are over, aborted uploads cleaned up.
+  // A server that is not running stays so.
+  void stop();
+
+  [[nodiscard]] std::optional<std::uint16_t> port() const;
+
+private:
+  void run(ListeningSocket listener);
+  void acceptConnections();
+  void admit(AcceptedSocket accepted);
+  void serve(std::uint64_t identity, const std::shared_ptr<HTTPConnection> &connection);
+  std::shared_ptr<HTTPConnection> makeConnection(AcceptedSocket accepted);
+
+  HTTPRequestHandler &handler_;
+  const HTTPLimits limits_;
+  RateLimiter &rateLimiter_;
+  const Clock &clock_;
+
+  std::unique_ptr<ListeningSocket> listener_; // replaced only while no listener thread runs
+  std::jthread listenerThread_;
+
+  mutable Mutex lock_;
+  std::condition_variable idle_;
+  std::unordered_map<std::uint64_t, std::shared_ptr<HTTPConnection>> connections_ GUARDED_BY(lock_);
+  std::uint64_t lastIdentity_ GUARDED_BY(lock_) = 0;
+  std::size_t serving_ GUARDED_BY(lock_) = 0; // connections whose thread has not returned yet
+  std::optional<std::uint16_t> port_ GUARDED_BY(lock_);
+
+  ThreadCache threads_; // last: its threads have ended before anything above goes
+};
+
+} // namespace fennick

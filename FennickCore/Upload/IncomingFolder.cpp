@@ -1,0 +1,88 @@
+#include "FennickCore/Upload/IncomingFolder.h"
+
+#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/MediaTypes.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace fennick {
+
+namespace {
+
+constexpr std::string_view kPartSuffix = ".part";
+constexpr std::string_view kUUIDShape = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
+
+bool isUpperHexadecimal(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
+
+// Only what createPart names like this is ever removed.
+bool isPartName(std::string_view name) {
+  if (name.size() != kUUIDShape.size() + kPartSuffix.size() || !name.ends_with(kPartSuffix))
+    return false;
+  return std::ranges::equal(kUUIDShape, name.substr(0, kUUIDShape.size()), [](char shape, char c) {
+    return shape == 'X' ? isUpperHexadecimal(c) : c == shape;
+  });
+}
+
+} // namespace
+
+void IncomingFolder::adopt(const std::filesystem::path &saveFolder) {
+  const auto incoming = saveFolder / kIncomingFolder;
+  if (fileKind(incoming) == FileKind::directory)
+    hold(incoming);
+}
+
+IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &saveFolder) {
+  const auto incoming = saveFolder / kIncomingFolder;
+  if (auto made = files_.createDirectories(incoming); !made)
+    return std::unexpected(made.error());
+  IncomingPart part{.file = incoming / (newUUID() + std::string(kPartSuffix)),
+                    .handle = nullptr,
+                    .hold = hold(incoming)};
+  auto handle = files_.createFile(part.file);
+  if (!handle)
+    return std::unexpected(handle.error());
+  part.handle = std::move(*handle);
+  return part;
+}
+
+// The hold on `incoming`, taken anew when the save folder changed or the folder was replaced by another one.
+std::shared_ptr<const DirectoryLock> IncomingFolder::hold(const std::filesystem::path &incoming) {
+  const Locked locked(lock_);
+  const auto identity = fileIdentity(incoming);
+  if (held_ && heldFolder_ == incoming && identity && *identity == held_->identity())
+    return held_;
+  held_ = acquire(incoming);
+  heldFolder_ = incoming;
+  return held_;
+}
+
+// Alone in the folder: what lies in it was left by a run that ended badly. Not alone: leave it all.
+std::shared_ptr<const DirectoryLock> IncomingFolder::acquire(const std::filesystem::path &incoming) {
+  auto lock = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::exclusive);
+  if (lock) {
+    removeLeftovers(incoming);
+    if (!lock->share())
+      return nullptr;
+  } else {
+    lock = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::shared);
+  }
+  return lock ? std::make_shared<const DirectoryLock>(std::move(*lock)) : nullptr;
+}
+
+void IncomingFolder::removeLeftovers(const std::filesystem::path &incoming) {
+  const auto entries = files_.list(incoming);
+  if (!entries)
+    return;
+  int removed = 0;
+  for (const auto &entry : *entries)
+    if (entry.kind == FileKind::regular && isPartName(entry.name) && files_.remove(incoming / entry.name))
+      ++removed;
+  if (removed > 0)
+    log(fmt::format("removed {} unfinished uploads of an earlier run", removed));
+}
+
+} // namespace fennick

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "FennickCore/HTTP/HTTPRequestHandler.h"
+#include "FennickCore/HTTP/SlidingWindowLimiter.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Storage/NameAllocator.h"
+#include "FennickCore/Storage/SaveDestination.h"
+#include "FennickCore/Upload/IncomingFolder.h"
+#include "FennickCore/Upload/PhonePage.h"
+#include "FennickCore/Upload/UploadActivity.h"
+#include "FennickCore/Upload/UploadSink.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace fennick {
+
+// The phone protocol: the page, a health probe, the status query and the upload entry. Every setting comes from a
+// provider that is asked anew for each request, so that a change takes effect on the next one.
+//
+// Shared by all connections; `route` is called on their threads at once, and so are the providers.
+class UploadRouter final : public HTTPRequestHandler {
+public:
+  // Which uploads the folder still takes.
+  struct UploadPolicy {
+    std::optional<std::int64_t> folderLimit; // most photos and videos in the target folder; none: no limit
+    bool autoPrune = true;                   // a full folder is pruned after saving instead of refused
+    bool operator==(const UploadPolicy &) const = default;
+  };
+
+  struct Providers {
+    std::function<std::string()> key; // the current access key
+    std::function<SaveDestination()> destination;
+    std::function<std::int64_t()> maxBytes; // most bytes of one upload
+    std::function<void(const UploadRecord &)> onUpload; // once per saved upload, on its connection's thread
+    std::function<UploadPolicy()> policy;
+  };
+
+  // `files`, `clock` and `activity` outlive the router.
+  UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, const Clock &clock,
+               UploadActivity &activity);
+
+  HTTPRouteDecision route(const HTTPRequestHead &head, const std::string &remote) override;
+
+  // Clears away what a crashed run left in the save folder. For the start.
+  void adoptSaveFolder(const std::filesystem::path &saveFolder) { incoming_.adopt(saveFolder); }
+
+private:
+  [[nodiscard]] bool hasKey(const HTTPRequestHead &head) const;
+  [[nodiscard]] HTTPRouteDecision phonePage(const HTTPRequestHead &head) const;
+  [[nodiscard]] HTTPRouteDecision status(const HTTPRequestHead &head);
+  [[nodiscard]] HTTPRouteDecision gallery(const HTTPRequestHead &head) const;
+  [[nodiscard]] HTTPRouteDecision upload(const HTTPRequestHead &head, const std::string &remote);
+  [[nodiscard]] HTTPRouteDecision receive(const HTTPRequestHead &head, const std::string &remote,
+                                          std::int64_t length);
+  [[nodiscard]] std::optional<std::int64_t> availableBytes();
+
+  const Providers providers_;
+  const PhonePage page_;
+  FileSystem &files_;
+  const Clock &clock_;
+  UploadActivity &activity_;
+  NameAllocator allocator_;
+  IncomingFolder incoming_;
+  SlidingWindowLimiter uploadThrottle_;
+};
+
+} // namespace fennick

@@ -1,0 +1,82 @@
+#include "FennickCore/Upload/UploadSink.h"
+
+#include "FennickCore/Platform/Log.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace fennick {
+
+UploadSink::UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSystem &files,
+                       UploadActivity &activity, const std::function<void(const UploadRecord &)> &onUpload)
+    : upload_(std::move(upload)), allocator_(allocator), files_(files), activity_(activity, upload_.expected),
+      onUpload_(onUpload) {}
+
+// A connection that dies with an exception still leaves no part file behind.
+UploadSink::~UploadSink() { UploadSink::abort(); }
+
+IOResult<void> UploadSink::write(std::span<const std::byte> bytes) {
+  const std::size_t kept = std::min(header_.size() - headerBytes_, bytes.size());
+  std::ranges::copy(bytes.first(kept), header_.begin() + static_cast<std::ptrdiff_t>(headerBytes_));
+  headerBytes_ += kept;
+  if (auto result = upload_.part.handle->write(bytes); !result) {
+    log(fmt::format("cannot write {}: {}", upload_.part.file.string(), result.error().message()));
+    return result;
+  }
+  written_ += std::ssize(bytes);
+  activity_.received(std::ssize(bytes));
+  return {};
+}
+
+HTTPResponse UploadSink::finish() {
+  finished_ = true;
+  if (written_ != upload_.expected)
+    return refuse(400, "传输不完整 / incomplete body");
+  const auto extension =
+      FileTypeSniffer::resolve(std::span(header_).first(headerBytes_), upload_.mediaType, upload_.filename);
+  if (!extension)
+    return refuse(415, "不支持的文件类型，只接收照片和视频 / Unsupported file type; photos and videos only");
+
+  if (auto settled = settle(); !settled) {
+    log(fmt::format("cannot save {}: {}", upload_.part.file.string(), settled.error().message()));
+    return refuse(500, "保存失败 / save failed");
+  }
+  const auto placed =
+      allocator_.place(upload_.part.file, upload_.destination, *extension, upload_.startedAt);
+  if (!placed) {
+    log(fmt::format("cannot place {}: {}", upload_.part.file.string(), placed.error().message()));
+    return refuse(500, "保存失败 / save failed");
+  }
+  onUpload_({.url = *placed,
+             .bytes = written_,
+             .remoteAddress = upload_.remote,
+             .mediaType = upload_.mediaType,
+             .receivedAt = upload_.startedAt});
+  return HTTPResponse::text(200, placed->filename().string());
+}
+
+// Brings the content to the disk; the move into place comes after, so that the final name never stands for a
+// file that a power cut could empty.
+IOResult<void> UploadSink::settle() {
+  auto synced = upload_.part.handle->sync();
+  auto closed = upload_.part.handle->close();
+  upload_.part.handle.reset();
+  return synced ? closed : synced;
+}
+
+HTTPResponse UploadSink::refuse(std::int64_t status, std::string_view text) {
+  upload_.part.handle.reset();
+  [[maybe_unused]] const auto ignored = files_.remove(upload_.part.file);
+  return HTTPResponse::text(status, text);
+}
+
+void UploadSink::abort() {
+  if (finished_)
+    return;
+  finished_ = true;
+  upload_.part.handle.reset();
+  [[maybe_unused]] const auto ignored = files_.remove(upload_.part.file);
+}
+
+} // namespace fennick

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "FennickCore/HTTP/HTTPRequestHandler.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Storage/NameAllocator.h"
+#include "FennickCore/Storage/SaveDestination.h"
+#include "FennickCore/Upload/FileTypeSniffer.h"
+#include "FennickCore/Upload/IncomingFolder.h"
+#include "FennickCore/Upload/UploadActivity.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace fennick {
+
+// What a finished upload reports.
+struct UploadRecord {
+  std::filesystem::path url; // the saved file under its final name
+  std::int64_t bytes = 0;
+  std::string remoteAddress;
+  std::optional<std::string> mediaType; // as the request named it
+  Instant receivedAt;                   // when the upload was admitted
+
+  bool operator==(const UploadRecord &) const = default;
+};
+
+// What is known of an upload when it is admitted.
+struct AdmittedUpload {
+  IncomingPart part;
+  SaveDestination destination; // as it stood at admission
+  std::int64_t expected = 0;   // declared length of the body
+  std::optional<std::string> mediaType;
+  std::optional<std::string> filename; // what the phone calls the file
+  std::string remote;
+  Instant startedAt;
+};
+
+// Receives the body of one upload into its part file and turns it into a saved photo or video. The body is never
+// held in memory: only the first bytes are kept, to tell the type. Whatever fails, the part file is deleted and
+// the phone is told; "200" is answered only once the file is on the disk under its final name.
+//
+// Belongs to one connection and is called on its thread. Allocator, file system, activity and `onUpload` are
+// borrowed and outlive it.
+class UploadSink final : public HTTPBodySink {
+public:
+  UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSystem &files, UploadActivity &activity,
+             const std::function<void(const UploadRecord &)> &onUpload);
+  ~UploadSink() override;
+
+  IOResult<void> write(std::span<const std::byte> bytes) override;
+  HTTPResponse finish() override;
+  void abort() override;
+
+private:
+  [[nodiscard]] HTTPResponse refuse(std::int64_t status, std::string_view text);
+  [[nodiscard]] IOResult<void> settle();
+
+  AdmittedUpload upload_;
+  NameAllocator &allocator_;
+  FileSystem &files_;
+  UploadActivity::Upload activity_;
+  const std::function<void(const UploadRecord &)> &onUpload_;
+  std::array<std::byte, FileTypeSniffer::kHeaderBytes> header_{};
+  std::size_t headerBytes_ = 0;
+  std::int64_t written_ = 0;
+  bool finished_ = false;
+};
+
+} // namespace fennick
