@@ -1,0 +1,47 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace fennick {
+
+// The format that processed pictures are written in.
+enum class OutputFormat {
+  keep, // the source's own format where it can be written
+  jpeg,
+  heic, // JPEG on a computer that cannot write HEIC
+  png,
+};
+
+// Every format, in the order in which people choose from them.
+inline constexpr std::array kOutputFormats{OutputFormat::keep, OutputFormat::jpeg, OutputFormat::heic,
+                                           OutputFormat::png};
+
+// The name under which a format is stored: "keep", "jpeg", "heic", "png".
+[[nodiscard]] std::string_view rawValue(OutputFormat format);
+// Nothing for any other name; upper case counts.
+[[nodiscard]] std::optional<OutputFormat> outputFormat(std::string_view rawValue);
+
+// What happens to each received picture. The initial values are those of a stored record that lacks the
+// field.
+struct ImagingOptions {
+  std::optional<std::int64_t> maxPixels{}; // largest long edge in pixels; absent: no resizing
+  std::optional<std::int64_t> maxBytes{};  // largest encoded file in bytes; absent: no size target
+  OutputFormat format = OutputFormat::keep;
+  double quality = 0.85;         // of lossy encoding, 0 to 1, as stored
+  double qualityFloor = 0.5;     // how low the search for `maxBytes` may go, as stored
+  bool stripLocation = false;    // leave out the GPS block
+  bool stripAllMetadata = false; // leave out EXIF, TIFF, IPTC and GPS altogether
+  bool keepOriginal = false;     // move the untouched upload to "originals" before it is replaced
+
+  bool operator==(const ImagingOptions &) const = default;
+
+  // What encoders are given, whatever is stored: the quality within 0.3 to 1, the floor within 0.1 and that
+  // quality.
+  [[nodiscard]] double qualityInUse() const;
+  [[nodiscard]] double floorInUse() const;
+};
+
+} // namespace fennick

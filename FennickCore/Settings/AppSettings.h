@@ -1,0 +1,45 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Settings/FolderBookmark.h"
+#include "FennickCore/Storage/NamingPolicy.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace fennick {
+
+// What happens on this computer after a file was received.
+struct WorkflowOptions {
+  bool copyToClipboard = false;
+  std::optional<BookmarkData> openWithAppBookmark{}; // the application that opens received files
+  std::optional<std::string> openWithAppName{};      // its name as people know it
+  bool playSound = false;
+  bool notify = false;
+
+  bool operator==(const WorkflowOptions &) const = default;
+};
+
+// Everything the user sets. The initial values are those of a new installation and of a stored record that
+// lacks the field. A new field is listed in SettingsFields.h as well, which does not compile without it.
+struct AppSettings {
+  std::uint16_t preferredPort = 8000;               // the server takes the next free one when it is in use
+  std::optional<BookmarkData> saveFolderBookmark{}; // absent: FolderBookmark::defaultFolder()
+  bool dateSubfolders = false;
+  NamingPolicy naming{};                           // by the moment of receipt
+  std::int64_t maxUploadBytes = 300 * 1024 * 1024; // of one file
+  std::optional<std::string> preferredInterface{}; // a LANAddress::interface; absent: chosen automatically
+  ImagingOptions imaging{};
+  WorkflowOptions workflow{};
+  std::optional<std::int64_t> hotKeyPreset{};    // absent: no global shortcut
+  std::optional<std::string> sessionSubfolder{}; // one name below the save folder; absent or empty: none
+  bool galleryEnabled = false;
+  std::optional<std::string> galleryFolder{}; // below the save folder; absent or empty: where uploads go
+  std::optional<std::int64_t> folderLimit{};  // most photos and videos in the folder; absent: no limit
+  bool autoPrune = true;                      // make room by removing the oldest; only ever with a limit
+
+  bool operator==(const AppSettings &) const = default;
+};
+
+} // namespace fennick

@@ -1,0 +1,128 @@
+#include "FennickCore/Settings/SettingsStore.h"
+
+#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Settings/AccessKey.h"
+#include "FennickCore/Settings/SettingsCodec.h"
+#include "tests/Settings/FullSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+
+namespace fennick {
+namespace {
+
+class MemoryPreferences final : public Preferences {
+public:
+  [[nodiscard]] std::optional<std::string> text(std::string_view key) const override {
+    const auto found = texts.find(key);
+    return found == texts.end() ? std::nullopt : std::optional(found->second);
+  }
+  [[nodiscard]] bool flag(std::string_view) const override { return false; }
+  std::expected<void, std::error_code> setText(std::string_view key, std::string_view value) override {
+    texts.insert_or_assign(std::string(key), std::string(value));
+    return {};
+  }
+  std::expected<void, std::error_code> setFlag(std::string_view, bool) override { return {}; }
+
+  std::map<std::string, std::string, std::less<>> texts;
+};
+
+class SettingsStoreTest : public ::testing::Test {
+protected:
+  [[nodiscard]] AppSettings storedSettings() const {
+    return decodeAppSettings(preferences.text("settings.v1").value()).value();
+  }
+  static auto portTo(std::uint16_t port) {
+    return [port](AppSettings &settings) { settings.preferredPort = port; };
+  }
+
+  MemoryPreferences preferences;
+};
+
+TEST_F(SettingsStoreTest, WhatIsChangedIsThereInTheNextRun) {
+  std::string key;
+  {
+    SettingsStore store(preferences);
+    store.setSettings(test::fullSettings());
+    key = store.accessKey();
+  }
+  const SettingsStore next(preferences);
+  EXPECT_EQ(next.settings(), test::fullSettings());
+  EXPECT_EQ(next.accessKey(), key);
+}
+
+TEST_F(SettingsStoreTest, UnreadableSettingsAreTheInitialOnesAndStayStoredUntilTheNextChange) {
+  const std::string damaged = R"({"preferredPort":9000,"maxUploadBytes":"big"})";
+  preferences.texts["settings.v1"] = damaged;
+  SettingsStore store(preferences);
+  EXPECT_EQ(store.settings(), AppSettings{});
+  EXPECT_EQ(preferences.text("settings.v1"), damaged);
+  store.update(portTo(9001));
+  EXPECT_EQ(storedSettings().preferredPort, 9001);
+}
+
+TEST_F(SettingsStoreTest, AMissingOrEmptyKeyIsMadeAndStoredAtOnce) {
+  preferences.texts["accessKey"] = "";
+  const SettingsStore store(preferences);
+  EXPECT_EQ(store.accessKey().size(), 10U);
+  EXPECT_EQ(store.accessKey().find_first_not_of(AccessKey::kAlphabet), std::string::npos);
+  EXPECT_EQ(preferences.text("accessKey"), store.accessKey());
+}
+
+TEST_F(SettingsStoreTest, ObserversHearOfAChangeBeforeItIsStored) {
+  SettingsStore store(preferences);
+  const std::string firstKey = store.accessKey();
+  std::optional<AppSettings> heard;
+  std::string heardKey;
+  const auto settings = store.observeSettings([&](const AppSettings &value) {
+    heard = value;
+    EXPECT_EQ(store.settings(), value);
+    EXPECT_FALSE(preferences.text("settings.v1"));
+  });
+  const auto key = store.observeAccessKey([&](const std::string &value) {
+    heardKey = value;
+    EXPECT_EQ(preferences.text("accessKey"), firstKey);
+  });
+
+  store.update(portTo(9000));
+  store.resetAccessKey();
+  EXPECT_EQ(heard, storedSettings());
+  EXPECT_NE(heardKey, firstKey);
+  EXPECT_EQ(heardKey, preferences.text("accessKey"));
+}
+
+TEST_F(SettingsStoreTest, ASubscriptionEndsWithItsHandleEvenWhileObserversAreCalled) {
+  SettingsStore store(preferences);
+  int calls = 0;
+  auto second = std::make_optional<Subscription>();
+  const auto first = store.observeSettings([&](const AppSettings &) { second.reset(); });
+  second = store.observeSettings([&](const AppSettings &) { ++calls; });
+  store.update(portTo(9000));
+  EXPECT_EQ(calls, 0);
+}
+
+TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
+  SettingsStore store(preferences);
+  std::uint16_t heard = 0;
+  const auto corrector = store.observeSettings([&](const AppSettings &value) {
+    if (value.preferredPort == 1)
+      store.update(portTo(8001));
+  });
+  const auto listener = store.observeSettings([&](const AppSettings &value) { heard = value.preferredPort; });
+  store.update(portTo(1));
+  EXPECT_EQ(heard, 8001);
+  EXPECT_EQ(storedSettings().preferredPort, 8001);
+}
+
+TEST_F(SettingsStoreTest, ARecordThatCannotBeEncodedLeavesTheStoredOne) {
+  SettingsStore store(preferences);
+  store.update(portTo(9000));
+  store.update([](AppSettings &settings) { settings.preferredInterface = "\xFF"; });
+  EXPECT_EQ(storedSettings().preferredInterface, std::nullopt);
+  EXPECT_EQ(storedSettings().preferredPort, 9000);
+}
+
+} // namespace
+} // namespace fennick
