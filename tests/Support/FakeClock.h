@@ -1,0 +1,37 @@
+#pragma once
+
+#include "FennickCore/Platform/Clock.h"
+
+#include <atomic>
+#include <cstdint>
+
+namespace fennick::test {
+
+// Time that stands still until a test moves it. Both clocks; any thread.
+class FakeClock final : public Clock {
+public:
+  [[nodiscard]] Instant now() const override { return Instant(std::chrono::nanoseconds(now_)); }
+  [[nodiscard]] Uptime uptime() const override { return Uptime(std::chrono::nanoseconds(uptime_)); }
+
+  // Time passes: both clocks move.
+  void advance(Seconds length) { move(std::chrono::duration_cast<std::chrono::nanoseconds>(length)); }
+  // Time passes until `moment` on the uptime clock; a moment that is over already changes nothing.
+  void advanceTo(Uptime moment) {
+    if (moment > uptime())
+      move(moment - uptime());
+  }
+  // Somebody sets the computer's clock: the calendar jumps, the uptime does not.
+  void setCalendar(Instant now) { now_ = now.time_since_epoch().count(); }
+
+private:
+  void move(std::chrono::nanoseconds step) {
+    now_ += step.count();
+    uptime_ += step.count();
+  }
+
+  // 2024-05-01 12:00:00 UTC, on a computer that has been up for an hour.
+  std::atomic<std::int64_t> now_ = 1'714'564'800'000'000'000;
+  std::atomic<std::int64_t> uptime_ = 3'600'000'000'000;
+};
+
+} // namespace fennick::test

@@ -1,0 +1,140 @@
+#include "tests/Support/FaultyFileSystem.h"
+
+#include <utility>
+
+namespace fennick::test {
+
+namespace fs = std::filesystem;
+
+class FaultyFileSystem::File final : public WritableFile {
+public:
+  File(FaultyFileSystem &owner, std::unique_ptr<WritableFile> file) : owner_(owner), file_(std::move(file)) {}
+
+  IOResult<void> write(std::span<const std::byte> bytes) override {
+    const auto entered = owner_.enter(Operation::write);
+    return entered ? file_->write(bytes) : entered;
+  }
+  IOResult<void> sync() override {
+    const auto entered = owner_.enter(Operation::sync);
+    return entered ? file_->sync() : entered;
+  }
+  IOResult<void> close() override {
+    const auto entered = owner_.enter(Operation::close);
+    const auto closed = file_->close();
+    return entered ? closed : entered;
+  }
+
+private:
+  FaultyFileSystem &owner_;
+  std::unique_ptr<WritableFile> file_;
+};
+
+void FaultyFileSystem::failNth(Operation operation, int nth, int error) {
+  const Locked locked(lock_);
+  Switch &chosen = switches_[operation];
+  chosen.failAt = chosen.calls + nth;
+  chosen.always = false;
+  chosen.error = error;
+}
+
+void FaultyFileSystem::failAlways(Operation operation, int error) {
+  const Locked locked(lock_);
+  Switch &chosen = switches_[operation];
+  chosen.always = true;
+  chosen.error = error;
+}
+
+void FaultyFileSystem::mend(Operation operation) {
+  const Locked locked(lock_);
+  Switch &chosen = switches_[operation];
+  chosen.always = false;
+  chosen.failAt = 0;
+}
+
+void FaultyFileSystem::before(Operation operation, std::function<void()> action) {
+  const Locked locked(lock_);
+  switches_[operation].before = std::move(action);
+}
+
+void FaultyFileSystem::setAvailableBytes(std::optional<std::int64_t> bytes) {
+  const Locked locked(lock_);
+  availableBytes_ = bytes;
+}
+
+int FaultyFileSystem::calls(Operation operation) const {
+  const Locked locked(lock_);
+  const auto found = switches_.find(operation);
+  return found == switches_.end() ? 0 : found->second.calls;
+}
+
+IOResult<void> FaultyFileSystem::enter(Operation operation) {
+  std::function<void()> before;
+  bool fails = false;
+  int error = 0;
+  {
+    const Locked locked(lock_);
+    Switch &chosen = switches_[operation];
+    ++chosen.calls;
+    before = chosen.before;
+    fails = chosen.always || chosen.calls == chosen.failAt;
+    error = chosen.error;
+  }
+  if (before)
+    before();
+  if (fails)
+    return std::unexpected(std::error_code(error, std::generic_category()));
+  return {};
+}
+
+IOResult<std::unique_ptr<WritableFile>> FaultyFileSystem::createFile(const fs::path &file) {
+  if (const auto entered = enter(Operation::createFile); !entered)
+    return std::unexpected(entered.error());
+  auto created = system_.createFile(file);
+  if (!created)
+    return created;
+  return std::make_unique<File>(*this, std::move(*created));
+}
+
+IOResult<void> FaultyFileSystem::createDirectories(const fs::path &folder) {
+  const auto entered = enter(Operation::createDirectories);
+  return entered ? system_.createDirectories(folder) : entered;
+}
+
+IOResult<void> FaultyFileSystem::moveNoReplace(const fs::path &from, const fs::path &to) {
+  const auto entered = enter(Operation::moveNoReplace);
+  return entered ? system_.moveNoReplace(from, to) : entered;
+}
+
+IOResult<void> FaultyFileSystem::replace(const fs::path &from, const fs::path &to) {
+  const auto entered = enter(Operation::replace);
+  return entered ? system_.replace(from, to) : entered;
+}
+
+IOResult<void> FaultyFileSystem::remove(const fs::path &file) {
+  const auto entered = enter(Operation::remove);
+  return entered ? system_.remove(file) : entered;
+}
+
+IOResult<void> FaultyFileSystem::syncDirectory(const fs::path &folder) {
+  const auto entered = enter(Operation::syncDirectory);
+  return entered ? system_.syncDirectory(folder) : entered;
+}
+
+IOResult<std::vector<DirectoryEntry>> FaultyFileSystem::list(const fs::path &folder) {
+  if (const auto entered = enter(Operation::list); !entered)
+    return std::unexpected(entered.error());
+  return system_.list(folder);
+}
+
+IOResult<std::int64_t> FaultyFileSystem::availableBytes(const fs::path &folder) {
+  if (const auto entered = enter(Operation::availableBytes); !entered)
+    return std::unexpected(entered.error());
+  {
+    const Locked locked(lock_);
+    if (availableBytes_)
+      return *availableBytes_;
+  }
+  return system_.availableBytes(folder);
+}
+
+} // namespace fennick::test

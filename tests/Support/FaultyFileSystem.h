@@ -1,0 +1,71 @@
+#pragma once
+
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Mutex.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+
+namespace fennick::test {
+
+// The system's file system with a switch for every operation that can go wrong. Any thread.
+class FaultyFileSystem final : public FileSystem {
+public:
+  enum class Operation {
+    createFile,
+    createDirectories,
+    write,
+    sync,
+    close,
+    moveNoReplace,
+    replace,
+    remove,
+    syncDirectory,
+    list,
+    availableBytes,
+  };
+
+  // Of the coming calls of `operation`, the `nth` (1 is the next one) fails with `error` and does nothing
+  // else; a failing close closes all the same. One plan an operation; a new one takes the place of the old.
+  void failNth(Operation operation, int nth, int error);
+  void failNext(Operation operation, int error) { failNth(operation, 1, error); }
+  // Every coming call fails, until `mend`.
+  void failAlways(Operation operation, int error);
+  void mend(Operation operation);
+  // Runs `action` at the start of every coming call, with no lock held: whatever another program does just
+  // then.
+  void before(Operation operation, std::function<void()> action);
+  void setAvailableBytes(std::optional<std::int64_t> bytes);
+  // Calls so far, failed ones included.
+  [[nodiscard]] int calls(Operation operation) const;
+
+  IOResult<std::unique_ptr<WritableFile>> createFile(const std::filesystem::path &file) override;
+  IOResult<void> createDirectories(const std::filesystem::path &folder) override;
+  IOResult<void> moveNoReplace(const std::filesystem::path &from, const std::filesystem::path &to) override;
+  IOResult<void> replace(const std::filesystem::path &from, const std::filesystem::path &to) override;
+  IOResult<void> remove(const std::filesystem::path &file) override;
+  IOResult<void> syncDirectory(const std::filesystem::path &folder) override;
+  IOResult<std::vector<DirectoryEntry>> list(const std::filesystem::path &folder) override;
+  IOResult<std::int64_t> availableBytes(const std::filesystem::path &folder) override;
+
+private:
+  class File;
+  struct Switch {
+    int calls = 0;
+    int failAt = 0; // the number of the call that fails; 0 for none
+    bool always = false;
+    int error = 0;
+    std::function<void()> before;
+  };
+
+  // Counts a call; the error when this one is to fail.
+  IOResult<void> enter(Operation operation);
+
+  SystemFileSystem system_;
+  mutable Mutex lock_;
+  std::map<Operation, Switch> switches_ GUARDED_BY(lock_);
+  std::optional<std::int64_t> availableBytes_ GUARDED_BY(lock_);
+};
+
+} // namespace fennick::test

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "FennickCore/Platform/ByteStream.h"
+#include "FennickCore/Platform/Mutex.h"
+#include "tests/Support/FakeClock.h"
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace fennick::test {
+
+// A peer that follows a script: `stream.sends("GET / ").pauses(Seconds(3)).sends("HTTP/1.1\r\n\r\n").ends()`.
+// Each `sends` is one piece: a `receive` never gives bytes of two. When the script is over the peer is
+// silent: time passes to the deadline. The script is written before the stream is used.
+class ScriptedStream final : public ByteStream {
+public:
+  explicit ScriptedStream(FakeClock &clock) : clock_(clock) {}
+
+  ScriptedStream &sends(std::string_view bytes);
+  ScriptedStream &pauses(Seconds length); // times the caller out when its deadline comes first
+  ScriptedStream &ends();                 // the peer has ended its side, for good
+  ScriptedStream &resets();               // the connection is broken, for good
+  ScriptedStream &meanwhile(std::function<void()> action); // runs on the caller's thread
+  ScriptedStream &waitsForCancel();                        // sleeps until another thread cancels
+
+  // How the peer reads: so many bytes a `send` at most, each after so long; nothing after `sends` calls.
+  ScriptedStream &takesAtMost(std::size_t bytes);
+  ScriptedStream &readsAfter(Seconds length);
+  ScriptedStream &stopsReadingAfter(int sends);
+  // The nth call of `receive` or `send`, counted together from 1, finds the connection broken; so do all
+  // later.
+  ScriptedStream &breaksAtCall(int nth);
+
+  std::expected<std::size_t, StreamError> receive(std::span<std::byte> into, Uptime deadline) override;
+  std::expected<std::size_t, StreamError> send(std::span<const std::byte> bytes, Uptime deadline) override;
+  void finishOutput() override { outputFinished_ = true; }
+  void cancel() override;
+
+  [[nodiscard]] std::string sent() const; // everything that was taken
+  [[nodiscard]] const std::vector<std::string> &pieces() const { return pieces_; } // one a `send`
+  [[nodiscard]] bool outputFinished() const { return outputFinished_; }
+  [[nodiscard]] int calls() const { return calls_; }
+  [[nodiscard]] std::size_t unread() const; // bytes of the script that were never received
+  // Returns once somebody sleeps in a `waitsForCancel`.
+  void awaitWaiter();
+
+private:
+  struct Piece {
+    std::string bytes;
+  };
+  struct Pause {
+    Seconds length;
+  };
+  struct End {};
+  struct Reset {};
+  struct Meanwhile {
+    std::function<void()> action;
+  };
+  struct WaitForCancel {};
+  using Step = std::variant<Piece, Pause, End, Reset, Meanwhile, WaitForCancel>;
+  using Outcome = std::expected<std::size_t, StreamError>;
+
+  // The error that every call meets just now, if any.
+  std::expected<void, StreamError> enter(Uptime deadline);
+  std::expected<void, StreamError> pass(Seconds length, Uptime deadline);
+  Outcome timeOut(Uptime deadline);
+  Outcome take(Piece &piece, std::span<std::byte> into);
+  void sleepUntilCancelled();
+
+  FakeClock &clock_;
+  std::deque<Step> script_;
+  std::size_t mostTaken_ = std::numeric_limits<std::size_t>::max();
+  Seconds readDelay_{};
+  int readsLeft_ = std::numeric_limits<int>::max();
+  int brokenAt_ = std::numeric_limits<int>::max();
+  int calls_ = 0;
+  std::vector<std::string> pieces_;
+  bool outputFinished_ = false;
+
+  Mutex lock_;
+  std::condition_variable changed_;
+  bool cancelled_ GUARDED_BY(lock_) = false;
+  bool waiting_ GUARDED_BY(lock_) = false;
+};
+
+} // namespace fennick::test

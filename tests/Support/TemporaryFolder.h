@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace fennick::test {
+
+// An empty folder of a test's own, gone with everything in it when the object goes.
+class TemporaryFolder {
+public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder &) = delete;
+  TemporaryFolder &operator=(const TemporaryFolder &) = delete;
+
+  [[nodiscard]] const std::filesystem::path &path() const { return path_; }
+  [[nodiscard]] std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+  // Writes a file under `name` ("sub/name" makes the folders as well); gives its path.
+  std::filesystem::path write(std::string_view name, std::string_view content = "content") const;
+  [[nodiscard]] std::string read(std::string_view name) const;
+  std::filesystem::path makeFolder(std::string_view name) const;
+  // The names directly inside, or inside the folder `below`, sorted.
+  [[nodiscard]] std::vector<std::string> names(std::string_view below = "") const;
+
+private:
+  std::filesystem::path path_;
+};
+
+} // namespace fennick::test
