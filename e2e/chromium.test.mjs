@@ -1,0 +1,4 @@
+import { Chromium } from './lib/chromium.mjs';
+import { scenarios } from './lib/scenarios.mjs';
+
+scenarios(Chromium);

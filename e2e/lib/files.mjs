@@ -1,0 +1,79 @@
+// Makes the pictures and videos that the tests send: small, valid, and each one different.
+
+import fs from 'node:fs';
+import path from 'node:path';
+import zlib from 'node:zlib';
+
+// An eight by eight pixel JPEG.
+const jpeg = Buffer.from(
+  '/9j/4AAQSkZJRgABAQAAAQABAAD/2wBDAA0JCgsKCA0LCgsODg0PEyAVExISEyccHhcgLikxMC4pLSwzOko+MzZGNywtQFdBRkxOUlNSMj5aYVpQYEpRUk//' +
+  '2wBDAQ4ODhMREyYVFSZPNS01T09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT0//wAARCAAIAAgDASIAAhEBAxEB/8QA' +
+  'FQABAQAAAAAAAAAAAAAAAAAAAAT/xAAUEAEAAAAAAAAAAAAAAAAAAAAA/8QAFQEBAQAAAAAAAAAAAAAAAAAAAgX/xAAUEQEAAAAAAAAAAAAAAAAAAAAA' +
+  '/9oADAMBAAIRAxEAPwCQA0p//9k=', 'base64');
+
+let serial = 0;
+
+// What comes after the picture's own end is ignored by decoders, so padding keeps the file valid.
+function padded(start, size) {
+  const tail = Buffer.alloc(Math.max(16, size - start.length), 0x20);
+  tail.write(`no ${++serial} `);
+  return Buffer.concat([start, tail]);
+}
+
+function box(type, body) {
+  const head = Buffer.alloc(8);
+  head.writeUInt32BE(8 + body.length);
+  head.write(type, 4, 'latin1');
+  return Buffer.concat([head, body]);
+}
+
+function chunk(type, body) {
+  const named = Buffer.concat([Buffer.from(type, 'latin1'), body]);
+  const frame = Buffer.alloc(12 + body.length);
+  frame.writeUInt32BE(body.length);
+  named.copy(frame, 4);
+  frame.writeUInt32BE(crc(named), 8 + body.length);
+  return frame;
+}
+
+function crc(bytes) {
+  let value = ~0;
+  for (const byte of bytes) {
+    value ^= byte;
+    for (let bit = 0; bit < 8; bit++) value = (value >>> 1) ^ (0xedb88320 & -(value & 1));
+  }
+  return ~value >>> 0;
+}
+
+function png() {
+  const edge = 16;
+  const head = Buffer.alloc(13);
+  head.writeUInt32BE(edge, 0);
+  head.writeUInt32BE(edge, 4);
+  head.set([8, 2], 8);
+  const line = Buffer.alloc(1 + edge * 3, ++serial * 37);
+  line[0] = 0;
+  const pixels = zlib.deflateSync(Buffer.concat(Array(edge).fill(line)));
+  return Buffer.concat([Buffer.from('\x89PNG\r\n\x1a\n', 'latin1'), chunk('IHDR', head), chunk('IDAT', pixels), chunk('IEND', Buffer.alloc(0))]);
+}
+
+function bytesFor(name, size) {
+  switch (path.extname(name).toLowerCase()) {
+    case '.png': return padded(png(), size);
+    case '.mp4': return Buffer.concat([box('ftyp', Buffer.from('isom\0\0\0\0isomiso2', 'latin1')), box('mdat', padded(Buffer.alloc(0), size))]);
+    case '.dng': return padded(Buffer.from('II*\0\x08\0\0\0\0\0\0\0\0\0\0\0', 'latin1'), size);
+    case '.txt': return Buffer.from('not a picture');
+    default: return padded(jpeg, size);
+  }
+}
+
+// Writes a file of about `size` bytes whose kind follows from its name, and gives its path.
+export function make(folder, name, size = 4000) {
+  const file = path.join(folder, name);
+  fs.mkdirSync(folder, { recursive: true });
+  fs.writeFileSync(file, size === 0 ? Buffer.alloc(0) : bytesFor(name, size));
+  return file;
+}
+
+export const makeMany = (folder, count, size) =>
+  Array.from({ length: count }, (_, i) => make(folder, `IMG_${String(i + 1).padStart(4, '0')}.jpg`, size));

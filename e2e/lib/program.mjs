@@ -1,0 +1,129 @@
+// Starts the real program and listens to what it says on its standard output.
+
+import { spawn } from 'node:child_process';
+import { createHash } from 'node:crypto';
+import fs from 'node:fs';
+import os from 'node:os';
+import path from 'node:path';
+import readline from 'node:readline';
+
+export const binary = process.env.TEVRIN_HEADLESS;
+
+const scratches = [];
+process.on('exit', () => scratches.forEach((folder) => fs.rmSync(folder, { recursive: true, force: true })));
+
+// A folder for as long as the tests run: programs and browsers are still using it when a test ends.
+export function scratch() {
+  const folder = fs.mkdtempSync(path.join(os.tmpdir(), 'tevrin-e2e-'));
+  scratches.push(folder);
+  return folder;
+}
+
+export class Program {
+  // `home` holds the save folder and the state; programs that share a home share the access key.
+  static async start(t, { home = scratch(), folder = path.join(home, 'photos'), state = path.join(home, 'state'), port, set = {} } = {}) {
+    const program = new Program(folder);
+    fs.mkdirSync(folder, { recursive: true });
+    const args = ['--json', '--no-qr', '--folder', folder, '--state-dir', state];
+    args.push('--port', String(port ?? 20000 + Math.floor(Math.random() * 20000)));
+    for (const [name, value] of Object.entries(set)) args.push('--set', `${name}=${value}`);
+    program.#spawn(args);
+    t.after(() => program.stop());
+    const listening = await program.said((event) => event.event === 'listening', 'the program to listen');
+    program.port = listening.port;
+    program.key = listening.accessKey;
+    program.url = `http://127.0.0.1:${program.port}/?k=${encodeURIComponent(program.key)}`;
+    return program;
+  }
+
+  constructor(folder) {
+    this.folder = folder;
+    this.events = [];
+    this.waiters = new Set();
+  }
+
+  #spawn(args) {
+    this.child = spawn(binary, args, { stdio: ['ignore', 'pipe', 'pipe'] });
+    this.stderr = '';
+    this.child.stderr.on('data', (data) => { this.stderr += data; });
+    this.exited = new Promise((resolve) => this.child.once('exit', (code, signal) => resolve({ code, signal })));
+    this.exited.then(() => { this.gone = true; this.#wake(); });
+    readline.createInterface({ input: this.child.stdout }).on('line', (line) => {
+      this.events.push(JSON.parse(line));
+      this.#wake();
+    });
+  }
+
+  #wake() {
+    for (const waiter of this.waiters) waiter();
+  }
+
+  // The first event that `test` accepts, now or later.
+  said(test, what, patience = 20000) {
+    return new Promise((resolve, reject) => {
+      const finish = (settle, value) => {
+        clearTimeout(alarm);
+        this.waiters.delete(look);
+        settle(value);
+      };
+      const look = () => {
+        const found = this.events.find(test);
+        if (found) finish(resolve, found);
+        else if (this.gone) finish(reject, new Error(`the program ended while waiting for ${what}: ${this.stderr}`));
+      };
+      const alarm = setTimeout(() => finish(reject, new Error(`waited in vain for ${what}`)), patience);
+      this.waiters.add(look);
+      look();
+    });
+  }
+
+  get received() {
+    return this.events.filter((event) => event.event === 'received');
+  }
+
+  // The program stands still, as a computer that fell asleep; connections stay open.
+  freeze() { this.child.kill('SIGSTOP'); }
+  thaw() { this.child.kill('SIGCONT'); }
+
+  async stop() {
+    if (!this.gone) {
+      this.child.kill('SIGTERM');
+      this.thaw();
+      const alarm = setTimeout(() => this.child.kill('SIGKILL'), 10000);
+      await this.exited;
+      clearTimeout(alarm);
+    }
+    return this.exited;
+  }
+
+  // Unfinished uploads on the disk.
+  parts() {
+    const incoming = path.join(this.folder, '.fennick-incoming');
+    return fs.existsSync(incoming) ? fs.readdirSync(incoming) : [];
+  }
+
+  saved() {
+    return fs.readdirSync(this.folder, { recursive: true })
+      .map((name) => path.join(this.folder, name))
+      .filter((file) => !file.includes('.fennick-') && fs.statSync(file).isFile());
+  }
+
+  async freezeInUpload() {
+    await until(() => this.parts().length > 0, 'an upload to begin', 20000, 1);
+    this.freeze();
+  }
+}
+
+export const digest = (file) => createHash('sha256').update(fs.readFileSync(file)).digest('hex');
+export const digests = (files) => files.map(digest).sort();
+
+// Looks again and again until `test` holds.
+export async function until(test, what, patience = 20000, every = 30) {
+  const end = Date.now() + patience;
+  for (;;) {
+    const value = await test();
+    if (value) return value;
+    if (Date.now() > end) throw new Error(`waited in vain for ${what}`);
+    await new Promise((resolve) => setTimeout(resolve, every));
+  }
+}

@@ -1,0 +1,32 @@
+// The computer admits 120 uploads a minute from one address. This takes more than a minute of waiting, so it
+// has a file of its own and runs beside the others.
+
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import { Chromium } from './lib/chromium.mjs';
+import { makeMany } from './lib/files.mjs';
+import { Program, digests, scratch } from './lib/program.mjs';
+
+test('a pick of more files than a minute admits is delivered to the last one, without a failure', async (t) => {
+  const browser = await Chromium.launch();
+  t.after(() => browser.close());
+  const program = await Program.start(t);
+  const page = await browser.visitor(t);
+  const files = makeMany(scratch(), 130);
+  await page.ready(program.url);
+  await page.choose(files);
+  assert.match(await page.hold('pace'), /每分钟/);
+  await page.count('failed', 0);
+
+  // A second phone behind the same address knows nothing of the first, and is turned away until there is room.
+  const other = await browser.visitor(t);
+  const more = makeMany(scratch(), 4, 5000);
+  await other.ready(program.url);
+  await other.choose(more);
+  assert.match(await other.hold('pace'), /每分钟/);
+  assert.equal((await other.inState('failed')).length, 0);
+
+  await Promise.all([page.done(100_000), other.done(100_000)]);
+  assert.equal((await page.inState('saved')).length, 130);
+  assert.deepEqual(digests(program.saved()), digests([...files, ...more]));
+});
