@@ -1,0 +1,28 @@
+#pragma once
+
+#include "FennickCore/Network/LANAddress.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+// How a phone reaches this computer. Pure functions; any thread.
+namespace quarrow {
+
+// The first address of the interface the person prefers; the first of all when there is no such preference or
+// that interface is not up; nothing without addresses.
+[[nodiscard]] std::optional<fennick::LANAddress>
+preferredAddress(std::span<const fennick::LANAddress> addresses,
+                 const std::optional<std::string> &preferredInterface);
+
+// "http://192.168.1.20:8000"; nothing while there is no address or no server listens.
+[[nodiscard]] std::optional<std::string> baseURL(const std::optional<fennick::LANAddress> &address,
+                                                 std::optional<std::uint16_t> port);
+
+// What the QR code says: the page.
+[[nodiscard]] std::string phoneURL(const std::string &baseURL, const std::string &accessKey);
+// Where a phone's shortcut, or curl, sends a photo.
+[[nodiscard]] std::string shortcutUploadURL(const std::string &baseURL, const std::string &accessKey);
+
+} // namespace quarrow

@@ -1,0 +1,39 @@
+#include "Quarrow/App/RouterConfig.h"
+
+#include <utility>
+
+namespace quarrow {
+
+using fennick::Locked;
+
+void RouterConfig::update(Values values) {
+  const Locked locked(lock_);
+  values_ = std::move(values);
+}
+
+std::string RouterConfig::key() const {
+  const Locked locked(lock_);
+  return values_.key;
+}
+
+fennick::SaveDestination RouterConfig::destination() const {
+  const Locked locked(lock_);
+  return values_.destination;
+}
+
+std::int64_t RouterConfig::maxBytes() const {
+  const Locked locked(lock_);
+  return values_.maxBytes;
+}
+
+std::optional<std::filesystem::path> RouterConfig::gallery() const {
+  const Locked locked(lock_);
+  return values_.gallery;
+}
+
+fennick::UploadRouter::UploadPolicy RouterConfig::policy() const {
+  const Locked locked(lock_);
+  return values_.policy;
+}
+
+} // namespace quarrow

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Storage/SaveDestination.h"
+#include "FennickCore/Upload/UploadRouter.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quarrow {
+
+// The live configuration of the upload router: written by the coordinator on the main thread, all values in one
+// step, and read by the server's connections for each request. Any thread; guarded by its own lock.
+class RouterConfig {
+public:
+  struct Values {
+    std::string key; // the access key the router accepts
+    fennick::SaveDestination destination;
+    std::int64_t maxBytes = 0;                    // most bytes of one upload
+    std::optional<std::filesystem::path> gallery; // the folder the gallery shows; absent while it is off
+    fennick::UploadRouter::UploadPolicy policy;
+  };
+
+  // From now on every request sees the new values, never a mixture.
+  void update(Values values);
+
+  [[nodiscard]] std::string key() const;
+  [[nodiscard]] fennick::SaveDestination destination() const;
+  [[nodiscard]] std::int64_t maxBytes() const;
+  [[nodiscard]] std::optional<std::filesystem::path> gallery() const;
+  [[nodiscard]] fennick::UploadRouter::UploadPolicy policy() const;
+
+private:
+  mutable fennick::Mutex lock_;
+  Values values_ GUARDED_BY(lock_);
+};
+
+} // namespace quarrow

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quarrow {
+
+// What the terminal receiver was asked to do.
+struct CommandLine {
+  std::optional<std::filesystem::path> folder; // absolute; the save folder for this run
+  std::optional<std::uint16_t> port;           // the preferred port for this run
+  std::optional<std::filesystem::path> stateDirectory;
+  std::vector<std::string> overrides; // "KEY=VALUE", in the order given
+  bool json = false;
+  bool qr = true;
+  bool showVersion = false;
+  std::optional<std::string> help; // the text to show instead of running
+
+  // Reads the arguments after the program's name. The error is a sentence for standard error. Main thread.
+  [[nodiscard]] static std::expected<CommandLine, std::string> parse(std::vector<std::string> arguments);
+};
+
+} // namespace quarrow

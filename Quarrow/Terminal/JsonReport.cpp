@@ -1,0 +1,43 @@
+#include "Quarrow/Terminal/JsonReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+
+namespace quarrow {
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+// A path that is not UTF-8 is shown with replacement characters rather than not at all.
+void printLine(const Json &event) {
+  const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fflush(stdout);
+}
+
+Json textOrNull(const std::optional<std::string> &text) { return text ? Json(*text) : Json(nullptr); }
+
+} // namespace
+
+void JsonReport::listening(const Listening &state) {
+  printLine({{"event", "listening"},
+             {"port", state.port},
+             {"accessKey", state.accessKey},
+             {"phoneUrl", textOrNull(state.phoneURL)},
+             {"uploadUrl", textOrNull(state.uploadURL)},
+             {"saveFolder", state.saveFolder.string()}});
+}
+
+void JsonReport::received(const Received &file) {
+  printLine({{"event", "received"},
+             {"name", file.name},
+             {"path", file.path.string()},
+             {"bytes", file.bytes},
+             {"note", file.note}});
+}
+
+void JsonReport::error(const std::string &message) { printLine({{"event", "error"}, {"message", message}}); }
+
+} // namespace quarrow

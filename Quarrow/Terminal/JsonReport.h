@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Quarrow/Terminal/Report.h"
+
+namespace quarrow {
+
+// One JSON object a line on standard output, flushed at once. The events and their fields are described in
+// docs/headless.md.
+class JsonReport final : public Report {
+public:
+  void listening(const Listening &state) override;
+  void received(const Received &file) override;
+  void error(const std::string &message) override;
+  [[nodiscard]] bool showsProgress() const override { return false; }
+  void progress(const fennick::UploadActivity::Snapshot &, double) override {}
+};
+
+} // namespace quarrow

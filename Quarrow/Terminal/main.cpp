@@ -1,0 +1,83 @@
+// The terminal receiver: builds its objects in order, wires them and runs until a signal comes.
+
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Directories.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/LoopQueue.h"
+#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Platform/Process.h"
+#include "FennickCore/Settings/SettingsOverride.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "Quarrow/Terminal/CommandLine.h"
+#include "Quarrow/Terminal/JsonReport.h"
+#include "Quarrow/Terminal/Receiver.h"
+#include "Quarrow/Terminal/WordsReport.h"
+
+#include <fmt/core.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kCannotStart = 1;
+constexpr int kBadUsage = 2;
+
+std::unique_ptr<quarrow::Report> makeReport(const quarrow::CommandLine &options) {
+  if (options.json)
+    return std::make_unique<quarrow::JsonReport>();
+  return std::make_unique<quarrow::WordsReport>(
+      quarrow::WordsReport::Options{.qr = options.qr,
+                                    .terminal = fennick::standardOutputIsTerminal(),
+                                    .colour = std::getenv("NO_COLOR") == nullptr});
+}
+
+int run(const quarrow::CommandLine &options) {
+  const auto stateDirectory = options.stateDirectory.value_or(fennick::configurationDirectory());
+  fennick::FilePreferences preferences(stateDirectory / "preferences.json");
+  fennick::SettingsStore store(preferences);
+  fennick::AppSettings settings = store.settings();
+  for (const auto &override : options.overrides) {
+    if (const auto applied = fennick::applyOverride(settings, override); !applied) {
+      fmt::print(stderr, "{}\n", applied.error());
+      return kBadUsage;
+    }
+  }
+  if (options.port)
+    settings.preferredPort = *options.port;
+
+  const fennick::SystemClock clock;
+  fennick::SystemFileSystem files;
+  fennick::LoopQueue mainQueue(clock);
+  mainQueue.onSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { mainQueue.quit(); });
+  const auto report = makeReport(options);
+  quarrow::Receiver receiver({.settings = settings, .accessKey = store.accessKey(), .folder = options.folder},
+                             *report, mainQueue, files, clock);
+  if (!receiver.start())
+    return kCannotStart;
+  mainQueue.run();
+  receiver.stop();
+  mainQueue.run(); // what finished in the last moment is still reported
+  return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+  fennick::prepareProcess();
+  const auto options = quarrow::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
+  if (!options) {
+    fmt::print(stderr, "{}\n", options.error());
+    return kBadUsage;
+  }
+  if (options->help || options->showVersion) {
+    fmt::print("{}", options->help ? *options->help : "tevrin-headless " TEVRIN_VERSION "\n");
+    return EXIT_SUCCESS;
+  }
+  fennick::logToStandardError();
+  return run(*options);
+}

@@ -1,0 +1,142 @@
+// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, peak memory
+// with 64 uploads under way.
+//
+//   footprint_bench MEMORY_FOLDER
+
+#include "bench/Client.h"
+#include "bench/Measure.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <optional>
+#include <thread>
+
+namespace {
+
+// The receiver as a process of its own, its standard output read line by line.
+class Receiver {
+public:
+  explicit Receiver(const std::filesystem::path &scratch) {
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0)
+      std::abort();
+    output_ = ::fdopen(ends[0], "r");
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", 1, 0);
+    ::posix_spawn_file_actions_addclose(&actions, ends[0]);
+    ::posix_spawn_file_actions_addclose(&actions, ends[1]);
+    std::vector<std::string> words{TEVRIN_HEADLESS, "--json",      "--port",  "28500",
+                                   "--folder",      scratch / "photos", "--state-dir", scratch / "state"};
+    std::vector<char *> arguments;
+    for (auto &word : words)
+      arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    ::posix_spawn(&process_, TEVRIN_HEADLESS, &actions, nullptr, arguments.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    std::array<char, 4096> line{};
+    if (std::fgets(line.data(), line.size(), output_) == nullptr)
+      std::abort();
+    listening_ = nlohmann::json::parse(line.data());
+  }
+  ~Receiver() {
+    ::kill(process_, SIGTERM);
+    ::waitpid(process_, nullptr, 0);
+    std::fclose(output_);
+  }
+  Receiver(const Receiver &) = delete;
+  Receiver &operator=(const Receiver &) = delete;
+
+  [[nodiscard]] std::uint16_t port() const { return listening_["port"]; }
+  [[nodiscard]] std::string target() const {
+    return "/upload?k=" + listening_["accessKey"].get<std::string>();
+  }
+  // A number of /proc/<pid>/status, in the unit it has there.
+  [[nodiscard]] long status(const std::string &field) const {
+    std::ifstream file(fmt::format("/proc/{}/status", process_));
+    for (std::string line; std::getline(file, line);)
+      if (line.starts_with(field + ":"))
+        return std::stol(line.substr(field.size() + 1));
+    return -1;
+  }
+  // Times that any of its threads was put to sleep and woken, or taken off the processor.
+  [[nodiscard]] long switches() const {
+    long all = 0;
+    for (const auto &task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process_))) {
+      std::ifstream file(task.path() / "status");
+      for (std::string line; std::getline(file, line);)
+        if (line.find("ctxt_switches:") != std::string::npos)
+          all += std::stol(line.substr(line.find(':') + 1));
+    }
+    return all;
+  }
+
+private:
+  pid_t process_ = 0;
+  FILE *output_ = nullptr;
+  nlohmann::json listening_;
+};
+
+void startUp(const std::filesystem::path &scratch) {
+  std::vector<double> times;
+  for (int i = 0; i < 11; ++i) {
+    std::optional<Receiver> receiver;
+    times.push_back(bench::secondsOf([&] { receiver.emplace(scratch); }));
+  }
+  fmt::print("  start to listening        {:>6.1f} ms   (aim: below 100)\n", bench::median(times) * 1e3);
+}
+
+void idle(const Receiver &receiver) {
+  constexpr int kSeconds = 10;
+  const long before = receiver.switches();
+  std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
+  fmt::print("  idle memory               {:>6.1f} MiB  (aim: below 20)\n",
+             static_cast<double>(receiver.status("VmRSS")) / 1024);
+  fmt::print("  wake-ups in {} s idle     {:>6}      (aim: none)\n", kSeconds, receiver.switches() - before);
+}
+
+void manyUploads(const Receiver &receiver) {
+  constexpr int kUploads = 64;
+  constexpr std::int64_t kBytes = 8 << 20;
+  std::vector<fennick::FileDescriptor> sockets;
+  for (int i = 0; i < kUploads; ++i) {
+    sockets.push_back(bench::connectTo(receiver.port()));
+    bench::sendText(sockets.back(), fmt::format("POST {} HTTP/1.1\r\nContent-Length: {}\r\n\r\n", receiver.target(),
+                                                kBytes));
+  }
+  // All of them half-way at the same time, then all of them to the end.
+  bench::runMany(kUploads, kUploads, [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
+  const long threads = receiver.status("Threads");
+  bench::runMany(kUploads, kUploads, [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
+  int saved = 0;
+  for (const auto &socket : sockets)
+    saved += bench::readStatusLine(socket).starts_with("HTTP/1.1 200") ? 1 : 0;
+  fmt::print("  peak with {} uploads      {:>6.1f} MiB  (aim: below 64; {} threads, {} saved)\n", kUploads,
+             static_cast<double>(receiver.status("VmHWM")) / 1024, threads, saved);
+  fmt::print("  afterwards                {:>6.1f} MiB\n", static_cast<double>(receiver.status("VmRSS")) / 1024);
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+  if (argc < 2) {
+    fmt::print(stderr, "usage: footprint_bench MEMORY_FOLDER\n");
+    return 2;
+  }
+  const bench::Scratch scratch(argv[1]);
+  fmt::print("The terminal receiver\n");
+  startUp(scratch.path());
+  const Receiver receiver(scratch.path());
+  idle(receiver);
+  manyUploads(receiver);
+}
