@@ -81,6 +81,13 @@ export class Program {
     return this.events.filter((event) => event.event === 'received');
   }
 
+  // The names of the files announced so far, once there are `count` of them: a file is announced a little after
+  // the phone has got its answer.
+  async names(count) {
+    await until(() => this.received.length >= count, `${count} files to be announced`);
+    return this.received.map((event) => event.name).sort();
+  }
+
   // The program stands still, as a computer that fell asleep; connections stay open.
   freeze() { this.child.kill('SIGSTOP'); }
   thaw() { this.child.kill('SIGCONT'); }

@@ -51,8 +51,13 @@ class WebKitPage extends PhonePage {
     await this.call('POST', `/element/${element}/value`, { text: [].concat(files).join('\n') });
   }
 
-  async click(selector) {
-    await this.call('POST', `/element/${await this.find(selector)}/click`, {});
+  // The page shows what is new with the next frame, so the first tries may find nothing to click.
+  click(selector) {
+    const once = async () => this.call('POST', `/element/${await this.find(selector)}/click`, {});
+    return until(() => once().then(() => true, (error) => {
+      if (/not interactable|no such element|stale element/.test(error.message)) return false;
+      throw error;
+    }), `something to click at ${selector}`);
   }
 
   async screenshot(file) {
