@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
+#include <ranges>
 #include <string_view>
+#include <utility>
 
 namespace fennick {
 
@@ -67,20 +70,13 @@ InterfaceType typeOf(const InterfaceFacts &facts) {
 } // namespace
 
 NetworkPath networkPath(std::span<const InterfaceFacts> interfaces) {
-  struct Placed {
-    Group group;
-    std::uint32_t metric;
-    PathInterface interface;
-  };
-  std::vector<Placed> placed;
+  std::multimap<std::pair<Group, std::uint32_t>, PathInterface> placed; // equal keys stay in order
   for (const InterfaceFacts &facts : interfaces)
     if (const auto group = groupOf(facts, interfaces))
-      placed.push_back({*group, facts.defaultRouteMetric.value_or(0), {facts.name, typeOf(facts)}});
-  std::ranges::stable_sort(placed, {}, [](const Placed &p) { return std::pair(p.group, p.metric); });
-  NetworkPath path;
-  for (Placed &p : placed)
-    path.interfaces.push_back(std::move(p.interface));
-  return path;
+      placed.emplace(std::pair(*group, facts.defaultRouteMetric.value_or(0)),
+                     PathInterface{facts.name, typeOf(facts)});
+  const auto ordered = std::views::values(placed);
+  return {.interfaces = {ordered.begin(), ordered.end()}};
 }
 
 NetworkPath currentNetworkPath() { return networkPath(systemInterfaceFacts()); }

@@ -13,6 +13,7 @@
 #include <array>
 #include <charconv>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <ranges>
 #include <set>
@@ -139,12 +140,12 @@ std::vector<InterfaceAddress> systemIPv4Addresses() {
 }
 
 std::vector<DefaultRoute> defaultRoutes(std::string_view table) {
-  std::vector<DefaultRoute> routes;
+  std::multimap<std::uint32_t, DefaultRoute> byMetric; // equal metrics stay in the table's order
   for (const std::string_view line : pieces(table, "\n"))
     if (auto route = defaultRoute(line))
-      routes.push_back(std::move(*route));
-  std::ranges::stable_sort(routes, {}, &DefaultRoute::metric);
-  return routes;
+      byMetric.emplace(route->metric, std::move(*route));
+  const auto routes = std::views::values(byMetric);
+  return {routes.begin(), routes.end()};
 }
 
 std::vector<InterfaceFacts> systemInterfaceFacts() {
