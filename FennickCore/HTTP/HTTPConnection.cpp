@@ -168,6 +168,8 @@ void HTTPConnection::sendFile(const HTTPResponse &response) {
   auto file = ReadableFile::open(*response.bodyFile);
   if (!file)
     return;
+  if (!buffer_) // given back at the end of a body
+    buffer_ = std::make_unique_for_overwrite<std::byte[]>(kChunkBytes);
   std::int64_t remaining = response.bodyFileLength;
   while (remaining > 0) {
     const auto wanted = std::min<std::int64_t>(remaining, kChunkBytes);

@@ -13,15 +13,16 @@ using Json = nlohmann::ordered_json;
 FilePreferences::FilePreferences(std::filesystem::path file)
     : file_(std::move(file)), values_(std::make_unique<Json>(Json::object())) {
   const auto stored = readFile(file_);
-  if (!stored)
+  if (!stored && stored.error() == std::errc::no_such_file_or_directory)
     return;
-  Json parsed = Json::parse(*stored, nullptr, false);
+  Json parsed = Json::parse(stored.value_or(""), nullptr, false);
   if (parsed.is_object()) {
     *values_ = std::move(parsed);
     return;
   }
   damaged_ = true;
-  log(fmt::format("preferences are damaged, starting with defaults: {}", file_.string()));
+  log(fmt::format("preferences cannot be read ({}), starting with defaults: {}",
+                  stored ? "damaged" : stored.error().message(), file_.string()));
 }
 
 FilePreferences::~FilePreferences() = default;
@@ -49,6 +50,13 @@ std::expected<void, std::error_code> FilePreferences::setFlag(std::string_view k
 }
 
 std::expected<void, std::error_code> FilePreferences::save() {
+  auto saved = write();
+  if (!saved)
+    log(fmt::format("preferences could not be saved: {}", saved.error().message()));
+  return saved;
+}
+
+std::expected<void, std::error_code> FilePreferences::write() {
   SystemFileSystem files;
   if (auto made = files.createDirectories(file_.parent_path()); !made)
     return made;
@@ -59,11 +67,7 @@ std::expected<void, std::error_code> FilePreferences::save() {
       return kept;
     damaged_ = false;
   }
-  const std::string text = values_->dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-  auto written = replaceFile(file_, text);
-  if (!written)
-    log(fmt::format("preferences could not be saved: {}", written.error().message()));
-  return written;
+  return replaceFile(file_, values_->dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 } // namespace fennick

@@ -25,12 +25,13 @@ public:
   virtual std::expected<void, std::error_code> setFlag(std::string_view key, bool value) = 0;
 };
 
-// Preferences in one JSON object on the disk, readable by the user alone (mode 0600) and replaced atomically on
-// each write, so that a power cut leaves the old or the new file. Keys this program does not know are kept.
+// Preferences in one JSON object on the disk, readable by the user alone (mode 0600) and replaced atomically
+// on each write, so that a power cut leaves the old or the new file. Keys this program does not know are
+// kept.
 class FilePreferences final : public Preferences {
 public:
-  // A missing file is an empty one. A file that is no JSON object counts as empty too; before the first write
-  // over it, it is kept beside as "<name>.damaged".
+  // A missing file is an empty one. One that cannot be read or is no JSON object counts as empty too; before
+  // the first write over it, it is kept beside as "<name>.damaged". A link is not followed.
   explicit FilePreferences(std::filesystem::path file);
   ~FilePreferences() override;
 
@@ -41,6 +42,7 @@ public:
 
 private:
   std::expected<void, std::error_code> save();
+  std::expected<void, std::error_code> write();
 
   std::filesystem::path file_;
   std::unique_ptr<nlohmann::ordered_json> values_;

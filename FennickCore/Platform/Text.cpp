@@ -74,6 +74,8 @@ std::string utf8FromLatin1(std::string_view bytes) {
 }
 
 std::string displayText(std::string_view text) {
+  if (text.empty())
+    return {};
   const std::unique_ptr<char, decltype(&g_free)> valid(
       g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())), &g_free);
   return valid.get();
