@@ -14,11 +14,10 @@ namespace {
 
 constexpr int kEthernet = 1; // ARPHRD_ETHER
 
-// Interfaces of containers and virtual machines on this computer, recognised by the names that their programs
-// give them: the near ends of their cables and the bridges that join those.
-constexpr std::array<std::string_view, 14> kVirtualPrefixes{"veth",   "vnet",  "tap",  "tun",    "docker",
-                                                            "br-",    "virbr", "lxc",  "lxdbr",  "cni",
-                                                            "podman", "vmnet", "vbox", "flannel"};
+// Cables and networks inside this computer, recognised by the names that container and virtual-machine
+// programs give them. Their bridges need no names: no hardware is at the bottom of them.
+constexpr std::array<std::string_view, 10> kVirtualPrefixes{"veth", "vnet", "tap",     "tun",   "lxc",
+                                                            "cali", "cni",  "flannel", "vmnet", "vbox"};
 
 bool hasVirtualName(const InterfaceFacts &facts) {
   return std::ranges::any_of(kVirtualPrefixes,
