@@ -65,38 +65,62 @@ class WebKitPage extends PhonePage {
   }
 }
 
-export class WebKit {
-  static name = 'WebKit';
+// One driver and its browser. Now and then the browser does not report to its driver when it starts; such a
+// pair is given up for a new one.
+class Driver {
+  static async start(display) {
+    for (let tries = 1; ; tries++) {
+      const driver = new Driver();
+      try {
+        await driver.open(display);
+        return driver;
+      } catch (error) {
+        driver.process?.kill();
+        if (tries === 3) throw error;
+      }
+    }
+  }
 
-  static async launch() {
-    const browser = new WebKit();
-    const { screen, display } = await startScreen();
+  async open(display) {
     const port = await freePort();
-    browser.base = `http://127.0.0.1:${port}`;
-    browser.driver = spawn(driverPath, [`--port=${port}`], { stdio: 'ignore', env: { ...process.env, DISPLAY: display } });
-    browser.screen = screen;
-    await until(() => fetch(`${browser.base}/status`).then((reply) => reply.ok, () => false), 'the WebKit driver');
-    return browser;
+    this.base = `http://127.0.0.1:${port}`;
+    this.process = spawn(driverPath, [`--port=${port}`], { stdio: 'ignore', env: { ...process.env, DISPLAY: display } });
+    await until(() => fetch(`${this.base}/status`).then((reply) => reply.ok, () => false), 'the WebKit driver');
+    const { sessionId } = await this.command('POST', '/session', { capabilities: {} });
+    this.base += `/session/${sessionId}`;
   }
 
   async command(method, route, body) {
-    const reply = await fetch(this.base + route, { method, body: body && JSON.stringify(body) });
+    const reply = await fetch(this.base + route, { method, body: body && JSON.stringify(body), signal: AbortSignal.timeout(20_000) });
     const { value } = await reply.json();
     if (!reply.ok) throw new Error(`${method} ${route}: ${value.error}: ${value.message}`);
     return value;
   }
 
+  async close() {
+    await this.command('DELETE', '').catch(() => {});
+    this.process.kill();
+  }
+}
+
+export class WebKit {
+  static name = 'WebKit';
+
+  static async launch() {
+    const browser = new WebKit();
+    Object.assign(browser, await startScreen());
+    return browser;
+  }
+
   // Every session is a browser of its own with an empty memory.
   async visitor(t, { width = 390, height = 844 } = {}) {
-    const { sessionId } = await this.command('POST', '/session', { capabilities: {} });
-    const call = (method, route, body) => this.command(method, `/session/${sessionId}${route}`, body);
-    t.after(() => call('DELETE', ''));
-    await call('POST', '/window/rect', { width, height });
-    return new WebKitPage(call);
+    const driver = await Driver.start(this.display);
+    t.after(() => driver.close());
+    await driver.command('POST', '/window/rect', { width, height });
+    return new WebKitPage((...request) => driver.command(...request));
   }
 
   async close() {
-    this.driver.kill();
     this.screen.kill();
   }
 }
