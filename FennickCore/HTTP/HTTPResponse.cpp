@@ -75,15 +75,10 @@ std::string encodedDownloadName(std::string_view name) {
   return encoded;
 }
 
-void appendSafely(std::string &out, std::string_view text) {
-  for (const char c : text)
-    out += (c >= 0 && c < 0x20) || c == 0x7F ? ' ' : c;
-}
-
 void appendHeader(std::string &out, std::string_view name, std::string_view value) {
-  appendSafely(out, name);
+  out += withoutControls(name);
   out += ": ";
-  appendSafely(out, value);
+  out += withoutControls(value);
   out += "\r\n";
 }
 

@@ -1,11 +1,11 @@
 #include "FennickCore/Platform/Log.h"
 
 #include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Text.h"
 
 #include <syslog.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <string>
 
 namespace fennick {
@@ -31,9 +31,7 @@ void writeToStandardError(std::string line) {
 } // namespace
 
 void log(std::string_view line) {
-  std::string text = "fennick: ";
-  text += line;
-  std::ranges::replace_if(text, [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F; }, ' ');
+  const std::string text = "fennick: " + withoutControls(line);
 
   bool standardError = false;
   std::function<void(std::string_view)> receiver;
@@ -46,7 +44,7 @@ void log(std::string_view line) {
     return receiver(text);
   ::syslog(LOG_USER | LOG_INFO, "%s", text.c_str());
   if (standardError)
-    writeToStandardError(std::move(text));
+    writeToStandardError(text);
 }
 
 void logToStandardError() {

@@ -81,6 +81,10 @@ std::string displayText(std::string_view text) {
   return valid.get();
 }
 
+std::string withoutControls(std::string_view text) {
+  return mapped(text, [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F ? ' ' : c; });
+}
+
 std::string lowerCased(std::string_view text) {
   return mapped(text, [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
 }

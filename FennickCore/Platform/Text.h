@@ -20,6 +20,10 @@ namespace fennick {
 // by U+FFFD. For showing names that a file system handed us.
 [[nodiscard]] std::string displayText(std::string_view text);
 
+// `text` with a space for every control character, so that it stays on its line and gives no orders to a
+// terminal.
+[[nodiscard]] std::string withoutControls(std::string_view text);
+
 // ASCII letters only; every other byte is kept.
 [[nodiscard]] std::string lowerCased(std::string_view text);
 [[nodiscard]] std::string upperCased(std::string_view text);

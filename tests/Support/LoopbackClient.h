@@ -1,0 +1,33 @@
+#pragma once
+
+#include "FennickCore/Platform/FileSystem.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace fennick::test {
+
+// A client on this computer; `address` may be IPv4, IPv6 or IPv4 mapped into IPv6. A server that hangs fails the
+// test instead of holding it for ever.
+class LoopbackClient {
+public:
+  LoopbackClient(const std::string &address, std::uint16_t port);
+
+  [[nodiscard]] bool isConnected() const { return connected_; }
+  // Whether the whole text could be handed over.
+  bool send(std::string_view text);
+  // Everything until the server ends the connection.
+  std::string readToEnd();
+  std::string ask(std::string_view request) { return send(request) ? readToEnd() : std::string(); }
+  void disconnect() { socket_.reset(); }
+
+private:
+  bool connectIPv4(const std::string &text, std::uint16_t port);
+  bool connectIPv6(const std::string &text, std::uint16_t port);
+
+  FileDescriptor socket_;
+  bool connected_ = false;
+};
+
+} // namespace fennick::test

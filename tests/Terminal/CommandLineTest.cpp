@@ -1,0 +1,51 @@
+#include "Quarrow/Terminal/CommandLine.h"
+
+#include <gmock/gmock.h>
+
+namespace quarrow {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+TEST(CommandLineTest, OptionsAreTakenAsGiven) {
+  const auto line = CommandLine::parse({"--folder", "/photos/", "--port=9000", "--state-dir", "/state", "--set",
+                                        "naming=timestamp", "--set=folderLimit=5", "--json", "--no-qr"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->folder, "/photos");
+  EXPECT_EQ(line->port, 9000);
+  EXPECT_EQ(line->stateDirectory, "/state");
+  EXPECT_THAT(line->overrides, ElementsAre("naming=timestamp", "folderLimit=5"));
+  EXPECT_TRUE(line->json);
+  EXPECT_FALSE(line->qr);
+}
+
+TEST(CommandLineTest, RelativeFoldersAreMadeAbsoluteBeforeAnythingElseHappens) {
+  const auto line = CommandLine::parse({"--folder", "照片/../party"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->folder, std::filesystem::current_path() / "party");
+}
+
+TEST(CommandLineTest, WhatCannotBeMeantIsRefusedInASentenceThatNamesIt) {
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+      {{"--bogus"}, "--bogus"},           {{"-x"}, "-x"},
+      {{"photos"}, "photos"},             {{"--port", "65536"}, "65536"},
+      {{"--port", "-1"}, "-1"},           {{"--port", "80a"}, "80a"},
+      {{"--port"}, "--port"},             {{"--folder"}, "--folder"},
+      {{"--", "--json"}, "--json"}};
+  for (const auto &[arguments, named] : cases) {
+    const auto line = CommandLine::parse(arguments);
+    ASSERT_FALSE(line) << named;
+    EXPECT_THAT(line.error(), HasSubstr(named));
+  }
+}
+
+TEST(CommandLineTest, HelpNamesEveryOption) {
+  const auto line = CommandLine::parse({"--help"});
+  ASSERT_TRUE(line && line->help);
+  for (const auto *option : {"--folder", "--port", "--state-dir", "--set", "--json", "--no-qr", "--version"})
+    EXPECT_THAT(*line->help, HasSubstr(option));
+}
+
+} // namespace
+} // namespace quarrow

@@ -1,0 +1,60 @@
+#include "Quarrow/Terminal/WordsReport.h"
+
+#include <gmock/gmock.h>
+
+namespace quarrow {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+template <typename Action> std::string printedBy(Action action) {
+  ::testing::internal::CaptureStdout();
+  action();
+  return ::testing::internal::GetCapturedStdout();
+}
+
+const Report::Listening kListening{.port = 8001,
+                                   .preferredPort = 8000,
+                                   .accessKey = "key",
+                                   .phoneURL = "http://192.168.1.20:8001/?k=key",
+                                   .uploadURL = "http://192.168.1.20:8001/upload?k=key",
+                                   .saveFolder = "/photos"};
+
+TEST(WordsReportTest, TheStartSaysWhereToGoAndWhatIsUnusual) {
+  WordsReport report({.qr = true, .terminal = false, .colour = true});
+  EXPECT_THAT(printedBy([&] { report.listening(kListening); }),
+              AllOf(HasSubstr("http://192.168.1.20:8001/?k=key"), HasSubstr("▀"), HasSubstr("/photos"),
+                    HasSubstr("首选端口被占用，实际使用 8001")));
+
+  Report::Listening alone = kListening;
+  alone.phoneURL.reset();
+  alone.preferredPort = alone.port;
+  EXPECT_THAT(printedBy([&] { report.listening(alone); }),
+              AllOf(HasSubstr("没有可用的局域网地址"), HasSubstr("http://127.0.0.1:8001/?k=key"),
+                    Not(HasSubstr("首选端口")), Not(HasSubstr("▀"))));
+}
+
+TEST(WordsReportTest, ProgressIsDrawnOverItselfAndOnlyOnATerminal) {
+  WordsReport pipe({.qr = false, .terminal = false, .colour = false});
+  EXPECT_FALSE(pipe.showsProgress());
+  EXPECT_EQ(printedBy([&] { pipe.received({"a.jpg", "/photos/a.jpg", 2'400'000, "a.jpg：2.4 MB"}); }),
+            "✓ a.jpg：2.4 MB\n");
+
+  WordsReport terminal({.qr = false, .terminal = true, .colour = true});
+  const fennick::UploadActivity::Snapshot half{
+      .uploads = 2, .receivedBytes = 5'000'000, .expectedBytes = 10'000'000, .totalBytes = 5'000'000};
+  EXPECT_EQ(printedBy([&] { terminal.progress(half, 1'500'000); }),
+            "\x1b[K↓ 2 个文件 / files · 5 MB / 10 MB · 50 % · 1.5 MB/s\r");
+  EXPECT_EQ(printedBy([&] { terminal.progress({}, 0); }), "\x1b[K");
+}
+
+TEST(WordsReportTest, ANameCannotControlTheTerminal) {
+  WordsReport report({.qr = false, .terminal = false, .colour = false});
+  EXPECT_THAT(printedBy([&] { report.received({"", "", 1, "a\x1b[2J\n.jpg"}); }),
+              AllOf(Not(HasSubstr("\x1b[2J")), HasSubstr("a")));
+}
+
+} // namespace
+} // namespace quarrow
