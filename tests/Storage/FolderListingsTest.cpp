@@ -95,6 +95,18 @@ TEST_F(FolderListingsTest, WhateverComesToStandUnderThePathIsWhatIsListed) {
   }
 }
 
+TEST_F(FolderListingsTest, AFolderUsedUnderTwoPathsIsUpToDateUnderBoth) {
+  const fs::path photos = disk.makeFolder("photos");
+  const fs::path link = disk / "link";
+  fs::create_symlink(photos, link);
+  for (const char *name : {"IMG_001.jpg", "b.png"}) {
+    ASSERT_TRUE(listings.at(photos) && listings.at(link));
+    disk.write(fmt::format("photos/{}", name));
+    EXPECT_TRUE(isUpToDate(link));
+    EXPECT_TRUE(isUpToDate(photos));
+  }
+}
+
 TEST_F(FolderListingsTest, AFolderThatIsGoneIsAnErrorUntilItIsBack) {
   const fs::path photos = disk.makeFolder("photos");
   ASSERT_TRUE(listings.at(photos));

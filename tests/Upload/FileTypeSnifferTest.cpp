@@ -90,16 +90,5 @@ TEST(FileTypeSnifferTest, OnlyARawFileIsBelievedToBeOne) {
         << mediaType.value_or("-") << " " << filename.value_or("-");
 }
 
-TEST(FileTypeSnifferTest, AnExtensionIsReadFromTheLastDotInAnyCase) {
-  for (const auto &[name, extension] :
-       std::vector<std::pair<std::string, std::optional<std::string>>>{{"a.JPEG", "jpg"},
-                                                                       {"a.b.HIF", "hif"},
-                                                                       {"a.tiff", "tiff"},
-                                                                       {"a.jpg.exe", {}},
-                                                                       {"a.", {}},
-                                                                       {"..jpg", "jpg"}})
-    EXPECT_EQ(FileTypeSniffer::extensionForFilename(name), extension) << name;
-}
-
 } // namespace
 } // namespace fennick

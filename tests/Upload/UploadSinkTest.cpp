@@ -95,13 +95,5 @@ TEST_F(UploadSinkTest, ABrokenOffUploadLeavesNothingBehind) {
   expectNothingLeft();
 }
 
-TEST_F(UploadSinkTest, AnAbortAfterTheEndTakesNothingAway) {
-  auto sink = admit(kJPEG.size());
-  ASSERT_TRUE(sink->write(std::as_bytes(std::span(kJPEG))));
-  EXPECT_EQ(sink->finish().status, 200);
-  sink->abort();
-  EXPECT_THAT(photos(), ElementsAre("IMG_001.jpg"));
-}
-
 } // namespace
 } // namespace fennick
