@@ -1,4 +1,4 @@
-// What only one browser can be made to show: leaving, dropping and pasting, the keyboard, a full disk.
+// What only one browser can be made to show: leaving, dropping and pasting, the keyboard, the clock, a full disk.
 
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
@@ -157,6 +157,40 @@ describe('Chromium alone', () => {
     await page.count('failed', 1);
     assert.match((await page.inState('failed'))[0].text, /磁盘空间不足|连接总是中断/);
     assert.deepEqual(digests(program.saved()), digests([small]));
+  });
+
+  test('an upload that stands still is given up and sent again', async (t) => {
+    const program = await Program.start(t);
+    const page = await browser.visitor(t);
+    const file = make(scratch(), 'long.mp4', 30e6);
+    await page.page.clock.install();
+    await page.ready(program.url);
+    program.freeze();
+    await page.choose([file]);
+    await page.count('sending', 1);
+    await page.page.clock.runFor(45_000);
+    await page.hold('offline');
+    program.thaw();
+    await page.click('#holdButton');
+    await page.done();
+    assert.deepEqual(digests(program.saved()), digests([file]));
+  });
+
+  test('an upload survives a locked screen: the time that passed unseen is not held against it', async (t) => {
+    const program = await Program.start(t);
+    const page = await browser.visitor(t);
+    let uploads = 0;
+    page.page.on('request', (request) => { uploads += request.method() === 'POST'; });
+    await page.page.clock.install();
+    await page.ready(program.url);
+    program.freeze();
+    await page.choose([make(scratch(), 'long.mp4', 30e6)]);
+    await page.count('sending', 1);
+    await page.page.clock.fastForward(600_000);
+    assert.equal((await page.inState('sending')).length, 1);
+    program.thaw();
+    await page.done();
+    assert.equal(uploads, 1);
   });
 
   test('five hundred files at once are listed, and sending them starts right away', async (t) => {
