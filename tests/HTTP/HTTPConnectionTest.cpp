@@ -287,6 +287,11 @@ TEST(HTTPConnectionBans, ABannedPeerNeverReachesTheHandlerUntilItsBanIsOver) {
   }
 }
 
+TEST_F(HTTPConnectionTest, AnAnswerToHeadHasItsLengthAndNoBody) {
+  peer.sends("HEAD /x HTTP/1.1\r\n\r\n");
+  EXPECT_THAT(serve(), testing::AllOf(HasSubstr("\r\nContent-Length: 6\r\n"), EndsWith("\r\n\r\n")));
+}
+
 class HTTPDownloadTest : public HTTPConnectionTest {
 protected:
   static constexpr std::size_t kSize = 600'000; // two steps of the file and a half

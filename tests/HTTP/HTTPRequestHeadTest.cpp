@@ -95,6 +95,10 @@ TEST(HTTPRequestHead, TheBodyLengthIsASigned64BitNumberOrNothing) {
       {"42abc", std::nullopt},
       {"4 2", std::nullopt},
       {"42, 42", std::nullopt},
+      {"+-1", std::nullopt},
+      {"++1", std::nullopt},
+      {"-", std::nullopt},
+      {"0x10", std::nullopt},
       {"", std::nullopt},
   };
   for (const auto &[value, length] : cases)

@@ -2,79 +2,25 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "tests/HTTP/RecordingHandler.h"
+#include "tests/Support/LoopbackClient.h"
 
-#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <sys/time.h>
 
-#include <array>
+#include <atomic>
 #include <latch>
 #include <stdexcept>
+#include <thread>
 
 namespace fennick {
 namespace {
 
+using test::LoopbackClient;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 constexpr std::string_view kGet = "GET /x HTTP/1.1\r\n\r\n";
-
-// A client on this computer; `address` may be IPv4, IPv6 or IPv4 mapped into IPv6.
-class Client {
-public:
-  Client(const std::string &address, std::uint16_t port) {
-    const bool isIPv6 = address.find(':') != std::string::npos;
-    socket_ = FileDescriptor(::socket(isIPv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const timeval patience{.tv_sec = 60, .tv_usec = 0}; // a hanging server is a failure and no endless test
-    ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    connected_ = isIPv6 ? connectIPv6(address, port) : connectIPv4(address, port);
-  }
-
-  [[nodiscard]] bool isConnected() const { return connected_; }
-  // Whether the whole text could be handed over.
-  bool send(std::string_view text) {
-    return ::send(socket_.get(), text.data(), text.size(), MSG_NOSIGNAL) == std::ssize(text);
-  }
-  // Everything until the server ends the connection.
-  std::string readToEnd() {
-    std::string all;
-    std::array<char, 4096> chunk{};
-    while (true) {
-      const ssize_t count = ::recv(socket_.get(), chunk.data(), chunk.size(), 0);
-      if (count < 0 && errno == EAGAIN)
-        ADD_FAILURE() << "the server neither answered nor closed";
-      if (count <= 0)
-        return all;
-      all.append(chunk.data(), static_cast<std::size_t>(count));
-    }
-  }
-  std::string ask(std::string_view request) { return send(request) ? readToEnd() : std::string(); }
-
-private:
-  bool connectIPv4(const std::string &text, std::uint16_t port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    return ::inet_pton(AF_INET, text.c_str(), &address.sin_addr) == 1 && connectTo(&address, sizeof address);
-  }
-  bool connectIPv6(const std::string &text, std::uint16_t port) {
-    sockaddr_in6 address{};
-    address.sin6_family = AF_INET6;
-    address.sin6_port = htons(port);
-    return ::inet_pton(AF_INET6, text.c_str(), &address.sin6_addr) == 1 &&
-           connectTo(&address, sizeof address);
-  }
-  bool connectTo(const void *address, socklen_t length) {
-    return ::connect(socket_.get(), static_cast<const sockaddr *>(address), length) == 0;
-  }
-
-  FileDescriptor socket_;
-  bool connected_ = false;
-};
 
 class HTTPServerTest : public ::testing::Test {
 protected:
@@ -85,7 +31,7 @@ protected:
     return *server_;
   }
   static std::string ask(std::uint16_t port, std::string_view request) {
-    return Client("127.0.0.1", port).ask(request);
+    return LoopbackClient("127.0.0.1", port).ask(request);
   }
 
   SystemClock clock;
@@ -104,7 +50,7 @@ TEST_F(HTTPServerTest, PeersOfBothFamiliesAreServedAndOneAddressHasOneText) {
   for (const auto &[address, remote] :
        {std::pair("127.0.0.1", "127.0.0.1"), std::pair("::ffff:127.0.0.1", "127.0.0.1"),
         std::pair("::1", "::1")}) {
-    Client client(address, port);
+    LoopbackClient client(address, port);
     if (!client.isConnected() && std::string_view(address) != "127.0.0.1")
       continue; // this computer has no IPv6
     EXPECT_THAT(client.ask(kGet), EndsWith("\r\n\r\nanswer")) << address;
@@ -146,8 +92,8 @@ TEST_F(HTTPServerTest, TakenPortsAreSkippedInOrderAndNoneIsTriedPastTheLast) {
 TEST_F(HTTPServerTest, AFullServerRefusesWithoutAWordAndAdmitsAgainAfterOneCloses) {
   limits.maxConnections = 2;
   const auto port = start();
-  auto first = std::make_unique<Client>("127.0.0.1", port);
-  const Client second("127.0.0.1", port);
+  auto first = std::make_unique<LoopbackClient>("127.0.0.1", port);
+  const LoopbackClient second("127.0.0.1", port);
   EXPECT_EQ(ask(port, kGet), ""); // accepted in order: the two are in by now
   first.reset();
   std::string answer;
@@ -161,7 +107,7 @@ TEST_F(HTTPServerTest, StopEndsLiveUploadsAndReturnsWhenTheyAreAborted) {
   std::latch receiving(kUploads);
   handler.record.onWrite = [&] { receiving.count_down(); };
   const auto port = start();
-  std::vector<Client> phones;
+  std::vector<LoopbackClient> phones;
   for (int i = 0; i < kUploads; ++i) {
     phones.emplace_back("127.0.0.1", port);
     ASSERT_TRUE(phones.back().send("POST /x HTTP/1.1\r\nContent-Length: 100\r\n\r\n01"));
@@ -173,7 +119,7 @@ TEST_F(HTTPServerTest, StopEndsLiveUploadsAndReturnsWhenTheyAreAborted) {
   EXPECT_EQ(server().port(), std::nullopt);
   for (auto &phone : phones)
     EXPECT_EQ(phone.readToEnd(), "");
-  EXPECT_FALSE(Client("127.0.0.1", port).isConnected());
+  EXPECT_FALSE(LoopbackClient("127.0.0.1", port).isConnected());
   server().stop(); // once more changes nothing
   EXPECT_THAT(ask(start(), kGet), EndsWith("answer"));
 }

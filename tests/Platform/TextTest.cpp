@@ -49,30 +49,6 @@ TEST(Text, AnythingCanBeShown) {
   EXPECT_EQ(utf8FromLatin1("caf\xE9"), "café");
 }
 
-TEST(Text, DecimalNumbersAreReadInFullWithin64Bits) {
-  const std::pair<std::string_view, std::optional<std::int64_t>> cases[]{
-      {"42", 42},
-      {"+42", 42},
-      {"-1", -1},
-      {"007", 7},
-      {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
-      {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-      {"9223372036854775808", std::nullopt},
-      {"99999999999999999999999", std::nullopt},
-      {"", std::nullopt},
-      {"+", std::nullopt},
-      {"-", std::nullopt},
-      {"+-1", std::nullopt},
-      {"++1", std::nullopt},
-      {"42abc", std::nullopt},
-      {" 42", std::nullopt},
-      {"0x10", std::nullopt},
-      {"1,000", std::nullopt},
-  };
-  for (const auto &[text, number] : cases)
-    EXPECT_EQ(signedDecimal(text), number) << text;
-}
-
 TEST(Text, Base64GivesBackWhatItWasGiven) {
   EXPECT_EQ(base64(bytesOf("照片")), "54Wn54mH");
   std::string text;
