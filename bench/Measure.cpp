@@ -46,7 +46,8 @@ std::vector<double> compare(const std::vector<Contender> &contenders, int rounds
   return medians;
 }
 
-Scratch::Scratch(const std::filesystem::path &parent) : path_(parent / ("tevrin-bench-" + fennick::newUUID())) {
+Scratch::Scratch(const std::filesystem::path &parent)
+    : path_(parent / ("tevrin-bench-" + fennick::newUUID())) {
   std::filesystem::create_directories(path_);
 }
 

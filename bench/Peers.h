@@ -27,7 +27,8 @@ public:
   fennick::IOResult<void> createDirectories(const std::filesystem::path &folder) override;
   fennick::IOResult<void> moveNoReplace(const std::filesystem::path &from,
                                         const std::filesystem::path &to) override;
-  fennick::IOResult<void> replace(const std::filesystem::path &from, const std::filesystem::path &to) override;
+  fennick::IOResult<void> replace(const std::filesystem::path &from,
+                                  const std::filesystem::path &to) override;
   fennick::IOResult<void> remove(const std::filesystem::path &file) override;
   fennick::IOResult<void> syncDirectory(const std::filesystem::path &folder) override;
   fennick::IOResult<std::vector<fennick::DirectoryEntry>> list(const std::filesystem::path &folder) override;
@@ -72,7 +73,8 @@ private:
   fennick::HTTPServer server_;
 };
 
-// The least that receiving can cost: a thread a connection that reads 256 KiB at a time and writes it to a file.
+// The least that receiving can cost: a thread a connection that reads 256 KiB at a time and writes it to a
+// file.
 class Floor {
 public:
   Floor(std::filesystem::path folder, Sync sync);

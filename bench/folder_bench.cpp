@@ -44,9 +44,9 @@ int main(int argc, char *argv[]) {
   for (const int files : {0, 1'000, 10'000, 100'000}) {
     const bench::Scratch scratch(argv[1]);
     fill(scratch.path(), files);
-    bench::Service service(scratch.path(), {.sync = bench::Sync::no,
-                                            .naming = fennick::PrefixSequenceNaming{},
-                                            .folderLimit = 1'000'000});
+    bench::Service service(
+        scratch.path(),
+        {.sync = bench::Sync::no, .naming = fennick::PrefixSequenceNaming{}, .folderLimit = 1'000'000});
     const double first = bench::secondsOf([&] { receiveOne(service.router()); });
     std::vector<double> times;
     for (int i = 0; i < kUploads; ++i)
@@ -56,7 +56,8 @@ int main(int argc, char *argv[]) {
     const double usual = bench::median(times);
     if (files == 0)
       empty = usual;
-    fmt::print("  {:>7} files: {:>6.1f} us   {:>5.2f} x an empty folder   (first {:.1f} ms, one listing {:.1f} ms)\n",
+    fmt::print("  {:>7} files: {:>6.1f} us   {:>5.2f} x an empty folder   (first {:.1f} ms, one listing "
+               "{:.1f} ms)\n",
                files, usual * 1e6, usual / empty, first * 1e3, listing * 1e3);
   }
 }

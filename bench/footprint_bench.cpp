@@ -1,5 +1,5 @@
-// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, peak memory
-// with 64 uploads under way.
+// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, peak
+// memory with 64 uploads under way.
 //
 //   footprint_bench MEMORY_FOLDER
 
@@ -35,7 +35,7 @@ public:
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", 1, 0);
     ::posix_spawn_file_actions_addclose(&actions, ends[0]);
     ::posix_spawn_file_actions_addclose(&actions, ends[1]);
-    std::vector<std::string> words{TEVRIN_HEADLESS, "--json",      "--port",  "28500",
+    std::vector<std::string> words{TEVRIN_HEADLESS, "--json",           "--port",      "28500",
                                    "--folder",      scratch / "photos", "--state-dir", scratch / "state"};
     std::vector<char *> arguments;
     for (auto &word : words)
@@ -111,19 +111,22 @@ void manyUploads(const Receiver &receiver) {
   std::vector<fennick::FileDescriptor> sockets;
   for (int i = 0; i < kUploads; ++i) {
     sockets.push_back(bench::connectTo(receiver.port()));
-    bench::sendText(sockets.back(), fmt::format("POST {} HTTP/1.1\r\nContent-Length: {}\r\n\r\n", receiver.target(),
-                                                kBytes));
+    bench::sendText(sockets.back(),
+                    fmt::format("POST {} HTTP/1.1\r\nContent-Length: {}\r\n\r\n", receiver.target(), kBytes));
   }
   // All of them half-way at the same time, then all of them to the end.
-  bench::runMany(kUploads, kUploads, [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
+  bench::runMany(kUploads, kUploads,
+                 [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
   const long threads = receiver.status("Threads");
-  bench::runMany(kUploads, kUploads, [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
+  bench::runMany(kUploads, kUploads,
+                 [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
   int saved = 0;
   for (const auto &socket : sockets)
     saved += bench::readStatusLine(socket).starts_with("HTTP/1.1 200") ? 1 : 0;
   fmt::print("  peak with {} uploads      {:>6.1f} MiB  (aim: below 64; {} threads, {} saved)\n", kUploads,
              static_cast<double>(receiver.status("VmHWM")) / 1024, threads, saved);
-  fmt::print("  afterwards                {:>6.1f} MiB\n", static_cast<double>(receiver.status("VmRSS")) / 1024);
+  fmt::print("  afterwards                {:>6.1f} MiB\n",
+             static_cast<double>(receiver.status("VmRSS")) / 1024);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Uploads over loopback into a memory-backed and a disk-backed folder: this service with and without its sync,
-// nginx's WebDAV PUT, and a bare socket-to-file loop as the floor (with and without a final sync).
+// Uploads over loopback into a memory-backed and a disk-backed folder: this service with and without its
+// sync, nginx's WebDAV PUT, and a bare socket-to-file loop as the floor (with and without a final sync).
 //
 //   upload_bench MEMORY_FOLDER DISK_FOLDER [ROUNDS]
 
@@ -37,7 +37,8 @@ bench::Contender contender(const std::string &name, const Load &load, std::uint1
               [=] {
                 bench::runMany(load.files, load.parallel, [&](int i) {
                   bench::upload(port, put ? "PUT" : "POST",
-                                put ? fmt::format("/{}.jpg", i) : std::string(bench::Service::kTarget), load.bytes);
+                                put ? fmt::format("/{}.jpg", i) : std::string(bench::Service::kTarget),
+                                load.bytes);
                 });
               },
           .cleanUp =
@@ -49,12 +50,13 @@ bench::Contender contender(const std::string &name, const Load &load, std::uint1
               }};
 }
 
-void report(const Load &load, const std::vector<bench::Contender> &contenders, const std::vector<double> &seconds) {
+void report(const Load &load, const std::vector<bench::Contender> &contenders,
+            const std::vector<double> &seconds) {
   const double mebibytes = static_cast<double>(load.files * load.bytes) / kMiB;
   fmt::print("\n  {}\n", load.name);
   for (std::size_t i = 0; i < contenders.size(); ++i)
-    fmt::print("    {:<28} {:>7.0f} MiB/s   {:>5.2f} x the floor\n", contenders[i].name, mebibytes / seconds[i],
-               seconds[0] / seconds[i]);
+    fmt::print("    {:<28} {:>7.0f} MiB/s   {:>5.2f} x the floor\n", contenders[i].name,
+               mebibytes / seconds[i], seconds[0] / seconds[i]);
 }
 
 void compareIn(const std::filesystem::path &folder, int rounds) {

@@ -14,11 +14,12 @@
 
 namespace fennick {
 
-// Serves exactly one request on one accepted connection and then closes it: head, decision of the handler, body
-// into a sink or a file out, one response. A peer that is too slow or too long-lived is dropped without a word.
+// Serves exactly one request on one accepted connection and then closes it: head, decision of the handler,
+// body into a sink or a file out, one response. A peer that is too slow or too long-lived is dropped without
+// a word.
 //
-// The connection lives on the thread that calls `start`, one blocking step after another; only `close` may come
-// from elsewhere. Handler, limiter and clock are borrowed and outlive it.
+// The connection lives on the thread that calls `start`, one blocking step after another; only `close` may
+// come from elsewhere. Handler, limiter and clock are borrowed and outlive it.
 class HTTPConnection {
 public:
   HTTPConnection(std::unique_ptr<ByteStream> stream, std::string remote, HTTPRequestHandler &handler,
@@ -37,6 +38,7 @@ private:
   std::optional<std::size_t> receiveHead();
   void handleHead(std::string_view bytes, std::span<const std::byte> rest);
   void receiveBody(const HTTPRequestHead &head, HTTPReceive decision, std::span<const std::byte> rest);
+  bool receiveExactly(std::size_t length);
   void reject(const HTTPRequestHead &head, const HTTPResponse &response);
   void drain(Uptime deadline);
   void respond(const HTTPResponse &response);
@@ -55,7 +57,7 @@ private:
   const Clock &clock_;
   Uptime lifetimeEnd_;
   bool isHead_ = false;
-  std::unique_ptr<std::byte[]> buffer_;
+  std::span<std::byte> buffer_;        // of the serving thread
   std::unique_ptr<HTTPBodySink> sink_; // present while a body is being received
 };
 

@@ -21,7 +21,8 @@ public:
   [[nodiscard]] virtual IOResult<void> write(std::span<const std::byte> bytes) = 0;
   // Called once, after the last byte; gives the response to send.
   [[nodiscard]] virtual HTTPResponse finish() = 0;
-  // Called instead when the body cannot be completed (failed write, time-out, peer gone): discards what it has.
+  // Called instead when the body cannot be completed (failed write, time-out, peer gone): discards what it
+  // has.
   virtual void abort() = 0;
 };
 

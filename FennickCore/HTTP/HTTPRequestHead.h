@@ -24,14 +24,15 @@ struct HTTPRequestHead {
 
   bool operator==(const HTTPRequestHead &) const = default;
 
-  // Reads the bytes of a head, with or without the blank line that ends it. Bytes that are not UTF-8 are read as
-  // ISO Latin-1. Lines end with CRLF, or with LF in a head that has no CRLF at all. An unknown method, a missing
-  // Host or an odd path is no error here.
+  // Reads the bytes of a head, with or without the blank line that ends it. Bytes that are not UTF-8 are read
+  // as ISO Latin-1. Lines end with CRLF, or with LF in a head that has no CRLF at all. An unknown method, a
+  // missing Host or an odd path is no error here.
   [[nodiscard]] static std::expected<HTTPRequestHead, HTTPParseError> parse(std::string_view bytes);
 
   // The value of a header; the name may be given in any case.
   [[nodiscard]] std::optional<std::string> header(std::string_view name) const;
-  // The declared body length; nothing when it is absent, not a decimal number or past 64 bits. May be negative.
+  // The declared body length; nothing when it is absent, not a decimal number or past 64 bits. May be
+  // negative.
   [[nodiscard]] std::optional<std::int64_t> contentLength() const;
   // The media type without its parameters, lower-cased.
   [[nodiscard]] std::optional<std::string> contentType() const;

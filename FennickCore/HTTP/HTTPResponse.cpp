@@ -45,10 +45,11 @@ std::string_view reasonPhrase(std::int64_t status) {
 }
 
 std::string contentSecurityPolicy(std::string_view nonce) {
-  return fmt::format("default-src 'none'; script-src 'nonce-{0}'; style-src 'nonce-{0}'; img-src 'self' blob:; "
-                     "connect-src 'self'; media-src 'self' blob:; base-uri 'none'; form-action 'none'; "
-                     "frame-ancestors 'none'",
-                     nonce);
+  return fmt::format(
+      "default-src 'none'; script-src 'nonce-{0}'; style-src 'nonce-{0}'; img-src 'self' blob:; "
+      "connect-src 'self'; media-src 'self' blob:; base-uri 'none'; form-action 'none'; "
+      "frame-ancestors 'none'",
+      nonce);
 }
 
 bool isLetterMarkOrDigit(gunichar character) {
@@ -94,7 +95,8 @@ HTTPResponse HTTPResponse::text(std::int64_t status, std::string_view text) {
 
 HTTPResponse HTTPResponse::json(const nlohmann::ordered_json &value) {
   HTTPResponse response;
-  response.headers = {{"Content-Type", "application/json; charset=utf-8"}, {"X-Content-Type-Options", "nosniff"}};
+  response.headers = {{"Content-Type", "application/json; charset=utf-8"},
+                      {"X-Content-Type-Options", "nosniff"}};
   try {
     response.body = value.dump();
   } catch (const nlohmann::json::exception &) {

@@ -12,14 +12,15 @@
 
 namespace fennick {
 
-// The one record by which every answer leaves the server: built by a constructor below, serialised once by the
-// connection, which then closes. A value; any thread.
+// The one record by which every answer leaves the server: built by a constructor below, serialised once by
+// the connection, which then closes. A value; any thread.
 struct HTTPResponse {
   std::int64_t status = 200;
   std::vector<std::pair<std::string, std::string>> headers; // written in this order, names as given
   std::string body;
-  std::optional<std::filesystem::path> bodyFile; // when set, this file's bytes are the body and `body` is ignored
-  std::int64_t bodyFileLength = 0;               // announced length of `bodyFile`, fixed when this was built
+  std::optional<std::filesystem::path>
+      bodyFile;                    // when set, this file's bytes are the body and `body` is ignored
+  std::int64_t bodyFileLength = 0; // announced length of `bodyFile`, fixed when this was built
 
   [[nodiscard]] static HTTPResponse text(std::int64_t status, std::string_view text);
   [[nodiscard]] static HTTPResponse notFound() { return text(404, "not found"); }
@@ -29,15 +30,15 @@ struct HTTPResponse {
   // A page with scripts and styles: only those that carry `nonce` run, nothing is loaded from elsewhere, no
   // other site may frame it.
   [[nodiscard]] static HTTPResponse page(std::string_view html, std::string_view nonce);
-  // A download of a regular file as an attachment named `downloadName`, or the file's own name. Nothing when the
-  // file's size cannot be read.
-  [[nodiscard]] static std::optional<HTTPResponse> file(const std::filesystem::path &location,
-                                                        std::string_view contentType,
-                                                        std::optional<std::string> downloadName = std::nullopt);
+  // A download of a regular file as an attachment named `downloadName`, or the file's own name. Nothing when
+  // the file's size cannot be read.
+  [[nodiscard]] static std::optional<HTTPResponse>
+  file(const std::filesystem::path &location, std::string_view contentType,
+       std::optional<std::string> downloadName = std::nullopt);
 
-  // The bytes to send before any file: status line, headers, length, "Connection: close" and, unless `headOnly`
-  // or the body is a file, the body. Control characters in a header are written as spaces, so that no name or
-  // value can begin a line of its own.
+  // The bytes to send before any file: status line, headers, length, "Connection: close" and, unless
+  // `headOnly` or the body is a file, the body. Control characters in a header are written as spaces, so that
+  // no name or value can begin a line of its own.
   [[nodiscard]] std::string serialise(bool headOnly) const;
 };
 

@@ -125,7 +125,8 @@ void HTTPServer::admit(AcceptedSocket accepted) {
 
 std::shared_ptr<HTTPConnection> HTTPServer::makeConnection(AcceptedSocket accepted) {
   return std::make_shared<HTTPConnection>(std::make_unique<SocketStream>(std::move(accepted.socket), clock_),
-                                          std::move(accepted.remote), handler_, limits_, rateLimiter_, clock_);
+                                          std::move(accepted.remote), handler_, limits_, rateLimiter_,
+                                          clock_);
 }
 
 void HTTPServer::serve(std::uint64_t identity, const std::shared_ptr<HTTPConnection> &connection) {

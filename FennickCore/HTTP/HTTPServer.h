@@ -41,18 +41,19 @@ using HTTPServerError = std::variant<NoFreePort, ListenerFailed>;
 // Owns the listening socket, admits or refuses each connection and keeps the table of live ones. The listener
 // has a thread of its own, each connection one from a small cache.
 //
-// `start`, `stop` and the destructor: one thread, never a connection's own. `port`: any thread. Handler, limiter
-// and clock are borrowed and outlive the server.
+// `start`, `stop` and the destructor: one thread, never a connection's own. `port`: any thread. Handler,
+// limiter and clock are borrowed and outlive the server.
 class HTTPServer {
 public:
   HTTPServer(HTTPRequestHandler &handler, const HTTPLimits &limits, RateLimiter &rateLimiter,
              const Clock &clock);
   ~HTTPServer();
 
-  // Listens on the first free port of preferredPort, preferredPort + 1, …, `attempts` of them, none past 65535;
-  // gives the port bound. A preferred port of 0 lets the system choose. Any failure but a taken port ends the
-  // search. The kernel answers at once and once, so this does not wait.
-  [[nodiscard]] std::expected<std::uint16_t, HTTPServerError> start(std::uint16_t preferredPort, int attempts);
+  // Listens on the first free port of preferredPort, preferredPort + 1, …, `attempts` of them, none past
+  // 65535; gives the port bound. A preferred port of 0 lets the system choose. Any failure but a taken port
+  // ends the search. The kernel answers at once and once, so this does not wait.
+  [[nodiscard]] std::expected<std::uint16_t, HTTPServerError> start(std::uint16_t preferredPort,
+                                                                    int attempts);
 
   // Ends the listener and every connection and returns when all of them are over, aborted uploads cleaned up.
   // A server that is not running stays so.

@@ -12,8 +12,8 @@
 namespace fennick {
 
 // Bans a remote address that keeps failing. One object is shared by the listener and all its connections; any
-// thread; guarded by its own lock. Nothing is persisted: a restart forgets every ban. Moments are on the uptime
-// clock, so that setting the computer's clock changes no ban.
+// thread; guarded by its own lock. Nothing is persisted: a restart forgets every ban. Moments are on the
+// uptime clock, so that setting the computer's clock changes no ban.
 class RateLimiter {
 public:
   struct Config {

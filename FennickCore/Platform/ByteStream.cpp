@@ -1,23 +1,31 @@
 #include "FennickCore/Platform/ByteStream.h"
 
-#include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <limits>
 
 namespace fennick {
 
 namespace {
 
-// Milliseconds to hand to poll, rounded up so that a deadline is never taken for passed too early.
-int pollTimeout(Uptime now, Uptime deadline) {
-  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - now).count();
-  return static_cast<int>(std::clamp<long long>(left, 0, std::numeric_limits<int>::max()));
+using std::chrono::milliseconds;
+
+// How long the kernel is to wait, in steps that keep it the same from one piece of a body to the next, so
+// that it need not be told anew each time; rounded up, so that no deadline is taken for passed too early.
+milliseconds patience(Uptime now, Uptime deadline) {
+  constexpr milliseconds kStep{100};
+  constexpr milliseconds kLongest = std::chrono::hours(1);
+  const auto left = std::chrono::ceil<milliseconds>(deadline - now);
+  if (left < milliseconds(1000))
+    return std::max(left, milliseconds(1));
+  return std::min((left + kStep - milliseconds(1)) / kStep * kStep, kLongest);
 }
 
-bool wouldBlock(int error) { return error == EAGAIN; }
+timeval timevalOf(milliseconds time) {
+  return {.tv_sec = time.count() / 1000, .tv_usec = time.count() % 1000 * 1000};
+}
 
 } // namespace
 
@@ -25,44 +33,40 @@ SocketStream::SocketStream(FileDescriptor socket, const Clock &clock)
     : socket_(std::move(socket)), clock_(clock) {}
 
 std::expected<std::size_t, StreamError> SocketStream::receive(std::span<std::byte> into, Uptime deadline) {
-  while (true) {
-    if (cancelled_)
-      return std::unexpected(StreamError::cancelled);
-    if (clock_.uptime() >= deadline)
-      return std::unexpected(StreamError::timedOut);
-    const ssize_t count = ::recv(socket_.get(), into.data(), into.size(), MSG_DONTWAIT);
-    if (count >= 0 && !cancelled_)
-      return static_cast<std::size_t>(count);
-    if (count < 0 && !wouldBlock(errno) && errno != EINTR)
-      return std::unexpected(cancelled_ ? StreamError::cancelled : StreamError::failed);
-    if (auto ready = wait(POLLIN, deadline); !ready)
-      return std::unexpected(ready.error());
-  }
+  return waiting(SO_RCVTIMEO, receivePatience_, deadline,
+                 [&] { return ::recv(socket_.get(), into.data(), into.size(), 0); });
 }
 
-std::expected<std::size_t, StreamError> SocketStream::send(std::span<const std::byte> bytes, Uptime deadline) {
+std::expected<std::size_t, StreamError> SocketStream::send(std::span<const std::byte> bytes,
+                                                           Uptime deadline) {
+  return waiting(SO_SNDTIMEO, sendPatience_, deadline,
+                 [&] { return ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL); });
+}
+
+// One blocking call at a time, the kernel keeping the deadline: half the system calls of asking first and
+// waiting then.
+template <typename Call>
+std::expected<std::size_t, StreamError> SocketStream::waiting(int option, milliseconds &current,
+                                                              Uptime deadline, Call call) {
   while (true) {
+    const Uptime now = clock_.uptime();
     if (cancelled_)
       return std::unexpected(StreamError::cancelled);
-    if (clock_.uptime() >= deadline)
+    if (now >= deadline)
       return std::unexpected(StreamError::timedOut);
-    const ssize_t count = ::send(socket_.get(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    if (const auto wanted = patience(now, deadline); wanted != current) {
+      const timeval time = timevalOf(wanted);
+      ::setsockopt(socket_.get(), SOL_SOCKET, option, &time, sizeof time);
+      current = wanted;
+    }
+    const ssize_t count = call();
+    if (cancelled_)
+      return std::unexpected(StreamError::cancelled);
     if (count >= 0)
       return static_cast<std::size_t>(count);
-    if (!wouldBlock(errno) && errno != EINTR)
-      return std::unexpected(cancelled_ ? StreamError::cancelled : StreamError::failed);
-    if (auto ready = wait(POLLOUT, deadline); !ready)
-      return std::unexpected(ready.error());
+    if (errno != EAGAIN && errno != EINTR)
+      return std::unexpected(StreamError::failed);
   }
-}
-
-// Returns when the socket may be ready or a signal came; the caller's loop looks again.
-std::expected<void, StreamError> SocketStream::wait(short events, Uptime deadline) {
-  pollfd waiting{.fd = socket_.get(), .events = events, .revents = 0};
-  const int ready = ::poll(&waiting, 1, pollTimeout(clock_.uptime(), deadline));
-  if (ready < 0 && errno != EINTR)
-    return std::unexpected(StreamError::failed);
-  return {};
 }
 
 void SocketStream::finishOutput() { ::shutdown(socket_.get(), SHUT_WR); }

@@ -17,8 +17,8 @@ enum class StreamError {
   failed,    // the peer reset the connection, or the system refused
 };
 
-// One side of an accepted TCP connection, as blocking calls with deadlines. Used by one thread at a time, except
-// `cancel`, which any thread may call at any moment before the object is destroyed.
+// One side of an accepted TCP connection, as blocking calls with deadlines. Used by one thread at a time,
+// except `cancel`, which any thread may call at any moment before the object is destroyed.
 class ByteStream {
 public:
   virtual ~ByteStream() = default;
@@ -34,7 +34,7 @@ public:
   virtual void cancel() = 0;
 };
 
-// A ByteStream on a connected socket, which it owns.
+// A ByteStream on a connected, blocking socket, which it owns.
 class SocketStream final : public ByteStream {
 public:
   // `clock` outlives the stream; the deadlines are measured on it.
@@ -46,10 +46,14 @@ public:
   void cancel() override;
 
 private:
-  std::expected<void, StreamError> wait(short events, Uptime deadline);
+  template <typename Call>
+  std::expected<std::size_t, StreamError> waiting(int option, std::chrono::milliseconds &current,
+                                                  Uptime deadline, Call call);
 
   FileDescriptor socket_;
   const Clock &clock_;
+  std::chrono::milliseconds receivePatience_{0}; // what the kernel was told last
+  std::chrono::milliseconds sendPatience_{0};
   std::atomic<bool> cancelled_ = false;
 };
 

@@ -21,7 +21,7 @@ constexpr std::uint32_t kCIFSMagic = 0xFF534D42;
 constexpr std::uint32_t kSMB2Magic = 0xFE534D42;
 
 bool isShared(const std::filesystem::path &folder) {
-  struct statfs volume {};
+  struct statfs volume{};
   if (::statfs(folder.c_str(), &volume) != 0)
     return true;
   switch (static_cast<std::uint32_t>(volume.f_type)) {

@@ -29,8 +29,8 @@ public:
   // An object that can watch nothing when the system grants no inotify instance.
   DirectoryWatch();
 
-  // A number for the folder, given in its changes. Fails when the folder cannot be watched: it is not there, the
-  // user's limit is reached, or its file system is one whose changes other computers make unseen.
+  // A number for the folder, given in its changes. Fails when the folder cannot be watched: it is not there,
+  // the user's limit is reached, or its file system is one whose changes other computers make unseen.
   [[nodiscard]] IOResult<int> add(const std::filesystem::path &folder);
   void remove(int watch);
   [[nodiscard]] std::vector<DirectoryChange> drain();

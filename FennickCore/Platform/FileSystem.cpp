@@ -35,7 +35,8 @@ IOResult<void> checked(int status) {
   return {};
 }
 
-template <typename Call> auto retried(Call call) {
+template <typename Call>
+auto retried(Call call) {
   auto result = call();
   while (result < 0 && errno == EINTR)
     result = call();
@@ -69,8 +70,8 @@ FileIdentity identityOf(const struct stat &status) {
   return {.device = status.st_dev, .inode = status.st_ino};
 }
 
-// Sends what was written to the disk in the background every few MiB, so that the final sync of a large upload
-// finds most of the work done. 8 MiB keeps a hard disk streaming and costs one call in 32 chunks.
+// Sends what was written to the disk in the background every few MiB, so that the final sync of a large
+// upload finds most of the work done. 8 MiB keeps a hard disk streaming and costs one call in 32 chunks.
 constexpr std::int64_t kWritebackStep = std::int64_t{8} << 20;
 
 class SystemFile final : public WritableFile {
@@ -89,7 +90,9 @@ public:
     return {};
   }
 
-  IOResult<void> sync() override { return checked(retried([this] { return ::fsync(fd_.get()); })); }
+  IOResult<void> sync() override {
+    return checked(retried([this] { return ::fsync(fd_.get()); }));
+  }
 
   IOResult<void> close() override {
     // Linux releases the descriptor even when close is interrupted: never called twice.
@@ -105,8 +108,8 @@ private:
 
 bool renameFlagsUnsupported(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
 
-// The same promise as renameat2 without replace, for file systems that lack it: a hard link fails when the name
-// is taken; where there are no hard links either, an empty file claims the name first.
+// The same promise as renameat2 without replace, for file systems that lack it: a hard link fails when the
+// name is taken; where there are no hard links either, an empty file claims the name first.
 IOResult<void> moveByLinkOrClaim(const fs::path &from, const fs::path &to) {
   if (::link(from.c_str(), to.c_str()) == 0)
     return checked(::unlink(from.c_str()));
@@ -121,8 +124,9 @@ IOResult<void> moveByLinkOrClaim(const fs::path &from, const fs::path &to) {
   return moved;
 }
 
-IOResult<FileDescriptor> openDirectory(const fs::path &folder) {
-  FileDescriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+IOResult<FileDescriptor> openDirectory(const fs::path &folder, Links links = Links::follow) {
+  const int noFollow = links == Links::refuse ? O_NOFOLLOW : 0;
+  FileDescriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | noFollow));
   if (!fd.isOpen())
     return lastFailure();
   return fd;
@@ -137,7 +141,7 @@ FileKind entryKind(int folder, const dirent &entry) {
   case DT_LNK:
     return FileKind::link;
   case DT_UNKNOWN: {
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
       return kindFromMode(status.st_mode);
     return FileKind::other;
@@ -148,7 +152,7 @@ FileKind entryKind(int folder, const dirent &entry) {
 }
 
 IOResult<struct stat> statusOf(const fs::path &file, int flags) {
-  struct stat status {};
+  struct stat status{};
   if (::fstatat(AT_FDCWD, file.c_str(), &status, flags) != 0)
     return lastFailure();
   return status;
@@ -249,7 +253,7 @@ IOResult<std::vector<DirectoryEntry>> SystemFileSystem::list(const fs::path &fol
 }
 
 IOResult<std::int64_t> SystemFileSystem::availableBytes(const fs::path &folder) {
-  struct statvfs volume {};
+  struct statvfs volume{};
   if (retried([&] { return ::statvfs(folder.c_str(), &volume); }) != 0)
     return lastFailure();
   std::uint64_t bytes = 0;
@@ -259,12 +263,13 @@ IOResult<std::int64_t> SystemFileSystem::availableBytes(const fs::path &folder) 
   return static_cast<std::int64_t>(bytes);
 }
 
-IOResult<ReadableFile> ReadableFile::open(const fs::path &file) {
+IOResult<ReadableFile> ReadableFile::open(const fs::path &file, Links links) {
   // O_NONBLOCK: opening a pipe must not wait for its other end.
-  FileDescriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  const int noFollow = links == Links::refuse ? O_NOFOLLOW : 0;
+  FileDescriptor fd(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | noFollow));
   if (!fd.isOpen())
     return lastFailure();
-  struct stat status {};
+  struct stat status{};
   if (::fstat(fd.get(), &status) != 0)
     return lastFailure();
   if (!S_ISREG(status.st_mode))
@@ -280,7 +285,7 @@ IOResult<std::size_t> ReadableFile::read(std::span<std::byte> into) {
 }
 
 IOResult<std::int64_t> ReadableFile::size() const {
-  struct stat status {};
+  struct stat status{};
   if (::fstat(fd_.get(), &status) != 0)
     return lastFailure();
   return status.st_size;
@@ -310,7 +315,7 @@ IOResult<FileIdentity> fileIdentity(const fs::path &file) {
 }
 
 IOResult<std::string> readFile(const fs::path &file) {
-  auto opened = ReadableFile::open(file);
+  auto opened = ReadableFile::open(file, Links::follow);
   if (!opened)
     return std::unexpected(opened.error());
   std::string content;
@@ -325,7 +330,10 @@ IOResult<std::string> readFile(const fs::path &file) {
   }
 }
 
-IOResult<void> replaceFile(const fs::path &file, std::string_view content) {
+IOResult<void> replaceFile(const fs::path &name, std::string_view content) {
+  std::error_code isNew;
+  const fs::path existing = fs::canonical(name, isNew);
+  const fs::path &file = isNew ? name : existing;
   fs::path aside = file;
   aside += "." + newUUID() + ".tmp";
   FileDescriptor fd(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kPrivateMode));
@@ -348,13 +356,20 @@ IOResult<void> replaceFile(const fs::path &file, std::string_view content) {
 }
 
 IOResult<DirectoryLock> DirectoryLock::tryLock(const fs::path &folder, Mode mode) {
-  auto fd = openDirectory(folder);
+  return take(folder, (mode == Mode::shared ? LOCK_SH : LOCK_EX) | LOCK_NB);
+}
+
+IOResult<DirectoryLock> DirectoryLock::lock(const fs::path &folder, Mode mode) {
+  return take(folder, mode == Mode::shared ? LOCK_SH : LOCK_EX);
+}
+
+IOResult<DirectoryLock> DirectoryLock::take(const fs::path &folder, int operation) {
+  auto fd = openDirectory(folder, Links::refuse);
   if (!fd)
     return std::unexpected(fd.error());
-  const int operation = (mode == Mode::shared ? LOCK_SH : LOCK_EX) | LOCK_NB;
   if (retried([&] { return ::flock(fd->get(), operation); }) != 0)
     return lastFailure();
-  struct stat status {};
+  struct stat status{};
   if (::fstat(fd->get(), &status) != 0)
     return lastFailure();
   return DirectoryLock(std::move(*fd), identityOf(status));

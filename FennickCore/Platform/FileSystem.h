@@ -13,10 +13,11 @@
 
 namespace fennick {
 
-template <typename T> using IOResult = std::expected<T, std::error_code>;
+template <typename T>
+using IOResult = std::expected<T, std::error_code>;
 
-// A file open for writing; owned by exactly one object. Destroying it closes the descriptor and keeps the file.
-// One thread at a time.
+// A file open for writing; owned by exactly one object. Destroying it closes the descriptor and keeps the
+// file. One thread at a time.
 class WritableFile {
 public:
   virtual ~WritableFile() = default;
@@ -42,8 +43,8 @@ struct FileIdentity {
   bool operator==(const FileIdentity &) const = default;
 };
 
-// The file system as the way of a photo needs it. The program uses SystemFileSystem; tests wrap it to inject a
-// full disk, a failed sync or a failed move. Links are never followed in the last component. Any thread.
+// The file system as the way of a photo needs it. The program uses SystemFileSystem; tests wrap it to inject
+// a full disk, a failed sync or a failed move. Links are never followed in the last component. Any thread.
 class FileSystem {
 public:
   virtual ~FileSystem() = default;
@@ -100,10 +101,14 @@ private:
   int fd_ = -1;
 };
 
-// A regular file open for reading. A link, a device or a pipe is not opened (ELOOP, EINVAL).
+enum class Links { refuse, follow }; // what to do when the last component of a path is a link
+
+// A regular file open for reading. A device or a pipe is not opened (EINVAL), nor a link unless it is to be
+// followed (ELOOP).
 class ReadableFile {
 public:
-  [[nodiscard]] static IOResult<ReadableFile> open(const std::filesystem::path &file);
+  [[nodiscard]] static IOResult<ReadableFile> open(const std::filesystem::path &file,
+                                                   Links links = Links::refuse);
   // Up to `into.size()` bytes from where the last read ended; 0 at the end.
   [[nodiscard]] IOResult<std::size_t> read(std::span<std::byte> into);
   [[nodiscard]] IOResult<std::int64_t> size() const;
@@ -120,9 +125,10 @@ private:
 // Identity of what the path leads to, links followed.
 [[nodiscard]] IOResult<FileIdentity> fileIdentity(const std::filesystem::path &file);
 
-// The whole content of a small file.
+// The whole content of a small file of our own, links followed.
 [[nodiscard]] IOResult<std::string> readFile(const std::filesystem::path &file);
-// Puts `content` under the name in one step: written aside, synced, moved over, folder synced. Mode 0600.
+// Puts `content` under the name in one step: written aside, synced, moved over, folder synced. Mode 0600. A
+// link stays and what it leads to is replaced.
 [[nodiscard]] IOResult<void> replaceFile(const std::filesystem::path &file, std::string_view content);
 
 // An advisory lock on a folder that lasts as long as the object. `shared` holders exclude an `exclusive` one;
@@ -131,14 +137,18 @@ class DirectoryLock {
 public:
   enum class Mode { shared, exclusive };
 
-  // Takes the lock without waiting: fails with EWOULDBLOCK when another holder is in the way.
+  // Takes the lock without waiting: fails with EWOULDBLOCK when another holder is in the way. A link to a
+  // folder is not locked (ENOTDIR).
   [[nodiscard]] static IOResult<DirectoryLock> tryLock(const std::filesystem::path &folder, Mode mode);
+  // The same, but waits until the others are out of the way.
+  [[nodiscard]] static IOResult<DirectoryLock> lock(const std::filesystem::path &folder, Mode mode);
   // Turns an exclusive lock into a shared one.
   [[nodiscard]] IOResult<void> share();
   // The folder that is locked; a folder made anew under the same path is another one.
   [[nodiscard]] FileIdentity identity() const { return identity_; }
 
 private:
+  [[nodiscard]] static IOResult<DirectoryLock> take(const std::filesystem::path &folder, int operation);
   DirectoryLock(FileDescriptor fd, FileIdentity identity) : fd_(std::move(fd)), identity_(identity) {}
   FileDescriptor fd_;
   FileIdentity identity_;

@@ -85,6 +85,9 @@ std::string addressText(const sockaddr_storage &address, socklen_t length) {
   return result;
 }
 
+// The listener itself is no good any more; everything else concerns one connection that is over already.
+bool isBroken(int error) { return error == EBADF || error == EINVAL || error == ENOTSOCK; }
+
 bool outOfDescriptors(int error) {
   return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
@@ -116,10 +119,12 @@ std::optional<AcceptedSocket> ListeningSocket::accept() {
       return std::nullopt;
     sockaddr_storage address{};
     socklen_t length = sizeof address;
-    FileDescriptor socket(::accept4(socket_.get(), reinterpret_cast<sockaddr *>(&address), &length,
-                                    SOCK_CLOEXEC | SOCK_NONBLOCK));
+    FileDescriptor socket(
+        ::accept4(socket_.get(), reinterpret_cast<sockaddr *>(&address), &length, SOCK_CLOEXEC));
     if (socket.isOpen())
       return AcceptedSocket{std::move(socket), addressText(address, length)};
+    if (isBroken(errno))
+      return std::nullopt;
     if (outOfDescriptors(errno))
       refuseOne();
   }

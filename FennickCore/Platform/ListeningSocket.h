@@ -21,13 +21,14 @@ struct AcceptedSocket {
 // A TCP listener for IPv4 and IPv6 on every address of this computer.
 class ListeningSocket {
 public:
-  // Listens on `port`; 0 lets the system choose. EADDRINUSE when another program has the port. Where the kernel
-  // has no IPv6, IPv4 alone is served.
+  // Listens on `port`; 0 lets the system choose. EADDRINUSE when another program has the port. Where the
+  // kernel has no IPv6, IPv4 alone is served.
   [[nodiscard]] static IOResult<ListeningSocket> open(std::uint16_t port);
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
 
-  // Waits for the next connection; nothing once `wake` was called. A connection that cannot be taken because
+  // Waits for the next connection, whose socket is a blocking one; nothing once `wake` was called or when the
+  // listener has failed. A connection that cannot be taken because
   // the program is out of descriptors is closed, so that the queue does not stand still.
   [[nodiscard]] std::optional<AcceptedSocket> accept();
   // Ends the current and every later `accept`. Any thread.

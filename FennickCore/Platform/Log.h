@@ -3,9 +3,9 @@
 #include <functional>
 #include <string_view>
 
-// Log lines: each is prefixed with "fennick: " and goes to the system log, and to standard error when that is a
-// terminal or the program asked for it. Line breaks and other control characters inside a line are written as
-// spaces, so that a name from outside cannot forge a line. Any thread.
+// Log lines: each is prefixed with "fennick: " and goes to the system log, and to standard error when that is
+// a terminal or the program asked for it. Line breaks and other control characters inside a line are written
+// as spaces, so that a name from outside cannot forge a line. Any thread.
 namespace fennick {
 
 void log(std::string_view line);

@@ -10,7 +10,8 @@
 
 namespace fennick {
 
-// A MainQueue with a loop of its own, for programs without a toolkit. It sleeps until there is something to do.
+// A MainQueue with a loop of its own, for programs without a toolkit. It sleeps until there is something to
+// do.
 class LoopQueue final : public MainQueue {
 public:
   explicit LoopQueue(const Clock &clock); // `clock` outlives the queue
@@ -18,8 +19,8 @@ public:
   void post(std::function<void()> task) override;
   void postAfter(Seconds delay, std::function<void()> task) override;
 
-  // Calls `handler` on the main thread whenever one of these signals arrives. Call it before any other thread is
-  // started: it blocks the signals for this thread and all that come after. Once.
+  // Calls `handler` on the main thread whenever one of these signals arrives. Call it before any other thread
+  // is started: it blocks the signals for this thread and all that come after. Once.
   void onSignals(const std::vector<int> &signals, std::function<void(int)> handler);
 
   // Runs tasks until `quit`, then what was posted before it returns. Main thread.

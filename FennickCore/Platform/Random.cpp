@@ -31,8 +31,8 @@ std::uint64_t randomWord() {
 
 std::string newUUID() {
   std::array<std::uint64_t, 2> words{randomWord(), randomWord()};
-  words[0] = (words[0] & ~0xF000ULL) | 0x4000ULL;                               // version 4
-  words[1] = (words[1] & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL;        // variant 1
+  words[0] = (words[0] & ~0xF000ULL) | 0x4000ULL;                        // version 4
+  words[1] = (words[1] & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL; // variant 1
   return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", words[0] >> 32, words[0] >> 16 & 0xFFFF,
                      words[0] & 0xFFFF, words[1] >> 48, words[1] & 0xFFFFFFFFFFFFULL);
 }

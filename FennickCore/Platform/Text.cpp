@@ -26,7 +26,8 @@ std::optional<unsigned char> hexValue(char c) {
   return std::nullopt;
 }
 
-template <typename Change> std::string mapped(std::string_view text, Change change) {
+template <typename Change>
+std::string mapped(std::string_view text, Change change) {
   std::string result(text);
   std::ranges::transform(result, result.begin(), change);
   return result;

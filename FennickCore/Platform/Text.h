@@ -16,8 +16,8 @@ namespace fennick {
 // Every byte read as its ISO Latin-1 character, written as UTF-8. Never fails.
 [[nodiscard]] std::string utf8FromLatin1(std::string_view bytes);
 
-// `text` as it stands when it is UTF-8; otherwise with every byte that is not part of a valid sequence replaced
-// by U+FFFD. For showing names that a file system handed us.
+// `text` as it stands when it is UTF-8; otherwise with every byte that is not part of a valid sequence
+// replaced by U+FFFD. For showing names that a file system handed us.
 [[nodiscard]] std::string displayText(std::string_view text);
 
 // `text` with a space for every control character, so that it stays on its line and gives no orders to a

@@ -12,8 +12,8 @@
 namespace fennick {
 
 // Runs each task at once on a thread of its own, taking an idle thread when there is one. A few threads stay
-// asleep for the next tasks; the rest end. Destroying the cache waits for every task. Any thread, except that a
-// task must not destroy its own cache.
+// asleep for the next tasks; the rest end. Destroying the cache waits for every task. Any thread, except that
+// a task must not destroy its own cache.
 class ThreadCache {
 public:
   explicit ThreadCache(std::size_t mostIdle) : mostIdle_(mostIdle) {}

@@ -34,9 +34,8 @@ IOResult<TakenNames *> FolderListings::at(const std::filesystem::path &folder) {
 IOResult<FolderListings::Listing> FolderListings::read(const std::filesystem::path &folder) {
   Listing listing{.folder = folder, .identity = {}, .watch = watch_.add(folder).value_or(-1), .names = {}};
   // The same folder under another path has the same watch; the newer path keeps it.
-  std::erase_if(listings_, [&](const Listing &other) {
-    return listing.watch >= 0 && other.watch == listing.watch;
-  });
+  std::erase_if(listings_,
+                [&](const Listing &other) { return listing.watch >= 0 && other.watch == listing.watch; });
   const auto identity = fileIdentity(folder);
   auto entries = files_.list(folder);
   if (!identity || !entries) {

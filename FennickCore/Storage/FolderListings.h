@@ -9,9 +9,9 @@
 
 namespace fennick {
 
-// The names in the folders that photos land in, read once and then kept up to date by following the changes that
-// anyone makes, so that receiving a photo costs the same in a full folder as in an empty one. Folders that cannot
-// be followed (network drives) are read anew each time. One thread at a time.
+// The names in the folders that photos land in, read once and then kept up to date by following the changes
+// that anyone makes, so that receiving a photo costs the same in a full folder as in an empty one. Folders
+// that cannot be followed (network drives) are read anew each time. One thread at a time.
 class FolderListings {
 public:
   explicit FolderListings(FileSystem &files) : files_(files) {} // `files` outlives the object

@@ -33,8 +33,8 @@ IOResult<std::filesystem::path> NameAllocator::place(const std::filesystem::path
 
 IOResult<std::filesystem::path> NameAllocator::moveToFreeName(const std::filesystem::path &partFile,
                                                               const std::filesystem::path &directory,
-                                                              const NamingPolicy &naming, std::string_view ext,
-                                                              Instant instant) {
+                                                              const NamingPolicy &naming,
+                                                              std::string_view ext, Instant instant) {
   const Locked locked(lock_);
   if (auto made = files_.createDirectories(directory); !made)
     return std::unexpected(made.error());
@@ -49,8 +49,10 @@ IOResult<std::filesystem::path> NameAllocator::moveToFreeName(const std::filesys
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
     const auto [name, sequence] = NameGenerator::generate(naming, instant, ext, taken, lastSequence);
     const auto moved = files_.moveNoReplace(partFile, directory / name);
+    // A name that is taken without being listed: somebody was quicker, or it differs only in case from one
+    // that is. What it stands for is not known here.
     if (moved || moved.error() == std::errc::file_exists)
-      taken.insert(name, FileKind::regular);
+      taken.insert(name, moved ? FileKind::regular : FileKind::other);
     if (moved) {
       if (sequence)
         lastSequence_[key] = *sequence;

@@ -43,6 +43,14 @@ std::string sequenceStem(const PrefixSequenceNaming &naming) {
   std::string stem = naming.prefix + naming.separator;
   std::ranges::replace(stem, '/', '-');
   std::erase(stem, '\0');
+  if (stem.starts_with('.'))
+    stem.front() = '-';
+  // Leaves room for the number and the extension, and keeps characters whole.
+  constexpr std::size_t kLongestStem = 200;
+  std::size_t length = std::min(stem.size(), kLongestStem);
+  while (length < stem.size() && (static_cast<unsigned char>(stem[length]) & 0xC0) == 0x80)
+    --length;
+  stem.resize(length);
   return stem;
 }
 

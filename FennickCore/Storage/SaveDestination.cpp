@@ -1,6 +1,7 @@
 #include "FennickCore/Storage/SaveDestination.h"
 
 #include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Storage/MediaTypes.h"
 
 #include <fmt/format.h>
 
@@ -9,6 +10,12 @@
 namespace fennick {
 
 namespace {
+
+std::optional<PathComponent> sessionFolder(const std::string &name) {
+  if (name.starts_with('.') || name == kOriginalsFolder || name == kExportFolder)
+    return std::nullopt;
+  return PathComponent::make(name);
+}
 
 std::tm localTime(Instant instant) {
   const std::time_t seconds =
@@ -26,7 +33,7 @@ std::filesystem::path SaveDestination::directory(Instant instant) const {
   if (dateSubfolders)
     result /= localDayText(instant);
   if (subfolder)
-    if (const auto session = PathComponent::make(*subfolder))
+    if (const auto session = sessionFolder(*subfolder))
       result = result / *session;
   return result;
 }

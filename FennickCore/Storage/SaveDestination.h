@@ -19,8 +19,8 @@ struct SaveDestination {
   bool operator==(const SaveDestination &) const = default;
 
   // The folder for a file received at `instant`: folder/2024-05-01/session. The day is that of the computer's
-  // current time zone. A session name that is not one plain path component is passed over, so that no setting
-  // leads out of the save folder.
+  // current time zone. A session name that is not one plain path component, is hidden or is reserved is
+  // passed over, so that no setting leads out of the save folder or to where photos are not looked for.
   [[nodiscard]] std::filesystem::path directory(Instant instant) const;
 };
 

@@ -11,8 +11,9 @@
 
 namespace fennick {
 
-// The names in one folder, with the two questions that receiving a photo asks of them answered without walking
-// them all: how many photos and videos there are, and the highest number behind a prefix. One thread at a time.
+// The names in one folder, with the two questions that receiving a photo asks of them answered without
+// walking them all: how many photos and videos there are, and the highest number behind a prefix. One thread
+// at a time.
 class TakenNames {
 public:
   void insert(const std::string &name, FileKind kind);

@@ -16,13 +16,22 @@ namespace {
 
 using Entry = std::pair<std::string_view, std::string_view>;
 
-constexpr std::array kMediaTypes{
-    Entry{"image/jpeg", "jpg"},      Entry{"image/jpg", "jpg"},   Entry{"image/pjpeg", "jpg"},
-    Entry{"image/png", "png"},       Entry{"image/heic", "heic"}, Entry{"image/heif", "heic"},
-    Entry{"image/heic-sequence", "heic"}, Entry{"image/x-adobe-dng", "dng"}, Entry{"image/dng", "dng"},
-    Entry{"image/tiff", "tif"},      Entry{"image/gif", "gif"},   Entry{"image/webp", "webp"},
-    Entry{"image/avif", "avif"},     Entry{"video/quicktime", "mov"}, Entry{"video/mp4", "mp4"},
-    Entry{"video/x-m4v", "m4v"}};
+constexpr std::array kMediaTypes{Entry{"image/jpeg", "jpg"},
+                                 Entry{"image/jpg", "jpg"},
+                                 Entry{"image/pjpeg", "jpg"},
+                                 Entry{"image/png", "png"},
+                                 Entry{"image/heic", "heic"},
+                                 Entry{"image/heif", "heic"},
+                                 Entry{"image/heic-sequence", "heic"},
+                                 Entry{"image/x-adobe-dng", "dng"},
+                                 Entry{"image/dng", "dng"},
+                                 Entry{"image/tiff", "tif"},
+                                 Entry{"image/gif", "gif"},
+                                 Entry{"image/webp", "webp"},
+                                 Entry{"image/avif", "avif"},
+                                 Entry{"video/quicktime", "mov"},
+                                 Entry{"video/mp4", "mp4"},
+                                 Entry{"video/x-m4v", "m4v"}};
 
 // Major brands of the ISO base media format, lower-cased.
 constexpr std::array kBrands{

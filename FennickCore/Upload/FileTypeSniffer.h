@@ -20,8 +20,8 @@ inline constexpr std::size_t kHeaderBytes = 16;
 // By the name's extension in any case; "jpeg" becomes "jpg".
 [[nodiscard]] std::optional<std::string> extensionForFilename(std::string_view filename);
 
-// The extension to save under. The magic number decides, whatever the sender says; only a DNG, which looks like a
-// TIFF, is believed.
+// The extension to save under. The magic number decides, whatever the sender says; only a DNG, which looks
+// like a TIFF, is believed.
 [[nodiscard]] std::optional<std::string> resolve(std::span<const std::byte> header,
                                                  const std::optional<std::string> &mediaType,
                                                  const std::optional<std::string> &filename);

@@ -39,9 +39,8 @@ IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &s
   const auto incoming = saveFolder / kIncomingFolder;
   if (auto made = files_.createDirectories(incoming); !made)
     return std::unexpected(made.error());
-  IncomingPart part{.file = incoming / (newUUID() + std::string(kPartSuffix)),
-                    .handle = nullptr,
-                    .hold = hold(incoming)};
+  IncomingPart part{
+      .file = incoming / (newUUID() + std::string(kPartSuffix)), .handle = nullptr, .hold = hold(incoming)};
   auto handle = files_.createFile(part.file);
   if (!handle)
     return std::unexpected(handle.error());
@@ -60,7 +59,8 @@ std::shared_ptr<const DirectoryLock> IncomingFolder::hold(const std::filesystem:
   return held_;
 }
 
-// Alone in the folder: what lies in it was left by a run that ended badly. Not alone: leave it all.
+// Alone in the folder: what lies in it was left by a run that ended badly. Not alone: leave it all, and wait
+// out another program that is clearing it just now.
 std::shared_ptr<const DirectoryLock> IncomingFolder::acquire(const std::filesystem::path &incoming) {
   auto lock = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::exclusive);
   if (lock) {
@@ -68,7 +68,7 @@ std::shared_ptr<const DirectoryLock> IncomingFolder::acquire(const std::filesyst
     if (!lock->share())
       return nullptr;
   } else {
-    lock = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::shared);
+    lock = DirectoryLock::lock(incoming, DirectoryLock::Mode::shared);
   }
   return lock ? std::make_shared<const DirectoryLock>(std::move(*lock)) : nullptr;
 }

@@ -16,9 +16,9 @@ struct IncomingPart {
   std::shared_ptr<const DirectoryLock> hold; // none where the file system has no advisory locks
 };
 
-// The hidden folder ".fennick-incoming" of the save folder, where bodies are received. Whoever comes to it first
-// after a crash clears away the part files that were left, unless another running program holds the folder. Any
-// thread; guarded by its own lock.
+// The hidden folder ".fennick-incoming" of the save folder, where bodies are received. Whoever comes to it
+// first after a crash clears away the part files that were left, unless another running program holds the
+// folder. Any thread; guarded by its own lock.
 class IncomingFolder {
 public:
   explicit IncomingFolder(FileSystem &files) : files_(files) {} // `files` outlives the object

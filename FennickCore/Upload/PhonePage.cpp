@@ -27,7 +27,8 @@ std::filesystem::path findBundle() {
 }
 
 void replaceAll(std::string &text, std::string_view placeholder, std::string_view value) {
-  for (auto at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + value.size()))
+  for (auto at = text.find(placeholder); at != std::string::npos;
+       at = text.find(placeholder, at + value.size()))
     text.replace(at, placeholder.size(), value);
 }
 

@@ -7,8 +7,8 @@
 
 namespace fennick {
 
-// The folder of resources that comes with the core: looked for in the program's shared-data folder, then beside
-// the program. Ends the program with a message when it is in neither: a packaging fault. Any thread.
+// The folder of resources that comes with the core: looked for in the program's shared-data folder, then
+// beside the program. Ends the program with a message when it is in neither: a packaging fault. Any thread.
 [[nodiscard]] const std::filesystem::path &resourceBundle();
 
 // The page that a phone opens after scanning the code. The template is read on first use and kept; a template

@@ -54,7 +54,8 @@ bool isGalleryRoute(std::string_view path) {
 UploadRouter::UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files,
                            const Clock &clock, UploadActivity &activity)
     : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), clock_(clock),
-      activity_(activity), allocator_(files), incoming_(files), uploadThrottle_(kMostUploads, kUploadWindow) {}
+      activity_(activity), allocator_(files), incoming_(files), uploadThrottle_(kMostUploads, kUploadWindow) {
+}
 
 HTTPRouteDecision UploadRouter::route(const HTTPRequestHead &head, const std::string &remote) {
   const bool get = head.method == "GET";
@@ -115,7 +116,8 @@ HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::s
   const UploadPolicy policy = providers_.policy();
   if (policy.folderLimit && !policy.autoPrune &&
       allocator_.mediaCount(providers_.destination().directory(clock_.now())) >= *policy.folderLimit)
-    return reject(403, fmt::format("文件夹已满（上限 {0} 张）/ Folder is full (limit {0})", *policy.folderLimit));
+    return reject(403,
+                  fmt::format("文件夹已满（上限 {0} 张）/ Folder is full (limit {0})", *policy.folderLimit));
 
   if (!uploadThrottle_.allow(remote, clock_.uptime()))
     return respond(429, "上传太频繁，请稍后再试 / Too many uploads, slow down");

@@ -19,8 +19,8 @@
 
 namespace fennick {
 
-// The phone protocol: the page, a health probe, the status query and the upload entry. Every setting comes from a
-// provider that is asked anew for each request, so that a change takes effect on the next one.
+// The phone protocol: the page, a health probe, the status query and the upload entry. Every setting comes
+// from a provider that is asked anew for each request, so that a change takes effect on the next one.
 //
 // Shared by all connections; `route` is called on their threads at once, and so are the providers.
 class UploadRouter final : public HTTPRequestHandler {
@@ -35,7 +35,7 @@ public:
   struct Providers {
     std::function<std::string()> key; // the current access key
     std::function<SaveDestination()> destination;
-    std::function<std::int64_t()> maxBytes; // most bytes of one upload
+    std::function<std::int64_t()> maxBytes;             // most bytes of one upload
     std::function<void(const UploadRecord &)> onUpload; // once per saved upload, on its connection's thread
     std::function<UploadPolicy()> policy;
   };

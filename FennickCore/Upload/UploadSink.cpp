@@ -42,8 +42,7 @@ HTTPResponse UploadSink::finish() {
     log(fmt::format("cannot save {}: {}", upload_.part.file.string(), settled.error().message()));
     return refuse(500, "保存失败 / save failed");
   }
-  const auto placed =
-      allocator_.place(upload_.part.file, upload_.destination, *extension, upload_.startedAt);
+  const auto placed = allocator_.place(upload_.part.file, upload_.destination, *extension, upload_.startedAt);
   if (!placed) {
     log(fmt::format("cannot place {}: {}", upload_.part.file.string(), placed.error().message()));
     return refuse(500, "保存失败 / save failed");

@@ -41,9 +41,9 @@ struct AdmittedUpload {
   Instant startedAt;
 };
 
-// Receives the body of one upload into its part file and turns it into a saved photo or video. The body is never
-// held in memory: only the first bytes are kept, to tell the type. Whatever fails, the part file is deleted and
-// the phone is told; "200" is answered only once the file is on the disk under its final name.
+// Receives the body of one upload into its part file and turns it into a saved photo or video. The body is
+// never held in memory: only the first bytes are kept, to tell the type. Whatever fails, the part file is
+// deleted and the phone is told; "200" is answered only once the file is on the disk under its final name.
 //
 // Belongs to one connection and is called on its thread. Allocator, file system, activity and `onUpload` are
 // borrowed and outlive it.

@@ -11,8 +11,8 @@
 
 namespace quarrow {
 
-// The live configuration of the upload router: written by the coordinator on the main thread, all values in one
-// step, and read by the server's connections for each request. Any thread; guarded by its own lock.
+// The live configuration of the upload router: written by the coordinator on the main thread, all values in
+// one step, and read by the server's connections for each request. Any thread; guarded by its own lock.
 class RouterConfig {
 public:
   struct Values {

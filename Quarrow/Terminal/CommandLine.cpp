@@ -109,7 +109,8 @@ std::expected<CommandLine, std::string> chosen(const RawOptions &raw) {
 
 std::string messageOf(GError *error) {
   const std::unique_ptr<GError, decltype(&g_error_free)> owned(error, &g_error_free);
-  return fmt::format("命令行有误：{0}。用 --help 查看用法 / Bad command line: {0}. See --help", owned->message);
+  return fmt::format("命令行有误：{0}。用 --help 查看用法 / Bad command line: {0}. See --help",
+                     owned->message);
 }
 
 // A vector of arguments as GLib wants it: the program's name first.
@@ -127,8 +128,8 @@ Strings argumentVector(const std::vector<std::string> &arguments) {
 std::expected<CommandLine, std::string> CommandLine::parse(std::vector<std::string> arguments) {
   RawOptions raw;
   const auto entries = optionEntries(raw);
-  const std::unique_ptr<GOptionContext, decltype(&g_option_context_free)> context(g_option_context_new(nullptr),
-                                                                                  &g_option_context_free);
+  const std::unique_ptr<GOptionContext, decltype(&g_option_context_free)> context(
+      g_option_context_new(nullptr), &g_option_context_free);
   g_option_context_set_help_enabled(context.get(), FALSE); // ours returns instead of ending the program
   g_option_context_set_summary(context.get(), kSummary);
   g_option_context_set_description(context.get(), kDescription);
@@ -148,8 +149,8 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::vector<std::stri
     return result;
   }
   if (left.get()[1] != nullptr)
-    return std::unexpected(fmt::format("不认识的参数“{0}” / unknown argument \"{0}\"",
-                                       fennick::displayText(left.get()[1])));
+    return std::unexpected(
+        fmt::format("不认识的参数“{0}” / unknown argument \"{0}\"", fennick::displayText(left.get()[1])));
   return chosen(raw);
 }
 

@@ -29,11 +29,12 @@ Receiver::Receiver(Setup setup, Report &report, fennick::MainQueue &mainQueue, f
       rateLimiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, rateLimiter_, clock) {}
 
 fennick::UploadRouter::Providers Receiver::providers() {
-  return {.key = [this] { return routerConfig_.key(); },
-          .destination = [this] { return routerConfig_.destination(); },
-          .maxBytes = [this] { return routerConfig_.maxBytes(); },
-          .onUpload = [this](const auto &record) { mainQueue_.post([this, record] { handleUpload(record); }); },
-          .policy = [this] { return routerConfig_.policy(); }};
+  return {
+      .key = [this] { return routerConfig_.key(); },
+      .destination = [this] { return routerConfig_.destination(); },
+      .maxBytes = [this] { return routerConfig_.maxBytes(); },
+      .onUpload = [this](const auto &record) { mainQueue_.post([this, record] { handleUpload(record); }); },
+      .policy = [this] { return routerConfig_.policy(); }};
 }
 
 bool Receiver::start() {

@@ -16,9 +16,9 @@
 
 namespace quarrow {
 
-// The receiving service of the terminal program: server, router and what they are configured with, reported to
-// one Report. Main thread, except what the server's threads post to the main queue. Everything borrowed outlives
-// it.
+// The receiving service of the terminal program: server, router and what they are configured with, reported
+// to one Report. Main thread, except what the server's threads post to the main queue. Everything borrowed
+// outlives it.
 class Receiver {
 public:
   struct Setup {

@@ -39,12 +39,16 @@ void WordsReport::listening(const Listening &state) {
     printLine(fmt::format("手机扫码或打开 / Scan or open on the phone:\n  {}", *state.phoneURL));
   } else {
     printLine("没有可用的局域网地址，手机暂时连不上 / No usable network address, phones cannot connect yet");
-    printLine(fmt::format("  本机 / on this computer: http://127.0.0.1:{}/?k={}", state.port, state.accessKey));
+    printLine(
+        fmt::format("  本机 / on this computer: http://127.0.0.1:{}/?k={}", state.port, state.accessKey));
   }
-  printLine(fmt::format("保存到 / Saving to:\n  {}\n", withoutControls(displayText(state.saveFolder.string()))));
+  printLine(
+      fmt::format("保存到 / Saving to:\n  {}\n", withoutControls(displayText(state.saveFolder.string()))));
 }
 
-void WordsReport::received(const Received &file) { printLine(fmt::format("✓ {}", withoutControls(displayText(file.note)))); }
+void WordsReport::received(const Received &file) {
+  printLine(fmt::format("✓ {}", withoutControls(displayText(file.note))));
+}
 
 void WordsReport::error(const std::string &message) {
   const std::string line = fmt::format("{}{}\n", options_.terminal ? kClearLine : "", message);

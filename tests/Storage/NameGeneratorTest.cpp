@@ -60,7 +60,7 @@ TEST(NameGeneratorTest, SequenceNamesGoOnFromTheHighestNumber) {
        {},
        "IMG_001.jpg"},
       {"no prefix at all", named("", ""), {"7.jpg"}, {}, "008.jpg"},
-      {"a slash leads into no other folder", named("../../etc/", "/"), {}, {}, "..-..-etc--001.jpg"},
+      {"a slash leads into no other folder", named("../../etc/", "/"), {}, {}, "-.-..-etc--001.jpg"},
       {"a NUL does not cut the name", named(std::string("A\0B", 3)), {}, {}, "AB_001.jpg"},
   };
   for (const auto &[rule, naming, taken, last, next] : table)

@@ -8,8 +8,8 @@
 
 namespace fennick::test {
 
-// A client on this computer; `address` may be IPv4, IPv6 or IPv4 mapped into IPv6. A server that hangs fails the
-// test instead of holding it for ever.
+// A client on this computer; `address` may be IPv4, IPv6 or IPv4 mapped into IPv6. A server that hangs fails
+// the test instead of holding it for ever.
 class LoopbackClient {
 public:
   LoopbackClient(const std::string &address, std::uint16_t port);

@@ -9,8 +9,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 TEST(CommandLineTest, OptionsAreTakenAsGiven) {
-  const auto line = CommandLine::parse({"--folder", "/photos/", "--port=9000", "--state-dir", "/state", "--set",
-                                        "naming=timestamp", "--set=folderLimit=5", "--json", "--no-qr"});
+  const auto line =
+      CommandLine::parse({"--folder", "/photos/", "--port=9000", "--state-dir", "/state", "--set",
+                          "naming=timestamp", "--set=folderLimit=5", "--json", "--no-qr"});
   ASSERT_TRUE(line);
   EXPECT_EQ(line->folder, "/photos");
   EXPECT_EQ(line->port, 9000);
@@ -28,10 +29,10 @@ TEST(CommandLineTest, RelativeFoldersAreMadeAbsoluteBeforeAnythingElseHappens) {
 
 TEST(CommandLineTest, WhatCannotBeMeantIsRefusedInASentenceThatNamesIt) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
-      {{"--bogus"}, "--bogus"},           {{"-x"}, "-x"},
-      {{"photos"}, "photos"},             {{"--port", "65536"}, "65536"},
-      {{"--port", "-1"}, "-1"},           {{"--port", "80a"}, "80a"},
-      {{"--port"}, "--port"},             {{"--folder"}, "--folder"}};
+      {{"--bogus"}, "--bogus"}, {{"-x"}, "-x"},
+      {{"photos"}, "photos"},   {{"--port", "65536"}, "65536"},
+      {{"--port", "-1"}, "-1"}, {{"--port", "80a"}, "80a"},
+      {{"--port"}, "--port"},   {{"--folder"}, "--folder"}};
   for (const auto &[arguments, named] : cases) {
     const auto line = CommandLine::parse(arguments);
     ASSERT_FALSE(line) << named;

@@ -89,12 +89,13 @@ protected:
 
   std::unique_ptr<Receiver> make() {
     return std::make_unique<Receiver>(
-        Receiver::Setup{.settings = settings, .accessKey = "secret", .folder = disk / "photos"}, report, queue,
-        files, clock);
+        Receiver::Setup{.settings = settings, .accessKey = "secret", .folder = disk / "photos"}, report,
+        queue, files, clock);
   }
   std::string upload(std::string_view body) {
     LoopbackClient phone("127.0.0.1", report.started->port);
-    return phone.ask(fmt::format("POST /upload?k=secret HTTP/1.1\r\nContent-Length: {}\r\n\r\n{}", body.size(), body));
+    return phone.ask(
+        fmt::format("POST /upload?k=secret HTTP/1.1\r\nContent-Length: {}\r\n\r\n{}", body.size(), body));
   }
 
   fennick::test::TemporaryFolder disk;

@@ -15,7 +15,8 @@ constexpr std::string_view kURL = "http://192.168.1.20:8000/?k=aB3dE5gH7j";
 
 enum class Ink { dark, light };
 
-// The pixels that a terminal with a cell of one by two pixels would show. `ink` is what it draws characters with.
+// The pixels that a terminal with a cell of one by two pixels would show. `ink` is what it draws characters
+// with.
 std::vector<std::vector<bool>> darkPixels(const std::string &screen, Ink ink) {
   std::vector<std::vector<bool>> rows;
   std::string_view rest = screen;

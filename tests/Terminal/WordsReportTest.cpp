@@ -9,7 +9,8 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-template <typename Action> std::string printedBy(Action action) {
+template <typename Action>
+std::string printedBy(Action action) {
   ::testing::internal::CaptureStdout();
   action();
   return ::testing::internal::GetCapturedStdout();
