@@ -43,7 +43,7 @@ void HTTPConnection::start() {
   struct AtEnd {
     HTTPConnection &connection;
     ~AtEnd() { connection.finish(); }
-  } atEnd{*this};
+  } const atEnd{*this};
 
   lifetimeEnd_ = after(clock_.uptime(), limits_.maxConnectionDuration);
   const auto received = receiveHead();
@@ -167,15 +167,15 @@ void HTTPConnection::drain(Uptime deadline) {
 
 void HTTPConnection::respond(const HTTPResponse &response) {
   if (response.bodyFile && !isHead_)
-    return sendFile(response);
+    return sendFile(response, *response.bodyFile);
   if (sendAll(bytesOf(response.serialise(isHead_)), lifetimeEnd_))
     stream_->finishOutput();
 }
 
-void HTTPConnection::sendFile(const HTTPResponse &response) {
+void HTTPConnection::sendFile(const HTTPResponse &response, const std::filesystem::path &location) {
   if (!sendWhileRead(bytesOf(response.serialise(false))))
     return;
-  auto file = ReadableFile::open(*response.bodyFile);
+  auto file = ReadableFile::open(location);
   if (!file)
     return;
   std::int64_t remaining = response.bodyFileLength;

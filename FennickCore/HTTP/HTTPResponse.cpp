@@ -53,25 +53,25 @@ std::string contentSecurityPolicy(std::string_view nonce) {
 }
 
 bool isLetterMarkOrDigit(gunichar character) {
-  return g_unichar_isalpha(character) || g_unichar_ismark(character) || g_unichar_isdigit(character);
+  return g_unichar_isalpha(character) != FALSE || g_unichar_ismark(character) != FALSE ||
+         g_unichar_isdigit(character) != FALSE;
 }
 
 // Letters, marks and digits of every script stay, all else becomes %XX of its UTF-8 bytes; "file" for a name
 // that is not UTF-8.
-std::string encodedDownloadName(std::string_view name) {
+std::string encodedDownloadName(const std::string &name) {
   if (!isValidUTF8(name))
     return "file";
   std::string encoded;
-  while (!name.empty()) {
-    const auto length = static_cast<std::size_t>(g_utf8_next_char(name.data()) - name.data());
-    const std::string_view character = name.substr(0, length);
-    if (isLetterMarkOrDigit(g_utf8_get_char(name.data()))) {
-      encoded += character;
+  const char *next = nullptr;
+  for (const char *at = name.c_str(); at < name.c_str() + name.size(); at = next) {
+    next = g_utf8_next_char(at);
+    if (isLetterMarkOrDigit(g_utf8_get_char(at))) {
+      encoded.append(at, next);
     } else {
-      for (const char byte : character)
-        encoded += fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+      for (const char *byte = at; byte < next; ++byte)
+        encoded += fmt::format("%{:02X}", static_cast<unsigned char>(*byte));
     }
-    name.remove_prefix(length);
   }
   return encoded;
 }
@@ -123,7 +123,7 @@ HTTPResponse HTTPResponse::page(std::string_view html, std::string_view nonce) {
 
 std::optional<HTTPResponse> HTTPResponse::file(const std::filesystem::path &location,
                                                std::string_view contentType,
-                                               std::optional<std::string> downloadName) {
+                                               const std::optional<std::string> &downloadName) {
   const auto size = fileSize(location);
   if (!size)
     return std::nullopt;

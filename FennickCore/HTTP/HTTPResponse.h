@@ -34,7 +34,7 @@ struct HTTPResponse {
   // the file's size cannot be read.
   [[nodiscard]] static std::optional<HTTPResponse>
   file(const std::filesystem::path &location, std::string_view contentType,
-       std::optional<std::string> downloadName = std::nullopt);
+       const std::optional<std::string> &downloadName = std::nullopt);
 
   // The bytes to send before any file: status line, headers, length, "Connection: close" and, unless
   // `headOnly` or the body is a file, the body. Control characters in a header are written as spaces, so that

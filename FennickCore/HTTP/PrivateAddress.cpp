@@ -20,8 +20,11 @@ std::optional<IPv4> parsedIPv4(std::string_view text) {
   const char *at = text.data();
   const char *end = text.data() + text.size();
   for (std::size_t i = 0; i < address.size(); ++i) {
-    if (i > 0 && (at == end || *at++ != '.'))
-      return std::nullopt;
+    if (i > 0) {
+      if (at == end || *at != '.')
+        return std::nullopt;
+      ++at;
+    }
     const auto [stop, error] = std::from_chars(at, end, address[i]);
     if (error != std::errc{})
       return std::nullopt;

@@ -22,7 +22,7 @@ inline constexpr std::array kOutputFormats{OutputFormat::keep, OutputFormat::jpe
 // The name under which a format is stored: "keep", "jpeg", "heic", "png".
 [[nodiscard]] std::string_view rawValue(OutputFormat format);
 // Nothing for any other name; upper case counts.
-[[nodiscard]] std::optional<OutputFormat> outputFormat(std::string_view rawValue);
+[[nodiscard]] std::optional<OutputFormat> outputFormat(std::string_view name);
 
 // What happens to each received picture. The initial values are those of a stored record that lacks the
 // field.

@@ -78,6 +78,7 @@ std::vector<LANAddress> rank(std::span<const InterfaceAddress> interfaces,
   });
 
   std::vector<LANAddress> addresses;
+  addresses.reserve(kept.size());
   for (const InterfaceAddress &entry : kept)
     addresses.push_back({entry.name, entry.address, kindOf(entry.name, kinds)});
   return addresses;

@@ -1,6 +1,7 @@
 #include "FennickCore/Platform/Clock.h"
 
 #include <ctime>
+#include <tuple>
 
 namespace fennick {
 
@@ -17,7 +18,7 @@ Instant SystemClock::now() const {
 
 Uptime SystemClock::uptime() const {
   timespec time{};
-  ::clock_gettime(CLOCK_BOOTTIME, &time);
+  std::ignore = ::clock_gettime(CLOCK_BOOTTIME, &time); // cannot fail
   return Uptime(std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
 }
 

@@ -66,7 +66,7 @@ void DirectoryWatch::remove(int watch) { ::inotify_rm_watch(inotify_.get(), watc
 
 std::vector<DirectoryChange> DirectoryWatch::drain() {
   std::vector<DirectoryChange> changes;
-  alignas(inotify_event) std::array<char, 16384> buffer;
+  alignas(inotify_event) std::array<char, 16384> buffer{};
   while (true) {
     const ssize_t count = ::read(inotify_.get(), buffer.data(), buffer.size());
     if (count <= 0)

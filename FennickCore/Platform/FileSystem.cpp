@@ -243,7 +243,7 @@ IOResult<std::vector<DirectoryEntry>> SystemFileSystem::list(const fs::path &fol
     const dirent *entry = ::readdir(stream.get());
     if (entry == nullptr)
       break;
-    std::string_view name = entry->d_name;
+    const std::string_view name = entry->d_name;
     if (name != "." && name != "..")
       entries.push_back({std::string(name), entryKind(raw, *entry)});
   }
@@ -319,7 +319,7 @@ IOResult<std::string> readFile(const fs::path &file) {
   if (!opened)
     return std::unexpected(opened.error());
   std::string content;
-  std::array<std::byte, 16384> chunk;
+  std::array<std::byte, 16384> chunk{};
   while (true) {
     const auto count = opened->read(chunk);
     if (!count)

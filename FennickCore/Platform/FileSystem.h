@@ -129,7 +129,7 @@ private:
 [[nodiscard]] IOResult<std::string> readFile(const std::filesystem::path &file);
 // Puts `content` under the name in one step: written aside, synced, moved over, folder synced. Mode 0600. A
 // link stays and what it leads to is replaced.
-[[nodiscard]] IOResult<void> replaceFile(const std::filesystem::path &file, std::string_view content);
+[[nodiscard]] IOResult<void> replaceFile(const std::filesystem::path &name, std::string_view content);
 
 // An advisory lock on a folder that lasts as long as the object. `shared` holders exclude an `exclusive` one;
 // holders in the same program count like any other.

@@ -78,7 +78,7 @@ std::string addressText(const sockaddr_storage &address, socklen_t length) {
   const auto *raw = reinterpret_cast<const sockaddr *>(&address);
   if (::getnameinfo(raw, length, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) != 0)
     return {};
-  const std::string result = text.data();
+  std::string result = text.data();
   constexpr std::string_view kMapped = "::ffff:";
   if (result.starts_with(kMapped) && result.find('.') != std::string::npos)
     return result.substr(kMapped.size());

@@ -32,7 +32,7 @@ private:
 class FENNICK_THREAD_ATTRIBUTE(scoped_lockable) Locked {
 public:
   explicit Locked(Mutex &mutex) FENNICK_THREAD_ATTRIBUTE(acquire_capability(mutex)) : lock_(mutex.mutex_) {}
-  ~Locked() FENNICK_THREAD_ATTRIBUTE(release_capability()) {}
+  ~Locked() FENNICK_THREAD_ATTRIBUTE(release_capability()) {} // NOLINT(modernize-use-equals-default)
   Locked(const Locked &) = delete;
   Locked &operator=(const Locked &) = delete;
 

@@ -4,11 +4,12 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <tuple>
 
 namespace fennick {
 
 void prepareProcess() {
-  std::signal(SIGPIPE, SIG_IGN);
+  std::ignore = std::signal(SIGPIPE, SIG_IGN);
   // A fixed threshold: by default the allocator raises it when a large block is freed and keeps such blocks
   // from then on, once for every thread.
   constexpr int kLargeBlock = 128 * 1024;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <tuple>
 
 namespace fennick {
 
@@ -16,7 +17,7 @@ void fillRandom(std::span<std::byte> bytes) {
     if (count < 0 && errno == EINTR)
       continue;
     if (count <= 0) {
-      std::fputs("fennick: no secure random source\n", stderr);
+      std::ignore = std::fputs("fennick: no secure random source\n", stderr);
       std::abort();
     }
     bytes = bytes.subspan(static_cast<std::size_t>(count));

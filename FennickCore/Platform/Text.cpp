@@ -51,7 +51,7 @@ bool isValidUTF8(std::string_view text) {
   while (true) {
     const std::size_t nul = text.find('\0');
     const std::string_view piece = text.substr(0, nul);
-    if (!g_utf8_validate_len(piece.data(), piece.size(), nullptr))
+    if (g_utf8_validate_len(piece.data(), piece.size(), nullptr) == FALSE)
       return false;
     if (nul == std::string_view::npos)
       return true;
@@ -131,7 +131,7 @@ std::optional<std::int64_t> signedDecimal(std::string_view text) {
   }
   std::int64_t value = 0;
   const char *end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  const auto [stop, error] = std::from_chars(std::to_address(text.begin()), end, value);
   if (error != std::errc{} || stop != end)
     return std::nullopt;
   return value;
@@ -192,7 +192,7 @@ std::string fileSizeText(std::int64_t bytes) {
     const double scale = std::pow(10, unit.digits);
     return std::round(value / unit.size * scale) / scale < 1000;
   };
-  const auto unit = std::ranges::find_if(kUnits, fits);
+  const auto *const unit = std::ranges::find_if(kUnits, fits);
   const Unit &chosen = unit == kUnits.end() ? kUnits.back() : *unit;
   return fmt::format("{} {}", shortNumber(value / chosen.size, chosen.digits), chosen.name);
 }

@@ -27,8 +27,8 @@ struct AppSettings {
   std::uint16_t preferredPort = 8000;               // the server takes the next free one when it is in use
   std::optional<BookmarkData> saveFolderBookmark{}; // absent: FolderBookmark::defaultFolder()
   bool dateSubfolders = false;
-  NamingPolicy naming{};                           // by the moment of receipt
-  std::int64_t maxUploadBytes = 300 * 1024 * 1024; // of one file
+  NamingPolicy naming{};                                 // by the moment of receipt
+  std::int64_t maxUploadBytes = std::int64_t{300} << 20; // of one file
   std::optional<std::string> preferredInterface{}; // a LANAddress::interface; absent: chosen automatically
   ImagingOptions imaging{};
   WorkflowOptions workflow{};

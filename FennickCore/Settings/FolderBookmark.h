@@ -19,7 +19,7 @@ struct BookmarkError {
     notFound,    // nothing is there any more
     unreachable, // the system refuses to look; `cause` says why
   };
-  Kind kind;
+  Kind kind = Kind::notFound;
   std::error_code cause;
 
   // For people, in Chinese, without a full stop: "该位置已不存在".

@@ -41,7 +41,7 @@ bool isGalleryPath(const std::string &path) {
 // A path given as it stands is often valid base64 of something else, so what comes out is looked at.
 bool isPath(const std::optional<BookmarkData> &bookmark) {
   return !bookmark || (!bookmark->empty() && bookmark->front() == std::byte{'/'} &&
-                       !std::ranges::count(*bookmark, std::byte{0}));
+                       std::ranges::count(*bookmark, std::byte{0}) == 0);
 }
 
 template <typename T>

@@ -100,7 +100,7 @@ ReadResult readValue(const ParsedJson &json, const std::string &key, BookmarkDat
 ReadResult readValue(const ParsedJson &json, const std::string &key, OutputFormat &value) {
   const auto format = json.is_string() ? outputFormat(json.get_ref<const std::string &>()) : std::nullopt;
   if (!format)
-    return failure(key, "must be \"keep\", \"jpeg\", \"heic\" or \"png\"");
+    return failure(key, R"(must be "keep", "jpeg", "heic" or "png")");
   value = *format;
   return {};
 }

@@ -4,6 +4,8 @@
 #include "FennickCore/Settings/AccessKey.h"
 #include "FennickCore/Settings/SettingsCodec.h"
 
+#include <tuple>
+
 namespace fennick {
 
 namespace {
@@ -24,7 +26,7 @@ SettingsStore::SettingsStore(Preferences &defaults)
   if (!accessKey_.empty())
     return;
   accessKey_ = AccessKey::generate(AccessKey::kLength);
-  defaults_.setText(kAccessKeyKey, accessKey_);
+  std::ignore = defaults_.setText(kAccessKeyKey, accessKey_);
 }
 
 void SettingsStore::setSettings(AppSettings settings) {
@@ -42,7 +44,7 @@ void SettingsStore::update(const std::function<void(AppSettings &)> &change) {
 void SettingsStore::resetAccessKey() {
   accessKey_ = AccessKey::generate(AccessKey::kLength);
   accessKeyObservers_.publish(accessKey_);
-  defaults_.setText(kAccessKeyKey, accessKey_);
+  std::ignore = defaults_.setText(kAccessKeyKey, accessKey_);
 }
 
 Subscription SettingsStore::observeSettings(std::function<void(const AppSettings &)> observer) {
@@ -55,7 +57,7 @@ Subscription SettingsStore::observeAccessKey(std::function<void(const std::strin
 
 void SettingsStore::save() {
   if (const auto text = encode(settings_))
-    defaults_.setText(kSettingsKey, *text);
+    std::ignore = defaults_.setText(kSettingsKey, *text);
 }
 
 } // namespace fennick

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <ctime>
+#include <tuple>
 
 namespace fennick {
 
@@ -22,7 +23,7 @@ std::tm localTime(Instant instant) {
       std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(instant));
   std::tm local{};
   ::tzset(); // the person may have travelled since the program was started
-  ::localtime_r(&seconds, &local);
+  std::ignore = ::localtime_r(&seconds, &local); // fails for years beyond an int only
   return local;
 }
 

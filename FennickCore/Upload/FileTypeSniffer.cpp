@@ -83,7 +83,9 @@ std::optional<std::string> extensionForFilename(std::string_view filename) {
   std::string extension = lowerCasedExtension(filename);
   if (!isMediaExtension(extension))
     return std::nullopt;
-  return extension == "jpeg" ? "jpg" : extension;
+  if (extension == "jpeg")
+    return "jpg";
+  return extension;
 }
 
 std::optional<std::string> resolve(std::span<const std::byte> header,
