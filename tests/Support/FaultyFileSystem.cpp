@@ -11,12 +11,10 @@ public:
   File(FaultyFileSystem &owner, std::unique_ptr<WritableFile> file) : owner_(owner), file_(std::move(file)) {}
 
   IOResult<void> write(std::span<const std::byte> bytes) override {
-    const auto entered = owner_.enter(Operation::write);
-    return entered ? file_->write(bytes) : entered;
+    return owner_.run(Operation::write, [&] { return file_->write(bytes); });
   }
   IOResult<void> sync() override {
-    const auto entered = owner_.enter(Operation::sync);
-    return entered ? file_->sync() : entered;
+    return owner_.run(Operation::sync, [&] { return file_->sync(); });
   }
   IOResult<void> close() override {
     const auto entered = owner_.enter(Operation::close);
@@ -29,10 +27,10 @@ private:
   std::unique_ptr<WritableFile> file_;
 };
 
-void FaultyFileSystem::failNth(Operation operation, int nth, int error) {
+void FaultyFileSystem::failNext(Operation operation, int error) {
   const Locked locked(lock_);
   Switch &chosen = switches_[operation];
-  chosen.failAt = chosen.calls + nth;
+  chosen.failAt = chosen.calls + 1;
   chosen.always = false;
   chosen.error = error;
 }
@@ -87,43 +85,34 @@ IOResult<void> FaultyFileSystem::enter(Operation operation) {
 }
 
 IOResult<std::unique_ptr<WritableFile>> FaultyFileSystem::createFile(const fs::path &file) {
-  if (const auto entered = enter(Operation::createFile); !entered)
-    return std::unexpected(entered.error());
-  auto created = system_.createFile(file);
-  if (!created)
-    return created;
-  return std::make_unique<File>(*this, std::move(*created));
+  auto created = run(Operation::createFile, [&] { return system_.createFile(file); });
+  if (created)
+    created = std::make_unique<File>(*this, std::move(*created));
+  return created;
 }
 
 IOResult<void> FaultyFileSystem::createDirectories(const fs::path &folder) {
-  const auto entered = enter(Operation::createDirectories);
-  return entered ? system_.createDirectories(folder) : entered;
+  return run(Operation::createDirectories, [&] { return system_.createDirectories(folder); });
 }
 
 IOResult<void> FaultyFileSystem::moveNoReplace(const fs::path &from, const fs::path &to) {
-  const auto entered = enter(Operation::moveNoReplace);
-  return entered ? system_.moveNoReplace(from, to) : entered;
+  return run(Operation::moveNoReplace, [&] { return system_.moveNoReplace(from, to); });
 }
 
 IOResult<void> FaultyFileSystem::replace(const fs::path &from, const fs::path &to) {
-  const auto entered = enter(Operation::replace);
-  return entered ? system_.replace(from, to) : entered;
+  return run(Operation::replace, [&] { return system_.replace(from, to); });
 }
 
 IOResult<void> FaultyFileSystem::remove(const fs::path &file) {
-  const auto entered = enter(Operation::remove);
-  return entered ? system_.remove(file) : entered;
+  return run(Operation::remove, [&] { return system_.remove(file); });
 }
 
 IOResult<void> FaultyFileSystem::syncDirectory(const fs::path &folder) {
-  const auto entered = enter(Operation::syncDirectory);
-  return entered ? system_.syncDirectory(folder) : entered;
+  return run(Operation::syncDirectory, [&] { return system_.syncDirectory(folder); });
 }
 
 IOResult<std::vector<DirectoryEntry>> FaultyFileSystem::list(const fs::path &folder) {
-  if (const auto entered = enter(Operation::list); !entered)
-    return std::unexpected(entered.error());
-  return system_.list(folder);
+  return run(Operation::list, [&] { return system_.list(folder); });
 }
 
 IOResult<std::int64_t> FaultyFileSystem::availableBytes(const fs::path &folder) {

@@ -26,10 +26,9 @@ public:
     availableBytes,
   };
 
-  // Of the coming calls of `operation`, the `nth` (1 is the next one) fails with `error` and does nothing
-  // else; a failing close closes all the same. One plan an operation; a new one takes the place of the old.
-  void failNth(Operation operation, int nth, int error);
-  void failNext(Operation operation, int error) { failNth(operation, 1, error); }
+  // The next call of `operation` fails with `error` and does nothing else; a failing close closes all the
+  // same.
+  void failNext(Operation operation, int error);
   // Every coming call fails, until `mend`.
   void failAlways(Operation operation, int error);
   void mend(Operation operation);
@@ -61,6 +60,12 @@ private:
 
   // Counts a call; the error when this one is to fail.
   IOResult<void> enter(Operation operation);
+  template <typename Call>
+  auto run(Operation operation, Call call) -> decltype(call()) {
+    if (const auto entered = enter(operation); !entered)
+      return std::unexpected(entered.error());
+    return call();
+  }
 
   SystemFileSystem system_;
   mutable Mutex lock_;

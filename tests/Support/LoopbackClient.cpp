@@ -1,8 +1,7 @@
 #include "tests/Support/LoopbackClient.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
+#include <netdb.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
@@ -12,11 +11,17 @@
 namespace fennick::test {
 
 LoopbackClient::LoopbackClient(const std::string &address, std::uint16_t port) {
-  const bool isIPv6 = address.find(':') != std::string::npos;
-  socket_ = FileDescriptor(::socket(isIPv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  addrinfo hints{};
+  hints.ai_flags = AI_NUMERICHOST;
+  hints.ai_socktype = SOCK_STREAM;
+  addrinfo *found = nullptr;
+  if (::getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found) != 0)
+    return;
+  socket_ = FileDescriptor(::socket(found->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
   const timeval patience{.tv_sec = 60, .tv_usec = 0};
   ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-  connected_ = isIPv6 ? connectIPv6(address, port) : connectIPv4(address, port);
+  connected_ = ::connect(socket_.get(), found->ai_addr, found->ai_addrlen) == 0;
+  ::freeaddrinfo(found);
 }
 
 bool LoopbackClient::send(std::string_view text) {
@@ -34,22 +39,6 @@ std::string LoopbackClient::readToEnd() {
       return all;
     all.append(chunk.data(), static_cast<std::size_t>(count));
   }
-}
-
-bool LoopbackClient::connectIPv4(const std::string &text, std::uint16_t port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  return ::inet_pton(AF_INET, text.c_str(), &address.sin_addr) == 1 &&
-         ::connect(socket_.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
-}
-
-bool LoopbackClient::connectIPv6(const std::string &text, std::uint16_t port) {
-  sockaddr_in6 address{};
-  address.sin6_family = AF_INET6;
-  address.sin6_port = htons(port);
-  return ::inet_pton(AF_INET6, text.c_str(), &address.sin6_addr) == 1 &&
-         ::connect(socket_.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
 }
 
 } // namespace fennick::test

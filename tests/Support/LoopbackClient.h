@@ -23,9 +23,6 @@ public:
   void disconnect() { socket_.reset(); }
 
 private:
-  bool connectIPv4(const std::string &text, std::uint16_t port);
-  bool connectIPv6(const std::string &text, std::uint16_t port);
-
   FileDescriptor socket_;
   bool connected_ = false;
 };

@@ -17,16 +17,6 @@ ScriptedStream &ScriptedStream::pauses(Seconds length) {
   return *this;
 }
 
-ScriptedStream &ScriptedStream::ends() {
-  script_.emplace_back(End{});
-  return *this;
-}
-
-ScriptedStream &ScriptedStream::resets() {
-  script_.emplace_back(Reset{});
-  return *this;
-}
-
 ScriptedStream &ScriptedStream::meanwhile(std::function<void()> action) {
   script_.emplace_back(Meanwhile{std::move(action)});
   return *this;
@@ -98,10 +88,6 @@ ScriptedStream::Outcome ScriptedStream::receive(std::span<std::byte> into, Uptim
   while (!script_.empty()) {
     if (auto *piece = std::get_if<Piece>(&script_.front()))
       return take(*piece, into);
-    if (std::holds_alternative<End>(script_.front()))
-      return 0;
-    if (std::holds_alternative<Reset>(script_.front()))
-      return std::unexpected(StreamError::failed);
     const Step step = std::move(script_.front());
     script_.pop_front();
     if (const auto *pause = std::get_if<Pause>(&step)) {
@@ -125,7 +111,7 @@ ScriptedStream::Outcome ScriptedStream::send(std::span<const std::byte> bytes, U
   if (const auto passed = pass(readDelay_, deadline); !passed)
     return std::unexpected(passed.error());
   const auto taken = bytes.first(std::min(bytes.size(), mostTaken_));
-  pieces_.emplace_back(reinterpret_cast<const char *>(taken.data()), taken.size());
+  sent_.append(reinterpret_cast<const char *>(taken.data()), taken.size());
   return taken.size();
 }
 
@@ -147,13 +133,6 @@ void ScriptedStream::awaitWaiter() {
   Locked locked(lock_);
   while (!waiting_)
     locked.wait(changed_);
-}
-
-std::string ScriptedStream::sent() const {
-  std::string all;
-  for (const auto &piece : pieces_)
-    all += piece;
-  return all;
 }
 
 std::size_t ScriptedStream::unread() const {

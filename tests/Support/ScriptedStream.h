@@ -11,11 +11,10 @@
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
 
 namespace fennick::test {
 
-// A peer that follows a script: `stream.sends("GET / ").pauses(Seconds(3)).sends("HTTP/1.1\r\n\r\n").ends()`.
+// A peer that follows a script: `stream.sends("GET / ").pauses(Seconds(3)).sends("HTTP/1.1\r\n\r\n")`.
 // Each `sends` is one piece: a `receive` never gives bytes of two. When the script is over the peer is
 // silent: time passes to the deadline. The script is written before the stream is used.
 class ScriptedStream final : public ByteStream {
@@ -24,8 +23,6 @@ public:
 
   ScriptedStream &sends(std::string_view bytes);
   ScriptedStream &pauses(Seconds length); // times the caller out when its deadline comes first
-  ScriptedStream &ends();                 // the peer has ended its side, for good
-  ScriptedStream &resets();               // the connection is broken, for good
   ScriptedStream &meanwhile(std::function<void()> action); // runs on the caller's thread
   ScriptedStream &waitsForCancel();                        // sleeps until another thread cancels
 
@@ -42,8 +39,7 @@ public:
   void finishOutput() override { outputFinished_ = true; }
   void cancel() override;
 
-  [[nodiscard]] std::string sent() const; // everything that was taken
-  [[nodiscard]] const std::vector<std::string> &pieces() const { return pieces_; } // one a `send`
+  [[nodiscard]] const std::string &sent() const { return sent_; } // everything that was taken
   [[nodiscard]] bool outputFinished() const { return outputFinished_; }
   [[nodiscard]] int calls() const { return calls_; }
   [[nodiscard]] std::size_t unread() const; // bytes of the script that were never received
@@ -57,13 +53,11 @@ private:
   struct Pause {
     Seconds length;
   };
-  struct End {};
-  struct Reset {};
   struct Meanwhile {
     std::function<void()> action;
   };
   struct WaitForCancel {};
-  using Step = std::variant<Piece, Pause, End, Reset, Meanwhile, WaitForCancel>;
+  using Step = std::variant<Piece, Pause, Meanwhile, WaitForCancel>;
   using Outcome = std::expected<std::size_t, StreamError>;
 
   // The error that every call meets just now, if any.
@@ -80,7 +74,7 @@ private:
   int readsLeft_ = std::numeric_limits<int>::max();
   int brokenAt_ = std::numeric_limits<int>::max();
   int calls_ = 0;
-  std::vector<std::string> pieces_;
+  std::string sent_;
   bool outputFinished_ = false;
 
   Mutex lock_;
