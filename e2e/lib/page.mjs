@@ -52,10 +52,6 @@ export class PhonePage {
       `${number} rows to be ${state}`, { state, number }, patience);
   }
 
-  hint() {
-    return this.evaluate(() => (document.querySelector('#hint').hidden ? '' : document.querySelector('#hint').innerText));
-  }
-
   // How many uploads the browser has sent to the computer, refused ones included.
   uploads() {
     return this.evaluate(() => performance.getEntriesByType('resource').filter((entry) => entry.name.includes('/upload?')).length);

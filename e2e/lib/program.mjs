@@ -22,59 +22,33 @@ export function scratch() {
 export class Program {
   // `home` holds the save folder and the state; programs that share a home share the access key.
   static async start(t, { home = scratch(), folder = path.join(home, 'photos'), state = path.join(home, 'state'), port, set = {} } = {}) {
-    const program = new Program(folder);
     fs.mkdirSync(folder, { recursive: true });
     const args = ['--json', '--no-qr', '--folder', folder, '--state-dir', state];
     args.push('--port', String(port ?? 20000 + Math.floor(Math.random() * 20000)));
     for (const [name, value] of Object.entries(set)) args.push('--set', `${name}=${value}`);
-    program.#spawn(args);
+    const program = new Program(folder, args);
     t.after(() => program.stop());
-    const listening = await program.said((event) => event.event === 'listening', 'the program to listen');
+    const listening = await until(() => {
+      if (program.gone) throw new Error(`the program ended: ${program.stderr}`);
+      return program.events.find((event) => event.event === 'listening');
+    }, 'the program to listen');
     program.port = listening.port;
     program.key = listening.accessKey;
     program.url = `http://127.0.0.1:${program.port}/?k=${encodeURIComponent(program.key)}`;
     return program;
   }
 
-  constructor(folder) {
+  constructor(folder, args) {
     this.folder = folder;
     this.events = [];
-    this.waiters = new Set();
-  }
-
-  #spawn(args) {
-    this.child = spawn(binary, args, { stdio: ['ignore', 'pipe', 'pipe'] });
     this.stderr = '';
+    this.child = spawn(binary, args, { stdio: ['ignore', 'pipe', 'pipe'] });
     this.child.stderr.on('data', (data) => { this.stderr += data; });
-    this.exited = new Promise((resolve) => this.child.once('exit', (code, signal) => resolve({ code, signal })));
-    this.exited.then(() => { this.gone = true; this.#wake(); });
-    readline.createInterface({ input: this.child.stdout }).on('line', (line) => {
-      this.events.push(JSON.parse(line));
-      this.#wake();
-    });
-  }
-
-  #wake() {
-    for (const waiter of this.waiters) waiter();
-  }
-
-  // The first event that `test` accepts, now or later.
-  said(test, what, patience = 20000) {
-    return new Promise((resolve, reject) => {
-      const finish = (settle, value) => {
-        clearTimeout(alarm);
-        this.waiters.delete(look);
-        settle(value);
-      };
-      const look = () => {
-        const found = this.events.find(test);
-        if (found) finish(resolve, found);
-        else if (this.gone) finish(reject, new Error(`the program ended while waiting for ${what}: ${this.stderr}`));
-      };
-      const alarm = setTimeout(() => finish(reject, new Error(`waited in vain for ${what}`)), patience);
-      this.waiters.add(look);
-      look();
-    });
+    this.exited = new Promise((resolve) => this.child.once('exit', (code, signal) => {
+      this.gone = true;
+      resolve({ code, signal });
+    }));
+    readline.createInterface({ input: this.child.stdout }).on('line', (line) => this.events.push(JSON.parse(line)));
   }
 
   get received() {
