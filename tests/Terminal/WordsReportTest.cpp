@@ -1,5 +1,7 @@
 #include "Quarrow/Terminal/WordsReport.h"
 
+#include "Quarrow/App/PhoneAddress.h"
+
 #include <gmock/gmock.h>
 
 namespace quarrow {
@@ -55,6 +57,17 @@ TEST(WordsReportTest, ANameCannotControlTheTerminal) {
   WordsReport report({.qr = false, .terminal = false, .colour = false});
   EXPECT_THAT(printedBy([&] { report.received({"", "", 1, "a\x1b[2J\n.jpg"}); }),
               AllOf(Not(HasSubstr("\x1b[2J")), HasSubstr("a")));
+}
+
+TEST(PhoneAddressTest, ThePreferredInterfaceIsUsedWhileItIsUp) {
+  using fennick::LANAddress;
+  const std::vector<LANAddress> addresses{{"wlan0", "192.168.1.20", LANAddress::Kind::wifi},
+                                          {"eth0", "10.0.0.5", LANAddress::Kind::wired},
+                                          {"eth0", "10.0.0.6", LANAddress::Kind::wired}};
+  EXPECT_EQ(preferredAddress(addresses, "eth0")->address, "10.0.0.5");
+  EXPECT_EQ(preferredAddress(addresses, "eth7")->address, "192.168.1.20");
+  EXPECT_FALSE(preferredAddress({}, "eth0") || baseURL(std::nullopt, 8000) || baseURL(addresses[0], {}));
+  EXPECT_EQ(phoneURL(baseURL(addresses[0], 8001).value(), "key"), "http://192.168.1.20:8001/?k=key");
 }
 
 } // namespace

@@ -74,18 +74,5 @@ TEST_F(UploadSinkTest, WhateverFailsOnTheDiskLeavesNothingBehindAndIsToldThePhon
   EXPECT_TRUE(upload(kJPEG).starts_with("200 IMG_"));
 }
 
-TEST_F(UploadSinkTest, ABrokenOffUploadLeavesNothingBehind) {
-  auto sink = admit(kJPEG.size());
-  ASSERT_TRUE(sink->write(std::as_bytes(std::span(kJPEG).first(5))));
-  EXPECT_EQ(parts().size(), 1U);
-  EXPECT_EQ(activity.snapshot().receivedBytes, 5);
-  sink->abort();
-  EXPECT_THAT(parts(), IsEmpty());
-  sink->abort();
-  sink.reset();
-  ASSERT_TRUE(admit(kJPEG.size())->write(std::as_bytes(std::span(kJPEG)))); // let go of without a word
-  expectNothingLeft();
-}
-
 } // namespace
 } // namespace fennick

@@ -1,0 +1,84 @@
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Settings/AccessKey.h"
+#include "FennickCore/Settings/FolderBookmark.h"
+#include "tests/Settings/FullSettings.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <map>
+#include <vector>
+
+namespace fennick {
+namespace {
+
+constexpr std::uint64_t kGreatest = std::numeric_limits<std::uint64_t>::max();
+
+// A source that gives these words and then nothing more.
+class Words {
+public:
+  explicit Words(std::vector<std::uint64_t> words) : words_(std::move(words)) {}
+  std::uint64_t operator()() { return words_.at(taken_++); }
+
+private:
+  std::vector<std::uint64_t> words_;
+  std::size_t taken_ = 0;
+};
+
+TEST(AccessKeyTest, TheHighHalfOfTheProductChoosesAndWordsThatWouldFavourACharacterAreDrawnAgain) {
+  // One 56th of the words for each character: the second begins at 2^64 / 56. 2^64 modulo 56 is 16: a product
+  // whose low half is below that is rejected, as those of 0 and 2^61 are.
+  EXPECT_EQ(AccessKey::generate(3, Words({kGreatest / 56, kGreatest / 56 + 1, kGreatest})), "ab9");
+  EXPECT_EQ(AccessKey::generate(2, Words({0, std::uint64_t{1} << 61, kGreatest, 1})), "9a");
+}
+
+TEST(AccessKeyTest, EveryCharacterOfTheAlphabetOccursAboutAsOftenAsTheOthers) {
+  // 56,000 draws: 1000 expected each, with a deviation of 31; 300 off has a chance below 10^-20.
+  std::map<char, int> counts;
+  for (const char c : AccessKey::generate(56'000))
+    ++counts[c];
+  for (const char c : AccessKey::kAlphabet)
+    EXPECT_NEAR(counts[c], 1000, 300) << c;
+  EXPECT_EQ(counts.size(), 56U);
+  for (const char lookAlike : std::string_view("loIO01"))
+    EXPECT_FALSE(counts.contains(lookAlike)) << lookAlike;
+}
+
+TEST(FolderBookmarkTest, ABookmarkLeadsBackToItsFolderUntilThatIsGone) {
+  const test::TemporaryFolder disk;
+  const auto target = disk.makeFolder("旅行 \xFF"); // file names are bytes, not text
+  const BookmarkData bookmark = FolderBookmark::make(target).value();
+  EXPECT_EQ(FolderBookmark::resolve(bookmark).value().url, target);
+  std::filesystem::remove(target);
+  EXPECT_EQ(FolderBookmark::resolve(bookmark).error().description(), "该位置已不存在");
+  EXPECT_EQ(FolderBookmark::make(target).error().kind, BookmarkError::Kind::notFound);
+  for (const std::string_view bytes :
+       {std::string_view(""), std::string_view("tmp"), std::string_view("/tmp\0", 5)})
+    EXPECT_EQ(FolderBookmark::resolve(test::bookmarkOf(bytes)).error().kind, BookmarkError::Kind::notAPath)
+        << bytes;
+}
+
+TEST(ImagingOptionsTest, QualityAndFloorAreClampedWhenUsedNotWhenStored) {
+  const auto inUse = [](double quality, double floor) {
+    const ImagingOptions options{.quality = quality, .qualityFloor = floor};
+    return std::pair(options.qualityInUse(), options.floorInUse());
+  };
+  EXPECT_EQ(inUse(0.1, 0.05), std::pair(0.3, 0.1));
+  EXPECT_EQ(inUse(1.4, 0.5), std::pair(1.0, 0.5));
+  EXPECT_EQ(inUse(0.7, 0.9), std::pair(0.7, 0.7));
+}
+
+TEST(ImageLimitsTest, PicturesAreAcceptedUpToTheSideAndTheProduct) {
+  constexpr auto kHuge = std::numeric_limits<std::int64_t>::max();
+  for (const auto &[width, height] : {std::pair(1, 1), std::pair(20000, 5000), std::pair(10000, 10000)})
+    EXPECT_TRUE(ImageLimits::check(width, height)) << width;
+  for (const auto &[width, height] :
+       std::initializer_list<std::pair<std::optional<std::int64_t>, std::optional<std::int64_t>>>{
+           {10000, 10001}, {20001, 10}, {10, 0}, {-1, -1}, {kHuge, kHuge}, {{}, 10}, {10, {}}})
+    EXPECT_FALSE(ImageLimits::check(width, height)) << width.value_or(0);
+}
+
+} // namespace
+} // namespace fennick
