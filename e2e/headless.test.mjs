@@ -2,7 +2,7 @@
 // real file system makes.
 
 import assert from 'node:assert/strict';
-import { spawnSync } from 'node:child_process';
+import { spawn, spawnSync } from 'node:child_process';
 import fs from 'node:fs';
 import http from 'node:http';
 import net from 'node:net';
@@ -44,6 +44,16 @@ test('a command line that makes no sense ends with 2 and a sentence on standard 
     assert.equal(stdout, '');
     assert.match(stderr, /^.+ \/ .+\n$/, args.join(' '));
   }
+});
+
+test('no free port ends with 1 and says so on both channels', async (t) => {
+  const taken = net.createServer().listen(65535, '::');
+  t.after(() => taken.close());
+  await new Promise((resolve, reject) => { taken.once('listening', resolve); taken.once('error', reject); });
+  const { status, stdout, stderr } = run('--json', '--port', '65535', '--folder', scratch());
+  assert.equal(status, 1);
+  assert.deepEqual(JSON.parse(stdout), { event: 'error', message: '无法启动服务：端口 65535 已被占用' });
+  assert.match(stderr, /fennick: server failed /);
 });
 
 test('a signal in the middle of an upload ends with 0 and leaves no part file', async (t) => {
@@ -88,6 +98,21 @@ test('IPv4 and IPv6 are served, and names follow the settings', async (t) => {
   });
 });
 
+test('a folder that is replaced by a file gives a clear answer and recovers without a restart', async (t) => {
+  const program = await Program.start(t);
+  const photo = make(scratch(), 'a.jpg');
+  assert.equal((await post(program, photo)).status, 200);
+  const aside = `${program.folder}.aside`;
+  fs.renameSync(program.folder, aside);
+  fs.writeFileSync(program.folder, 'in the way');
+  assert.deepEqual(await post(program, photo), { status: 500, text: '无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder' });
+  fs.rmSync(program.folder);
+  fs.renameSync(aside, program.folder);
+  assert.equal((await post(program, photo)).status, 200);
+  assert.equal(program.saved().length, 2);
+  assert.deepEqual(program.parts(), []);
+});
+
 test('the preferences are private, and damaged ones are kept aside', async (t) => {
   const home = scratch();
   const file = path.join(home, 'state', 'preferences.json');
@@ -99,4 +124,27 @@ test('the preferences are private, and damaged ones are kept aside', async (t) =
   assert.notEqual(second.key, first.key);
   assert.equal(fs.readFileSync(`${file}.damaged`, 'utf8'), '{"accessKey":');
   assert.equal(JSON.parse(fs.readFileSync(file, 'utf8')).accessKey, second.key);
+});
+
+test('ten wrong keys ban the address, and the page of a stranger is not served', async (t) => {
+  const program = await Program.start(t);
+  const ask = async (target) => {
+    const response = await fetch(`http://127.0.0.1:${program.port}${target}`);
+    return { status: response.status, text: await response.text() };
+  };
+  for (let i = 0; i < 10; i++) assert.equal((await ask('/?k=guess')).status, 403);
+  assert.deepEqual(await ask(`/?k=${program.key}`), { status: 429, text: 'too many requests' });
+});
+
+test('in words: the code, the address, and a line for every file', async (t) => {
+  const home = scratch();
+  const child = spawn(binary, ['--folder', path.join(home, 'photos'), '--state-dir', path.join(home, 'state'), '--port', String(20000 + Math.floor(Math.random() * 20000))]);
+  t.after(() => child.kill());
+  let output = '';
+  child.stdout.on('data', (data) => { output += data; });
+  const address = await until(() => /http:\/\/[^:]+:(\d+)\/\?k=(\w+)/.exec(output), 'the address');
+  const { text } = await post({ port: address[1], key: address[2] }, make(scratch(), 'a.jpg'));
+  await until(() => output.includes(`✓ ${text}：4 KB\n`), 'the line for the file');
+  child.kill('SIGINT');
+  assert.equal(await new Promise((resolve) => { child.on('exit', resolve); }), 0);
 });

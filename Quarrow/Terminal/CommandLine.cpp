@@ -125,7 +125,7 @@ Strings argumentVector(const std::vector<std::string> &arguments) {
 
 } // namespace
 
-std::expected<CommandLine, std::string> CommandLine::parse(std::vector<std::string> arguments) {
+std::expected<CommandLine, std::string> CommandLine::parse(const std::vector<std::string> &arguments) {
   RawOptions raw;
   const auto entries = optionEntries(raw);
   const std::unique_ptr<GOptionContext, decltype(&g_option_context_free)> context(

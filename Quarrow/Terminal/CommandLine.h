@@ -21,7 +21,8 @@ struct CommandLine {
   std::optional<std::string> help; // the text to show instead of running
 
   // Reads the arguments after the program's name. The error is a sentence for standard error. Main thread.
-  [[nodiscard]] static std::expected<CommandLine, std::string> parse(std::vector<std::string> arguments);
+  [[nodiscard]] static std::expected<CommandLine, std::string>
+  parse(const std::vector<std::string> &arguments);
 };
 
 } // namespace quarrow

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
+#include <tuple>
 
 namespace quarrow {
 
@@ -13,8 +14,8 @@ namespace {
 // A path that is not UTF-8 is shown with replacement characters rather than not at all.
 void printLine(const Json &event) {
   const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fflush(stdout);
+  std::ignore = std::fwrite(line.data(), 1, line.size(), stdout);
+  std::ignore = std::fflush(stdout);
 }
 
 Json textOrNull(const std::optional<std::string> &text) { return text ? Json(*text) : Json(nullptr); }

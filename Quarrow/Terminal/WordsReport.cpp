@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <tuple>
 
 namespace quarrow {
 
@@ -18,8 +19,8 @@ namespace {
 constexpr std::string_view kClearLine = "\x1b[K";
 
 void print(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  std::fflush(stdout);
+  std::ignore = std::fwrite(text.data(), 1, text.size(), stdout);
+  std::ignore = std::fflush(stdout);
 }
 
 } // namespace
@@ -52,7 +53,7 @@ void WordsReport::received(const Received &file) {
 
 void WordsReport::error(const std::string &message) {
   const std::string line = fmt::format("{}{}\n", options_.terminal ? kClearLine : "", message);
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::ignore = std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 void WordsReport::progress(const fennick::UploadActivity::Snapshot &activity, double bytesPerSecond) {

@@ -56,6 +56,32 @@ struct Exchange {
 
 class HTTPConnectionTest : public ::testing::Test, protected Exchange {};
 
+TEST(HTTPConnectionBans, RejectedAndUnreadableRequestsCountTowardsABanAndAnswersDoNot) {
+  const auto isBannedAfter = [&](bool rejects, std::string_view request) {
+    Exchange exchange;
+    if (rejects)
+      exchange.handler.decide = [](const HTTPRequestHead &) { return HTTPReject{HTTPResponse::notFound()}; };
+    for (int i = 0; i < 9; ++i)
+      exchange.limiter.recordFailure("192.168.1.20", exchange.clock.uptime());
+    exchange.peer.sends(request);
+    exchange.serve();
+    return exchange.limiter.isBanned("192.168.1.20", exchange.clock.uptime());
+  };
+  EXPECT_TRUE(isBannedAfter(true, kGet));
+  EXPECT_TRUE(isBannedAfter(true, post(3) + "abc"));
+  EXPECT_TRUE(isBannedAfter(false, "nonsense\r\n\r\n"));
+  EXPECT_FALSE(isBannedAfter(false, kGet));
+  EXPECT_FALSE(isBannedAfter(false, "nonsense"));
+}
+
+TEST_F(HTTPConnectionTest, ABannedPeerNeverReachesTheHandler) {
+  for (int i = 0; i < 10; ++i)
+    limiter.recordFailure("192.168.1.20", clock.uptime());
+  peer.sends(kGet);
+  EXPECT_THAT(serve(), EndsWith("\r\n\r\ntoo many requests"));
+  EXPECT_TRUE(handler.requests().empty());
+}
+
 TEST(HTTPConnectionCuts, EveryRequestCutInTwoMeansTheSameAsUncut) {
   const std::string requests[]{
       post(10, "Expect: 100-continue\r\n") + "0123456789surplus",
