@@ -98,6 +98,7 @@ void startUp(const std::filesystem::path &scratch) {
 
 void idle(const Receiver &receiver) {
   constexpr int kSeconds = 10;
+  std::this_thread::sleep_for(std::chrono::seconds(1)); // the start has settled
   const long before = receiver.switches();
   std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
   fmt::print("  idle memory               {:>6.1f} MiB  (aim: below 20)\n",

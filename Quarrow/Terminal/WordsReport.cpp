@@ -26,7 +26,7 @@ void print(std::string_view text) {
 } // namespace
 
 // Over the line of progress, if one is there: it always leaves the cursor at its beginning.
-void WordsReport::printLine(const std::string &line) {
+void WordsReport::printLine(const std::string &line) const {
   print(fmt::format("{}{}\n", options_.terminal ? kClearLine : "", line));
 }
 

@@ -22,7 +22,7 @@ public:
   void progress(const fennick::UploadActivity::Snapshot &activity, double bytesPerSecond) override;
 
 private:
-  void printLine(const std::string &line);
+  void printLine(const std::string &line) const;
 
   const Options options_;
 };

@@ -39,7 +39,7 @@ std::unique_ptr<quarrow::Report> makeReport(const quarrow::CommandLine &options)
 int run(const quarrow::CommandLine &options) {
   const auto stateDirectory = options.stateDirectory.value_or(fennick::configurationDirectory());
   fennick::FilePreferences preferences(stateDirectory / "preferences.json");
-  fennick::SettingsStore store(preferences);
+  const fennick::SettingsStore store(preferences);
   fennick::AppSettings settings = store.settings();
   for (const auto &override : options.overrides) {
     if (const auto applied = fennick::applyOverride(settings, override); !applied) {
@@ -75,7 +75,7 @@ int main(int argc, char *argv[]) {
     return kBadUsage;
   }
   if (options->help || options->showVersion) {
-    fmt::print("{}", options->help ? *options->help : "tevrin-headless " TEVRIN_VERSION "\n");
+    fmt::print("{}", options->help.value_or("tevrin-headless " TEVRIN_VERSION "\n"));
     return EXIT_SUCCESS;
   }
   fennick::logToStandardError();
