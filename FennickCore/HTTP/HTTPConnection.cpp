@@ -22,6 +22,17 @@ std::span<std::byte> threadBuffer(std::size_t size) {
   return {buffer.get(), size};
 }
 
+constexpr std::string_view kHeadEnd = "\r\n\r\n";
+
+// How many bytes at the end of `text` may be the beginning of a head's end, the rest of which is still to
+// come.
+std::size_t endBegun(std::string_view text) {
+  for (std::size_t length = kHeadEnd.size() - 1; length > 0; --length)
+    if (text.ends_with(kHeadEnd.substr(0, length)))
+      return length;
+  return 0;
+}
+
 std::span<const std::byte> bytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
 std::string_view textOf(std::span<const std::byte> bytes) {
@@ -50,8 +61,8 @@ void HTTPConnection::start() {
   if (!received)
     return;
   const auto bytes = std::span<const std::byte>(buffer_.data(), *received);
-  const std::size_t headLength = textOf(bytes).find("\r\n\r\n");
-  handleHead(textOf(bytes).substr(0, headLength), bytes.subspan(headLength + 4));
+  const std::size_t headLength = textOf(bytes).find(kHeadEnd);
+  handleHead(textOf(bytes).substr(0, headLength), bytes.subspan(headLength + kHeadEnd.size()));
 }
 
 void HTTPConnection::finish() {
@@ -69,7 +80,7 @@ Uptime HTTPConnection::deadlineIn(Seconds length) const {
 // possibly among them. Nothing when the connection is over, an answer to an overlong head included.
 std::optional<std::size_t> HTTPConnection::receiveHead() {
   const auto limit = static_cast<std::size_t>(limits_.maxHeaderBytes);
-  buffer_ = threadBuffer(limit + kChunkBytes);
+  buffer_ = threadBuffer(limit + kHeadEnd.size() + kChunkBytes);
   const Uptime deadline = deadlineIn(limits_.headerTimeout);
   std::size_t used = 0;
   while (true) {
@@ -78,9 +89,10 @@ std::optional<std::size_t> HTTPConnection::receiveHead() {
       return std::nullopt;
     const std::size_t searchFrom = used < 3 ? 0 : used - 3;
     used += *count;
-    const std::size_t end = textOf({buffer_.data(), used}).find("\r\n\r\n", searchFrom);
+    const std::string_view text = textOf({buffer_.data(), used});
+    const std::size_t end = text.find(kHeadEnd, searchFrom);
     const bool found = end != std::string_view::npos;
-    if ((found ? end : used) > limit) {
+    if ((found ? end : used - endBegun(text)) > limit) {
       respond(HTTPResponse::text(431, "header too large"));
       return std::nullopt;
     }

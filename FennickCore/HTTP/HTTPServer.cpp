@@ -94,33 +94,43 @@ void HTTPServer::acceptConnections() {
     admit(std::move(*accepted));
 }
 
-// A refused connection is closed without a byte written, by letting go of its socket.
+// A refused connection is closed without a byte written, by letting go of its socket; so is one for which
+// there is no thread or no memory.
 void HTTPServer::admit(AcceptedSocket accepted) {
   if (limits_.privateSourcesOnly && !isPrivateAddress(accepted.remote))
     return;
-  std::uint64_t identity = 0;
-  std::shared_ptr<HTTPConnection> connection;
-  {
-    const Locked locked(lock_);
-    if (static_cast<std::int64_t>(connections_.size()) >= limits_.maxConnections)
-      return;
-    identity = ++lastIdentity_;
-    connection = makeConnection(std::move(accepted));
-    connections_.emplace(identity, connection);
-    ++serving_;
-  }
-  connection->onClose = [this, identity] {
-    const Locked locked(lock_);
-    connections_.erase(identity);
-  };
+  std::optional<std::uint64_t> identity;
   try {
-    threads_.run([this, identity, connection] { serve(identity, connection); });
-  } catch (const std::system_error &error) {
-    log(fmt::format("no thread for a connection: {}", error.what()));
-    const Locked locked(lock_);
-    connections_.erase(identity);
-    --serving_;
+    const auto connection = makeConnection(std::move(accepted));
+    identity = enroll(connection);
+    if (!identity)
+      return;
+    connection->onClose = [this, which = *identity] {
+      const Locked locked(lock_);
+      connections_.erase(which);
+    };
+    threads_.run([this, which = *identity, connection] { serve(which, connection); });
+  } catch (const std::exception &error) {
+    if (identity)
+      withdraw(*identity);
+    log(error.what());
   }
+}
+
+// Enters a connection into the table; nothing when the table is full.
+std::optional<std::uint64_t> HTTPServer::enroll(const std::shared_ptr<HTTPConnection> &connection) {
+  const Locked locked(lock_);
+  if (static_cast<std::int64_t>(connections_.size()) >= limits_.maxConnections)
+    return std::nullopt;
+  connections_.emplace(++lastIdentity_, connection);
+  ++serving_;
+  return lastIdentity_;
+}
+
+void HTTPServer::withdraw(std::uint64_t identity) {
+  const Locked locked(lock_);
+  connections_.erase(identity);
+  --serving_;
 }
 
 std::shared_ptr<HTTPConnection> HTTPServer::makeConnection(AcceptedSocket accepted) {

@@ -65,6 +65,8 @@ private:
   void run(ListeningSocket listener);
   void acceptConnections();
   void admit(AcceptedSocket accepted);
+  std::optional<std::uint64_t> enroll(const std::shared_ptr<HTTPConnection> &connection);
+  void withdraw(std::uint64_t identity);
   void serve(std::uint64_t identity, const std::shared_ptr<HTTPConnection> &connection);
   std::shared_ptr<HTTPConnection> makeConnection(AcceptedSocket accepted);
 

@@ -16,23 +16,35 @@ namespace {
 constexpr std::uint32_t kMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
                                 IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
 
-// File systems that <linux/magic.h> does not name.
-constexpr std::uint32_t kCIFSMagic = 0xFF534D42;
-constexpr std::uint32_t kSMB2Magic = 0xFE534D42;
+// File systems of this computer's own disks that <linux/magic.h> does not name.
+constexpr std::uint32_t kExFATMagic = 0x2011BAB0;
+constexpr std::uint32_t kNTFS3Magic = 0x7366746E;
+constexpr std::uint32_t kZFSMagic = 0x2FC12FC1;
+constexpr std::uint32_t kBcachefsMagic = 0xCA451A4E;
+constexpr std::uint32_t kHFSPlusMagic = 0x482B;
 
-bool isShared(const std::filesystem::path &folder) {
+// Whether every change is made through this computer's kernel, so that none goes unseen. What is not known to
+// be so counts as shared: network drives, FUSE, folders that a virtual machine's host lends.
+bool isLocal(const std::filesystem::path &folder) {
   struct statfs volume{};
   if (::statfs(folder.c_str(), &volume) != 0)
-    return true;
+    return false;
   switch (static_cast<std::uint32_t>(volume.f_type)) {
-  case NFS_SUPER_MAGIC:
-  case SMB_SUPER_MAGIC:
-  case kCIFSMagic:
-  case kSMB2Magic:
-  case FUSE_SUPER_MAGIC:
-  case V9FS_MAGIC:
-  case CEPH_SUPER_MAGIC:
-  case AFS_SUPER_MAGIC:
+  case EXT4_SUPER_MAGIC:
+  case BTRFS_SUPER_MAGIC:
+  case XFS_SUPER_MAGIC:
+  case F2FS_SUPER_MAGIC:
+  case TMPFS_MAGIC:
+  case RAMFS_MAGIC:
+  case MSDOS_SUPER_MAGIC:
+  case OVERLAYFS_SUPER_MAGIC:
+  case REISERFS_SUPER_MAGIC:
+  case NILFS_SUPER_MAGIC:
+  case kExFATMagic:
+  case kNTFS3Magic:
+  case kZFSMagic:
+  case kBcachefsMagic:
+  case kHFSPlusMagic:
     return true;
   default:
     return false;
@@ -54,7 +66,7 @@ DirectoryChange changeOf(const inotify_event &event, const char *name) {
 DirectoryWatch::DirectoryWatch() : inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
 
 IOResult<int> DirectoryWatch::add(const std::filesystem::path &folder) {
-  if (!inotify_.isOpen() || isShared(folder))
+  if (!inotify_.isOpen() || !isLocal(folder))
     return std::unexpected(std::make_error_code(std::errc::not_supported));
   const int watch = ::inotify_add_watch(inotify_.get(), folder.c_str(), kMask);
   if (watch < 0)

@@ -111,8 +111,12 @@ bool renameFlagsUnsupported(int error) { return error == EINVAL || error == ENOS
 // The same promise as renameat2 without replace, for file systems that lack it: a hard link fails when the
 // name is taken; where there are no hard links either, an empty file claims the name first.
 IOResult<void> moveByLinkOrClaim(const fs::path &from, const fs::path &to) {
-  if (::link(from.c_str(), to.c_str()) == 0)
-    return checked(::unlink(from.c_str()));
+  if (::link(from.c_str(), to.c_str()) == 0) {
+    auto moved = checked(::unlink(from.c_str()));
+    if (!moved)
+      ::unlink(to.c_str());
+    return moved;
+  }
   if (errno == EEXIST)
     return lastFailure();
   const FileDescriptor claim(::open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));

@@ -44,7 +44,8 @@ struct FileIdentity {
 };
 
 // The file system as the way of a photo needs it. The program uses SystemFileSystem; tests wrap it to inject
-// a full disk, a failed sync or a failed move. Links are never followed in the last component. Any thread.
+// a full disk, a failed sync or a failed move. A link to a folder is followed, one to a file never. Any
+// thread.
 class FileSystem {
 public:
   virtual ~FileSystem() = default;

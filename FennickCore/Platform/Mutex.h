@@ -17,7 +17,7 @@
 namespace fennick {
 
 // A mutual-exclusion lock that clang's thread-safety analysis understands. No code calls out while holding
-// one, and no code holds two.
+// one, the file system and the log apart, and no code holds two.
 class FENNICK_THREAD_ATTRIBUTE(capability("mutex")) Mutex {
 public:
   void lock() FENNICK_THREAD_ATTRIBUTE(acquire_capability()) { mutex_.lock(); }
@@ -28,7 +28,8 @@ private:
   std::mutex mutex_;
 };
 
-// Holds a Mutex for a scope; `wait` sleeps on a condition until `ready` holds, releasing the lock meanwhile.
+// Holds a Mutex for a scope; `wait` sleeps once on a condition, releasing the lock meanwhile: call it in a
+// loop.
 class FENNICK_THREAD_ATTRIBUTE(scoped_lockable) Locked {
 public:
   explicit Locked(Mutex &mutex) FENNICK_THREAD_ATTRIBUTE(acquire_capability(mutex)) : lock_(mutex.mutex_) {}

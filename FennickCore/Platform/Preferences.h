@@ -31,7 +31,8 @@ public:
 class FilePreferences final : public Preferences {
 public:
   // A missing file is an empty one. One that cannot be read or is no JSON object counts as empty too; before
-  // the first write over it, it is kept beside as "<name>.damaged". A link is not followed.
+  // the first write over it, it is kept beside as "<name>.damaged". A link stays; what it
+  // leads to is read and replaced.
   explicit FilePreferences(std::filesystem::path file);
   ~FilePreferences() override;
 

@@ -83,7 +83,12 @@ std::string displayText(std::string_view text) {
 }
 
 std::string withoutControls(std::string_view text) {
-  return mapped(text, [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F ? ' ' : c; });
+  std::string result = mapped(text, [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F ? ' ' : c; });
+  // U+0080 to U+009F; terminals take U+009B for the beginning of an order.
+  for (auto at = result.find('\xC2'); at != std::string::npos; at = result.find('\xC2', at + 1))
+    if (at + 1 < result.size() && static_cast<unsigned char>(result[at + 1]) < 0xA0)
+      result.replace(at, 2, "  ");
+  return result;
 }
 
 std::string lowerCased(std::string_view text) {

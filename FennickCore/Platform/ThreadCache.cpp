@@ -34,12 +34,20 @@ void ThreadCache::run(std::function<void()> task) {
     changed_.notify_one();
     return;
   }
+  try {
+    startThread();
+  } catch (...) {
+    tasks_.pop_back();
+    throw;
+  }
+}
+
+void ThreadCache::startThread() {
   const auto self = threads_.emplace(threads_.end());
   try {
     *self = std::thread([this, self] { work(self); });
   } catch (...) {
     threads_.erase(self);
-    tasks_.pop_back();
     throw;
   }
 }

@@ -21,10 +21,12 @@ public:
   ThreadCache(const ThreadCache &) = delete;
   ThreadCache &operator=(const ThreadCache &) = delete;
 
-  // Throws std::system_error, without keeping `task`, when the system grants no further thread.
+  // Throws, without keeping `task`, when the system grants no further thread (std::system_error) or no
+  // memory.
   void run(std::function<void()> task);
 
 private:
+  void startThread() REQUIRES(lock_);
   void work(std::list<std::thread>::iterator self);
   bool nextTask(std::function<void()> &task);
   void joinFinished();

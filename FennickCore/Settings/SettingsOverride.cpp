@@ -23,9 +23,7 @@ constexpr std::size_t kLongestNameStart = 200;
 // Folders inside the save folder that are never a session's.
 constexpr std::array<std::string_view, 2> kReservedNames{"originals", "export"};
 
-bool hasControlCharacters(std::string_view text) {
-  return std::ranges::any_of(text, [](unsigned char c) { return c < 0x20 || c == 0x7F; });
-}
+bool hasControlCharacters(std::string_view text) { return withoutControls(text) != text; }
 
 bool isNamePart(std::string_view text) { return !text.contains('/') && !hasControlCharacters(text); }
 

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace fennick {
 
@@ -30,7 +31,6 @@ IOResult<void> UploadSink::write(std::span<const std::byte> bytes) {
 }
 
 HTTPResponse UploadSink::finish() {
-  finished_ = true;
   if (written_ != upload_.expected)
     return refuse(400, "传输不完整 / incomplete body");
   const auto extension =
@@ -47,12 +47,22 @@ HTTPResponse UploadSink::finish() {
     log(fmt::format("cannot place {}: {}", upload_.part.file.string(), placed.error().message()));
     return refuse(500, "保存失败 / save failed");
   }
-  onUpload_({.url = *placed,
-             .bytes = written_,
-             .remoteAddress = upload_.remote,
-             .mediaType = upload_.mediaType,
-             .receivedAt = upload_.startedAt});
+  finished_ = true;
+  announce(*placed);
   return HTTPResponse::text(200, placed->filename().string());
+}
+
+// The photo is safe by now: whoever hears of it cannot take the phone's answer away.
+void UploadSink::announce(const std::filesystem::path &file) {
+  try {
+    onUpload_({.url = file,
+               .bytes = written_,
+               .remoteAddress = upload_.remote,
+               .mediaType = upload_.mediaType,
+               .receivedAt = upload_.startedAt});
+  } catch (const std::exception &error) {
+    log(error.what());
+  }
 }
 
 // Brings the content to the disk; the move into place comes after, so that the final name never stands for a
@@ -65,8 +75,7 @@ IOResult<void> UploadSink::settle() {
 }
 
 HTTPResponse UploadSink::refuse(std::int64_t status, std::string_view text) {
-  upload_.part.handle.reset();
-  [[maybe_unused]] const auto ignored = files_.remove(upload_.part.file);
+  UploadSink::abort();
   return HTTPResponse::text(status, text);
 }
 

@@ -60,6 +60,7 @@ public:
 private:
   [[nodiscard]] HTTPResponse refuse(std::int64_t status, std::string_view text);
   [[nodiscard]] IOResult<void> settle();
+  void announce(const std::filesystem::path &file);
 
   AdmittedUpload upload_;
   NameAllocator &allocator_;

@@ -23,7 +23,7 @@ public:
     fennick::UploadRouter::UploadPolicy policy;
   };
 
-  // From now on every request sees the new values, never a mixture.
+  // All values change in one step; a request under way may have read some of them before it.
   void update(Values values);
 
   [[nodiscard]] std::string key() const;

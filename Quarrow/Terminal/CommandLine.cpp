@@ -5,9 +5,11 @@
 #include <fmt/format.h>
 #include <glib.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 namespace quarrow {
@@ -21,8 +23,8 @@ constexpr const char *kSummary =
 constexpr const char *kDescription =
     "KEY 是设置项的路径，VALUE 是 JSON 或普通文本，例如：\n"
     "KEY is the path of a setting, VALUE is JSON or plain text, for example:\n"
-    "  --set dateSubfolders=true --set folderLimit=500 --set naming=prefixSequence\n"
-    "  --set naming.prefixSequence.prefix=Party --set maxUploadBytes=1073741824\n\n"
+    "  --set dateSubfolders=true --set maxUploadBytes=1073741824 --set naming=prefixSequence\n"
+    "  --set naming.prefixSequence.prefix=Party --set folderLimit=500 --set autoPrune=false\n\n"
     "Ctrl-C 结束接收 / ends the receiver.";
 
 using Strings = std::unique_ptr<char *, decltype(&g_strfreev)>;
@@ -72,9 +74,16 @@ std::array<GOptionEntry, 9> optionEntries(RawOptions &raw) {
           GOptionEntry{}};
 }
 
-std::filesystem::path absolute(const char *path) {
-  std::error_code ignored;
-  auto result = std::filesystem::absolute(path, ignored).lexically_normal();
+// ".." is resolved as the file system would, links and all.
+std::expected<std::filesystem::path, std::string> absolute(const char *option, const char *text) {
+  const std::filesystem::path given = text;
+  std::error_code error;
+  auto result = std::filesystem::absolute(given, error);
+  if (!error && std::ranges::find(given, "..") != given.end())
+    result = std::filesystem::weakly_canonical(result, error);
+  if (error || given.empty())
+    return std::unexpected(fmt::format("{0} 要一个目录，得到“{1}” / {0} takes a folder, got \"{1}\"", option,
+                                       fennick::displayText(text)));
   return result.has_filename() ? result : result.parent_path();
 }
 
@@ -89,10 +98,16 @@ std::expected<std::uint16_t, std::string> parsedPort(const char *text) {
 
 std::expected<CommandLine, std::string> chosen(const RawOptions &raw) {
   CommandLine result;
-  if (raw.folder != nullptr)
-    result.folder = absolute(raw.folder);
-  if (raw.stateDirectory != nullptr)
-    result.stateDirectory = absolute(raw.stateDirectory);
+  for (const auto &[option, given, chosen] :
+       {std::tuple("--folder", raw.folder, &result.folder),
+        std::tuple("--state-dir", raw.stateDirectory, &result.stateDirectory)}) {
+    if (given == nullptr)
+      continue;
+    const auto path = absolute(option, given);
+    if (!path)
+      return std::unexpected(path.error());
+    *chosen = *path;
+  }
   if (raw.port != nullptr) {
     const auto port = parsedPort(raw.port);
     if (!port)

@@ -24,7 +24,7 @@ constexpr fennick::Seconds kProgressInterval{0.25}; // quick enough to look aliv
 Receiver::Receiver(Setup setup, Report &report, fennick::MainQueue &mainQueue, fennick::FileSystem &files,
                    const fennick::Clock &clock)
     : setup_(std::move(setup)), report_(report), mainQueue_(mainQueue), files_(files), clock_(clock),
-      activity_([this] { mainQueue_.post([this] { reportProgress(); }); }),
+      activity_([this] { mainQueue_.post([this] { beginProgress(); }); }),
       router_(providers(), fennick::resourceBundle(), files, clock, activity_),
       rateLimiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, rateLimiter_, clock) {}
 
@@ -107,23 +107,29 @@ void Receiver::handleUpload(const fennick::UploadRecord &record) {
                     .note = fmt::format("{}：{}", name, fennick::fileSizeText(record.bytes))});
 }
 
-// Runs by itself only while uploads are under way, so that an idle receiver sleeps.
-void Receiver::reportProgress() {
-  if (!report_.showsProgress())
+void Receiver::beginProgress() {
+  if (progressRuns_ || !report_.showsProgress())
     return;
+  progressRuns_ = true;
+  reportProgress();
+}
+
+// Goes on by itself only while uploads are under way, so that an idle receiver sleeps.
+void Receiver::reportProgress() {
   const auto activity = activity_.snapshot();
   const auto now = clock_.uptime();
   const double seconds = fennick::Seconds(now - progressAt_).count();
   const auto arrived = static_cast<double>(activity.totalBytes - progressBytes_);
   constexpr double kNewShare = 0.3; // of the latest interval in the shown speed, so that it does not jump
-  if (seconds < 4 * kProgressInterval.count())
+  if (seconds > 0 && seconds < 4 * kProgressInterval.count())
     bytesPerSecond_ += kNewShare * (arrived / seconds - bytesPerSecond_);
   else
     bytesPerSecond_ = 0; // a new burst
   progressAt_ = now;
   progressBytes_ = activity.totalBytes;
   report_.progress(activity, bytesPerSecond_);
-  if (activity.uploads > 0)
+  progressRuns_ = activity.uploads > 0;
+  if (progressRuns_)
     mainQueue_.postAfter(kProgressInterval, [this] { reportProgress(); });
 }
 

@@ -41,6 +41,7 @@ private:
   void updateRouterConfig();
   void reportListening(std::uint16_t port);
   void handleUpload(const fennick::UploadRecord &record);
+  void beginProgress();
   void reportProgress();
   [[nodiscard]] fennick::UploadRouter::Providers providers();
 
@@ -57,6 +58,7 @@ private:
   fennick::RateLimiter rateLimiter_;
   fennick::HTTPServer server_;
 
+  bool progressRuns_ = false;  // a report is shown or is to come
   fennick::Uptime progressAt_; // when progress was last shown
   std::int64_t progressBytes_ = 0;
   double bytesPerSecond_ = 0;

@@ -14,18 +14,23 @@
 #include "Quarrow/Terminal/Receiver.h"
 #include "Quarrow/Terminal/WordsReport.h"
 
-#include <fmt/core.h>
-
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
 
 constexpr int kCannotStart = 1;
 constexpr int kBadUsage = 2;
+
+int refuse(const std::string &sentence) {
+  std::ignore = std::fputs((sentence + "\n").c_str(), stderr);
+  return kBadUsage;
+}
 
 std::unique_ptr<quarrow::Report> makeReport(const quarrow::CommandLine &options) {
   if (options.json)
@@ -41,12 +46,9 @@ int run(const quarrow::CommandLine &options) {
   fennick::FilePreferences preferences(stateDirectory / "preferences.json");
   const fennick::SettingsStore store(preferences);
   fennick::AppSettings settings = store.settings();
-  for (const auto &override : options.overrides) {
-    if (const auto applied = fennick::applyOverride(settings, override); !applied) {
-      fmt::print(stderr, "{}\n", applied.error());
-      return kBadUsage;
-    }
-  }
+  for (const auto &override : options.overrides)
+    if (const auto applied = fennick::applyOverride(settings, override); !applied)
+      return refuse(applied.error());
   if (options.port)
     settings.preferredPort = *options.port;
 
@@ -70,12 +72,10 @@ int run(const quarrow::CommandLine &options) {
 int main(int argc, char *argv[]) {
   fennick::prepareProcess();
   const auto options = quarrow::CommandLine::parse(std::vector<std::string>(argv + 1, argv + argc));
-  if (!options) {
-    fmt::print(stderr, "{}\n", options.error());
-    return kBadUsage;
-  }
+  if (!options)
+    return refuse(options.error());
   if (options->help || options->showVersion) {
-    fmt::print("{}", options->help.value_or("tevrin-headless " TEVRIN_VERSION "\n"));
+    std::ignore = std::fputs(options->help.value_or("tevrin-headless " TEVRIN_VERSION "\n").c_str(), stdout);
     return EXIT_SUCCESS;
   }
   fennick::logToStandardError();

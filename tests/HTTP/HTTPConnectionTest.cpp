@@ -113,7 +113,7 @@ TEST(HTTPConnectionHead, ExactlyTheLimitIsAcceptedAndMoreIsAnsweredAtOnce) {
     Exchange exchange;
     std::string head = "GET /x HTTP/1.1\r\nX: ";
     head.append(length - head.size(), 'x');
-    exchange.peer.sends(head).sends("\r\n\r\n");
+    exchange.peer.sends(head).sends("\r\n").sends("\r\n");
     const bool fits = length == 16384;
     EXPECT_THAT(exchange.serve(), EndsWith(fits ? "\r\n\r\nanswer" : "\r\n\r\nheader too large"));
     EXPECT_EQ(exchange.peer.unread(), fits ? 0U : 4U);

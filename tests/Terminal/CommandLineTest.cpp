@@ -23,10 +23,11 @@ TEST(CommandLineTest, OptionsAreTakenAsGiven) {
 
 TEST(CommandLineTest, WhatCannotBeMeantIsRefusedInASentenceThatNamesIt) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
-      {{"--bogus"}, "--bogus"}, {{"-x"}, "-x"},
-      {{"photos"}, "photos"},   {{"--port", "65536"}, "65536"},
-      {{"--port", "-1"}, "-1"}, {{"--port", "80a"}, "80a"},
-      {{"--port"}, "--port"},   {{"--folder"}, "--folder"}};
+      {{"--bogus"}, "--bogus"},      {{"-x"}, "-x"},
+      {{"photos"}, "photos"},        {{"--port", "65536"}, "65536"},
+      {{"--port", "-1"}, "-1"},      {{"--port", "80a"}, "80a"},
+      {{"--port"}, "--port"},        {{"--folder"}, "--folder"},
+      {{"--folder", ""}, "--folder"}};
   for (const auto &[arguments, named] : cases) {
     const auto line = CommandLine::parse(arguments);
     ASSERT_FALSE(line) << named;

@@ -148,6 +148,8 @@ TEST_F(ReceiverTest, ProgressIsAskedForOnlyWhileSomethingArrives) {
   EXPECT_EQ(report.uploads.back(), 1);
   phone.send(" a photo");
   EXPECT_THAT(phone.readToEnd(), StartsWith("HTTP/1.1 200"));
+  EXPECT_THAT(upload(kJPEG), StartsWith("HTTP/1.1 200")); // another one before the next report is due
+  queue.runAll();
   EXPECT_EQ(queue.runDelayed(), 1U);
   EXPECT_EQ(report.uploads.back(), 0);
   EXPECT_EQ(queue.runDelayed(), 0U);
