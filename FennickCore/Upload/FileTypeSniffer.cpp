@@ -2,7 +2,7 @@
 
 #include "FennickCore/Platform/PathComponent.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/MediaTypes.h"
+#include "FennickCore/Imaging/MediaTypes.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Random.h"
-#include "FennickCore/Storage/MediaTypes.h"
+#include "FennickCore/Imaging/MediaTypes.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "FennickCore/Storage/MediaTypes.h"
+#include "FennickCore/Imaging/MediaTypes.h"
 
 #include "FennickCore/Platform/PathComponent.h"
 

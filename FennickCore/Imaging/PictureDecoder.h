@@ -1,0 +1,78 @@
+#pragma once
+
+#include "FennickCore/Imaging/PictureTypes.h"
+#include "FennickCore/Platform/Clock.h"
+
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace fennick {
+
+// Why a picture was not read. Whatever it is, the file is untouched.
+enum class PictureFault : std::uint8_t {
+  unreadable,  // the file cannot be opened: gone, no permission, a link, not a regular file
+  notAPicture, // its content is none of PictureType
+  undecodable, // damaged, beyond ImageLimits, or something the decoder does not know
+  unencodable, // decoded, but the result could not be written or did not pass its check
+  unsupported, // the format cannot carry what was asked for
+  crashed,     // the decoder died over it
+  timedOut,    // the decoder took too long and was ended
+  noDecoder,   // the locked-down decoder cannot be started here, and there is no decoding without it
+};
+
+struct PictureError {
+  PictureFault fault = PictureFault::undecodable;
+  std::string detail; // for the log, in the words of whoever found it; may be empty
+
+  bool operator==(const PictureError &) const = default;
+};
+
+template <typename T>
+using PictureResult = std::expected<T, PictureError>;
+
+// A new encoding of a picture, wanted upright.
+struct RenderRequest {
+  PictureType output = PictureType::jpeg; // jpeg, png or heic
+  std::int64_t longEdge = 0;              // most pixels of the longer side; never enlarges
+  std::optional<std::int64_t> maxBytes;   // of the whole file, metadata included; absent: any size
+  double quality = 0.85;                  // of lossy encoding, 0 to 1
+  double qualityFloor = 0.5;              // how low the search for `maxBytes` may go
+  bool stripLocation = false;
+  bool stripAllMetadata = false;
+};
+
+struct Rendering {
+  std::string bytes;         // the whole file; what was to be removed from it has been looked for and is gone
+  std::int64_t longEdge = 0; // of the result, in pixels
+  double quality = 0;        // of the last encoding tried
+  bool withinMaxBytes = true; // false: the smallest that could be made, still over `maxBytes`
+};
+
+// The one way in which pictures are read: nothing else in the program looks inside them. Every call opens the
+// file itself, following no link, and blocks until there is an answer. Any thread, several calls at once.
+class PictureDecoder {
+public:
+  virtual ~PictureDecoder() = default;
+
+  // Reads headers and metadata, no pixels.
+  [[nodiscard]] virtual PictureResult<PictureFacts> facts(const std::filesystem::path &file) = 0;
+  // A JPEG of at most `maxPixel` pixels on the longer side, upright, in sRGB, without metadata; the first
+  // picture of several. `quality` from 0 to 1.
+  [[nodiscard]] virtual PictureResult<std::string> thumbnail(const std::filesystem::path &file,
+                                                             std::int64_t maxPixel, double quality) = 0;
+  // A new encoding of the file's only picture. A damaged picture, of which only a part could be shown, is
+  // undecodable here. `timeout` ends the work.
+  [[nodiscard]] virtual PictureResult<Rendering> render(const std::filesystem::path &file,
+                                                        const RenderRequest &request, Seconds timeout) = 0;
+  // The whole file with only its orientation changed to `orientation` (1 to 8), pixels as they were.
+  // `unsupported` for a format that has no place for it.
+  [[nodiscard]] virtual PictureResult<std::string> withOrientation(const std::filesystem::path &file,
+                                                                   std::int64_t orientation) = 0;
+  // Whether HEIC can be written here; found out once.
+  [[nodiscard]] virtual bool canEncodeHEIC() = 0;
+};
+
+} // namespace fennick

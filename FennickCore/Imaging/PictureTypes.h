@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// What the imaging process finds out about a picture. Values; any thread.
+namespace fennick {
+
+// The picture formats that are told apart, always by content.
+enum class PictureType : std::uint8_t { jpeg, png, heic, heif, webp, tiff, avif, gif, dng };
+
+// "public.jpeg", "public.heic", …: the type's name in messages.
+[[nodiscard]] std::string_view typeIdentifier(PictureType type);
+// "jpeg", "png", "heic", "heif", "webp", "tiff", "avif", "gif", "dng".
+[[nodiscard]] std::string_view preferredExtension(PictureType type);
+
+// Which of the eight ways a picture is stored turned or mirrored, as EXIF numbers them; 1 is upright.
+inline constexpr std::int64_t kUpright = 1;
+
+struct PictureFacts {
+  PictureType type = PictureType::jpeg;
+  std::int64_t frames = 1;                 // pictures in the file: animation frames, pages
+  std::optional<std::int64_t> width;       // in pixels as stored, before any turning; absent when unreadable
+  std::optional<std::int64_t> height;      // the same
+  std::optional<std::int64_t> orientation; // as the file says it, which may be out of range; absent: not said
+  bool hasLocation = false;                // GPS or named places, in EXIF, XMP or IPTC
+  bool hasMetadata = false;                // any EXIF, TIFF, GPS, IPTC or XMP block
+
+  bool operator==(const PictureFacts &) const = default;
+};
+
+} // namespace fennick
