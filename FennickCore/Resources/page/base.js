@@ -1,0 +1,117 @@
+const key = new URLSearchParams(location.search).get('k') || '';
+const $ = (id) => document.getElementById(id);
+const both = (zh, en) => zh + ' / ' + en;
+const now = () => Date.now();
+const path = (route) => route + '?k=' + encodeURIComponent(key);
+
+// ---- Small helpers
+
+// A short fingerprint of a text. It only has to tell one phone's files apart, not to resist anybody;
+// the browser's own digests are not offered to a page on a plain LAN address.
+function fingerprint(text) {
+  let a = 0xdeadbeef, b = 0x41c6ce57;
+  for (let i = 0; i < text.length; i++) {
+    const c = text.charCodeAt(i);
+    a = Math.imul(a ^ c, 2654435761);
+    b = Math.imul(b ^ c, 1597334677);
+  }
+  a = Math.imul(a ^ (a >>> 16), 2246822507) ^ Math.imul(b ^ (b >>> 13), 3266489909);
+  b = Math.imul(b ^ (b >>> 16), 2246822507) ^ Math.imul(a ^ (a >>> 13), 3266489909);
+  return (4294967296 * (2097151 & b) + (a >>> 0)).toString(36);
+}
+
+function bytesText(n) {
+  if (n < 1000) return n + ' B';
+  const units = ['KB', 'MB', 'GB', 'TB'];
+  let i = -1;
+  do { n /= 1000; i++; } while (n >= 999.5 && i < units.length - 1);
+  return (n < 10 && i > 0 ? n.toFixed(1) : Math.round(n)) + ' ' + units[i];
+}
+
+function clockText(seconds) {
+  const s = Math.max(1, Math.round(seconds));
+  const two = (n) => (n < 10 ? '0' + n : '' + n);
+  const h = Math.floor(s / 3600), m = Math.floor(s / 60) % 60;
+  return h ? h + ':' + two(m) + ':' + two(s % 60) : m + ':' + two(s % 60);
+}
+
+// The pause before try number `n` (from 0): 1, 2, 4 ... 30 s, a little uneven so that several phones
+// that lost the same network do not come back in step.
+const pause = (n) => Math.min(30000, 1000 * Math.pow(2, n)) * (0.85 + Math.random() * 0.3);
+
+let live = '';
+function announce(text) {
+  if (text === live) return;
+  live = text;
+  $('live').textContent = text;
+}
+
+// Lists kept by the browser for this computer. Private browsing or a full store may refuse; they then last as
+// long as the page.
+const memory = {
+  read(name) {
+    try {
+      const list = JSON.parse(localStorage.getItem(name) || '[]');
+      return Array.isArray(list) ? list : [];
+    } catch (e) {
+      return [];
+    }
+  },
+  write(name, list) {
+    try {
+      localStorage.setItem(name, JSON.stringify(list));
+    } catch (e) {
+      // Nothing to be done.
+    }
+  },
+};
+
+// ---- Limit: the largest file the computer takes
+
+const limit = {
+  bytes: Number('__MAX_BYTES__') || Infinity,
+
+  // The setting may have been lowered since the page was loaded; the refusal names the new value.
+  learn(message) {
+    const found = /limit (\d+) bytes/.exec(message);
+    if (found) limit.bytes = Number(found[1]);
+  },
+  refusal(file) {
+    if (file.size < 1) return both('空文件，没有内容可发', 'Empty file, nothing to send');
+    if (file.size <= limit.bytes) return '';
+    const size = bytesText(limit.bytes);
+    return both('太大，上限 ' + size, 'Too large, the limit is ' + size);
+  },
+};
+
+// ---- Marks: which files this phone has already sent to this computer
+
+const marks = (function () {
+  const store = 'tevrin.sent.' + fingerprint(key);
+  const most = 5000;
+  const known = new Set(memory.read(store));
+  let fresh = [];
+  let timer = 0;
+
+  // Another tab may have written in the meantime, so the stored list is read again and added to.
+  function flush() {
+    clearTimeout(timer);
+    timer = 0;
+    if (!fresh.length) return;
+    const all = Array.from(new Set(memory.read(store).concat(fresh))).slice(-most);
+    fresh = [];
+    memory.write(store, all);
+  }
+
+  return {
+    flush,
+    of: (file) => file.size.toString(36) + '.' + file.lastModified.toString(36) + '.' + fingerprint(file.name),
+    has: (mark) => known.has(mark),
+    add(mark) {
+      if (known.has(mark)) return;
+      known.add(mark);
+      fresh.push(mark);
+      if (!timer) timer = setTimeout(flush, 500);
+    },
+  };
+})();

@@ -1,0 +1,86 @@
+// ---- Status: what the computer says about itself
+
+const status = (function () {
+  const calm = 12000;      // between two questions while all is well and the page is seen
+  const patience = 10000;  // for one answer
+  let state = 'asking';    // asking, ok, lost, key, banned
+  let info = {};
+  let asking = null;
+  let timer = 0;
+  let misses = 0;
+  let taken = 0;           // files saved since the question behind `info` was sent
+  let askedAt = 0;
+  const listeners = [];
+
+  function settle(next) {
+    state = next;
+    misses = next === 'lost' ? misses + 1 : 0;
+    plan();
+    listeners.forEach((listen) => listen(state));
+    return state;
+  }
+
+  // A hidden page asks nothing, unless files are waiting for the way back. A wrong key is not asked about again by itself: each question would
+  // count against this phone, and only a new scan helps.
+  function plan() {
+    clearTimeout(timer);
+    if (state === 'key' || (document.hidden && !(state === 'lost' && uploader.running()))) return;
+    timer = setTimeout(ask, state === 'lost' ? pause(misses - 1) : calm);
+  }
+
+  function verdict(code) {
+    if (code === 200) return 'ok';
+    if (code === 403) return 'key';
+    return code === 429 ? 'banned' : 'lost';
+  }
+
+  function question() {
+    const stopper = new AbortController();
+    const alarm = setTimeout(() => stopper.abort(), patience);
+    const takenBefore = taken;
+    askedAt = now();
+    return fetch(path('quota'), { cache: 'no-store', signal: stopper.signal })
+      .then((reply) => {
+        const next = verdict(reply.status);
+        if (next !== 'ok') return next;
+        return reply.json().then((json) => {
+          info = json;
+          taken -= takenBefore;
+          return next;
+        });
+      })
+      .catch(() => 'lost')
+      .then((next) => {
+        clearTimeout(alarm);
+        return next;
+      });
+  }
+
+  function ask() {
+    if (asking) return asking;
+    if (!key) return Promise.resolve(settle('key'));
+    clearTimeout(timer);
+    asking = question().then((next) => {
+      asking = null;
+      return settle(next);
+    });
+    return asking;
+  }
+
+  return {
+    ask,
+    plan,
+    believe: settle,  // what an upload's answer has already told
+    listen: (listener) => listeners.push(listener),
+    get state() { return state; },
+    get info() { return info; },
+    get age() { return now() - askedAt; },
+    saved() { taken++; },
+
+    // How many more files fit into the folder as far as is known. Only a count that can refuse counts.
+    room() {
+      if (typeof info.folderLimit !== 'number' || info.autoPrune) return Infinity;
+      return Math.max(0, info.folderLimit - info.folderCount - taken);
+    },
+  };
+})();
