@@ -1,6 +1,8 @@
 #include "FennickCore/Platform/DirectoryWatch.h"
 
 #include <linux/magic.h>
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/inotify.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -13,8 +15,9 @@ namespace fennick {
 
 namespace {
 
-constexpr std::uint32_t kMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
-                                IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
+constexpr std::uint32_t kNames = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
+                                 IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
+constexpr std::uint32_t kContent = kNames | IN_CLOSE_WRITE | IN_ATTRIB;
 
 // File systems of this computer's own disks that <linux/magic.h> does not name.
 constexpr std::uint32_t kExFATMagic = 0x2011BAB0;
@@ -51,24 +54,36 @@ bool isLocal(const std::filesystem::path &folder) {
   }
 }
 
+DirectoryChange::Kind kindOf(std::uint32_t mask) {
+  using Kind = DirectoryChange::Kind;
+  if ((mask & (IN_CREATE | IN_MOVED_TO)) != 0)
+    return Kind::appeared;
+  return (mask & (IN_CLOSE_WRITE | IN_ATTRIB)) != 0 ? Kind::changed : Kind::vanished;
+}
+
 DirectoryChange changeOf(const inotify_event &event, const char *name) {
   using Kind = DirectoryChange::Kind;
   if ((event.mask & IN_Q_OVERFLOW) != 0)
     return {.kind = Kind::overflow, .watch = 0, .name = {}};
   if ((event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT)) != 0)
     return {.kind = Kind::lost, .watch = event.wd, .name = {}};
-  const bool came = (event.mask & (IN_CREATE | IN_MOVED_TO)) != 0;
-  return {.kind = came ? Kind::appeared : Kind::vanished, .watch = event.wd, .name = name};
+  return {.kind = kindOf(event.mask),
+          .watch = event.wd,
+          .name = name,
+          .isDirectory = (event.mask & IN_ISDIR) != 0};
 }
 
 } // namespace
 
-DirectoryWatch::DirectoryWatch() : inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
+DirectoryWatch::DirectoryWatch(Shared shared)
+    : shared_(shared), inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
+      wakeup_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-IOResult<int> DirectoryWatch::add(const std::filesystem::path &folder) {
-  if (!inotify_.isOpen() || !isLocal(folder))
+IOResult<int> DirectoryWatch::add(const std::filesystem::path &folder, Scope scope) {
+  if (!inotify_.isOpen() || (shared_ == Shared::refuse && !isLocal(folder)))
     return std::unexpected(std::make_error_code(std::errc::not_supported));
-  const int watch = ::inotify_add_watch(inotify_.get(), folder.c_str(), kMask);
+  const int watch =
+      ::inotify_add_watch(inotify_.get(), folder.c_str(), scope == Scope::content ? kContent : kNames);
   if (watch < 0)
     return std::unexpected(std::error_code(errno, std::generic_category()));
   return watch;
@@ -90,6 +105,24 @@ std::vector<DirectoryChange> DirectoryWatch::drain() {
       at += sizeof event + event.len;
     }
   }
+}
+
+DirectoryWatch::Woken DirectoryWatch::awaitChanges() { return sleep(inotify_.get(), std::nullopt); }
+
+DirectoryWatch::Woken DirectoryWatch::pause(Seconds length) { return sleep(-1, length); }
+
+void DirectoryWatch::interrupt() { ::eventfd_write(wakeup_.get(), 1); }
+
+DirectoryWatch::Woken DirectoryWatch::sleep(int descriptor, std::optional<Seconds> most) {
+  std::array<pollfd, 2> waiting{pollfd{.fd = wakeup_.get(), .events = POLLIN, .revents = 0},
+                                pollfd{.fd = descriptor, .events = POLLIN, .revents = 0}};
+  const int timeout =
+      most ? static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(*most).count()) : -1;
+  while (::poll(waiting.data(), waiting.size(), timeout) < 0 && errno == EINTR) {
+  }
+  if (waiting[0].revents != 0)
+    return Woken::interrupted;
+  return waiting[1].revents != 0 ? Woken::changes : Woken::timeout;
 }
 
 } // namespace fennick

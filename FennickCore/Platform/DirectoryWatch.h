@@ -1,8 +1,10 @@
 #pragma once
 
+#include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,30 +15,49 @@ struct DirectoryChange {
   enum class Kind {
     appeared, // an entry was created or moved in
     vanished, // an entry was deleted or moved away
+    changed,  // an entry's content was written or its attributes were set (Scope::content only)
     lost,     // the folder is gone or is no longer watched; forget what was known of it
     overflow, // events were dropped; forget what was known of every folder (`watch` is 0)
   };
   Kind kind;
   int watch = 0;
   std::string name;
+  bool isDirectory = false; // what the entry is, or was
 };
 
 // Tells which entries come and go directly inside folders (inotify). The kernel queues each change before the
 // call that made it returns, so a `drain` sees everything that programs on this computer have done so far.
-// Nothing runs in the background. One thread at a time.
+// Nothing runs in the background. One thread at a time, `interrupt` apart.
 class DirectoryWatch {
 public:
-  // An object that can watch nothing when the system grants no inotify instance.
-  DirectoryWatch();
+  // What to do with folders that other computers may change unseen.
+  enum class Shared { refuse, accept };
+  enum class Scope { names, content };
+  enum class Woken { changes, interrupted, timeout };
 
-  // A number for the folder, given in its changes. Fails when the folder cannot be watched: it is not there,
-  // the user's limit is reached, or its file system is one whose changes other computers make unseen.
-  [[nodiscard]] IOResult<int> add(const std::filesystem::path &folder);
+  // An object that can watch nothing when the system grants no inotify instance.
+  explicit DirectoryWatch(Shared shared = Shared::refuse);
+
+  // A number for the folder, given in its changes; the same for a folder that is watched already, whose
+  // scope it sets anew. Fails when the folder cannot be watched: it is not there, the user's limit is
+  // reached, or it is a shared one that is refused.
+  [[nodiscard]] IOResult<int> add(const std::filesystem::path &folder, Scope scope = Scope::names);
   void remove(int watch);
   [[nodiscard]] std::vector<DirectoryChange> drain();
 
+  // Sleeps until there is something to drain.
+  [[nodiscard]] Woken awaitChanges();
+  // Sleeps for `length`, whatever happens in the folders meanwhile.
+  [[nodiscard]] Woken pause(Seconds length);
+  // Ends every sleep, that under way and all to come. Any thread.
+  void interrupt();
+
 private:
+  [[nodiscard]] Woken sleep(int descriptor, std::optional<Seconds> most);
+
+  Shared shared_;
   FileDescriptor inotify_;
+  FileDescriptor wakeup_;
 };
 
 } // namespace fennick
