@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+// Reading and writing numbers in files that nobody vouches for. Every position is checked against the end.
+// Pure functions; any thread.
+namespace fennick::picture {
+
+using Bytes = std::span<const std::byte>;
+
+enum class ByteOrder : std::uint8_t { little, big };
+
+[[nodiscard]] inline std::string_view textOf(Bytes bytes) {
+  return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
+}
+[[nodiscard]] inline Bytes bytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
+
+// The part of `data` from `at` on, `length` bytes long; nothing when any of it lies outside.
+[[nodiscard]] std::optional<std::string_view> slice(std::string_view data, std::uint64_t at,
+                                                    std::uint64_t length);
+// The unsigned number of `width` bytes (0 to 8) at `at`; nothing when it reaches past the end.
+[[nodiscard]] std::optional<std::uint64_t> readNumber(std::string_view data, std::uint64_t at,
+                                                      std::size_t width, ByteOrder order = ByteOrder::big);
+// Overwrites `width` bytes at `at`, which must exist, with the lowest bytes of `value`.
+void writeNumber(std::string &data, std::size_t at, std::uint64_t value, std::size_t width,
+                 ByteOrder order = ByteOrder::big);
+[[nodiscard]] std::string numberText(std::uint64_t value, std::size_t width,
+                                     ByteOrder order = ByteOrder::big);
+// Sets as much of the given stretch to zero as lies inside `data`.
+void zero(std::string &data, std::uint64_t at, std::uint64_t length);
+
+} // namespace fennick::picture

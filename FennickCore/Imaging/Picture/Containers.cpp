@@ -1,0 +1,192 @@
+#include "FennickCore/Imaging/Picture/Containers.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <zlib.h>
+
+namespace fennick::picture {
+
+using namespace std::string_view_literals;
+
+namespace {
+
+constexpr std::size_t kMostParts = 4'096;
+constexpr std::size_t kMostPayload = 65'533;
+constexpr std::size_t kPngSignature = 8;
+constexpr std::size_t kRiffHeader = 12;
+constexpr unsigned kStartOfScan = 0xDA;
+constexpr unsigned kEndOfImage = 0xD9;
+
+const Bytef *zlibBytes(std::string_view text) { return reinterpret_cast<const Bytef *>(text.data()); }
+
+// Start of image, restarts and the temporary marker stand alone.
+bool standsAlone(unsigned marker) { return marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8); }
+
+// The marker at or behind `at`, which fill bytes may precede, with the position behind it.
+struct Marker {
+  unsigned code = 0;
+  std::size_t at = 0;
+  std::size_t end = 0;
+};
+std::optional<Marker> markerAt(std::string_view file, std::size_t at) {
+  if (at >= file.size() || file[at] != '\xFF')
+    return std::nullopt;
+  std::size_t code = at + 1;
+  while (code < file.size() && file[code] == '\xFF')
+    ++code;
+  if (code >= file.size() || file[code] == '\0')
+    return std::nullopt;
+  return Marker{static_cast<unsigned char>(file[code]), at, code + 1};
+}
+
+std::optional<JpegSegment> segmentOf(std::string_view file, const Marker &marker) {
+  const auto length = readNumber(file, marker.end, 2);
+  if (!length || *length < 2 || !slice(file, marker.end, *length))
+    return std::nullopt;
+  return JpegSegment{{.at = marker.at,
+                      .payloadAt = marker.end + 2,
+                      .payloadBytes = static_cast<std::size_t>(*length - 2),
+                      .end = marker.end + static_cast<std::size_t>(*length)},
+                     static_cast<std::uint8_t>(marker.code)};
+}
+
+// The next marker in entropy-coded data that is neither a stuffed byte nor a restart.
+std::size_t behindScan(std::string_view file, std::size_t at) {
+  for (at = file.find('\xFF', at); at + 1 < file.size(); at = file.find('\xFF', at + 1)) {
+    const auto code = static_cast<unsigned char>(file[at + 1]);
+    if (code != 0 && code != 0xFF && !standsAlone(code))
+      return at;
+  }
+  return file.size();
+}
+
+} // namespace
+
+std::vector<JpegSegment> jpegSegments(std::string_view file) {
+  std::vector<JpegSegment> segments;
+  if (!file.starts_with("\xFF\xD8"sv))
+    return segments;
+  std::size_t at = 2;
+  while (segments.size() < kMostParts) {
+    const auto marker = markerAt(file, at);
+    if (!marker || marker->code == kStartOfScan || marker->code == kEndOfImage)
+      break;
+    at = marker->end;
+    if (standsAlone(marker->code))
+      continue;
+    const auto segment = segmentOf(file, *marker);
+    if (!segment)
+      break;
+    segments.push_back(*segment);
+    at = segment->end;
+  }
+  return segments;
+}
+
+std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload) {
+  if (payload.size() > kMostPayload)
+    return std::nullopt;
+  return "\xFF" + std::string(1, static_cast<char>(marker)) + numberText(payload.size() + 2, 2) +
+         std::string(payload);
+}
+
+std::optional<std::size_t> jpegEnd(std::string_view file) {
+  std::size_t at = 0;
+  while (const auto marker = markerAt(file, at)) {
+    at = marker->end;
+    if (marker->code == kEndOfImage)
+      return at;
+    if (standsAlone(marker->code))
+      continue;
+    const auto segment = segmentOf(file, *marker);
+    if (!segment)
+      break;
+    at = marker->code == kStartOfScan ? behindScan(file, segment->end) : segment->end;
+  }
+  return std::nullopt;
+}
+
+std::vector<Chunk> pngChunks(std::string_view file) {
+  std::vector<Chunk> chunks;
+  std::size_t at = kPngSignature;
+  while (chunks.size() < kMostParts) {
+    const auto length = readNumber(file, at, 4);
+    const auto type = slice(file, at + 4, 4);
+    if (!length || !type || !slice(file, at + 8, *length + 4))
+      break;
+    const std::size_t payloadBytes = *length;
+    const std::size_t end = at + 12 + payloadBytes;
+    if (*type != "IDAT"sv || chunks.empty() || chunks.back().type != *type)
+      chunks.push_back({{at, at + 8, payloadBytes, end}, std::string(*type)});
+    at = end;
+    if (*type == "IEND"sv)
+      break;
+  }
+  return chunks;
+}
+
+std::string pngChunk(std::string_view type, std::string_view payload) {
+  const std::string body = std::string(type) + std::string(payload);
+  const auto sum = crc32_z(crc32_z(0, nullptr, 0), zlibBytes(body), body.size());
+  return numberText(payload.size(), 4) + body + numberText(sum, 4);
+}
+
+std::vector<Chunk> webpChunks(std::string_view file) {
+  std::vector<Chunk> chunks;
+  std::size_t at = kRiffHeader;
+  while (chunks.size() < kMostParts) {
+    const auto type = slice(file, at, 4);
+    const auto length = readNumber(file, at + 4, 4, ByteOrder::little);
+    if (!length || !slice(file, at + 8, *length))
+      break;
+    const std::size_t payloadBytes = *length;
+    const std::size_t end = std::min(file.size(), at + 8 + payloadBytes + payloadBytes % 2);
+    chunks.push_back({{at, at + 8, payloadBytes, end}, std::string(*type)});
+    at = end;
+  }
+  return chunks;
+}
+
+std::string webpChunk(std::string_view type, std::string_view payload) {
+  return std::string(type) + numberText(payload.size(), 4, ByteOrder::little) + std::string(payload) +
+         std::string(payload.size() % 2, '\0');
+}
+
+const Chunk *findChunk(const std::vector<Chunk> &chunks, std::string_view type) {
+  const auto found = std::ranges::find(chunks, type, &Chunk::type);
+  return found == chunks.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> inflated(std::string_view packed, std::size_t limit) {
+  z_stream stream{};
+  if (packed.size() > std::numeric_limits<uInt>::max() || inflateInit(&stream) != Z_OK)
+    return std::nullopt;
+  stream.next_in = const_cast<Bytef *>(zlibBytes(packed)); // zlib only reads it
+  stream.avail_in = static_cast<uInt>(packed.size());
+  std::string plain;
+  int status = Z_OK;
+  while (status == Z_OK && plain.size() <= limit) {
+    const std::size_t had = plain.size();
+    plain.resize(had + std::min<std::size_t>(64 * 1'024, limit + 1 - had + 1));
+    stream.next_out = reinterpret_cast<Bytef *>(plain.data() + had);
+    stream.avail_out = static_cast<uInt>(plain.size() - had);
+    status = inflate(&stream, Z_NO_FLUSH);
+    plain.resize(plain.size() - stream.avail_out);
+  }
+  inflateEnd(&stream);
+  if (status != Z_STREAM_END || plain.size() > limit)
+    return std::nullopt;
+  return plain;
+}
+
+std::string deflated(std::string_view plain) {
+  uLongf size = compressBound(plain.size());
+  std::string packed(size, '\0');
+  if (compress(reinterpret_cast<Bytef *>(packed.data()), &size, zlibBytes(plain), plain.size()) != Z_OK)
+    size = 0; // no memory; an empty stream fails where it is read
+  packed.resize(size);
+  return packed;
+}
+
+} // namespace fennick::picture

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "FennickCore/Imaging/Picture/Bytes.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The outer structure of JPEG, PNG and WebP files. Walkers stop at the first part that is not whole and after
+// 4096 parts. Pure functions; any thread.
+namespace fennick::picture {
+
+inline constexpr std::string_view kExifPrefix{"Exif\0\0", 6};
+inline constexpr std::string_view kXMPPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
+
+inline constexpr std::uint8_t kAPP0 = 0xE0;
+inline constexpr std::uint8_t kAPP1 = 0xE1;
+inline constexpr std::uint8_t kAPP2 = 0xE2;
+inline constexpr std::uint8_t kAPP13 = 0xED;
+
+// A part of a file: where its header starts, what it carries, where the next begins.
+struct Part {
+  std::size_t at = 0;
+  std::size_t payloadAt = 0;
+  std::size_t payloadBytes = 0;
+  std::size_t end = 0;
+
+  [[nodiscard]] std::string_view payload(std::string_view file) const {
+    return file.substr(payloadAt, payloadBytes);
+  }
+};
+
+struct JpegSegment : Part {
+  std::uint8_t marker = 0;
+};
+// The segments with a payload, from the start of the picture to its first scan.
+[[nodiscard]] std::vector<JpegSegment> jpegSegments(std::string_view file);
+// Nothing for a payload beyond 65,533 bytes.
+[[nodiscard]] std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload);
+// Where the picture ends, behind its last marker, thumbnails within segments left aside; nothing when that is
+// missing.
+[[nodiscard]] std::optional<std::size_t> jpegEnd(std::string_view file);
+
+struct Chunk : Part {
+  std::string type; // four characters
+};
+// Of a run of IDAT chunks the first stands for all.
+[[nodiscard]] std::vector<Chunk> pngChunks(std::string_view file);
+[[nodiscard]] std::string pngChunk(std::string_view type, std::string_view payload);
+[[nodiscard]] std::vector<Chunk> webpChunks(std::string_view file);
+[[nodiscard]] std::string webpChunk(std::string_view type, std::string_view payload);
+
+[[nodiscard]] const Chunk *findChunk(const std::vector<Chunk> &chunks, std::string_view type);
+
+// What zlib packed; nothing when it is damaged or larger than `limit`.
+[[nodiscard]] std::optional<std::string> inflated(std::string_view packed, std::size_t limit);
+[[nodiscard]] std::string deflated(std::string_view plain);
+
+} // namespace fennick::picture

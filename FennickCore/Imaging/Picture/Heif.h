@@ -1,0 +1,34 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/Bytes.h"
+#include "FennickCore/Imaging/PictureDecoder.h"
+
+#include <cstdint>
+#include <expected>
+#include <optional>
+#include <string>
+
+// HEIC, HEIF and AVIF files as far as their boxes go: no pixels. Pure functions; any thread.
+namespace fennick::picture {
+
+// Which of the eight orientations the primary picture's rotation and mirroring stand for; 1 when it has none.
+// Nothing for a file without a primary picture.
+[[nodiscard]] std::optional<std::int64_t> heifOrientation(Bytes file);
+// The primary picture's dimensions before any turning.
+[[nodiscard]] std::optional<PixelSize> heifStoredSize(Bytes file);
+
+// The blocks that describe the primary picture; empty: none.
+struct HeifBlocks {
+  std::string exif; // a TIFF structure
+  std::string xmp;
+  std::string icc;
+};
+[[nodiscard]] HeifBlocks heifBlocks(Bytes file);
+
+// The file with the primary picture, its thumbnails and auxiliary pictures turned to `orientation` by their
+// properties, and EXIF in step where it states an orientation.
+[[nodiscard]] std::expected<std::string, PictureFault> heifWithOrientation(Bytes file,
+                                                                           std::int64_t orientation);
+
+} // namespace fennick::picture

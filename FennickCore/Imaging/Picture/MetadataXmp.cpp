@@ -1,0 +1,132 @@
+#include "FennickCore/Imaging/Picture/MetadataXmp.h"
+
+#include "FennickCore/Imaging/Picture/MetadataExiv2.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <functional>
+#include <optional>
+
+#include <exiv2/exiv2.hpp>
+
+namespace fennick::picture {
+
+using namespace std::string_view_literals;
+
+namespace {
+
+std::string lowerCased(std::string_view text) {
+  std::string lower(text);
+  std::ranges::transform(lower, lower.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return lower;
+}
+
+// Words that a property of any namespace, or a part of one, uses for a position or a place.
+constexpr std::array kPlaceWords{"gps"sv, "latitude"sv, "longitude"sv, "location"sv};
+// Properties of the IPTC and Photoshop schemas that name a place without such a word.
+constexpr std::array kPlaceKeys{"xmp.iptc.countrycode"sv, "xmp.photoshop.city"sv, "xmp.photoshop.state"sv,
+                                "xmp.photoshop.country"sv};
+
+bool namesPlace(std::string_view key) {
+  const std::string lower = lowerCased(key);
+  const auto holds = [&lower](std::string_view word) { return lower.find(word) != std::string::npos; };
+  return std::ranges::any_of(kPlaceWords, holds) ||
+         std::ranges::find(kPlaceKeys, std::string_view(lower)) != kPlaceKeys.end();
+}
+
+// Previews, and the pointer to a part that is not written again.
+bool isStale(std::string_view key) {
+  return key.starts_with("Xmp.xmp.Thumbnails"sv) || key == "Xmp.xmpNote.HasExtendedXMP"sv;
+}
+
+std::optional<Exiv2::XmpData> decoded(std::string_view packet) {
+  return guarded([&]() -> std::optional<Exiv2::XmpData> {
+    Exiv2::XmpData data;
+    if (packet.empty() || Exiv2::XmpParser::decode(data, std::string(packet)) != 0)
+      return std::nullopt;
+    return data;
+  });
+}
+
+std::optional<std::string> encoded(const Exiv2::XmpData &data) {
+  return guarded([&]() -> std::optional<std::string> {
+    std::string packet;
+    if (Exiv2::XmpParser::encode(packet, data, Exiv2::XmpParser::useCompactFormat) != 0)
+      return std::nullopt;
+    return packet;
+  });
+}
+
+bool eraseWhere(Exiv2::XmpData &data, const std::function<bool(std::string_view)> &isUnwanted) {
+  bool changed = false;
+  for (auto datum = data.begin(); datum != data.end();) {
+    const bool erased = isUnwanted(datum->key());
+    datum = erased ? data.erase(datum) : std::next(datum);
+    changed |= erased;
+  }
+  return changed;
+}
+
+// Where the packet has the property and it says something else.
+bool correct(Exiv2::XmpData &data, const char *key, std::int64_t value) {
+  const auto datum = data.findKey(Exiv2::XmpKey(key));
+  const std::string text = std::to_string(value);
+  if (datum == data.end() || datum->toString() == text)
+    return false;
+  datum->setValue(text);
+  return true;
+}
+
+bool bringUpToDate(Exiv2::XmpData &data, const XmpChange &change) {
+  bool changed = eraseWhere(data, isStale);
+  if (change.stripLocation)
+    changed |= eraseWhere(data, namesPlace);
+  changed |= correct(data, "Xmp.tiff.Orientation", 1);
+  for (const char *key : {"Xmp.tiff.ImageWidth", "Xmp.exif.PixelXDimension"})
+    changed |= correct(data, key, change.width);
+  for (const char *key : {"Xmp.tiff.ImageLength", "Xmp.exif.PixelYDimension"})
+    changed |= correct(data, key, change.height);
+  return changed;
+}
+
+} // namespace
+
+bool xmpHasLocation(std::string_view packet) {
+  const auto data = decoded(packet);
+  if (!data)
+    return xmpMayHaveLocation(packet);
+  return std::any_of(data->begin(), data->end(), [](const auto &datum) { return namesPlace(datum.key()); });
+}
+
+bool xmpMayHaveLocation(std::string_view text) {
+  const std::string lower = lowerCased(text);
+  const auto holds = [&lower](std::string_view word) { return lower.find(word) != std::string::npos; };
+  return std::ranges::any_of(kPlaceWords, holds);
+}
+
+std::string preparedXmp(std::string_view packet, const XmpChange &change) {
+  auto data = decoded(packet);
+  if (!data)
+    return change.stripLocation ? std::string() : std::string(packet);
+  const auto changed = guarded([&] { return std::optional(bringUpToDate(*data, change)); });
+  if (changed == false)
+    return std::string(packet);
+  return changed ? encoded(*data).value_or("") : "";
+}
+
+std::string xmpWithIptc(std::string_view packet, std::string_view iptc) {
+  const auto merged = guarded([&]() -> std::optional<std::string> {
+    Exiv2::IptcData sets;
+    const auto *bytes = reinterpret_cast<const Exiv2::byte *>(iptc.data());
+    if (Exiv2::IptcParser::decode(sets, bytes, static_cast<std::uint32_t>(iptc.size())) != 0)
+      return std::nullopt;
+    Exiv2::XmpData data = decoded(packet).value_or(Exiv2::XmpData());
+    Exiv2::copyIptcToXmp(sets, data);
+    return encoded(data);
+  });
+  return merged.value_or(std::string(packet));
+}
+
+} // namespace fennick::picture

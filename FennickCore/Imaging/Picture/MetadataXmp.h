@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// XMP packets, read and written by Exiv2. Pure functions; one thread at a time.
+namespace fennick::picture {
+
+// Whether a property gives a position or names a place: GPS, locations, city, state, country.
+[[nodiscard]] bool xmpHasLocation(std::string_view packet);
+// The same by words alone, for text that is no whole packet.
+[[nodiscard]] bool xmpMayHaveLocation(std::string_view text);
+
+struct XmpChange {
+  std::int64_t width = 0;
+  std::int64_t height = 0;
+  bool stripLocation = false;
+};
+// For an upright picture of these dimensions: without previews and references to extended parts. The packet
+// itself when nothing has to change, or when it cannot be read and location may stay; empty otherwise.
+[[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
+
+// The packet, which may be empty, with the properties that IPTC data sets stand for. The packet itself when
+// they cannot be read.
+[[nodiscard]] std::string xmpWithIptc(std::string_view packet, std::string_view iptc);
+
+} // namespace fennick::picture

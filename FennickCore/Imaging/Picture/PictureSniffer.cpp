@@ -1,0 +1,87 @@
+#include "FennickCore/Imaging/Picture/PictureSniffer.h"
+
+#include "FennickCore/Imaging/Picture/ExifTiff.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace fennick::picture {
+
+using namespace std::string_view_literals;
+
+namespace {
+
+constexpr std::uint16_t kDNGVersion = 0xC612;
+constexpr std::size_t kMostBrands = 64;
+
+constexpr std::array kHeicBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"sv, "hevx"sv};
+constexpr std::array kAvifBrands{"avif"sv, "avis"sv};
+constexpr std::array kHeifBrands{"mif1"sv, "msf1"sv, "mif2"sv};
+
+// What a brand says about pictures; nothing for those of videos and of rules that a file keeps to.
+std::optional<PictureType> typeOfBrand(std::string_view brand) {
+  const auto isOneOf = [brand](const auto &brands) {
+    return std::ranges::find(brands, brand) != brands.end();
+  };
+  if (isOneOf(kHeicBrands))
+    return PictureType::heic;
+  if (isOneOf(kAvifBrands))
+    return PictureType::avif;
+  if (isOneOf(kHeifBrands))
+    return PictureType::heif;
+  return std::nullopt;
+}
+
+// The major brand decides unless it only says "some picture": then the first compatible one that says more.
+std::optional<PictureType> sniffBrands(std::string_view file) {
+  const auto size = readNumber(file, 0, 4);
+  const auto major = slice(file, 8, 4);
+  if (!size || !major)
+    return std::nullopt;
+  const auto type = typeOfBrand(*major);
+  if (type != PictureType::heif)
+    return type;
+  const std::string_view box = file.substr(0, std::min<std::size_t>(*size, file.size()));
+  for (std::size_t at = 16, i = 0; i < kMostBrands && at + 4 <= box.size(); at += 4, ++i)
+    if (const auto finer = typeOfBrand(box.substr(at, 4)); finer && finer != PictureType::heif)
+      return finer;
+  return type;
+}
+
+PictureType sniffTiff(std::string_view file, const TiffLayout &layout) {
+  const auto first = layout.firstDirectory(file);
+  return first && first->find(kDNGVersion) ? PictureType::dng : PictureType::tiff;
+}
+
+} // namespace
+
+std::optional<PictureType> sniffType(Bytes bytes) {
+  const std::string_view file = textOf(bytes);
+  if (file.starts_with("\xFF\xD8\xFF"sv))
+    return PictureType::jpeg;
+  if (file.starts_with("\x89PNG\r\n\x1A\n"sv))
+    return PictureType::png;
+  if (file.starts_with("GIF87a"sv) || file.starts_with("GIF89a"sv))
+    return PictureType::gif;
+  if (file.starts_with("RIFF"sv) && slice(file, 8, 4) == "WEBP"sv)
+    return PictureType::webp;
+  if (const auto layout = TiffLayout::of(file))
+    return sniffTiff(file, *layout);
+  return slice(file, 4, 4) == "ftyp"sv ? sniffBrands(file) : std::nullopt;
+}
+
+std::int64_t apngFrames(Bytes bytes) {
+  const std::string_view file = textOf(bytes);
+  for (std::uint64_t at = 8;;) {
+    const auto length = readNumber(file, at, 4);
+    const auto type = slice(file, at + 4, 4);
+    if (!length || !type || type == "IDAT"sv)
+      return 1;
+    if (type == "acTL"sv)
+      return std::max<std::int64_t>(1, static_cast<std::int64_t>(readNumber(file, at + 8, 4).value_or(1)));
+    at += 12 + *length;
+  }
+}
+
+} // namespace fennick::picture

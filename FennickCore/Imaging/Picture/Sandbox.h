@@ -1,0 +1,21 @@
+#pragma once
+
+#include <expected>
+#include <string>
+
+namespace fennick::picture {
+
+// Gives up for ever, for the whole process, everything that reading a picture does not need: new privileges,
+// every path of the file system (Landlock, where the kernel has it, besides the filter), the network, other
+// processes, executable memory. What is left is reading descriptors it is handed, memory, threads, and memory
+// files. Anything else ends the process at once, except opening files, which fails with EACCES because
+// libraries try it for things they can do without.
+//
+// Call it once, on the only thread, when libraries have loaded what they load. The error says what could not
+// be given up; nothing must be decoded then.
+[[nodiscard]] std::expected<void, std::string> lockDown();
+
+// Limits that go with it: memory, the size of what is written, no core dumps. Before lockDown.
+[[nodiscard]] std::expected<void, std::string> limitResources();
+
+} // namespace fennick::picture
