@@ -1,0 +1,157 @@
+#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/PhotoFileOps.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <unordered_set>
+
+namespace fennick::PhotoFileOps {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::int64_t kMostDigits = 18;
+constexpr std::int64_t kHighestStart = 1'000'000'000'000'000; // leaves room to count up from
+constexpr std::size_t kLongestName = 255;                     // bytes, of every Linux file system
+
+using Paths = std::vector<fs::path>;
+
+// What files outside the selection are called, by folder.
+using ForeignNames = std::map<fs::path, std::unordered_set<std::string>>;
+
+IOResult<ForeignNames> foreignNames(std::span<const fs::path> selection, FileSystem &files) {
+  ForeignNames names;
+  for (const auto &file : selection) {
+    const auto [folder, isNew] = names.try_emplace(file.parent_path());
+    if (!isNew)
+      continue;
+    const auto entries = files.list(file.parent_path());
+    if (!entries)
+      return std::unexpected(entries.error());
+    for (const auto &entry : *entries)
+      folder->second.insert(entry.name);
+  }
+  for (const auto &file : selection)
+    names[file.parent_path()].erase(file.filename().string());
+  return names;
+}
+
+Paths numberedNames(std::span<const fs::path> selection, const Numbering &numbering,
+                    const ForeignNames &foreign) {
+  const std::int64_t digits = std::clamp<std::int64_t>(numbering.digits, 1, kMostDigits);
+  std::int64_t number = std::clamp<std::int64_t>(numbering.start, 0, kHighestStart);
+  Paths targets;
+  for (const auto &file : selection) {
+    const auto nextName = [&] {
+      return fmt::format("{}{:0{}}{}", numbering.prefix, number++, digits, file.extension().string());
+    };
+    const auto &taken = foreign.at(file.parent_path());
+    std::string name = nextName();
+    while (taken.contains(name))
+      name = nextName();
+    targets.push_back(file.parent_path() / name);
+  }
+  return targets;
+}
+
+// UUID-oldname, so that whoever finds it knows what it was; of a long old name the end, with the extension.
+fs::path temporaryName(const fs::path &file) {
+  const std::string prefix = newUUID() + "-";
+  std::string name = file.filename().string();
+  if (prefix.size() + name.size() > kLongestName) {
+    std::size_t cut = prefix.size() + name.size() - kLongestName;
+    while (cut < name.size() && (static_cast<unsigned char>(name[cut]) & 0xC0U) == 0x80U)
+      ++cut;
+    name.erase(0, cut);
+  }
+  return file.parent_path() / (prefix + name);
+}
+
+// The moves of one batch, and the way back.
+class Batch {
+public:
+  Batch(std::span<const fs::path> selection, FileSystem &files)
+      : files_(files), original_(selection.begin(), selection.end()), current_(original_) {}
+
+  // Moves every file on to its place in `targets`, or as far as it goes.
+  IOResult<void> moveAll(const Paths &targets) {
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+      if (auto moved = files_.moveNoReplace(current_[i], targets[i]); !moved)
+        return moved;
+      made_.push_back({.file = i, .from = current_[i]});
+      current_[i] = targets[i];
+    }
+    return {};
+  }
+
+  // Takes the moves back, the latest first. A file that cannot go back one step stays, and the others go on.
+  void undo() {
+    std::set<std::size_t> stuck;
+    for (; !made_.empty(); made_.pop_back()) {
+      const auto &[file, from] = made_.back();
+      if (stuck.contains(file))
+        continue;
+      if (files_.moveNoReplace(current_[file], from))
+        current_[file] = from;
+      else
+        stuck.insert(file);
+    }
+  }
+
+  [[nodiscard]] std::vector<Renaming> renamed() const {
+    std::vector<Renaming> result;
+    for (std::size_t i = 0; i < original_.size(); ++i)
+      if (current_[i] != original_[i])
+        result.push_back({.from = original_[i], .to = current_[i]});
+    return result;
+  }
+
+private:
+  struct Move {
+    std::size_t file = 0;
+    fs::path from;
+  };
+
+  FileSystem &files_;
+  Paths original_;
+  Paths current_;
+  std::vector<Move> made_;
+};
+
+} // namespace
+
+Result<Paths> batchRename(std::span<const fs::path> selection, const Numbering &numbering,
+                          FileSystem &files) {
+  using namespace std::string_view_literals;
+  const std::string &prefix = numbering.prefix;
+  if (prefix.starts_with('.') || prefix.find_first_of("/:\0"sv) != std::string::npos)
+    return std::unexpected(OpError{.kind = OpError::Kind::invalidName});
+  const auto foreign = foreignNames(selection, files);
+  if (!foreign)
+    return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = foreign.error()});
+
+  const Paths targets = numberedNames(selection, numbering, *foreign);
+  Paths temporaries(selection.size());
+  std::ranges::transform(selection, temporaries.begin(), temporaryName);
+  Batch batch(selection, files);
+  auto moved = batch.moveAll(temporaries);
+  if (moved)
+    moved = batch.moveAll(targets);
+  if (!moved) {
+    batch.undo();
+    auto left = batch.renamed();
+    const auto kind = left.empty() ? OpError::Kind::system : OpError::Kind::partlyRenamed;
+    return std::unexpected(OpError{.kind = kind, .cause = moved.error(), .left = std::move(left)});
+  }
+  for (const auto &[folder, names] : *foreign)
+    std::ignore = files.syncDirectory(folder);
+  return targets;
+}
+
+} // namespace fennick::PhotoFileOps

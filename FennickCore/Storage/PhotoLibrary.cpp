@@ -1,0 +1,253 @@
+#include "FennickCore/Storage/PhotoLibrary.h"
+
+#include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Storage/PhotoOrder.h"
+#include "FennickCore/Storage/PhotoScan.h"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+namespace fennick {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr Seconds kHighlightTime{1.5};
+constexpr Seconds kRescanDelay{0.3};
+// A folder that never rests is looked through all the same, every few seconds.
+constexpr int kMostPostponements = 10;
+
+bool liesIn(const fs::path &file, const fs::path &folder) {
+  return std::ranges::mismatch(folder, file).in1 == folder.end();
+}
+
+// The items in the places that their folders have by date, each folder's in the order in which they come.
+PhotoLibrary::Items placedByFolder(const PhotoLibrary::Items &wanted) {
+  std::map<fs::path, std::vector<const PhotoItem *>> folders;
+  std::vector<const PhotoItem *> byDate;
+  for (const auto &item : wanted) {
+    folders[item.url.parent_path()].push_back(&item);
+    byDate.push_back(&item);
+  }
+  std::ranges::stable_sort(byDate, std::greater{}, &PhotoItem::date);
+  std::map<fs::path, std::size_t> next;
+  PhotoLibrary::Items placed;
+  for (const auto *item : byDate) {
+    const fs::path folder = item->url.parent_path();
+    placed.push_back(*folders[folder][next[folder]++]);
+  }
+  return placed;
+}
+
+std::map<fs::path, std::vector<std::string>> namesByFolder(const PhotoLibrary::Items &items) {
+  std::map<fs::path, std::vector<std::string>> names;
+  for (const auto &item : items)
+    names[item.url.parent_path()].push_back(item.name);
+  return names;
+}
+
+} // namespace
+
+PhotoLibrary::PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue &mainQueue,
+                           std::size_t limit)
+    : files_(files), mainQueue_(mainQueue), limit_(limit), sizes_(decoder) {}
+
+PhotoLibrary::~PhotoLibrary() {
+  overtakeScan();
+  watcher_.reset();
+}
+
+Subscription PhotoLibrary::observeItems(std::function<void(const Items &)> observer) {
+  return itemsObservers_.add(std::move(observer));
+}
+
+Subscription PhotoLibrary::observeFolder(std::function<void(const std::optional<fs::path> &)> observer) {
+  return folderObservers_.add(std::move(observer));
+}
+
+Subscription PhotoLibrary::observeRecentlyAdded(std::function<void(const Paths &)> observer) {
+  return recentlyAddedObservers_.add(std::move(observer));
+}
+
+std::function<void()> PhotoLibrary::whileAlive(std::function<void()> task) const {
+  return [alive = std::weak_ptr(alive_), task = std::move(task)] {
+    if (alive.lock())
+      task();
+  };
+}
+
+void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
+  overtakeScan();
+  ++lastRescan_; // one that is pending is for the old folder
+  postponed_ = 0;
+  watcher_.reset();
+  const bool isNew = folder != folder_;
+  folder_ = std::move(folder);
+  if (folder_)
+    watcher_ = std::make_unique<FolderWatcher>(
+        *folder_, [this] { mainQueue_.post(whileAlive([this] { rescanSoon(); })); });
+  scan();
+  if (isNew) {
+    publish({});
+    folderObservers_.publish(folder_);
+  }
+}
+
+void PhotoLibrary::scan() {
+  if (!folder_)
+    return;
+  if (scanning_) {
+    scanAgain_ = true;
+    return;
+  }
+  scanning_ = true;
+  scanAgain_ = false;
+  queue_.post([this, folder = *folder_, generation = generation_.load()] {
+    auto found = PhotoScan::items(folder, limit_, sizes_, [&] { return generation_ != generation; });
+    mainQueue_.post(
+        whileAlive([this, generation, items = std::move(found)] { finishScan(generation, items); }));
+  });
+}
+
+void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<Items> items) {
+  scanning_ = false;
+  const bool isCurrent = generation == generation_;
+  if (scanAgain_ || !isCurrent)
+    scan();
+  if (isCurrent && items)
+    publish(std::move(*items));
+}
+
+// Each change puts the scan off a little, so that a burst of them costs one.
+void PhotoLibrary::rescanSoon() {
+  if (postponed_ == kMostPostponements)
+    return; // the pending one comes now
+  ++postponed_;
+  mainQueue_.postAfter(kRescanDelay, whileAlive([this, rescan = ++lastRescan_] {
+                         if (rescan != lastRescan_)
+                           return;
+                         postponed_ = 0;
+                         scan();
+                       }));
+}
+
+// On the same queue as the scans: one that is posted later sees the file, and is published later.
+void PhotoLibrary::noteAdded(const fs::path &file) {
+  queue_.post([this, file] {
+    if (auto item = PhotoScan::item(file, sizes_))
+      mainQueue_.post(whileAlive([this, added = std::move(*item)] { insert(added); }));
+  });
+}
+
+void PhotoLibrary::insert(PhotoItem item) {
+  if (!folder_ || !liesIn(item.url, *folder_))
+    return;
+  const fs::path url = item.url;
+  Items changed = items_;
+  std::erase_if(changed, [&](const PhotoItem &listed) { return listed.url == url; });
+  changed.insert(changed.begin(), std::move(item));
+  if (changed.size() > limit_)
+    changed.resize(limit_);
+  publish(std::move(changed));
+  highlight(url);
+}
+
+void PhotoLibrary::highlight(const fs::path &file) {
+  highlights_[file] = ++lastHighlight_;
+  mainQueue_.postAfter(kHighlightTime, whileAlive([this, file, mark = lastHighlight_] {
+                         const auto latest = highlights_.find(file);
+                         if (latest == highlights_.end() || latest->second != mark)
+                           return; // it came once more meanwhile
+                         highlights_.erase(latest);
+                         if (recentlyAdded_.erase(file) > 0)
+                           recentlyAddedObservers_.publish(recentlyAdded_);
+                       }));
+  if (recentlyAdded_.insert(file).second)
+    recentlyAddedObservers_.publish(recentlyAdded_);
+}
+
+void PhotoLibrary::publish(Items items) {
+  if (items == items_)
+    return;
+  items_ = std::move(items);
+  itemsObservers_.publish(items_);
+}
+
+void PhotoLibrary::remove(std::span<const fs::path> files) {
+  overtakeScan();
+  const Paths gone(files.begin(), files.end());
+  Items changed = items_;
+  std::erase_if(changed, [&](const PhotoItem &item) { return gone.contains(item.url); });
+  publish(std::move(changed));
+}
+
+void PhotoLibrary::rename(std::span<const Renaming> renamings) {
+  overtakeScan();
+  std::map<fs::path, fs::path> targets;
+  std::map<fs::path, std::unordered_map<std::string, std::string>> names;
+  for (const auto &[from, to] : renamings) {
+    targets[from] = to;
+    names[from.parent_path()][from.filename().string()] = to.filename().string();
+  }
+  for (auto &[folder, changes] : names)
+    editOrder(folder, [changed = std::move(changes)](Names order) {
+      for (auto &name : order)
+        if (const auto found = changed.find(name); found != changed.end())
+          name = found->second;
+      return order;
+    });
+  Items changed = items_;
+  for (auto &item : changed)
+    if (const auto found = targets.find(item.url); found != targets.end()) {
+      item.url = found->second;
+      item.name = item.url.filename().string();
+    }
+  publish(std::move(changed));
+}
+
+void PhotoLibrary::reorder(const std::vector<fs::path> &files) {
+  overtakeScan();
+  std::map<fs::path, std::size_t> ranks;
+  for (const auto &file : files)
+    ranks.try_emplace(file, ranks.size());
+  Items wanted = items_;
+  std::ranges::stable_sort(wanted, {}, [&](const PhotoItem &item) {
+    const auto found = ranks.find(item.url);
+    return found == ranks.end() ? ranks.size() : found->second;
+  });
+  Items placed = placedByFolder(wanted);
+  storeOrders(placed);
+  publish(std::move(placed));
+}
+
+// Stores the order of each folder whose photos stand otherwise than before. Names that are listed in the
+// stored order but not shown come after those that are.
+void PhotoLibrary::storeOrders(const Items &arranged) {
+  const auto before = namesByFolder(items_);
+  for (auto &[folder, names] : namesByFolder(arranged)) {
+    if (before.at(folder) == names)
+      continue;
+    editOrder(folder, [folder, shown = names](const Names &stored) {
+      Names order = shown;
+      const std::set<std::string> known(shown.begin(), shown.end());
+      std::ranges::copy_if(stored, std::back_inserter(order), [&](const std::string &name) {
+        return !known.contains(name) && PathComponent::make(name) && fileKind(folder / name);
+      });
+      return order;
+    });
+  }
+}
+
+void PhotoLibrary::editOrder(const fs::path &folder, std::function<Names(Names)> edit) {
+  queue_.post([this, folder, change = std::move(edit)] {
+    const Names stored = PhotoOrder::load(folder);
+    const Names changed = change(stored);
+    if (changed != stored)
+      PhotoOrder::save(changed, folder, files_);
+  });
+}
+
+} // namespace fennick

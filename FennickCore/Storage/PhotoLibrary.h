@@ -1,0 +1,107 @@
+#pragma once
+
+#include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Observers.h"
+#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Storage/FolderWatcher.h"
+#include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Storage/PictureSizes.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <vector>
+
+namespace fennick {
+
+// What the photo wall shows: the photos and videos of the save folder, newest first unless the person has
+// arranged them, kept up to date with whatever happens in the folder. Main thread; it looks at the folder and
+// at pictures on a thread of its own.
+class PhotoLibrary {
+public:
+  using Items = std::vector<PhotoItem>;
+  using Paths = std::set<std::filesystem::path>;
+
+  static constexpr std::size_t kLimit = 500;
+
+  // Shows at most `limit` items. `files`, `decoder` and `mainQueue` outlive the library.
+  PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue &mainQueue, std::size_t limit = kLimit);
+  // Waits for the picture that is being looked at, and until the orders that were changed are stored.
+  ~PhotoLibrary();
+
+  [[nodiscard]] const Items &items() const { return items_; }
+  [[nodiscard]] const std::optional<std::filesystem::path> &folder() const { return folder_; }
+  // Files that arrived within the last 1.5 seconds, for a short highlight.
+  [[nodiscard]] const Paths &recentlyAdded() const { return recentlyAdded_; }
+
+  // `observer` is called on the main thread after each change, with the new value; not for the present one.
+  [[nodiscard]] Subscription observeItems(std::function<void(const Items &)> observer);
+  [[nodiscard]] Subscription
+  observeFolder(std::function<void(const std::optional<std::filesystem::path> &)> observer);
+  [[nodiscard]] Subscription observeRecentlyAdded(std::function<void(const Paths &)> observer);
+
+  // Points the library at a folder, or at none: the list is empty until the folder has been looked through.
+  void setFolder(std::optional<std::filesystem::path> folder);
+  // Looks through the folder again. Asked for while it is being looked through, it is done once more.
+  void scan();
+  // A file was saved: it comes to the front. Nothing happens for one that is no photo or video, or lies
+  // elsewhere.
+  void noteAdded(const std::filesystem::path &file);
+
+  // What was done to files, for the list to follow at once. Others than listed ones are passed over.
+  void remove(std::span<const std::filesystem::path> files);
+  // A renamed file keeps its place in the order that the person gave its folder.
+  void rename(std::span<const Renaming> renamings);
+  // Arranges the list like `files`; items that are not among them follow. The order is stored for each folder
+  // on its own, so that photos of several folders keep the places that their folder has by date.
+  void reorder(const std::vector<std::filesystem::path> &files);
+
+private:
+  using Names = std::vector<std::string>;
+
+  // A task for the main queue that is dropped when the library is gone.
+  [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
+  void finishScan(std::uint64_t generation, std::optional<Items> items);
+  void rescanSoon();
+  void insert(PhotoItem item);
+  void highlight(const std::filesystem::path &file);
+  void overtakeScan() { ++generation_; }
+  void publish(Items items);
+  void editOrder(const std::filesystem::path &folder, std::function<Names(Names)> edit);
+  void storeOrders(const Items &arranged);
+
+  FileSystem &files_;
+  MainQueue &mainQueue_;
+  const std::size_t limit_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  Items items_;
+  std::optional<std::filesystem::path> folder_;
+  Paths recentlyAdded_;
+  std::map<std::filesystem::path, std::uint64_t> highlights_; // the latest one of each file
+  ObserverList<Items> itemsObservers_;
+  ObserverList<std::optional<std::filesystem::path>> folderObservers_;
+  ObserverList<Paths> recentlyAddedObservers_;
+
+  bool scanning_ = false;
+  bool scanAgain_ = false;
+  std::uint64_t lastHighlight_ = 0;
+  std::uint64_t lastRescan_ = 0;              // the pending one, of all that were asked for
+  int postponed_ = 0;                         // how often the pending rescan was put off
+  std::atomic<std::uint64_t> generation_ = 0; // rises with every change that outdates a scan under way
+
+  PictureSizes sizes_; // of the queue's thread
+  std::unique_ptr<FolderWatcher> watcher_;
+  SerialQueue queue_{"fennick.library"}; // last: its tasks use all of the above
+};
+
+} // namespace fennick

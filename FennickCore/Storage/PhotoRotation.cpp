@@ -1,0 +1,79 @@
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/AsideFile.h"
+#include "FennickCore/Storage/PhotoFileOps.h"
+
+#include <array>
+#include <tuple>
+
+namespace fennick::PhotoFileOps {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::int64_t kOrientations = 8;
+constexpr std::int64_t kAfterUnknown = 6; // in both directions, when the file says nothing sensible
+
+// What each orientation becomes, beginning with 1.
+constexpr std::array<std::int64_t, kOrientations> kClockwise{6, 7, 8, 5, 2, 3, 4, 1};
+constexpr std::array<std::int64_t, kOrientations> kAnticlockwise{8, 5, 6, 7, 4, 1, 2, 3};
+
+std::int64_t turned(std::int64_t orientation, QuarterTurn turn) {
+  if (orientation < 1 || orientation > kOrientations)
+    return kAfterUnknown;
+  const auto &map = turn == QuarterTurn::clockwise ? kClockwise : kAnticlockwise;
+  return map.at(static_cast<std::size_t>(orientation - 1));
+}
+
+bool saysNotAnImage(PictureFault fault) {
+  return fault == PictureFault::notAPicture || fault == PictureFault::unreadable ||
+         fault == PictureFault::undecodable;
+}
+
+std::unexpected<OpError> failure(OpError::Kind kind) { return std::unexpected(OpError{.kind = kind}); }
+
+// The attributes of the old file on the new one. The time is a whole second, as remembered by those who keep
+// no fractions.
+IOResult<void> dress(const fs::path &file, const FileStatus &old) {
+  if (auto set = setPermissions(file, old.permissions); !set)
+    return set;
+  return setModificationTime(file, std::chrono::floor<std::chrono::seconds>(old.modified) +
+                                       std::chrono::seconds(1));
+}
+
+// Puts `content` in the place of `file`, unless that has changed since `old` was taken.
+IOResult<void> exchange(const fs::path &file, std::string_view content, const FileStatus &old,
+                        FileSystem &files) {
+  const fs::path aside = file.parent_path() / (".rotate-" + newUUID() + ".tmp");
+  if (auto written = writeAside(files, aside, content, Durability::onDisk); !written)
+    return written;
+  auto result = dress(aside, old);
+  if (result && fileStatus(file) != old)
+    result = std::unexpected(std::make_error_code(std::errc::resource_unavailable_try_again));
+  if (result)
+    result = files.replace(aside, file);
+  if (!result)
+    std::ignore = files.remove(aside);
+  return result;
+}
+
+} // namespace
+
+Result<void> rotate(const fs::path &file, QuarterTurn turn, PictureDecoder &decoder, FileSystem &files) {
+  const auto old = fileStatus(file);
+  if (!old || old->kind != FileKind::regular)
+    return failure(OpError::Kind::notAnImage);
+  const auto facts = decoder.facts(file);
+  if (!facts)
+    return failure(saysNotAnImage(facts.error().fault) ? OpError::Kind::notAnImage
+                                                       : OpError::Kind::writeFailed);
+  const auto rotated = decoder.withOrientation(file, turned(facts->orientation.value_or(kUpright), turn));
+  if (!rotated || rotated->empty() || !exchange(file, *rotated, *old, files))
+    return failure(OpError::Kind::writeFailed);
+  // Both versions are whole: a power cut leaves one of them.
+  std::ignore = files.syncDirectory(file.parent_path());
+  return {};
+}
+
+} // namespace fennick::PhotoFileOps

@@ -1,0 +1,138 @@
+#include "FennickCore/Storage/PhotoScan.h"
+
+#include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Storage/PhotoOrder.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+#include <span>
+#include <string>
+
+namespace fennick::PhotoScan {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A file before anything was read of it: a folder may hold far more of them than are shown.
+struct Found {
+  std::size_t folder = 0; // its place among the folders
+  std::string name;
+  FileStatus status;
+};
+
+using Index = std::uint32_t; // a place in `files`
+
+struct Walk {
+  std::vector<fs::path> folders;
+  std::vector<Found> files;
+
+  void enter(const fs::path &folder, int level) {
+    const auto wanted = [level](std::string_view name, FileKind kind) {
+      return kind == FileKind::directory ? level < kDeepestPhotoLevel && isPhotoFolderName(name)
+                                         : countsAsMedia(name, kind);
+    };
+    auto entries = readFolder(folder, level == 0 ? Links::follow : Links::refuse, wanted);
+    if (!entries)
+      return;
+    const std::size_t here = folders.size();
+    folders.push_back(folder);
+    for (auto &entry : *entries)
+      if (entry.status.kind == FileKind::directory)
+        enter(folder / entry.name, level + 1);
+      else if (entry.status.kind == FileKind::regular)
+        files.push_back({.folder = here, .name = std::move(entry.name), .status = entry.status});
+  }
+
+  // Newest first; by name where the dates are the same, so that every walk gives the same order.
+  [[nodiscard]] bool precedes(Index a, Index b) const {
+    const Instant dateA = files[a].status.created();
+    const Instant dateB = files[b].status.created();
+    return dateA != dateB ? dateA > dateB : files[a].name < files[b].name;
+  }
+
+  [[nodiscard]] std::vector<Index> newest(std::size_t limit) const {
+    std::vector<Index> all(files.size());
+    std::iota(all.begin(), all.end(), Index{0});
+    const auto kept = static_cast<std::ptrdiff_t>(std::min(limit, all.size()));
+    std::partial_sort(all.begin(), all.begin() + kept, all.end(),
+                      [this](Index a, Index b) { return precedes(a, b); });
+    all.resize(static_cast<std::size_t>(kept));
+    return all;
+  }
+
+  // The folder's files as they are arranged: the listed ones in their order, the others after them by date.
+  [[nodiscard]] std::vector<Index> arranged(std::size_t folder, const PhotoOrder::Ranks &ranks) const {
+    std::vector<std::pair<std::size_t, Index>> members;
+    for (Index i = 0; i < files.size(); ++i)
+      if (files[i].folder == folder)
+        members.emplace_back(ranks.of(files[i].name), i);
+    std::ranges::sort(members, [this](const auto &a, const auto &b) {
+      return a.first != b.first ? a.first < b.first : precedes(a.second, b.second);
+    });
+    std::vector<Index> result(members.size());
+    std::ranges::transform(members, result.begin(), &std::pair<std::size_t, Index>::second);
+    return result;
+  }
+
+  // Fills the places of a folder with its files in their own order.
+  void applyOrder(std::size_t folder, std::span<Index> places) const {
+    const auto isHere = [&](Index place) { return files[place].folder == folder; };
+    if (std::ranges::none_of(places, isHere))
+      return;
+    const auto order = PhotoOrder::load(folders[folder]);
+    if (order.empty())
+      return;
+    const auto members = arranged(folder, PhotoOrder::Ranks(order));
+    auto next = members.begin();
+    for (Index &place : places)
+      if (isHere(place))
+        place = *next++;
+  }
+};
+
+PhotoItem itemOf(const fs::path &file, std::string name, const FileStatus &status, PictureSizes &sizes) {
+  const bool isVideo = isVideoName(name);
+  const PictureSize size = isVideo ? PictureSize{} : sizes.of(file, status);
+  return {.url = file,
+          .name = std::move(name),
+          .bytes = status.bytes,
+          .date = status.created(),
+          .pixelWidth = size.width,
+          .pixelHeight = size.height,
+          .isVideo = isVideo,
+          .isImage = !isVideo,
+          .isOversized = size.isOversized};
+}
+
+} // namespace
+
+std::optional<std::vector<PhotoItem>> items(const fs::path &folder, std::size_t limit, PictureSizes &sizes,
+                                            const std::function<bool()> &overtaken) {
+  Walk walk;
+  walk.enter(folder, 0);
+  auto places = walk.newest(limit);
+  for (std::size_t i = 0; i < walk.folders.size(); ++i)
+    walk.applyOrder(i, places);
+  std::vector<PhotoItem> result;
+  result.reserve(places.size());
+  for (const Index place : places) {
+    if (overtaken())
+      return std::nullopt;
+    const Found &found = walk.files[place];
+    result.push_back(itemOf(walk.folders[found.folder] / found.name, found.name, found.status, sizes));
+  }
+  sizes.tidy();
+  return overtaken() ? std::nullopt : std::optional(std::move(result));
+}
+
+std::optional<PhotoItem> item(const fs::path &file, PictureSizes &sizes) {
+  const auto status = fileStatus(file);
+  std::string name = file.filename().string();
+  if (!status || !countsAsMedia(name, status->kind))
+    return std::nullopt;
+  return itemOf(file, std::move(name), *status, sizes);
+}
+
+} // namespace fennick::PhotoScan

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Storage/PictureSizes.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace fennick {
+
+// What lies in a save folder right now. One thread at a time for each `sizes`.
+namespace PhotoScan {
+
+// The first `limit` photos and videos in the save folder and the folders inside it, newest first. Where a
+// folder has an order of its own, its photos take the places that they have by date in that order. Folders
+// that cannot be read, or vanish meanwhile, count as empty; links are not followed, but that of `folder`
+// itself. Nothing as soon as `overtaken` says that the answer is no longer wanted.
+[[nodiscard]] std::optional<std::vector<PhotoItem>> items(const std::filesystem::path &folder,
+                                                          std::size_t limit, PictureSizes &sizes,
+                                                          const std::function<bool()> &overtaken);
+
+// The item of a single file; nothing when it is no photo or video.
+[[nodiscard]] std::optional<PhotoItem> item(const std::filesystem::path &file, PictureSizes &sizes);
+
+} // namespace PhotoScan
+
+} // namespace fennick

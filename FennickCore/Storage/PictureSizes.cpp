@@ -1,0 +1,54 @@
+#include "FennickCore/Storage/PictureSizes.h"
+
+#include "FennickCore/Imaging/ImageLimits.h"
+
+#include <utility>
+
+namespace fennick {
+
+namespace {
+
+constexpr std::size_t kMostKnown = 2'000; // four times what the wall shows
+
+// From this orientation on a picture is stored turned by a quarter.
+constexpr std::int64_t kFirstTurned = 5;
+
+PictureSize shown(const PictureFacts &facts) {
+  PictureSize size{.width = facts.width,
+                   .height = facts.height,
+                   .isOversized = !ImageLimits::check(facts.width, facts.height)};
+  if (facts.orientation.value_or(kUpright) >= kFirstTurned)
+    std::swap(size.width, size.height);
+  return size;
+}
+
+// Whether asking again about the same file may give another answer.
+bool mayPass(PictureFault fault) {
+  return fault == PictureFault::unreadable || fault == PictureFault::noDecoder;
+}
+
+} // namespace
+
+PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus &status) {
+  const auto found = known_.find(file.native());
+  if (found != known_.end() && found->second.bytes == status.bytes &&
+      found->second.modified == status.modified) {
+    found->second.used = true;
+    return found->second.size;
+  }
+  const auto facts = decoder_.facts(file);
+  const PictureSize size = facts ? shown(*facts) : PictureSize{};
+  if (facts || !mayPass(facts.error().fault))
+    known_[file.native()] = {.bytes = status.bytes, .modified = status.modified, .size = size};
+  return size;
+}
+
+void PictureSizes::tidy() {
+  if (known_.size() <= kMostKnown)
+    return;
+  std::erase_if(known_, [](const auto &entry) { return !entry.second.used; });
+  for (auto &[path, entry] : known_)
+    entry.used = false;
+}
+
+} // namespace fennick
