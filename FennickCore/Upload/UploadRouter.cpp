@@ -2,6 +2,7 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
+#include "FennickCore/Upload/Gallery.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -18,6 +19,12 @@ namespace {
 // 120 photos a minute is more than a phone picks by hand and far less than what would fill a disk unnoticed.
 constexpr std::int64_t kMostUploads = 120;
 constexpr Seconds kUploadWindow{60};
+
+// Longest sides of the gallery's thumbnails, and how many are made at once.
+constexpr std::int64_t kThumbPixels = 400;
+constexpr int kThumbsAtOnce = 4;
+constexpr std::int64_t kLargePixels = 1600;
+constexpr int kLargeAtOnce = 2;
 
 // What is left free on the volume for everything else on the computer.
 constexpr std::int64_t kDiskReserve = 1'000'000'000;
@@ -49,12 +56,28 @@ bool isGalleryRoute(std::string_view path) {
   return path == "/gallery" || path.starts_with("/thumb/") || path.starts_with("/file/");
 }
 
+HTTPResponse listAnswer(const std::filesystem::path &folder) {
+  auto list = nlohmann::ordered_json::array();
+  for (const auto &[name, bytes, time] : galleryList(folder))
+    list.push_back({{"name", name}, {"bytes", bytes}, {"time", time}});
+  return HTTPResponse::json(list);
+}
+
+std::optional<HTTPResponse> download(const std::filesystem::path &file) {
+  return HTTPResponse::file(file, galleryMediaType(file), file.filename().string());
+}
+
 } // namespace
 
 UploadRouter::UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files,
-                           const Clock &clock, UploadActivity &activity)
+                           const Clock &clock, UploadActivity &activity,
+                           const std::optional<Thumbnails> &thumbnails)
     : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), clock_(clock),
       activity_(activity), allocator_(files), incoming_(files), uploadThrottle_(kMostUploads, kUploadWindow) {
+  if (!thumbnails)
+    return;
+  thumbs_.emplace(files, thumbnails->cacheDir / "s", kThumbPixels, kThumbsAtOnce, thumbnails->decoder);
+  largeThumbs_.emplace(files, thumbnails->cacheDir / "l", kLargePixels, kLargeAtOnce, thumbnails->decoder);
 }
 
 HTTPRouteDecision UploadRouter::route(const HTTPRequestHead &head, const std::string &remote) {
@@ -90,7 +113,8 @@ HTTPRouteDecision UploadRouter::phonePage(const HTTPRequestHead &head) const {
 HTTPRouteDecision UploadRouter::status(const HTTPRequestHead &head) {
   if (!hasKey(head))
     return reject(403, "invalid key");
-  nlohmann::ordered_json status{{"gallery", false}, {"video", true}, {"diskLow", false}};
+  nlohmann::ordered_json status{
+      {"gallery", providers_.gallery().has_value()}, {"video", true}, {"diskLow", false}};
   if (const auto available = availableBytes())
     status["diskLow"] = *available < kDiskReserve;
   const UploadPolicy policy = providers_.policy();
@@ -102,10 +126,34 @@ HTTPRouteDecision UploadRouter::status(const HTTPRequestHead &head) {
   return HTTPRespond{HTTPResponse::json(status)};
 }
 
-HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) const {
+HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) {
   if (!hasKey(head))
     return reject(403, "invalid key");
-  return respond(403, "照片墙未开启 / gallery is off");
+  const auto folder = providers_.gallery();
+  if (!folder)
+    return respond(403, "照片墙未开启 / gallery is off");
+  if (head.path == "/gallery")
+    return HTTPRespond{listAnswer(*folder)};
+  const auto file = galleryFile(head.path, *folder);
+  if (!file)
+    return HTTPRespond{HTTPResponse::notFound()};
+  auto answer = head.path.starts_with("/thumb/") ? galleryThumbnail(*file, head) : download(*file);
+  return HTTPRespond{answer ? std::move(*answer) : HTTPResponse::notFound()};
+}
+
+std::optional<HTTPResponse> UploadRouter::galleryThumbnail(const std::filesystem::path &file,
+                                                           const HTTPRequestHead &head) {
+  const auto size = head.query.find("s");
+  auto &service = size != head.query.end() && size->second == "large" ? largeThumbs_ : thumbs_;
+  const auto data = service ? service->thumbnail(file) : nullptr;
+  if (!data)
+    return std::nullopt;
+  HTTPResponse response;
+  response.headers = {{"Content-Type", "image/jpeg"},
+                      {"X-Content-Type-Options", "nosniff"},
+                      {"Cache-Control", "private, max-age=600"}};
+  response.body = *data;
+  return response;
 }
 
 // The checks stand in the order in which a person would want to hear of them; the first failure answers.

@@ -2,10 +2,12 @@
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
 #include "FennickCore/HTTP/SlidingWindowLimiter.h"
+#include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
+#include "FennickCore/Storage/ThumbnailService.h"
 #include "FennickCore/Upload/IncomingFolder.h"
 #include "FennickCore/Upload/PhonePage.h"
 #include "FennickCore/Upload/UploadActivity.h"
@@ -19,8 +21,9 @@
 
 namespace fennick {
 
-// The phone protocol: the page, a health probe, the status query and the upload entry. Every setting comes
-// from a provider that is asked anew for each request, so that a change takes effect on the next one.
+// The phone protocol: the page, a health probe, the status query, the upload entry and the gallery. Every
+// setting comes from a provider that is asked anew for each request, so that a change takes effect on the
+// next one.
 //
 // Shared by all connections; `route` is called on their threads at once, and so are the providers.
 class UploadRouter final : public HTTPRequestHandler {
@@ -37,12 +40,20 @@ public:
     std::function<SaveDestination()> destination;
     std::function<std::int64_t()> maxBytes;             // most bytes of one upload
     std::function<void(const UploadRecord &)> onUpload; // once per saved upload, on its connection's thread
+    // The folder whose photos phones may see; nothing while the gallery is off.
+    std::function<std::optional<std::filesystem::path>()> gallery = [] { return std::nullopt; };
     std::function<UploadPolicy()> policy;
   };
 
-  // `files`, `clock` and `activity` outlive the router.
+  // Where the gallery's thumbnails come from and where they are kept.
+  struct Thumbnails {
+    std::filesystem::path cacheDir;
+    PictureDecoder &decoder; // outlives the router
+  };
+
+  // `files`, `clock` and `activity` outlive the router. Without `thumbnails` the gallery has none.
   UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, const Clock &clock,
-               UploadActivity &activity);
+               UploadActivity &activity, const std::optional<Thumbnails> &thumbnails = std::nullopt);
 
   HTTPRouteDecision route(const HTTPRequestHead &head, const std::string &remote) override;
 
@@ -53,7 +64,9 @@ private:
   [[nodiscard]] bool hasKey(const HTTPRequestHead &head) const;
   [[nodiscard]] HTTPRouteDecision phonePage(const HTTPRequestHead &head) const;
   [[nodiscard]] HTTPRouteDecision status(const HTTPRequestHead &head);
-  [[nodiscard]] HTTPRouteDecision gallery(const HTTPRequestHead &head) const;
+  [[nodiscard]] HTTPRouteDecision gallery(const HTTPRequestHead &head);
+  [[nodiscard]] std::optional<HTTPResponse> galleryThumbnail(const std::filesystem::path &file,
+                                                             const HTTPRequestHead &head);
   [[nodiscard]] HTTPRouteDecision upload(const HTTPRequestHead &head, const std::string &remote);
   [[nodiscard]] HTTPRouteDecision receive(const HTTPRequestHead &head, const std::string &remote,
                                           std::int64_t length);
@@ -67,6 +80,8 @@ private:
   NameAllocator allocator_;
   IncomingFolder incoming_;
   SlidingWindowLimiter uploadThrottle_;
+  std::optional<ThumbnailService> thumbs_;      // for the grid
+  std::optional<ThumbnailService> largeThumbs_; // for the full screen
 };
 
 } // namespace fennick
