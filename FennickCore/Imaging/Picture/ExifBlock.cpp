@@ -50,6 +50,8 @@ void zeroValues(std::string &data, std::size_t base, const TiffDirectory &direct
 
 } // namespace
 
+bool isStructuralTag(std::uint16_t tag) { return std::ranges::binary_search(kStructural, tag); }
+
 std::optional<ExifBlock> ExifBlock::parse(std::string_view block) {
   while (block.starts_with(kPrefix))
     block.remove_prefix(kPrefix.size());
@@ -112,9 +114,8 @@ bool ExifBlock::hasExif() const { return pointAnywhere(kExifDirectory); }
 
 bool ExifBlock::hasTIFF() const {
   const auto first = layout_.firstDirectory(data_);
-  return first && std::ranges::any_of(first->entries, [](const TiffEntry &entry) {
-           return !std::ranges::binary_search(kStructural, entry.tag);
-         });
+  return first && std::ranges::any_of(first->entries,
+                                      [](const TiffEntry &entry) { return !isStructuralTag(entry.tag); });
 }
 
 bool ExifBlock::hasThumbnail() const { return layout_.chain(data_).size() > 1; }
@@ -140,6 +141,7 @@ void ExifBlock::removeThumbnail() {
     zeroData(directory, kStripOffsets, kStripBytes);
     zeroWithValues(directory);
   }
+  dropEmptyEnd();
 }
 
 std::vector<TiffDirectory> ExifBlock::directories() const {
@@ -232,6 +234,16 @@ void ExifBlock::removeMakersPlaces() {
         zeroValues(data_, note->valueAt + 10, *entries, kNikonPlaces);
     }
   }
+}
+
+// Keeps a few zeros: a directory that is not looked at here may end with some.
+void ExifBlock::dropEmptyEnd() {
+  constexpr std::size_t kSpare = 16;
+  std::size_t end = data_.find_last_not_of('\0') + 1 + kSpare;
+  for (const TiffDirectory &directory : directories())
+    for (const TiffEntry &entry : directory.entries)
+      end = std::max(end, entry.valueAt + entry.valueBytes);
+  data_.resize(std::min(end, data_.size()));
 }
 
 } // namespace fennick::picture

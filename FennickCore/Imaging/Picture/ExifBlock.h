@@ -12,6 +12,9 @@
 
 namespace fennick::picture {
 
+// Whether a tag of a first directory says how and where pixels are stored or where another directory is.
+[[nodiscard]] bool isStructuralTag(std::uint16_t tag);
+
 // An EXIF block that is edited where it stands: whatever is not touched, maker notes included, keeps its
 // bytes and its place. A value; one thread at a time.
 class ExifBlock {
@@ -40,7 +43,7 @@ public:
   // Takes the GPS directory out and zeroes it with all its values, also the place names that two makers keep
   // in their notes, and copies of XMP and IPTC inside the block.
   void removeGPS();
-  // Cuts the second directory, of the preview, and zeroes it with the preview.
+  // Cuts the second directory, of the preview, and zeroes it with the preview; what is empty at the end goes.
   void removeThumbnail();
 
 private:
@@ -55,6 +58,7 @@ private:
   void removeEmbedded(std::size_t owner, std::uint16_t tag);
   void removeGPSOf(std::size_t owner);
   void removeMakersPlaces();
+  void dropEmptyEnd();
 
   std::string data_;
   TiffLayout layout_;

@@ -29,13 +29,6 @@ constexpr std::array kPlaceWords{"gps"sv, "latitude"sv, "longitude"sv, "location
 constexpr std::array kPlaceKeys{"xmp.iptc.countrycode"sv, "xmp.photoshop.city"sv, "xmp.photoshop.state"sv,
                                 "xmp.photoshop.country"sv};
 
-bool namesPlace(std::string_view key) {
-  const std::string lower = lowerCased(key);
-  const auto holds = [&lower](std::string_view word) { return lower.find(word) != std::string::npos; };
-  return std::ranges::any_of(kPlaceWords, holds) ||
-         std::ranges::find(kPlaceKeys, std::string_view(lower)) != kPlaceKeys.end();
-}
-
 // Previews, and the pointer to a part that is not written again.
 bool isStale(std::string_view key) {
   return key.starts_with("Xmp.xmp.Thumbnails"sv) || key == "Xmp.xmpNote.HasExtendedXMP"sv;
@@ -82,7 +75,7 @@ bool correct(Exiv2::XmpData &data, const char *key, std::int64_t value) {
 bool bringUpToDate(Exiv2::XmpData &data, const XmpChange &change) {
   bool changed = eraseWhere(data, isStale);
   if (change.stripLocation)
-    changed |= eraseWhere(data, namesPlace);
+    changed |= eraseWhere(data, xmpKeyNamesPlace);
   changed |= correct(data, "Xmp.tiff.Orientation", 1);
   for (const char *key : {"Xmp.tiff.ImageWidth", "Xmp.exif.PixelXDimension"})
     changed |= correct(data, key, change.width);
@@ -93,11 +86,19 @@ bool bringUpToDate(Exiv2::XmpData &data, const XmpChange &change) {
 
 } // namespace
 
+bool xmpKeyNamesPlace(std::string_view key) {
+  const std::string lower = lowerCased(key);
+  const auto holds = [&lower](std::string_view word) { return lower.find(word) != std::string::npos; };
+  return std::ranges::any_of(kPlaceWords, holds) ||
+         std::ranges::find(kPlaceKeys, std::string_view(lower)) != kPlaceKeys.end();
+}
+
 bool xmpHasLocation(std::string_view packet) {
   const auto data = decoded(packet);
   if (!data)
     return xmpMayHaveLocation(packet);
-  return std::any_of(data->begin(), data->end(), [](const auto &datum) { return namesPlace(datum.key()); });
+  return std::any_of(data->begin(), data->end(),
+                     [](const auto &datum) { return xmpKeyNamesPlace(datum.key()); });
 }
 
 bool xmpMayHaveLocation(std::string_view text) {
@@ -114,6 +115,24 @@ std::string preparedXmp(std::string_view packet, const XmpChange &change) {
   if (changed == false)
     return std::string(packet);
   return changed ? encoded(*data).value_or("") : "";
+}
+
+void setXmpOrientation(std::string &file, std::size_t at, std::size_t length, std::int64_t orientation) {
+  constexpr std::string_view kName = "tiff:Orientation";
+  const std::size_t end = std::min(file.size(), at + length);
+  for (std::size_t found = file.find(kName, at); found < end; found = file.find(kName, found + 1)) {
+    const std::size_t digit = found + kName.size();
+    const std::string_view around = std::string_view(file).substr(0, end).substr(digit);
+    // ="6", ='6' or >6<
+    const std::size_t skipped = around.starts_with('=') ? 2 : 1;
+    if (around.size() <= skipped + 1)
+      continue;
+    const std::string_view marks = "\"'><";
+    const bool isDelimited = marks.find(around[skipped - 1]) != std::string_view::npos &&
+                             marks.find(around[skipped + 1]) != std::string_view::npos;
+    if (isDelimited && around[skipped] >= '0' && around[skipped] <= '9')
+      file[digit + skipped] = static_cast<char>('0' + orientation);
+  }
 }
 
 std::string xmpWithIptc(std::string_view packet, std::string_view iptc) {

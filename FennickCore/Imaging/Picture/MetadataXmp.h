@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,6 +10,8 @@ namespace fennick::picture {
 
 // Whether a property gives a position or names a place: GPS, locations, city, state, country.
 [[nodiscard]] bool xmpHasLocation(std::string_view packet);
+// The same for the name that Exiv2 gives a property.
+[[nodiscard]] bool xmpKeyNamesPlace(std::string_view key);
 // The same by words alone, for text that is no whole packet.
 [[nodiscard]] bool xmpMayHaveLocation(std::string_view text);
 
@@ -20,6 +23,10 @@ struct XmpChange {
 // For an upright picture of these dimensions: without previews and references to extended parts. The packet
 // itself when nothing has to change, or when it cannot be read and location may stay; empty otherwise.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
+
+// Overwrites the digit of tiff:Orientation wherever the packet in `file` from `at` on states it; nothing
+// moves.
+void setXmpOrientation(std::string &file, std::size_t at, std::size_t length, std::int64_t orientation);
 
 // The packet, which may be empty, with the properties that IPTC data sets stand for. The packet itself when
 // they cannot be read.

@@ -1,0 +1,127 @@
+#include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/HeifFile.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataExiv2.h"
+#include "FennickCore/Imaging/Picture/MetadataIptc.h"
+#include "FennickCore/Imaging/Picture/MetadataXmp.h"
+
+#include <algorithm>
+#include <array>
+
+#include <exiv2/exiv2.hpp>
+
+// Looks at a written file for what had to go.
+namespace fennick::picture {
+
+using namespace std::string_view_literals;
+
+namespace {
+
+// What may stand in a written JPEG: its header, the blocks, colour, tables and the frame.
+bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool stripAll) {
+  const std::string_view payload = segment.payload(file);
+  const bool isBlock =
+      segment.marker == kAPP13 ||
+      (segment.marker == kAPP1 && (payload.starts_with(kExifPrefix) || payload.starts_with(kXMPPrefix)));
+  if (isBlock)
+    return !stripAll;
+  if (segment.marker == kAPP2)
+    return payload.starts_with("ICC_PROFILE"sv);
+  if (segment.marker >= kAPP0 && segment.marker <= 0xEF)
+    return segment.marker == kAPP0 ? payload.starts_with("JFIF\0"sv) : segment.marker == 0xEE;
+  return segment.marker != 0xFE; // a comment
+}
+
+// A second block of a kind would be seen by some readers and not by others.
+bool isCleanJpeg(std::string_view file, bool stripAll) {
+  const auto segments = jpegSegments(file);
+  const auto count = [&](std::string_view prefix) {
+    return std::ranges::count_if(segments, [&](const JpegSegment &segment) {
+      return segment.marker != kAPP2 && segment.payload(file).starts_with(prefix);
+    });
+  };
+  return count(kExifPrefix) <= 1 && count(kXMPPrefix) <= 1 && count("Photoshop"sv) <= 1 &&
+         jpegEnd(file) == file.size() && std::ranges::all_of(segments, [&](const JpegSegment &segment) {
+           return isExpectedSegment(segment, file, stripAll);
+         });
+}
+
+bool isCleanPng(std::string_view file, bool stripAll) {
+  const auto chunks = pngChunks(file);
+  if (chunks.empty() || chunks.back().type != "IEND"sv || chunks.back().end != file.size())
+    return false;
+  const auto isText = [](const Chunk &chunk) {
+    return chunk.type == "tEXt"sv || chunk.type == "zTXt"sv || chunk.type == "iTXt"sv;
+  };
+  const auto isExif = [](const Chunk &chunk) { return chunk.type == "eXIf"sv; };
+  const std::ptrdiff_t most = stripAll ? 0 : 1; // the one text is the XMP packet
+  return std::ranges::count_if(chunks, isText) <= most && std::ranges::count_if(chunks, isExif) <= most;
+}
+
+bool isCleanHeif(std::string_view file, bool stripAll) {
+  const auto heif = HeifFile::parse(file);
+  const std::ptrdiff_t most = stripAll ? 0 : 1;
+  return heif && std::ranges::count(heif->items, "Exif"sv, &HeifItem::type) <= most &&
+         std::ranges::count(heif->items, "mime"sv, &HeifItem::type) <= most;
+}
+
+bool isCleanContainer(std::string_view file, PictureType type, bool stripAll) {
+  switch (type) {
+  case PictureType::jpeg:
+    return isCleanJpeg(file, stripAll);
+  case PictureType::png:
+    return isCleanPng(file, stripAll);
+  case PictureType::heic:
+  case PictureType::heif:
+  case PictureType::avif:
+    return isCleanHeif(file, stripAll);
+  case PictureType::webp:
+  case PictureType::tiff:
+  case PictureType::gif:
+  case PictureType::dng:
+    break; // never written
+  }
+  return false;
+}
+
+bool saysPlace(const Exiv2::Exifdatum &datum) {
+  return datum.groupName() == "GPSInfo" || datum.key() == "Exif.Image.GPSTag" ||
+         datum.groupName() == "Thumbnail";
+}
+
+bool isCleanForExiv2(Bytes file, bool stripAll) {
+  const auto isClean = guarded([&]() -> std::optional<bool> {
+    const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(file.data()),
+                                                 static_cast<long>(file.size()));
+    image->readMetadata();
+    const auto &exif = image->exifData();
+    const auto &xmp = image->xmpData();
+    const auto &iptc = image->iptcData();
+    if (stripAll)
+      return exif.empty() && xmp.empty() && iptc.empty();
+    const Exiv2::DataBuf sets = Exiv2::IptcParser::encode(iptc);
+    return std::none_of(exif.begin(), exif.end(), saysPlace) &&
+           std::none_of(xmp.begin(), xmp.end(), [](const auto &d) { return xmpKeyNamesPlace(d.key()); }) &&
+           !iptcHasLocation(
+               {reinterpret_cast<const char *>(sets.pData_), static_cast<std::size_t>(sets.size_)});
+  });
+  return isClean.value_or(false);
+}
+
+bool hasPreview(const Metadata &metadata) {
+  const auto exif = ExifBlock::parse(metadata.exif);
+  return exif && exif->hasThumbnail();
+}
+
+} // namespace
+
+bool proveRemoved(Bytes written, PictureType type, bool stripLocation, bool stripAll) {
+  if (!stripLocation && !stripAll)
+    return true;
+  const Metadata found = readMetadata(written, type);
+  return !hasLocation(found) && !hasPreview(found) && !(stripAll && hasMetadata(found)) &&
+         isCleanContainer(textOf(written), type, stripAll) && isCleanForExiv2(written, stripAll);
+}
+
+} // namespace fennick::picture

@@ -1,0 +1,127 @@
+#include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataExif.h"
+#include "FennickCore/Imaging/Picture/MetadataIptc.h"
+#include "FennickCore/Imaging/Picture/MetadataXmp.h"
+
+#include <algorithm>
+
+// What is written: blocks brought up to date, and their places in JPEG and PNG files.
+namespace fennick::picture {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+namespace {
+
+using Written = std::expected<std::string, PictureFault>;
+
+constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
+constexpr std::string_view kICCPrefix = "ICC_PROFILE\0"sv;
+constexpr std::size_t kMostICCPart = 65'533 - 14;
+constexpr std::size_t kMostICCParts = 255;
+constexpr std::string_view kPngSignature = "\x89PNG\r\n\x1A\n"sv;
+
+std::string preparedExif(const std::string &exif, const MetadataChange &change) {
+  auto block = ExifBlock::parse(exif);
+  if (!block || (block->orientation() && !block->setOrientation(kUpright)))
+    return {};
+  block->setPixelDimensions(static_cast<std::uint32_t>(change.width),
+                            static_cast<std::uint32_t>(change.height));
+  block->removeThumbnail();
+  if (change.stripLocation)
+    block->removeGPS();
+  return block->tiff();
+}
+
+// Collects segments; one that does not fit spoils the whole.
+class Segments {
+public:
+  void add(std::uint8_t marker, std::string_view prefix, std::string_view block) {
+    if (block.empty())
+      return;
+    const auto segment = jpegSegment(marker, std::string(prefix) + std::string(block));
+    fit_ = fit_ && segment;
+    bytes_ += segment.value_or("");
+  }
+  void addExif(const std::string &block) {
+    constexpr std::size_t kMost = 65'527;
+    add(kAPP1, kExifPrefix, block.size() <= kMost ? block : exifWithoutNotes(block).value_or(block));
+  }
+  void addICC(std::string_view profile) {
+    const std::size_t parts = (profile.size() + kMostICCPart - 1) / kMostICCPart;
+    fit_ = fit_ && parts <= kMostICCParts;
+    for (std::size_t part = 1; part <= parts && fit_; ++part) {
+      const std::string numbers{static_cast<char>(part), static_cast<char>(parts)};
+      add(kAPP2, std::string(kICCPrefix) + numbers, profile.substr((part - 1) * kMostICCPart, kMostICCPart));
+    }
+  }
+  [[nodiscard]] Written put(std::string_view file, std::size_t at) const {
+    if (!fit_)
+      return std::unexpected(PictureFault::unencodable);
+    return std::string(file.substr(0, at)) + bytes_ + std::string(file.substr(at));
+  }
+
+private:
+  std::string bytes_;
+  bool fit_ = true;
+};
+
+Written writeIntoJpeg(std::string_view file, const Metadata &metadata) {
+  const auto existing = jpegSegments(file);
+  if (existing.empty())
+    return std::unexpected(PictureFault::unencodable);
+  const bool hasHeader = existing[0].marker == kAPP0;
+  Segments segments;
+  segments.addExif(metadata.exif);
+  segments.add(kAPP1, kXMPPrefix, metadata.xmp);
+  if (!metadata.iptc.empty())
+    segments.add(kAPP13, kPhotoshopPrefix, photoshopOfIptc(metadata.iptc));
+  if (readMetadata(bytesOf(file), PictureType::jpeg).icc.empty())
+    segments.addICC(metadata.icc);
+  return segments.put(file, hasHeader ? existing[0].end : 2);
+}
+
+Written writeIntoPng(std::string_view file, const Metadata &metadata) {
+  const auto chunks = pngChunks(file);
+  if (chunks.empty() || chunks[0].type != "IHDR"sv)
+    return std::unexpected(PictureFault::unencodable);
+  std::string added;
+  if (!metadata.icc.empty() && !findChunk(chunks, "iCCP"))
+    added += pngChunk("iCCP", "ICC profile\0\0"s + deflated(metadata.icc));
+  if (!metadata.exif.empty())
+    added += pngChunk("eXIf", metadata.exif);
+  if (!metadata.xmp.empty())
+    added += pngChunk("iTXt", "XML:com.adobe.xmp\0\0\0\0\0"s + metadata.xmp);
+  const std::size_t at = chunks[0].end;
+  return std::string(file.substr(0, at)) + added + std::string(file.substr(at));
+}
+
+} // namespace
+
+Metadata prepare(const Metadata &metadata, const MetadataChange &change) {
+  Metadata prepared;
+  prepared.icc = metadata.icc;
+  if (change.stripAll)
+    return prepared;
+  prepared.exif = preparedExif(metadata.exif, change);
+  prepared.xmp = preparedXmp(metadata.xmp, {change.width, change.height, change.stripLocation});
+  prepared.iptc = change.stripLocation ? iptcWithoutLocation(metadata.iptc) : metadata.iptc;
+  return prepared;
+}
+
+Metadata withIptcInXmp(const Metadata &metadata) {
+  Metadata merged = metadata;
+  if (!metadata.iptc.empty())
+    merged.xmp = xmpWithIptc(metadata.xmp, metadata.iptc);
+  merged.iptc.clear();
+  return merged;
+}
+
+Written writeInto(Bytes bytes, const Metadata &metadata) {
+  const std::string_view file = textOf(bytes);
+  return file.starts_with(kPngSignature) ? writeIntoPng(file, metadata) : writeIntoJpeg(file, metadata);
+}
+
+} // namespace fennick::picture

@@ -1,0 +1,63 @@
+#include "FennickCore/Imaging/Picture/Orientation.h"
+
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/Heif.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/OrientationContainers.h"
+
+namespace fennick::picture {
+
+namespace {
+
+std::optional<std::int64_t> orientationOfBlock(std::string_view block) {
+  const auto exif = ExifBlock::parse(block);
+  return exif ? exif->orientation() : std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::int64_t> storedOrientation(Bytes file, PictureType type) {
+  switch (type) {
+  case PictureType::jpeg:
+  case PictureType::png:
+  case PictureType::webp:
+    return orientationOfBlock(readMetadata(file, type).exif);
+  case PictureType::tiff:
+  case PictureType::dng:
+    return tiffOrientation(textOf(file));
+  case PictureType::heic:
+  case PictureType::heif:
+  case PictureType::avif:
+    return heifOrientation(file);
+  case PictureType::gif:
+    break;
+  }
+  return std::nullopt;
+}
+
+std::expected<std::string, PictureFault> withOrientation(Bytes file, PictureType type,
+                                                         std::int64_t orientation) {
+  const auto number = static_cast<std::uint16_t>(orientation);
+  if (orientation < 1 || orientation > 8)
+    return std::unexpected(PictureFault::unsupported);
+  switch (type) {
+  case PictureType::jpeg:
+    return jpegWithOrientation(textOf(file), number);
+  case PictureType::png:
+    return pngWithOrientation(textOf(file), number);
+  case PictureType::webp:
+    return webpWithOrientation(textOf(file), number);
+  case PictureType::tiff:
+    return tiffWithOrientation(textOf(file), number);
+  case PictureType::heic:
+  case PictureType::heif:
+  case PictureType::avif:
+    return heifWithOrientation(file, orientation);
+  case PictureType::gif:
+  case PictureType::dng:
+    break;
+  }
+  return std::unexpected(PictureFault::unsupported);
+}
+
+} // namespace fennick::picture
