@@ -220,6 +220,10 @@ IOResult<void> SystemFileSystem::replace(const fs::path &from, const fs::path &t
   return checked(::rename(from.c_str(), to.c_str()));
 }
 
+IOResult<void> SystemFileSystem::link(const fs::path &from, const fs::path &to) {
+  return checked(::link(from.c_str(), to.c_str()));
+}
+
 IOResult<void> SystemFileSystem::remove(const fs::path &file) { return checked(::unlink(file.c_str())); }
 
 IOResult<void> SystemFileSystem::syncDirectory(const fs::path &folder) {

@@ -62,6 +62,10 @@ public:
   // Moves a file within one file system over whatever file has the name `to`.
   [[nodiscard]] virtual IOResult<void> replace(const std::filesystem::path &from,
                                                const std::filesystem::path &to) = 0;
+  // A second name for a file on the same file system; fails with EEXIST when `to` exists, and otherwise where
+  // there are no second names.
+  [[nodiscard]] virtual IOResult<void> link(const std::filesystem::path &from,
+                                            const std::filesystem::path &to) = 0;
   [[nodiscard]] virtual IOResult<void> remove(const std::filesystem::path &file) = 0;
   // Returns once the folder's entries are on the disk.
   [[nodiscard]] virtual IOResult<void> syncDirectory(const std::filesystem::path &folder) = 0;
@@ -77,6 +81,7 @@ public:
   IOResult<void> createDirectories(const std::filesystem::path &folder) override;
   IOResult<void> moveNoReplace(const std::filesystem::path &from, const std::filesystem::path &to) override;
   IOResult<void> replace(const std::filesystem::path &from, const std::filesystem::path &to) override;
+  IOResult<void> link(const std::filesystem::path &from, const std::filesystem::path &to) override;
   IOResult<void> remove(const std::filesystem::path &file) override;
   IOResult<void> syncDirectory(const std::filesystem::path &folder) override;
   IOResult<std::vector<DirectoryEntry>> list(const std::filesystem::path &folder) override;
@@ -113,6 +118,8 @@ public:
   // Up to `into.size()` bytes from where the last read ended; 0 at the end.
   [[nodiscard]] IOResult<std::size_t> read(std::span<std::byte> into);
   [[nodiscard]] IOResult<std::int64_t> size() const;
+  // For handing the open file to another process.
+  [[nodiscard]] const FileDescriptor &descriptor() const { return fd_; }
 
 private:
   explicit ReadableFile(FileDescriptor fd) : fd_(std::move(fd)) {}

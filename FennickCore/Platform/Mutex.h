@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -38,6 +39,10 @@ public:
   Locked &operator=(const Locked &) = delete;
 
   void wait(std::condition_variable &condition) { condition.wait(lock_); }
+  // The same, but at most about `most` long.
+  void waitFor(std::condition_variable &condition, std::chrono::duration<double> most) {
+    condition.wait_for(lock_, most);
+  }
 
 private:
   std::unique_lock<std::mutex> lock_;

@@ -103,6 +103,10 @@ IOResult<void> FaultyFileSystem::replace(const fs::path &from, const fs::path &t
   return run(Operation::replace, [&] { return system_.replace(from, to); });
 }
 
+IOResult<void> FaultyFileSystem::link(const fs::path &from, const fs::path &to) {
+  return run(Operation::link, [&] { return system_.link(from, to); });
+}
+
 IOResult<void> FaultyFileSystem::remove(const fs::path &file) {
   return run(Operation::remove, [&] { return system_.remove(file); });
 }

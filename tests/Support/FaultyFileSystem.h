@@ -20,6 +20,7 @@ public:
     close,
     moveNoReplace,
     replace,
+    link,
     remove,
     syncDirectory,
     list,
@@ -43,6 +44,7 @@ public:
   IOResult<void> createDirectories(const std::filesystem::path &folder) override;
   IOResult<void> moveNoReplace(const std::filesystem::path &from, const std::filesystem::path &to) override;
   IOResult<void> replace(const std::filesystem::path &from, const std::filesystem::path &to) override;
+  IOResult<void> link(const std::filesystem::path &from, const std::filesystem::path &to) override;
   IOResult<void> remove(const std::filesystem::path &file) override;
   IOResult<void> syncDirectory(const std::filesystem::path &folder) override;
   IOResult<std::vector<DirectoryEntry>> list(const std::filesystem::path &folder) override;

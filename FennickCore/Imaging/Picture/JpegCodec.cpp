@@ -154,9 +154,9 @@ std::string encodeJpegPlanes(const PlanarPicture &picture, double quality) {
   const Plane &luma = picture.planes[0];
   unsigned char *buffer = nullptr;
   unsigned long size = 0;
-  const int status = ::tjCompressFromYUVPlanes(codec.get(), rows.data(), luma.width, strides.data(), luma.height,
-                                               picture.gray ? TJSAMP_GRAY : TJSAMP_420, &buffer, &size,
-                                               percent(quality), 0);
+  const int status =
+      ::tjCompressFromYUVPlanes(codec.get(), rows.data(), luma.width, strides.data(), luma.height,
+                                picture.gray ? TJSAMP_GRAY : TJSAMP_420, &buffer, &size, percent(quality), 0);
   return taken(buffer, size, status);
 }
 

@@ -14,13 +14,15 @@
 namespace fennick::picture {
 
 struct DecodedPicture {
-  vips::VImage image;        // with its colour profile attached, if it has one
-  std::int64_t turn = 1;     // the orientation that has still to be applied
+  vips::VImage image;    // with its colour profile attached, if it has one
+  std::int64_t turn = 1; // the orientation that has still to be applied
 };
 
-// The file's first picture, at least `longEdge` pixels on its longer side or at full size: formats that can be
-// reduced while decoding are. Throws when it cannot be decoded, also when it is damaged and `damage` refuses.
-[[nodiscard]] DecodedPicture decodePicture(Bytes file, PictureType type, std::int64_t longEdge, Damage damage);
+// The file's first picture, at least `longEdge` pixels on its longer side or at full size: formats that can
+// be reduced while decoding are. Throws when it cannot be decoded, also when it is damaged and `damage`
+// refuses.
+[[nodiscard]] DecodedPicture decodePicture(Bytes file, PictureType type, std::int64_t longEdge,
+                                           Damage damage);
 
 // `image` turned and mirrored as orientation `turn` (1 to 8, anything else is 1) asks for.
 [[nodiscard]] vips::VImage upright(const vips::VImage &image, std::int64_t turn);

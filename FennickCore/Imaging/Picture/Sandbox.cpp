@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 #include <linux/landlock.h>
-#include <seccomp.h>
 #include <sched.h>
+#include <seccomp.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -139,9 +139,9 @@ void allowDescriptors(Filter &filter) {
   filter.allow({SCMP_SYS(read), SCMP_SYS(pread64), SCMP_SYS(write), SCMP_SYS(close), SCMP_SYS(dup),
                 SCMP_SYS(lseek), SCMP_SYS(fstat), SCMP_SYS(fcntl), SCMP_SYS(poll), SCMP_SYS(ppoll),
                 SCMP_SYS(recvmsg), SCMP_SYS(sendmsg), SCMP_SYS(memfd_create), SCMP_SYS(ftruncate)});
-  filter.refuse(EACCES, {SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(openat2), SCMP_SYS(stat), SCMP_SYS(newfstatat),
-                         SCMP_SYS(lstat), SCMP_SYS(access), SCMP_SYS(faccessat), SCMP_SYS(readlink),
-                         SCMP_SYS(readlinkat), SCMP_SYS(statx), SCMP_SYS(getcwd)});
+  filter.refuse(EACCES, {SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(openat2), SCMP_SYS(stat),
+                         SCMP_SYS(newfstatat), SCMP_SYS(lstat), SCMP_SYS(access), SCMP_SYS(faccessat),
+                         SCMP_SYS(readlink), SCMP_SYS(readlinkat), SCMP_SYS(statx), SCMP_SYS(getcwd)});
   filter.refuse(ENOTTY, {SCMP_SYS(ioctl)});
 }
 

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagingWire.h"
+#include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/ChildProcess.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/MessageSocket.h"
+#include "FennickCore/Platform/Mutex.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace fennick {
+
+// Reads pictures in processes that have given up everything but the picture they are handed. They are started
+// on first use, kept warm for the next pictures, and ended when there has been nothing to do for a while. One
+// that dies over a picture, takes too long or answers nonsense is ended and costs that picture only.
+//
+// Any thread; guarded by its own lock. Destroying the pool ends its processes; no call may be under way then.
+class DecoderPool final : public PictureDecoder {
+public:
+  struct Options {
+    std::filesystem::path program;        // the imaging process
+    std::vector<std::string> arguments{}; // for it
+    std::size_t mostProcesses = 7;        // two thumbnail gates of 4 and 2, and the pipeline
+    Seconds idleTime{30};                 // how long a process with nothing to do is kept
+    Seconds startTimeout{20};             // a computer that is swapping still gets it started in this time
+    Seconds factsTimeout{20};             // headers only; a slow network drive has to deliver them
+    Seconds thumbnailTimeout{30};         // ten times what the largest picture takes
+    Seconds orientationTimeout{30};       // copying, no decoding
+  };
+
+  explicit DecoderPool(Options options) : options_(std::move(options)) {}
+  ~DecoderPool() override;
+  DecoderPool(const DecoderPool &) = delete;
+  DecoderPool &operator=(const DecoderPool &) = delete;
+
+  PictureResult<PictureFacts> facts(const std::filesystem::path &file) override;
+  PictureResult<std::string> thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
+                                       double quality) override;
+  PictureResult<Rendering> render(const std::filesystem::path &file, const RenderRequest &request,
+                                  Seconds timeout) override;
+  PictureResult<std::string> withOrientation(const std::filesystem::path &file,
+                                             std::int64_t orientation) override;
+  bool canEncodeHEIC() override;
+
+  // Processes alive, at work or waiting for it.
+  [[nodiscard]] std::size_t processCount() const;
+
+private:
+  // One warm process.
+  struct Worker {
+    ChildProcess process;
+    MessageSocket socket;
+    std::chrono::steady_clock::time_point idleSince;
+  };
+  struct Reply {
+    wire::Answer answer;
+    std::string bytes; // what the attached memory file held; empty without one
+  };
+
+  PictureResult<Reply> ask(const std::filesystem::path &file, const wire::Request &request, Seconds timeout);
+  PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const wire::Request &request,
+                                Seconds timeout);
+  PictureResult<std::unique_ptr<Worker>> acquire();
+  PictureResult<std::unique_ptr<Worker>> start();
+  void release(std::unique_ptr<Worker> worker);
+  void discard();
+  void retireIdle();
+
+  const Options options_;
+  mutable Mutex lock_;
+  std::condition_variable changed_;
+  std::list<std::unique_ptr<Worker>> idle_ GUARDED_BY(lock_); // used last comes last
+  std::size_t alive_ GUARDED_BY(lock_) = 0;                   // idle, at work and starting
+  std::optional<bool> encodesHEIC_ GUARDED_BY(lock_);
+  bool ending_ GUARDED_BY(lock_) = false;
+  std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for long enough
+};
+
+// Where the imaging process lies: beside the running program.
+[[nodiscard]] std::filesystem::path imagingProgram();
+
+} // namespace fennick

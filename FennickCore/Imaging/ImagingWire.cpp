@@ -1,0 +1,161 @@
+#include "FennickCore/Imaging/ImagingWire.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <type_traits>
+
+namespace fennick::wire {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// Long texts of libraries are cut, so that every message fits.
+constexpr std::size_t kMostDetailBytes = 1024;
+
+std::string dump(const Json &message) { return message.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
+std::string cut(const std::string &detail) { return detail.substr(0, kMostDetailBytes); }
+
+template <typename T>
+void put(Json &object, const char *key, const std::optional<T> &value) {
+  if (value)
+    object[key] = *value;
+}
+
+std::optional<std::int64_t> number(const Json &object, const char *key) {
+  const auto found = object.find(key);
+  return found == object.end() ? std::nullopt : std::optional(found->get<std::int64_t>());
+}
+
+template <typename Enumeration>
+Enumeration enumerated(const Json &value, Enumeration last) {
+  const auto raw = value.get<std::int64_t>();
+  if (raw < 0 || raw > static_cast<std::int64_t>(last))
+    throw Json::out_of_range::create(401, "no such value", nullptr);
+  return static_cast<Enumeration>(raw);
+}
+
+Json json(const FactsRequest &) { return {{"task", "facts"}}; }
+
+Json json(const ThumbnailRequest &request) {
+  return {{"task", "thumbnail"}, {"maxPixel", request.maxPixel}, {"quality", request.quality}};
+}
+
+Json json(const RenderRequest &request) {
+  Json object{{"task", "render"},
+              {"output", request.output},
+              {"longEdge", request.longEdge},
+              {"quality", request.quality},
+              {"qualityFloor", request.qualityFloor},
+              {"stripLocation", request.stripLocation},
+              {"stripAllMetadata", request.stripAllMetadata}};
+  put(object, "maxBytes", request.maxBytes);
+  return object;
+}
+
+Json json(const OrientationRequest &request) {
+  return {{"task", "orientation"}, {"orientation", request.orientation}};
+}
+
+RenderRequest renderRequest(const Json &object) {
+  return {.output = enumerated(object.at("output"), PictureType::dng),
+          .longEdge = object.at("longEdge").get<std::int64_t>(),
+          .maxBytes = number(object, "maxBytes"),
+          .quality = object.at("quality").get<double>(),
+          .qualityFloor = object.at("qualityFloor").get<double>(),
+          .stripLocation = object.at("stripLocation").get<bool>(),
+          .stripAllMetadata = object.at("stripAllMetadata").get<bool>()};
+}
+
+Request request(const Json &object) {
+  const auto task = object.at("task").get<std::string>();
+  if (task == "facts")
+    return FactsRequest{};
+  if (task == "thumbnail")
+    return ThumbnailRequest{.maxPixel = object.at("maxPixel").get<std::int64_t>(),
+                            .quality = object.at("quality").get<double>()};
+  if (task == "render")
+    return renderRequest(object);
+  if (task == "orientation")
+    return OrientationRequest{.orientation = object.at("orientation").get<std::int64_t>()};
+  throw Json::out_of_range::create(401, "no such task", nullptr);
+}
+
+Json json(const PictureFacts &facts) {
+  Json object{{"type", facts.type},
+              {"frames", facts.frames},
+              {"hasLocation", facts.hasLocation},
+              {"hasMetadata", facts.hasMetadata}};
+  put(object, "width", facts.width);
+  put(object, "height", facts.height);
+  put(object, "orientation", facts.orientation);
+  return object;
+}
+
+PictureFacts facts(const Json &object) {
+  return {.type = enumerated(object.at("type"), PictureType::dng),
+          .frames = object.at("frames").get<std::int64_t>(),
+          .width = number(object, "width"),
+          .height = number(object, "height"),
+          .orientation = number(object, "orientation"),
+          .hasLocation = object.at("hasLocation").get<bool>(),
+          .hasMetadata = object.at("hasMetadata").get<bool>()};
+}
+
+Answer answer(const Json &object) {
+  Answer result;
+  if (const auto fault = object.find("fault"); fault != object.end()) {
+    result.error = PictureError{.fault = enumerated(*fault, PictureFault::noDecoder),
+                                .detail = cut(object.at("detail").get<std::string>())};
+    return result;
+  }
+  result.facts = facts(object.at("facts"));
+  result.longEdge = object.at("longEdge").get<std::int64_t>();
+  result.quality = object.at("quality").get<double>();
+  result.withinMaxBytes = object.at("withinMaxBytes").get<bool>();
+  return result;
+}
+
+Hello hello(const Json &object) {
+  return {.lockedDown = object.at("lockedDown").get<bool>(),
+          .encodesHEIC = object.at("encodesHEIC").get<bool>(),
+          .detail = cut(object.at("detail").get<std::string>())};
+}
+
+// The one place where the JSON library's exceptions end.
+template <typename Read>
+auto understood(std::string_view message, Read read) -> std::optional<std::invoke_result_t<Read, Json>> {
+  try {
+    return read(Json::parse(message));
+  } catch (const Json::exception &) {
+    return std::nullopt;
+  }
+}
+
+} // namespace
+
+std::string encoded(const Request &request) {
+  return dump(std::visit([](const auto &alternative) { return json(alternative); }, request));
+}
+
+std::string encoded(const Hello &hello) {
+  return dump(
+      {{"lockedDown", hello.lockedDown}, {"encodesHEIC", hello.encodesHEIC}, {"detail", cut(hello.detail)}});
+}
+
+std::string encoded(const Answer &answer) {
+  if (answer.error)
+    return dump({{"fault", answer.error->fault}, {"detail", cut(answer.error->detail)}});
+  return dump({{"facts", json(answer.facts)},
+               {"longEdge", answer.longEdge},
+               {"quality", answer.quality},
+               {"withinMaxBytes", answer.withinMaxBytes}});
+}
+
+std::optional<Request> decodedRequest(std::string_view message) { return understood(message, request); }
+std::optional<Hello> decodedHello(std::string_view message) { return understood(message, hello); }
+std::optional<Answer> decodedAnswer(std::string_view message) { return understood(message, answer); }
+
+} // namespace fennick::wire

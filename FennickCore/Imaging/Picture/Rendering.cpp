@@ -1,0 +1,163 @@
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/HeifCodec.h"
+#include "FennickCore/Imaging/Picture/JpegCodec.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/PictureReading.h"
+#include "FennickCore/Imaging/Picture/PictureSniffer.h"
+#include "FennickCore/Imaging/Picture/Raster.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace fennick::picture {
+
+namespace {
+
+using vips::VImage;
+
+// The search for a file of at most so many bytes: first the quality goes down, then the size.
+constexpr int kMostEncodes = 14;
+constexpr double kQualityStep = 0.08;
+constexpr double kQualitySlack = 0.0001;    // for sums of the step that miss the floor by rounding
+constexpr std::int64_t kSmallestEdge = 640; // below this a photo is no use
+constexpr double kSizeMargin = 0.9;         // aims below the limit, since bytes do not follow pixels exactly
+constexpr double kLargestStep = 0.95;       // each size is at least this much smaller than the one before
+
+std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
+  return std::unexpected(PictureError{.fault = fault, .detail = std::move(detail)});
+}
+
+std::int64_t longEdge(const VImage &image) { return std::max(image.width(), image.height()); }
+
+// `image` in the colours and depth that `output` can hold, in memory. What a format has no place for goes the
+// least harmful way: transparency onto white, 16 bits to 8, gray to RGB for HEIC.
+VImage fit(const VImage &image, PictureType output) {
+  VImage result = inOrdinaryColours(image);
+  if (output == PictureType::png)
+    return result.copy_memory();
+  result = in8Bits(result);
+  if (output == PictureType::jpeg)
+    return withoutTransparency(result).copy_memory();
+  return (result.bands() < 3 ? inSRGB(result) : result).copy_memory();
+}
+
+// One encoding after another of one picture, decoded once.
+class Encoding {
+public:
+  Encoding(VImage image, Metadata metadata, const RenderRequest &request)
+      : image_(std::move(image)), metadata_(std::move(metadata)), request_(request) {
+    metadata_.icc = colourProfile(image_);
+  }
+
+  // A whole file at most `edge` pixels long; empty when the encoder or a block refuses.
+  [[nodiscard]] std::string at(std::int64_t edge, double quality) {
+    if (!current_ || longEdge(*current_) != edge)
+      current_ = reduced(image_, edge);
+    const VImage &image = *current_;
+    const Metadata blocks = prepare(metadata_, {.width = image.width(),
+                                                .height = image.height(),
+                                                .stripLocation = request_.stripLocation,
+                                                .stripAll = request_.stripAllMetadata});
+    const auto *pixels = static_cast<const unsigned char *>(image.data());
+    switch (request_.output) {
+    case PictureType::heic:
+      return encodeHeic(pixels, image.width(), image.height(), image.bands(), quality, withIptcInXmp(blocks));
+    case PictureType::png:
+      return written(encodedPng(), withIptcInXmp(blocks));
+    default:
+      return written(encodeJpeg(pixels, image.width(), image.height(), image.bands(), quality), blocks);
+    }
+  }
+
+  [[nodiscard]] std::int64_t fullEdge() const { return longEdge(image_); }
+
+private:
+  [[nodiscard]] std::string encodedPng() const {
+    const std::unique_ptr<VipsBlob, void (*)(VipsBlob *)> blob(
+        current_->pngsave_buffer(VImage::option()->set("strip", true)),
+        [](VipsBlob *held) { ::vips_area_unref(VIPS_AREA(held)); });
+    std::size_t size = 0;
+    const auto *data = static_cast<const char *>(::vips_blob_get(blob.get(), &size));
+    return {data, size};
+  }
+
+  static std::string written(const std::string &file, const Metadata &blocks) {
+    auto whole = writeInto(bytesOf(file), blocks);
+    return whole ? std::move(*whole) : std::string();
+  }
+
+  VImage image_;
+  Metadata metadata_;
+  const RenderRequest &request_;
+  std::optional<VImage> current_; // image_ at the size asked for last
+};
+
+// Nothing when an encoding fails.
+std::optional<Rendering> search(Encoding &encoding, const RenderRequest &request) {
+  const bool lossless = request.output == PictureType::png;
+  Rendering smallest;
+  std::int64_t edge = encoding.fullEdge();
+  double quality = request.quality;
+  for (int encodes = 0; encodes < kMostEncodes; ++encodes) {
+    std::string file = encoding.at(edge, quality);
+    if (file.empty())
+      return std::nullopt;
+    if (smallest.bytes.empty() || file.size() < smallest.bytes.size()) {
+      smallest.bytes = std::move(file);
+      smallest.longEdge = edge;
+    }
+    smallest.quality = quality;
+    const auto size = static_cast<std::int64_t>(smallest.bytes.size());
+    if (!request.maxBytes || size <= *request.maxBytes)
+      return smallest;
+    const double lower = quality - kQualityStep;
+    if (!lossless && lower >= request.qualityFloor - kQualitySlack) {
+      quality = std::max(lower, request.qualityFloor);
+      continue;
+    }
+    if (edge <= kSmallestEdge)
+      break;
+    const double step =
+        std::min(kSizeMargin * std::sqrt(static_cast<double>(*request.maxBytes) / static_cast<double>(size)),
+                 kLargestStep);
+    edge = std::max(static_cast<std::int64_t>(static_cast<double>(edge) * step), kSmallestEdge);
+    quality = request.quality;
+  }
+  smallest.withinMaxBytes = false;
+  return smallest;
+}
+
+PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequest &request) {
+  DecodedPicture decoded = decodePicture(file, type, request.longEdge, Damage::refuse);
+  const VImage image = fit(upright(reduced(decoded.image, request.longEdge), decoded.turn), request.output);
+  decoded.image = VImage(); // gives its memory back
+  Encoding encoding(image, readMetadata(file, type), request);
+  auto result = search(encoding, request);
+  if (!result)
+    return fail(PictureFault::unencodable, "the encoder gave nothing");
+  if (!proveRemoved(bytesOf(result->bytes), request.output, request.stripLocation, request.stripAllMetadata))
+    return fail(PictureFault::unencodable, "metadata that had to go is still there");
+  return std::move(*result);
+}
+
+} // namespace
+
+PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
+  const auto type = sniffType(file);
+  if (!type)
+    return fail(PictureFault::notAPicture, {});
+  const auto header = readHeader(file, *type);
+  if (!ImageLimits::check(header.width, header.height) || request.longEdge < 1)
+    return fail(PictureFault::undecodable, "oversized");
+  try {
+    return rendered(file, *type, request);
+  } catch (const vips::VError &error) {
+    return fail(PictureFault::undecodable, error.what());
+  } catch (const std::bad_alloc &) {
+    return fail(PictureFault::undecodable, "out of memory");
+  }
+}
+
+} // namespace fennick::picture

@@ -1,0 +1,166 @@
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/JpegCodec.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/Orientation.h"
+#include "FennickCore/Imaging/Picture/PictureReading.h"
+#include "FennickCore/Imaging/Picture/PictureSniffer.h"
+#include "FennickCore/Imaging/Picture/Raster.h"
+
+#include <libyuv.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace fennick::picture {
+
+namespace {
+
+std::unexpected<PictureError> undecodable(std::string detail) {
+  return std::unexpected(PictureError{.fault = PictureFault::undecodable, .detail = std::move(detail)});
+}
+
+struct Size {
+  int width = 0;
+  int height = 0;
+};
+
+// Within `longEdge` on the longer side, in the same proportion; never larger than it is.
+Size within(Size size, std::int64_t longEdge) {
+  const int longer = std::max(size.width, size.height);
+  if (longer <= longEdge)
+    return size;
+  const double scale = static_cast<double>(longEdge) / longer;
+  const auto side = [&](int pixels) { return std::max(1, static_cast<int>(std::lround(pixels * scale))); };
+  return {.width = side(size.width), .height = side(size.height)};
+}
+
+Plane scaled(const Plane &plane, Size size) {
+  Plane result{.width = size.width, .height = size.height, .pixels = {}};
+  result.pixels.resize(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height));
+  libyuv::ScalePlane(plane.pixels.data(), plane.width, plane.width, plane.height, result.pixels.data(),
+                     size.width, size.width, size.height, libyuv::kFilterBox);
+  return result;
+}
+
+Plane mirrored(const Plane &plane) {
+  Plane result = plane;
+  libyuv::MirrorPlane(plane.pixels.data(), plane.width, result.pixels.data(), plane.width, plane.width,
+                      plane.height);
+  return result;
+}
+
+Plane rotated(const Plane &plane, libyuv::RotationMode clockwise) {
+  const bool quarter = clockwise == libyuv::kRotate90 || clockwise == libyuv::kRotate270;
+  Plane result{.width = quarter ? plane.height : plane.width,
+               .height = quarter ? plane.width : plane.height,
+               .pixels = {}};
+  result.pixels.resize(plane.pixels.size());
+  libyuv::RotatePlane(plane.pixels.data(), plane.width, result.pixels.data(), result.width, plane.width,
+                      plane.height, clockwise);
+  return result;
+}
+
+// Orientations are mirrorings followed by clockwise turns.
+Plane uprightPlane(Plane plane, std::int64_t orientation) {
+  switch (orientation) {
+  case 2:
+    return mirrored(plane);
+  case 3:
+    return rotated(plane, libyuv::kRotate180);
+  case 4:
+    return rotated(mirrored(plane), libyuv::kRotate180);
+  case 5:
+    return rotated(mirrored(plane), libyuv::kRotate270);
+  case 6:
+    return rotated(plane, libyuv::kRotate90);
+  case 7:
+    return rotated(mirrored(plane), libyuv::kRotate90);
+  case 8:
+    return rotated(plane, libyuv::kRotate270);
+  default:
+    return plane;
+  }
+}
+
+// Most pictures say that they are in sRGB; a profile that says so needs no conversion.
+bool isSRGB(const std::string &profile) {
+  using namespace std::string_literals;
+  return profile.empty() || profile.contains("sRGB") || profile.contains("s\0R\0G\0B"s);
+}
+
+// The small picture with its colours converted from `profile` to sRGB.
+PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &profile) {
+  const Plane &luma = picture.planes[0];
+  const auto pixels = static_cast<std::size_t>(luma.width) * static_cast<std::size_t>(luma.height);
+  std::vector<unsigned char> colours(pixels * 3);
+  libyuv::J420ToRAW(luma.pixels.data(), luma.width, picture.planes[1].pixels.data(), picture.planes[1].width,
+                    picture.planes[2].pixels.data(), picture.planes[2].width, colours.data(), luma.width * 3,
+                    luma.width, luma.height);
+  auto image = vips::VImage::new_from_memory(colours.data(), colours.size(), luma.width, luma.height, 3,
+                                             VIPS_FORMAT_UCHAR)
+                   .copy(vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+  setColourProfile(image, profile);
+  const auto converted = inSRGB(inOrdinaryColours(image)).copy_memory();
+  PlanarPicture result = picture;
+  libyuv::RAWToJ420(static_cast<const unsigned char *>(converted.data()), luma.width * 3,
+                    result.planes[0].pixels.data(), luma.width, result.planes[1].pixels.data(),
+                    result.planes[1].width, result.planes[2].pixels.data(), result.planes[2].width,
+                    luma.width, luma.height);
+  return result;
+}
+
+// The short way for nearly every picture there is: never leaves the file's own planes, unless its colours are
+// not sRGB. Empty when this JPEG needs the long way.
+std::string jpegThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
+  auto picture = decodeJpegPlanes(file, static_cast<int>(maxPixel), Damage::tolerate);
+  if (!picture)
+    return {};
+  const Size small = within({picture->planes[0].width, picture->planes[0].height}, maxPixel);
+  const Size colours{(small.width + 1) / 2, (small.height + 1) / 2};
+  const auto orientation = storedOrientation(file, PictureType::jpeg).value_or(kUpright);
+  for (std::size_t i = 0; i < (picture->gray ? 1U : 3U); ++i) {
+    Plane &plane = picture->planes.at(i);
+    plane = uprightPlane(scaled(plane, i == 0 ? small : colours), orientation);
+  }
+  const std::string profile = readMetadata(file, PictureType::jpeg).icc;
+  if (!picture->gray && !isSRGB(profile))
+    *picture = inSRGBPlanes(*picture, profile);
+  return encodeJpegPlanes(*picture, quality);
+}
+
+std::string anyThumbnail(Bytes file, PictureType type, std::int64_t maxPixel, double quality) {
+  const DecodedPicture decoded = decodePicture(file, type, maxPixel, Damage::tolerate);
+  const auto small = forScreen(upright(reduced(decoded.image, maxPixel), decoded.turn)).copy_memory();
+  return encodeJpeg(static_cast<const unsigned char *>(small.data()), small.width(), small.height(),
+                    small.bands(), quality);
+}
+
+} // namespace
+
+PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
+  const auto type = sniffType(file);
+  if (!type)
+    return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
+  if (maxPixel < 1 || maxPixel > ImageLimits::kMaxSide)
+    return undecodable("no such thumbnail size");
+  const auto facts = readHeader(file, *type);
+  if (!ImageLimits::check(facts.width, facts.height))
+    return undecodable("oversized");
+  try {
+    std::string thumbnail;
+    if (*type == PictureType::jpeg)
+      thumbnail = jpegThumbnail(file, maxPixel, quality);
+    if (thumbnail.empty())
+      thumbnail = anyThumbnail(file, *type, maxPixel, quality);
+    if (thumbnail.empty())
+      return undecodable("the thumbnail cannot be encoded");
+    return thumbnail;
+  } catch (const vips::VError &error) {
+    return undecodable(error.what());
+  } catch (const std::bad_alloc &) {
+    return undecodable("out of memory");
+  }
+}
+
+} // namespace fennick::picture

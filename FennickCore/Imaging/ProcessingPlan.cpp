@@ -1,0 +1,102 @@
+#include "FennickCore/Imaging/ProcessingPlan.h"
+
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Platform/Text.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace fennick::ImagePipeline {
+
+namespace {
+
+bool isProcessable(const PictureFacts &facts) {
+  return facts.frames == 1 && facts.type != PictureType::gif && facts.type != PictureType::dng;
+}
+
+bool isHEIF(PictureType type) { return type == PictureType::heic || type == PictureType::heif; }
+
+struct Output {
+  PictureType type;
+  std::vector<std::string> remarks{};
+};
+
+Output outputOf(PictureType source, OutputFormat format, const std::function<bool()> &canEncodeHEIC) {
+  switch (format) {
+  case OutputFormat::jpeg:
+    return {.type = PictureType::jpeg};
+  case OutputFormat::png:
+    return {.type = PictureType::png};
+  case OutputFormat::heic:
+    if (canEncodeHEIC())
+      return {.type = PictureType::heic};
+    return {.type = PictureType::jpeg,
+            .remarks = {"本机不支持 HEIC 编码，改用 JPEG / HEIC unsupported, using JPEG"}};
+  case OutputFormat::keep:
+    break;
+  }
+  if (source == PictureType::jpeg || source == PictureType::png)
+    return {.type = source};
+  if (isHEIF(source))
+    return {.type = canEncodeHEIC() ? PictureType::heic : PictureType::jpeg};
+  return {.type = PictureType::jpeg, .remarks = {fmt::format("{} → JPEG", preferredExtension(source))}};
+}
+
+// A HEIF picture that need not change is not written anew only to be called HEIC.
+bool isOwnType(PictureType source, PictureType output) {
+  return source == output || (isHEIF(source) && output == PictureType::heic);
+}
+
+bool isNeeded(const PictureFacts &facts, const ImagingOptions &options, bool resize, bool overSize) {
+  return (facts.hasLocation && options.stripLocation) || resize || overSize ||
+         (facts.hasMetadata && options.stripAllMetadata);
+}
+
+} // namespace
+
+Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,
+          const std::function<bool()> &canEncodeHEIC) {
+  if (!isProcessable(facts))
+    return LeaveAlone{fmt::format("原样保存 / kept as is ({})", preferredExtension(facts.type))};
+  if (!facts.width || !facts.height)
+    return Undecodable{};
+  if (!ImageLimits::check(facts.width, facts.height))
+    return LeaveAlone{
+        fmt::format("尺寸超限未处理 / oversized, not processed ({}×{})", *facts.width, *facts.height)};
+
+  Output output = outputOf(facts.type, options.format, canEncodeHEIC);
+  const std::int64_t longEdge = std::max(*facts.width, *facts.height);
+  const bool resize = options.maxPixels && *options.maxPixels < longEdge;
+  const bool overSize = options.maxBytes && *options.maxBytes < bytes;
+  if (!isNeeded(facts, options, resize, overSize) && isOwnType(facts.type, output.type))
+    return LeaveAlone{"无需处理 / no change needed"};
+  return Encode{.request = {.output = output.type,
+                            .longEdge = resize ? std::max(*options.maxPixels, std::int64_t{1}) : longEdge,
+                            .maxBytes = options.maxBytes,
+                            .quality = options.qualityInUse(),
+                            .qualityFloor = options.floorInUse(),
+                            .stripLocation = options.stripLocation,
+                            .stripAllMetadata = options.stripAllMetadata},
+                .turns = facts.orientation.value_or(kUpright) != kUpright,
+                .remarks = std::move(output.remarks)};
+}
+
+std::string noteOf(const Encode &encode, const Rendering &rendering) {
+  std::string note = fmt::format("{}px", rendering.longEdge);
+  const PictureType output = encode.request.output;
+  if (output != PictureType::png)
+    // 0.29 × 100 must not read 28.
+    note += fmt::format(" · q{}", static_cast<int>(rendering.quality * 100 + 1e-6));
+  note += fmt::format(" · {} · {}", fileSizeText(static_cast<std::int64_t>(rendering.bytes.size())),
+                      upperCased(preferredExtension(output)));
+  if (encode.turns)
+    note += " · 已转正 / rotated";
+  std::vector<std::string> remarks = encode.remarks;
+  if (!rendering.withinMaxBytes)
+    remarks.emplace_back("已到最小尺寸/质量，仍超出体积上限 / at minimum, still over the size limit");
+  return remarks.empty() ? note : fmt::format("{} · {}", note, fmt::join(remarks, "；"));
+}
+
+} // namespace fennick::ImagePipeline

@@ -1,0 +1,106 @@
+#include "FennickCore/Imaging/DecoderPool.h"
+#include "FennickCore/Platform/Log.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace fennick {
+namespace {
+
+using test::TemporaryFolder;
+
+class DecoderPoolTest : public testing::Test {
+protected:
+  DecoderPoolTest() {
+    logTo([](std::string_view) {});
+  }
+  ~DecoderPoolTest() override { logTo({}); }
+
+  static DecoderPool::Options misbehaving(const std::string &way) {
+    return {.program = MISBEHAVING_PROGRAM, .arguments = {way}, .thumbnailTimeout = Seconds(0.3)};
+  }
+  std::string processServing(DecoderPool &pool) { return pool.thumbnail(good, 400, 0.7).value_or("none"); }
+
+  TemporaryFolder folder;
+  std::filesystem::path good = folder.write("good.jpg", "good");
+  std::filesystem::path bad = folder.write("bad.jpg", "bad");
+};
+
+TEST_F(DecoderPoolTest, AProcessThatGoesWrongCostsOnePictureAndTheNextIsServedAtOnce) {
+  const std::vector<std::pair<std::string, PictureFault>> ways{
+      {"crash", PictureFault::crashed},    {"leave", PictureFault::crashed},
+      {"hang", PictureFault::timedOut},    {"babble", PictureFault::crashed},
+      {"no-bytes", PictureFault::crashed}, {"unsealed", PictureFault::crashed}};
+  for (const auto &[way, fault] : ways) {
+    DecoderPool pool(misbehaving(way));
+    const std::string first = processServing(pool);
+    const auto result = pool.thumbnail(bad, 400, 0.7);
+    ASSERT_FALSE(result) << way;
+    EXPECT_EQ(result.error().fault, fault) << way << ": " << result.error().detail;
+    EXPECT_EQ(pool.processCount(), 0U) << way;
+    const std::string second = processServing(pool);
+    EXPECT_NE(second, "none") << way;
+    EXPECT_NE(second, first) << way << ": the process that went wrong is not asked again";
+  }
+}
+
+TEST_F(DecoderPoolTest, WithoutALockedDownProcessThereIsNoDecoding) {
+  for (const char *way : {"open", "no-hello"}) {
+    DecoderPool pool(misbehaving(way));
+    const auto result = pool.thumbnail(good, 400, 0.7);
+    ASSERT_FALSE(result) << way;
+    EXPECT_EQ(result.error().fault, PictureFault::noDecoder);
+    EXPECT_FALSE(pool.canEncodeHEIC());
+    EXPECT_EQ(pool.processCount(), 0U);
+  }
+  DecoderPool missing({.program = folder / "not-there"});
+  EXPECT_EQ(missing.facts(good).error().fault, PictureFault::noDecoder);
+}
+
+TEST_F(DecoderPoolTest, AWarmProcessIsUsedAgainUnlessSomebodyEndedIt) {
+  DecoderPool pool(misbehaving("crash"));
+  const std::string first = processServing(pool);
+  EXPECT_EQ(processServing(pool), first);
+  EXPECT_TRUE(pool.canEncodeHEIC());
+  ::kill(std::stoi(first), SIGKILL);
+  std::string second = processServing(pool);
+  EXPECT_NE(second, "none");
+}
+
+TEST_F(DecoderPoolTest, NoMoreProcessesThanAllowedAndIdleOnesEnd) {
+  auto options = misbehaving("crash");
+  options.mostProcesses = 2;
+  options.thumbnailTimeout = Seconds(30);
+  DecoderPool pool(options);
+  std::vector<std::future<std::string>> answers;
+  for (int i = 0; i < 16; ++i)
+    answers.push_back(std::async(std::launch::async, [&] { return processServing(pool); }));
+  std::set<std::string> processes;
+  for (auto &answer : answers)
+    processes.insert(answer.get());
+  EXPECT_FALSE(processes.contains("none"));
+  EXPECT_LE(processes.size(), 2U);
+
+  options.idleTime = Seconds(0);
+  DecoderPool impatient(options);
+  EXPECT_NE(processServing(impatient), "none");
+  while (impatient.processCount() > 0) // ends when the idle process has been retired
+    std::this_thread::yield();
+}
+
+TEST_F(DecoderPoolTest, WhatCannotBeOpenedIsUnreadable) {
+  DecoderPool pool(misbehaving("crash"));
+  std::filesystem::create_symlink(good, folder / "link.jpg");
+  for (const auto &file : {folder / "missing.jpg", folder / "link.jpg", folder.path()})
+    EXPECT_EQ(pool.thumbnail(file, 400, 0.7).error().fault, PictureFault::unreadable) << file;
+  EXPECT_EQ(pool.processCount(), 0U);
+}
+
+} // namespace
+} // namespace fennick

@@ -1,0 +1,90 @@
+#include "FennickCore/Imaging/Picture/Sandbox.h"
+
+#include "FennickCore/Platform/FileSystem.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/mman.h>
+#include <sys/ptrace.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <thread>
+
+namespace fennick::picture {
+namespace {
+
+constexpr int kSurvived = 0;
+constexpr int kRefused = 7;
+constexpr int kNoSandbox = 8;
+
+// What became of a process that locked itself down and then did `deed`, which gives true when it worked.
+int statusAfter(const std::function<bool()> &deed) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (!limitResources() || !lockDown())
+      ::_exit(kNoSandbox);
+    ::_exit(deed() ? kSurvived : kRefused);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return status;
+}
+
+bool wasKilled(int status) { return WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS; }
+bool wasRefused(int status) { return WIFEXITED(status) && WEXITSTATUS(status) == kRefused; }
+
+TEST(SandboxTest, FilesAreOutOfReach) {
+  // By the calls themselves: the C library's own would do the same.
+  EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/etc/passwd", O_RDONLY | O_CLOEXEC) >= 0; })));
+  EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; })));
+  EXPECT_TRUE(wasRefused(statusAfter([] { return ::access("/etc/passwd", F_OK) == 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::unlink("/tmp/there-is-no-such-file") == 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::mkdir("/tmp/no-such-folder", 0700) == 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::chdir("/") == 0; })));
+}
+
+TEST(SandboxTest, TheNetworkAndOtherProcessesAreOutOfReach) {
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_INET, SOCK_STREAM, 0) >= 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::syscall(SYS_fork) >= 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::kill(::getppid(), 0) == 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0; })));
+  EXPECT_TRUE(wasKilled(statusAfter([] {
+    const std::array<char *, 1> none{};
+    return ::execve("/bin/true", none.data(), none.data()) == 0;
+  })));
+}
+
+TEST(SandboxTest, MemoryNeverBecomesCode) {
+  EXPECT_TRUE(wasKilled(statusAfter([] {
+    return ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) !=
+           MAP_FAILED;
+  })));
+  void *page = ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  EXPECT_TRUE(wasKilled(statusAfter([&] { return ::mprotect(page, 4096, PROT_READ | PROT_EXEC) == 0; })));
+  ::munmap(page, 4096);
+}
+
+TEST(SandboxTest, ReadingMemoryAndThreadsStillWork) {
+  const FileDescriptor file(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
+  const int status = statusAfter([&] {
+    std::array<char, 4> start{};
+    bool joined = false;
+    std::thread([&] { joined = true; }).join();
+    const bool read = ::pread(file.get(), start.data(), start.size(), 0) == 4 && start[1] == 'E';
+    return joined && read && ::memfd_create("picture", MFD_ALLOW_SEALING) >= 0;
+  });
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
+}
+
+} // namespace
+} // namespace fennick::picture
