@@ -23,9 +23,7 @@ std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
 }
 
 // Nothing of the user's: no home, no display. VIPSHOME keeps libvips from loading loaders of further formats.
-std::vector<std::string> environment() {
-  return {"LC_ALL=C", "TZ=UTC", "VIPSHOME=/nonexistent"};
-}
+std::vector<std::string> environment() { return {"LC_ALL=C", "TZ=UTC", "VIPSHOME=/nonexistent"}; }
 
 std::string_view text(std::span<const std::byte> message) {
   return {reinterpret_cast<const char *>(message.data()), message.size()};
@@ -36,13 +34,12 @@ std::string_view text(std::span<const std::byte> message) {
 std::filesystem::path imagingProgram() { return programDirectory() / "tevrin-imaging"; }
 
 DecoderPool::~DecoderPool() {
+  stop();
   std::thread retirement;
   {
     const Locked locked(lock_);
-    ending_ = true;
     retirement = std::move(retirement_);
   }
-  changed_.notify_all();
   if (retirement.joinable())
     retirement.join();
 }
@@ -115,8 +112,7 @@ PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &
     return reply;
   }
   const std::string death = (*worker)->process.kill();
-  worker->reset();
-  discard();
+  discard(std::move(*worker));
   if (reply.error().fault == PictureFault::crashed && reply.error().detail.empty())
     reply.error().detail = death;
   log(fmt::format("imaging: {}: {}", file.filename().string(), reply.error().detail));
@@ -150,25 +146,41 @@ PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const Fi
   return reply;
 }
 
-// The process used last is the warmest; a new one only when all are at work.
 PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::acquire() {
-  {
-    Locked locked(lock_);
-    while (idle_.empty() && alive_ >= options_.mostProcesses)
-      locked.wait(changed_);
-    while (!idle_.empty()) {
-      auto worker = std::move(idle_.back());
-      idle_.pop_back();
-      if (worker->socket.isConnected())
-        return worker;
-      --alive_; // somebody ended it while it was idle
-    }
-    ++alive_;
+  auto worker = take();
+  if (worker && *worker == nullptr) {
+    worker = start();
+    if (!worker)
+      giveUp();
   }
-  auto started = start();
-  if (!started)
-    discard();
-  return started;
+  if (!worker)
+    return worker;
+  const Locked locked(lock_);
+  if (ending_) {
+    --alive_;
+    return fail(PictureFault::noDecoder, "the program ends");
+  }
+  atWork_.insert(worker->get());
+  return worker;
+}
+
+// The process used last is the warmest. Null when a new one is to be started, which happens only when all are
+// at work.
+PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::take() {
+  Locked locked(lock_);
+  while (!ending_ && idle_.empty() && alive_ >= options_.mostProcesses)
+    locked.wait(changed_);
+  if (ending_)
+    return fail(PictureFault::noDecoder, "the program ends");
+  while (!idle_.empty()) {
+    auto worker = std::move(idle_.back());
+    idle_.pop_back();
+    if (worker->socket.isConnected())
+      return worker;
+    --alive_; // somebody ended it while it was idle
+  }
+  ++alive_;
+  return nullptr;
 }
 
 PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::start() {
@@ -200,6 +212,11 @@ PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::start() {
 void DecoderPool::release(std::unique_ptr<Worker> worker) {
   worker->idleSince = steady_clock::now();
   const Locked locked(lock_);
+  atWork_.erase(worker.get());
+  if (ending_) {
+    --alive_;
+    return;
+  }
   idle_.push_back(std::move(worker));
   try {
     if (!retirement_.joinable())
@@ -211,12 +228,28 @@ void DecoderPool::release(std::unique_ptr<Worker> worker) {
   changed_.notify_all();
 }
 
+void DecoderPool::discard(std::unique_ptr<Worker> worker) {
+  {
+    const Locked locked(lock_);
+    atWork_.erase(worker.get());
+  }
+  giveUp();
+}
+
 // One process fewer; whoever waits may start another.
-void DecoderPool::discard() {
+void DecoderPool::giveUp() {
   {
     const Locked locked(lock_);
     --alive_;
   }
+  changed_.notify_all();
+}
+
+void DecoderPool::stop() {
+  const Locked locked(lock_);
+  ending_ = true;
+  for (const Worker *worker : atWork_)
+    worker->socket.disconnect(); // its caller sees it gone and ends it
   changed_.notify_all();
 }
 

@@ -13,6 +13,7 @@
 #include <list>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -51,6 +52,9 @@ public:
                                              std::int64_t orientation) override;
   bool canEncodeHEIC() override;
 
+  // Ends every process at once; calls under way, and all that come, fail. For the end of the program.
+  void stop();
+
   // Processes alive, at work or waiting for it.
   [[nodiscard]] std::size_t processCount() const;
 
@@ -70,16 +74,19 @@ private:
   PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const wire::Request &request,
                                 Seconds timeout);
   PictureResult<std::unique_ptr<Worker>> acquire();
+  PictureResult<std::unique_ptr<Worker>> take();
   PictureResult<std::unique_ptr<Worker>> start();
   void release(std::unique_ptr<Worker> worker);
-  void discard();
+  void discard(std::unique_ptr<Worker> worker);
+  void giveUp();
   void retireIdle();
 
   const Options options_;
   mutable Mutex lock_;
   std::condition_variable changed_;
   std::list<std::unique_ptr<Worker>> idle_ GUARDED_BY(lock_); // used last comes last
-  std::size_t alive_ GUARDED_BY(lock_) = 0;                   // idle, at work and starting
+  std::set<Worker *> atWork_ GUARDED_BY(lock_);
+  std::size_t alive_ GUARDED_BY(lock_) = 0; // idle, at work and starting
   std::optional<bool> encodesHEIC_ GUARDED_BY(lock_);
   bool ending_ GUARDED_BY(lock_) = false;
   std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for long enough

@@ -88,6 +88,8 @@ IOResult<void> MessageSocket::send(std::span<const std::byte> message, const Fil
   return {};
 }
 
+void MessageSocket::disconnect() const { ::shutdown(fd_.get(), SHUT_RDWR); }
+
 bool MessageSocket::isConnected() const {
   pollfd end{.fd = fd_.get(), .events = 0, .revents = 0};
   return ::poll(&end, 1, 0) == 0;

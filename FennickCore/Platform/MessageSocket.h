@@ -31,6 +31,8 @@ public:
   [[nodiscard]] IOResult<Received> receive(std::span<std::byte> into,
                                            std::optional<Seconds> timeout = std::nullopt);
 
+  // From now on both ends see the other gone. Any thread.
+  void disconnect() const;
   // False once the other end is gone.
   [[nodiscard]] bool isConnected() const;
   [[nodiscard]] const FileDescriptor &descriptor() const { return fd_; }

@@ -4,7 +4,10 @@
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/FolderBookmark.h"
+#include "FennickCore/Storage/FolderPruner.h"
+#include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/PhoneAddress.h"
+#include "Quarrow/App/ReceivedNote.h"
 
 #include <fmt/format.h>
 
@@ -17,24 +20,27 @@ using fennick::log;
 namespace {
 
 constexpr int kPortAttempts = 20;
+constexpr fennick::Seconds kProcessingTimeout{90};
 constexpr fennick::Seconds kProgressInterval{0.25}; // quick enough to look alive, slow enough to read
 
 } // namespace
 
-Receiver::Receiver(Setup setup, Report &report, fennick::MainQueue &mainQueue, fennick::FileSystem &files,
-                   const fennick::Clock &clock)
-    : setup_(std::move(setup)), report_(report), mainQueue_(mainQueue), files_(files), clock_(clock),
+Receiver::Receiver(Setup setup, Report &report, const Services &services)
+    : setup_(std::move(setup)), report_(report), mainQueue_(services.mainQueue), files_(services.files),
+      clock_(services.clock), decoder_(services.decoder), trash_(services.trash),
       activity_([this] { mainQueue_.post([this] { beginProgress(); }); }),
-      router_(providers(), fennick::resourceBundle(), files, clock, activity_),
-      rateLimiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, rateLimiter_, clock) {}
+      router_(providers(), fennick::resourceBundle(), files_, clock_, activity_,
+              fennick::UploadRouter::Thumbnails{.cacheDir = setup_.cacheDirectory / "thumbs",
+                                                .decoder = decoder_}),
+      rateLimiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, rateLimiter_, clock_) {}
 
 fennick::UploadRouter::Providers Receiver::providers() {
-  return {
-      .key = [this] { return routerConfig_.key(); },
-      .destination = [this] { return routerConfig_.destination(); },
-      .maxBytes = [this] { return routerConfig_.maxBytes(); },
-      .onUpload = [this](const auto &record) { mainQueue_.post([this, record] { handleUpload(record); }); },
-      .policy = [this] { return routerConfig_.policy(); }};
+  return {.key = [this] { return routerConfig_.key(); },
+          .destination = [this] { return routerConfig_.destination(); },
+          .maxBytes = [this] { return routerConfig_.maxBytes(); },
+          .onUpload = [this](const auto &record) { handleUpload(record); },
+          .gallery = [this] { return routerConfig_.gallery(); },
+          .policy = [this] { return routerConfig_.policy(); }};
 }
 
 bool Receiver::start() {
@@ -54,7 +60,11 @@ bool Receiver::start() {
   return true;
 }
 
-void Receiver::stop() { server_.stop(); }
+void Receiver::stop() {
+  stopping_ = true;
+  server_.stop();
+  processingQueue_.reset();
+}
 
 void Receiver::applySaveFolder() {
   saveFolder_ = fennick::FolderBookmark::defaultFolder();
@@ -72,14 +82,18 @@ void Receiver::applySaveFolder() {
 
 void Receiver::updateRouterConfig() {
   const auto &settings = setup_.settings;
-  routerConfig_.update({.key = setup_.accessKey,
-                        .destination = {.folder = saveFolder_,
-                                        .dateSubfolders = settings.dateSubfolders,
-                                        .naming = settings.naming,
-                                        .subfolder = settings.sessionSubfolder},
-                        .maxBytes = settings.maxUploadBytes,
-                        .gallery = std::nullopt,
-                        .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune}});
+  RouterConfig::Values values{
+      .key = setup_.accessKey,
+      .destination = {.folder = saveFolder_,
+                      .dateSubfolders = settings.dateSubfolders,
+                      .naming = settings.naming,
+                      .subfolder = settings.sessionSubfolder},
+      .maxBytes = settings.maxUploadBytes,
+      .gallery = std::nullopt,
+      .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune}};
+  if (settings.galleryEnabled)
+    values.gallery = galleryURL(settings.galleryFolder, values.destination, clock_.now());
+  routerConfig_.update(std::move(values));
 }
 
 void Receiver::reportListening(std::uint16_t port) {
@@ -99,12 +113,34 @@ void Receiver::reportListening(std::uint16_t port) {
   report_.listening(state);
 }
 
+// On the upload's thread.
 void Receiver::handleUpload(const fennick::UploadRecord &record) {
-  const std::string name = record.url.filename().string();
-  report_.received({.name = name,
-                    .path = record.url,
+  processingQueue_->post([this, record] {
+    const fennick::ProcessResult result =
+        stopping_ ? fennick::ProcessResult{.finalURL = record.url}
+                  : fennick::ImagePipeline::process(record.url, setup_.settings.imaging, kProcessingTimeout,
+                                                    {.decoder = decoder_, .files = files_});
+    mainQueue_.post([this, record, result] { finishUpload(record, result); });
+  });
+}
+
+void Receiver::finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
+  pruneIfNeeded();
+  updateRouterConfig(); // a new day or session has its own folder for the gallery to show
+  report_.received({.name = result.finalURL.filename().string(),
+                    .path = result.finalURL,
                     .bytes = record.bytes,
-                    .note = fmt::format("{}：{}", name, fennick::fileSizeText(record.bytes))});
+                    .note = receivedNote(record, result)});
+}
+
+void Receiver::pruneIfNeeded() {
+  const auto policy = routerConfig_.policy();
+  if (!policy.folderLimit || *policy.folderLimit < 1 || !policy.autoPrune)
+    return;
+  const auto folder = routerConfig_.destination().directory(clock_.now());
+  for (const auto &file : fennick::FolderPruner::prune(folder, *policy.folderLimit, trash_))
+    log(fmt::format("moved {} to the trash, the folder is limited to {}", file.filename().string(),
+                    *policy.folderLimit));
 }
 
 void Receiver::beginProgress() {

@@ -1,5 +1,6 @@
 // The terminal receiver: builds its objects in order, wires them and runs until a signal comes.
 
+#include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/Directories.h"
 #include "FennickCore/Platform/FileSystem.h"
@@ -7,6 +8,7 @@
 #include "FennickCore/Platform/LoopQueue.h"
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Platform/Process.h"
+#include "FennickCore/Platform/Trash.h"
 #include "FennickCore/Settings/SettingsOverride.h"
 #include "FennickCore/Settings/SettingsStore.h"
 #include "Quarrow/Terminal/CommandLine.h"
@@ -57,11 +59,18 @@ int run(const quarrow::CommandLine &options) {
   fennick::LoopQueue mainQueue(clock);
   mainQueue.onSignals({SIGINT, SIGTERM, SIGHUP}, [&](int) { mainQueue.quit(); });
   const auto report = makeReport(options);
-  quarrow::Receiver receiver({.settings = settings, .accessKey = store.accessKey(), .folder = options.folder},
-                             *report, mainQueue, files, clock);
+  fennick::DecoderPool decoder({.program = fennick::imagingProgram()});
+  fennick::SystemTrash trash;
+  quarrow::Receiver receiver(
+      {.settings = settings,
+       .accessKey = store.accessKey(),
+       .folder = options.folder,
+       .cacheDirectory = options.stateDirectory.value_or(fennick::cacheDirectory())},
+      *report, {.mainQueue = mainQueue, .files = files, .clock = clock, .decoder = decoder, .trash = trash});
   if (!receiver.start())
     return kCannotStart;
   mainQueue.run();
+  decoder.stop(); // whoever waits for a picture does so no longer
   receiver.stop();
   mainQueue.run(); // what finished in the last moment is still reported
   return EXIT_SUCCESS;

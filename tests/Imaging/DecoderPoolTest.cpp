@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+
+#include <csignal>
 #include <future>
 #include <set>
 #include <thread>
@@ -69,7 +72,9 @@ TEST_F(DecoderPoolTest, AWarmProcessIsUsedAgainUnlessSomebodyEndedIt) {
   EXPECT_EQ(processServing(pool), first);
   EXPECT_TRUE(pool.canEncodeHEIC());
   ::kill(std::stoi(first), SIGKILL);
-  std::string second = processServing(pool);
+  siginfo_t ended{};
+  ::waitid(P_PID, static_cast<id_t>(std::stoi(first)), &ended, WEXITED | WNOWAIT);
+  const std::string second = processServing(pool);
   EXPECT_NE(second, "none");
 }
 

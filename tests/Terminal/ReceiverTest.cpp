@@ -1,6 +1,7 @@
 #include "Quarrow/Terminal/Receiver.h"
 
 #include "FennickCore/Platform/ListeningSocket.h"
+#include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/LoopbackClient.h"
 #include "tests/Support/TemporaryFolder.h"
@@ -19,6 +20,7 @@ using fennick::test::LoopbackClient;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 // The main thread's queue in the hands of the test: nothing runs until `runAll`.
@@ -83,14 +85,28 @@ public:
   std::vector<std::int64_t> uploads;
 };
 
+// Takes whatever it is given.
+class RemovingTrash final : public fennick::Trash {
+public:
+  fennick::IOResult<void> moveToTrash(const std::filesystem::path &file) override {
+    std::filesystem::remove(file);
+    return {};
+  }
+};
+
 class ReceiverTest : public ::testing::Test {
 protected:
   ReceiverTest() { settings.preferredPort = 0; }
 
   std::unique_ptr<Receiver> make() {
     return std::make_unique<Receiver>(
-        Receiver::Setup{.settings = settings, .accessKey = "secret", .folder = disk / "photos"}, report,
-        queue, files, clock);
+        Receiver::Setup{.settings = settings,
+                        .accessKey = "secret",
+                        .folder = disk / "photos",
+                        .cacheDirectory = disk / "cache"},
+        report,
+        Receiver::Services{
+            .mainQueue = queue, .files = files, .clock = clock, .decoder = decoder, .trash = trash});
   }
   std::string upload(std::string_view body) {
     LoopbackClient phone("127.0.0.1", report.started->port);
@@ -98,11 +114,20 @@ protected:
         fmt::format("POST /upload?k=secret HTTP/1.1\r\nContent-Length: {}\r\n\r\n{}", body.size(), body));
   }
 
+  void runUntilNotes(std::size_t count) {
+    while (report.notes.size() < count) {
+      queue.waitForTask();
+      queue.runAll();
+    }
+  }
+
   fennick::test::TemporaryFolder disk;
   fennick::test::FaultyFileSystem files;
   fennick::SystemClock clock;
   HandQueue queue;
   RecordingReport report;
+  fennick::test::FakeDecoder decoder;
+  RemovingTrash trash;
   fennick::AppSettings settings;
 };
 
@@ -115,9 +140,50 @@ TEST_F(ReceiverTest, AnUploadIsReportedOnTheMainQueueUnderItsFinalName) {
   ASSERT_TRUE(receiver->start());
   EXPECT_THAT(upload(kJPEG), HasSubstr("IMG_001.jpg"));
   EXPECT_THAT(report.notes, IsEmpty());
-  queue.runAll();
+  runUntilNotes(1);
   EXPECT_THAT(report.notes, ElementsAre("IMG_001.jpg：12 字节"));
   EXPECT_THAT(disk.names("photos/party"), ElementsAre("IMG_001.jpg"));
+}
+
+TEST_F(ReceiverTest, AnUploadIsProcessedThenTheFolderIsPrunedAndTheNoteSaysBoth) {
+  settings.naming = fennick::PrefixSequenceNaming{};
+  settings.imaging.stripAllMetadata = true;
+  settings.folderLimit = 2;
+  decoder.setFacts(fennick::PictureFacts{.type = fennick::PictureType::jpeg,
+                                         .width = 4000,
+                                         .height = 3000,
+                                         .orientation = 6,
+                                         .hasMetadata = true});
+  const auto receiver = make();
+  ASSERT_TRUE(receiver->start());
+  const auto receive = [&] {
+    upload(kJPEG);
+    runUntilNotes(report.notes.size() + 1);
+  };
+  receive();
+  decoder.setRendering(fennick::Rendering{.bytes = "smaller", .longEdge = 4000, .quality = 0.85});
+  receive();
+  receive();
+  EXPECT_THAT(report.notes,
+              ElementsAre("IMG_001.jpg：未处理 / skipped: 无法编码为 public.jpeg",
+                          "IMG_002.jpeg：12 字节 → 4000px · q85 · 7 字节 · JPEG · 已转正 / rotated",
+                          "IMG_003.jpeg：12 字节 → 4000px · q85 · 7 字节 · JPEG · 已转正 / rotated"));
+  EXPECT_THAT(disk.names("photos"), ElementsAre(".fennick-incoming", "IMG_002.jpeg", "IMG_003.jpeg"));
+}
+
+TEST_F(ReceiverTest, PhotosThatWaitAtTheEndStayAsTheyCameAndAreReported) {
+  settings.imaging.stripAllMetadata = true;
+  const auto receiver = make();
+  ASSERT_TRUE(receiver->start());
+  decoder.hold();
+  upload(kJPEG);
+  upload(kJPEG);
+  decoder.awaitHeld(1);
+  decoder.release();
+  receiver->stop();
+  queue.runAll();
+  EXPECT_THAT(report.notes, SizeIs(2));
+  EXPECT_THAT(disk.names("photos"), SizeIs(3));
 }
 
 TEST_F(ReceiverTest, AFolderThatCannotBeMadeIsSaidAndComesBackWithoutARestart) {

@@ -134,6 +134,7 @@ std::string pngChunk(std::string_view type, std::string_view payload) {
 
 std::vector<Chunk> webpChunks(std::string_view file) {
   std::vector<Chunk> chunks;
+  file = file.substr(0, 8 + readNumber(file, 4, 4, ByteOrder::little).value_or(0));
   std::size_t at = kRiffHeader;
   while (chunks.size() < kMostParts) {
     const auto type = slice(file, at, 4);

@@ -73,22 +73,24 @@ std::optional<std::int64_t> ExifBlock::orientation() const {
   return value ? std::optional(static_cast<std::int64_t>(*value)) : std::nullopt;
 }
 
-// The preview's own orientation follows where it agreed with the picture's.
 bool ExifBlock::setOrientation(std::uint16_t orientation) {
+  const std::string before = data_;
+  if (!stateOrientation(orientation) || this->orientation() != orientation)
+    data_ = before;
+  return this->orientation() == orientation;
+}
+
+// The preview's own orientation follows where it agreed with the picture's.
+bool ExifBlock::stateOrientation(std::uint16_t orientation) {
   const auto before = this->orientation();
   const auto chain = layout_.chain(data_);
-  if (chain.empty())
-    return false;
-  if (const TiffEntry *entry = chain[0].find(kOrientation)) {
-    if (!layout_.setNumber(data_, *entry, orientation))
-      return false;
-  } else if (!layout_.appendShort(data_, kOrientation, orientation)) {
-    return false;
-  }
-  const TiffEntry *previews = chain.size() > 1 ? chain[1].find(kOrientation) : nullptr;
-  if (before && previews && layout_.number(data_, *previews) == static_cast<std::uint64_t>(*before))
-    (void)layout_.setNumber(data_, *previews, orientation);
-  return true;
+  const TiffEntry *entry = chain.empty() ? nullptr : chain[0].find(kOrientation);
+  if (!entry)
+    return layout_.appendShort(data_, kOrientation, orientation);
+  const TiffEntry *preview = chain.size() > 1 ? chain[1].find(kOrientation) : nullptr;
+  if (before && preview && layout_.number(data_, *preview) == static_cast<std::uint64_t>(*before))
+    (void)layout_.setNumber(data_, *preview, orientation);
+  return layout_.setNumber(data_, *entry, orientation);
 }
 
 void ExifBlock::setPixelDimensions(std::uint32_t width, std::uint32_t height) {

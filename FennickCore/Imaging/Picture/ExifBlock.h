@@ -49,6 +49,7 @@ public:
 private:
   ExifBlock(std::string data, TiffLayout layout) : data_(std::move(data)), layout_(layout) {}
 
+  [[nodiscard]] bool stateOrientation(std::uint16_t orientation);
   // Those of the chain with the EXIF and other directories they point to; not those that hold GPS.
   [[nodiscard]] std::vector<TiffDirectory> directories() const;
   [[nodiscard]] bool pointAnywhere(std::uint16_t tag) const;

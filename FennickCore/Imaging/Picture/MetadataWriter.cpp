@@ -32,7 +32,8 @@ std::string preparedExif(const std::string &exif, const MetadataChange &change) 
   block->removeThumbnail();
   if (change.stripLocation)
     block->removeGPS();
-  return block->tiff();
+  const bool isClean = !change.stripLocation || !block->hasGPS(); // directories may lie on each other
+  return isClean ? block->tiff() : "";
 }
 
 // Collects segments; one that does not fit spoils the whole.

@@ -14,6 +14,28 @@ std::optional<std::int64_t> orientationOfBlock(std::string_view block) {
   return exif ? exif->orientation() : std::nullopt;
 }
 
+Turned turned(Bytes file, PictureType type, std::int64_t orientation) {
+  const auto number = static_cast<std::uint16_t>(orientation);
+  switch (type) {
+  case PictureType::jpeg:
+    return jpegWithOrientation(textOf(file), number);
+  case PictureType::png:
+    return pngWithOrientation(textOf(file), number);
+  case PictureType::webp:
+    return webpWithOrientation(textOf(file), number);
+  case PictureType::tiff:
+    return tiffWithOrientation(textOf(file), number);
+  case PictureType::heic:
+  case PictureType::heif:
+  case PictureType::avif:
+    return heifWithOrientation(file, orientation);
+  case PictureType::gif:
+  case PictureType::dng:
+    break;
+  }
+  return std::unexpected(PictureFault::unsupported);
+}
+
 } // namespace
 
 std::optional<std::int64_t> storedOrientation(Bytes file, PictureType type) {
@@ -37,27 +59,13 @@ std::optional<std::int64_t> storedOrientation(Bytes file, PictureType type) {
 
 std::expected<std::string, PictureFault> withOrientation(Bytes file, PictureType type,
                                                          std::int64_t orientation) {
-  const auto number = static_cast<std::uint16_t>(orientation);
   if (orientation < 1 || orientation > 8)
     return std::unexpected(PictureFault::unsupported);
-  switch (type) {
-  case PictureType::jpeg:
-    return jpegWithOrientation(textOf(file), number);
-  case PictureType::png:
-    return pngWithOrientation(textOf(file), number);
-  case PictureType::webp:
-    return webpWithOrientation(textOf(file), number);
-  case PictureType::tiff:
-    return tiffWithOrientation(textOf(file), number);
-  case PictureType::heic:
-  case PictureType::heif:
-  case PictureType::avif:
-    return heifWithOrientation(file, orientation);
-  case PictureType::gif:
-  case PictureType::dng:
-    break;
-  }
-  return std::unexpected(PictureFault::unsupported);
+  auto result = turned(file, type, orientation);
+  // A damaged file can say one thing in two places that lie on each other.
+  if (result && storedOrientation(bytesOf(*result), type) != orientation)
+    return std::unexpected(PictureFault::undecodable);
+  return result;
 }
 
 } // namespace fennick::picture

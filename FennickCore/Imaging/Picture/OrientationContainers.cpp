@@ -114,10 +114,10 @@ std::optional<std::string> extendedHeader(std::string_view file, const Chunk &pi
 Turned webpWithNewExif(std::string_view file, const std::vector<Chunk> &chunks, std::uint16_t orientation) {
   std::string out(file);
   const Chunk *xmp = findChunk(chunks, "XMP ");
-  const std::uint64_t declared = 8 + readNumber(file, 4, 4, ByteOrder::little).value_or(0);
-  const std::size_t at =
-      xmp ? xmp->at : std::max<std::size_t>(12, std::min<std::uint64_t>(declared, file.size()));
-  out.insert(at, webpChunk("EXIF", ExifBlock::minimal(orientation)));
+  const Chunk &last = chunks.back();
+  const std::size_t at = xmp ? xmp->at : last.end;
+  const std::size_t missing = xmp ? 0 : (last.end - last.payloadAt) % 2; // chunks have an even length
+  out.insert(at, std::string(missing, '\0') + webpChunk("EXIF", ExifBlock::minimal(orientation)));
   const Chunk &first = chunks[0];
   if (first.type == "VP8X"sv && first.payloadBytes >= 10) {
     out[first.payloadAt] = static_cast<char>(out[first.payloadAt] | kWebpHasExif);

@@ -1,0 +1,19 @@
+#include "Quarrow/App/ReceivedNote.h"
+
+#include "FennickCore/Platform/Text.h"
+
+#include <fmt/format.h>
+
+namespace quarrow {
+
+std::string receivedNote(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
+  const std::string name = result.finalURL.filename().string();
+  const std::string size = fennick::fileSizeText(record.bytes);
+  if (result.note && result.processed)
+    return fmt::format("{}：{} → {}", name, size, *result.note);
+  if (result.note && result.note->starts_with("未处理"))
+    return fmt::format("{}：{}", name, *result.note);
+  return fmt::format("{}：{}", name, size);
+}
+
+} // namespace quarrow
