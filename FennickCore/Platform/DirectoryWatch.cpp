@@ -17,7 +17,9 @@ namespace {
 
 constexpr std::uint32_t kNames = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
                                  IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
-constexpr std::uint32_t kContent = kNames | IN_CLOSE_WRITE | IN_ATTRIB;
+// A modification time that is set alone counts as writing.
+constexpr std::uint32_t kChanges = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB;
+constexpr std::uint32_t kContent = kNames | kChanges;
 
 // File systems of this computer's own disks that <linux/magic.h> does not name.
 constexpr std::uint32_t kExFATMagic = 0x2011BAB0;
@@ -58,7 +60,7 @@ DirectoryChange::Kind kindOf(std::uint32_t mask) {
   using Kind = DirectoryChange::Kind;
   if ((mask & (IN_CREATE | IN_MOVED_TO)) != 0)
     return Kind::appeared;
-  return (mask & (IN_CLOSE_WRITE | IN_ATTRIB)) != 0 ? Kind::changed : Kind::vanished;
+  return (mask & kChanges) != 0 ? Kind::changed : Kind::vanished;
 }
 
 DirectoryChange changeOf(const inotify_event &event, const char *name) {

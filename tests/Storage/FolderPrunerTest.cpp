@@ -1,0 +1,64 @@
+#include "FennickCore/Storage/FolderPruner.h"
+
+#include "FennickCore/Platform/FileStatus.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// Takes everything but files of one name.
+class FolderTrash final : public Trash {
+public:
+  IOResult<void> moveToTrash(const fs::path &file) override {
+    if (file.filename() == refused)
+      return std::unexpected(std::make_error_code(std::errc::not_supported));
+    fs::remove(file);
+    return {};
+  }
+  std::string refused;
+};
+
+class FolderPrunerTest : public ::testing::Test {
+protected:
+  void write(const std::string &name, int second) {
+    const auto file = disk.write(name);
+    ASSERT_TRUE(setModificationTime(file, Instant(std::chrono::seconds(second))));
+  }
+  std::vector<fs::path> prune(std::int64_t limit) { return FolderPruner::prune(disk.path(), limit, trash); }
+
+  test::TemporaryFolder disk;
+  FolderTrash trash;
+};
+
+TEST_F(FolderPrunerTest, TheOldestPhotosAndVideosGoAndNothingElseIsCounted) {
+  for (int i = 0; i < 12; ++i)
+    write(fmt::format("{:02}.{}", i, i % 2 == 0 ? "jpg" : "MOV"), 100 - i);
+  for (const char *other : {"a.txt", "b.txt", ".hidden.jpg", "sub/c.jpg"})
+    write(other, 1);
+  fs::create_symlink(disk / "00.jpg", disk / "link.jpg");
+  fs::create_directory(disk / "folder.jpg");
+  for (const std::int64_t limit : {0L, -1L, 12L, INT64_MAX})
+    EXPECT_THAT(prune(limit), IsEmpty()) << limit;
+  EXPECT_THAT(prune(10), ElementsAre(disk / "11.MOV", disk / "10.jpg"));
+  EXPECT_THAT(prune(10), IsEmpty());
+  EXPECT_EQ(disk.names().size(),
+            16U); // ten of twelve, three files, a folder, a link, a folder named like one
+  EXPECT_THAT(FolderPruner::prune(disk / "gone", 1, trash), IsEmpty());
+}
+
+TEST_F(FolderPrunerTest, WhatTheTrashRefusesStaysAndNoYoungerOneGoesInItsPlace) {
+  write("a.jpg", 1), write("b.jpg", 2), write("c.jpg", 3);
+  trash.refused = "a.jpg";
+  EXPECT_THAT(prune(1), ElementsAre(disk / "b.jpg"));
+  EXPECT_THAT(disk.names(), ElementsAre("a.jpg", "c.jpg"));
+}
+
+} // namespace
+} // namespace fennick

@@ -1,0 +1,216 @@
+#include "FennickCore/Storage/PhotoLibrary.h"
+
+#include "FennickCore/Storage/PhotoOrder.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/ManualQueue.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class PhotoLibraryTest : public ::testing::Test {
+protected:
+  // Photos are as old as the test says: "a.jpg" of second 5.
+  fs::path write(const std::string &name, int second) {
+    fs::path file = disk.write("photos/" + name);
+    EXPECT_TRUE(setModificationTime(file, Instant(std::chrono::seconds(second))));
+    return file;
+  }
+  void open() {
+    library->setFolder(photos);
+    queue.runUntil([&] { return !library->items().empty(); });
+  }
+  // Everything that was asked of the library before has been done when this returns.
+  void settle() {
+    ++settled;
+    const auto last = write(fmt::format("settled{}.jpg", settled), -settled);
+    library->scan();
+    library->noteAdded(last);
+    queue.runUntil([&] { return library->recentlyAdded().contains(last); });
+    fs::remove(last);
+    library->remove(std::array{last});
+  }
+  static std::vector<std::string> namesOf(const PhotoLibrary::Items &items) {
+    std::vector<std::string> names;
+    for (const auto &item : items)
+      names.push_back(item.name);
+    return names;
+  }
+  std::vector<std::string> shown() { return namesOf(library->items()); }
+  // What a library shows that knows nothing but the folder.
+  std::vector<std::string> shownAfresh() {
+    library = std::make_unique<PhotoLibrary>(files, decoder, queue);
+    open();
+    return shown();
+  }
+
+  test::TemporaryFolder disk;
+  const fs::path photos = disk.makeFolder("photos");
+  SystemFileSystem files;
+  test::FakeDecoder decoder;
+  test::ManualQueue queue;
+  int settled = 0;
+  std::unique_ptr<PhotoLibrary> library = std::make_unique<PhotoLibrary>(files, decoder, queue);
+};
+
+TEST_F(PhotoLibraryTest, PhotosAndVideosAreListedNewestFirstFromWhereTheyMayLie) {
+  write("old.jpg", 1), write("new.MOV", 9), write("day/middle.png", 5), write("day/trip/deep.heic", 7);
+  write("\xFF.jpg", 3);
+  for (const char *unlisted : {"day/trip/more/a.jpg", "originals/a.jpg", "export/a.jpg", "day/export/a.jpg",
+                               ".fennick-incoming/a.jpg", ".a.jpg", "a.txt", "jpg"})
+    write(unlisted, 4);
+  fs::create_symlink(photos / "old.jpg", photos / "link.jpg");
+  fs::create_directory_symlink(disk.makeFolder("outside"), photos / "linked");
+  disk.write("outside/a.jpg");
+  fs::create_directory(photos / "folder.jpg");
+  open();
+  EXPECT_THAT(shown(), ElementsAre("new.MOV", "deep.heic", "middle.png", "\xFF.jpg", "old.jpg"));
+  const auto &video = library->items().front();
+  EXPECT_TRUE(video.isVideo && !video.isImage && !video.pixelWidth);
+  EXPECT_EQ(decoder.calls(), 4); // nothing looks into videos
+}
+
+TEST_F(PhotoLibraryTest, OnlyTheNewestAreKeptAndOnlyTheyAreRead) {
+  for (int i = 0; i < 600; ++i)
+    write(fmt::format("{:03}.jpg", i), i);
+  open();
+  ASSERT_EQ(library->items().size(), 500U);
+  EXPECT_EQ(shown().front() + shown().back(), "599.jpg100.jpg");
+  EXPECT_EQ(decoder.calls(), 500);
+  settle(); // looks through the folder again: one new file is one to read
+  EXPECT_EQ(decoder.calls(), 501);
+}
+
+TEST_F(PhotoLibraryTest, DimensionsAreThoseOfThePictureAsShown) {
+  write("a.jpg", 1);
+  const auto shownAs = [&](PictureResult<PictureFacts> facts) {
+    decoder.setFacts(std::move(facts));
+    shownAfresh();
+    const auto &item = library->items().front();
+    return fmt::format("{} x {}{}", item.pixelWidth.value_or(0), item.pixelHeight.value_or(0),
+                       item.isOversized ? " oversized" : "");
+  };
+  EXPECT_EQ(shownAs(PictureFacts{.width = 4000, .height = 3000, .orientation = 6}), "3000 x 4000");
+  EXPECT_EQ(shownAs(PictureFacts{.width = 4000, .height = 3000, .orientation = 4}), "4000 x 3000");
+  EXPECT_EQ(shownAs(PictureFacts{.width = 20'001, .height = 10, .orientation = 5}), "10 x 20001 oversized");
+  EXPECT_EQ(shownAs(PictureFacts{.width = {}, .height = {}, .orientation = {}}), "0 x 0 oversized");
+  EXPECT_EQ(shownAs(decoder.kFault(PictureFault::undecodable)), "0 x 0");
+}
+
+TEST_F(PhotoLibraryTest, AnArrangementComesFirstThenTheRestByDateAndFoldersKeepTheirPlaces) {
+  write("a.jpg", 9), write("b.jpg", 1), write("c.jpg", 5), write("day/x.jpg", 7), write("day/y.jpg", 3);
+  PhotoOrder::save({"gone.jpg", "b.jpg", "a.jpg", "b.jpg"}, photos, files);
+  open();
+  EXPECT_THAT(shown(), ElementsAre("b.jpg", "x.jpg", "a.jpg", "y.jpg", "c.jpg"));
+}
+
+TEST_F(PhotoLibraryTest, BurstsOfChangesCostOneScanAndAnUnchangedListTellsNobody) {
+  decoder.setFacts(decoder.kFault(PictureFault::unreadable)); // asked for anew by every scan
+  write("a.jpg", 1);
+  open();
+  int told = 0;
+  const auto subscription = library->observeItems([&](const auto &) { ++told; });
+  queue.runUntil([&] { return queue.pending() >= 1; }); // the watching has begun
+  for (int i = 0; i < 50; ++i)
+    write("a.jpg", i % 2);
+  queue.runUntil([&] { return queue.pending() >= 3; }); // the watcher tells of the first and of the rest
+  EXPECT_EQ(decoder.calls(), 1);
+  queue.advance(Seconds(0.3));
+  library->noteAdded(photos / "a.jpg"); // another look at it, after the scan
+  queue.runUntil([&] { return !library->recentlyAdded().empty(); });
+  EXPECT_EQ(decoder.calls(), 3);
+  EXPECT_EQ(told, 0);
+}
+
+TEST_F(PhotoLibraryTest, AScanThatWasOvertakenPublishesNothing) {
+  write("old.jpg", 1);
+  disk.write("elsewhere/new.jpg");
+  std::vector<std::vector<std::string>> seen;
+  const auto subscription = library->observeItems([&](const auto &items) { seen.push_back(namesOf(items)); });
+  decoder.hold();
+  library->setFolder(photos);
+  decoder.awaitHeld(1);
+  library->setFolder(disk / "elsewhere");
+  decoder.release();
+  queue.runUntil([&] { return !library->items().empty(); });
+  EXPECT_THAT(seen, ElementsAre(ElementsAre("new.jpg")));
+
+  write("gone.jpg", 2);
+  open();
+  fs::remove(photos / "gone.jpg");
+  write("added.jpg", 3);
+  decoder.hold();
+  library->scan();
+  decoder.awaitHeld(1);
+  library->remove(std::array{photos / "old.jpg"});
+  fs::remove(photos / "old.jpg");
+  seen.clear();
+  decoder.release();
+  queue.runUntil([&] { return shown() == std::vector<std::string>{"added.jpg"}; });
+  EXPECT_EQ(seen.size(), 1U);
+  library->setFolder(std::nullopt);
+  EXPECT_THAT(shown(), IsEmpty());
+}
+
+TEST_F(PhotoLibraryTest, AnAddedFileComesToTheFrontAndShinesForAMoment) {
+  write("a.jpg", 5);
+  open();
+  const auto added = write("b.jpg", 1);
+  for (const auto &other : {disk.write("outside.jpg"), write("notes.txt", 9), photos / "gone.jpg", added})
+    library->noteAdded(other);
+  queue.runUntil([&] { return library->recentlyAdded().size() == 1; });
+  EXPECT_THAT(shown(), ElementsAre("b.jpg", "a.jpg"));
+  queue.advance(Seconds(1));
+  library->noteAdded(added); // processed, and saved again
+  settle();
+  queue.advance(Seconds(1.4));
+  EXPECT_TRUE(library->recentlyAdded().contains(added));
+  queue.advance(Seconds(0.1));
+  EXPECT_THAT(library->recentlyAdded(), IsEmpty());
+}
+
+TEST_F(PhotoLibraryTest, WhatThePersonDoesIsShownAtOnceAndByEveryLaterScan) {
+  write("a.jpg", 9), write("b.jpg", 8), write("c.jpg", 7), write("day/x.jpg", 6), write("day/y.jpg", 5);
+  PhotoOrder::save({"hidden.jpg", "a.jpg"}, photos, files);
+  open();
+  library->reorder({photos / "c.jpg", photos / "day/y.jpg", photos / "a.jpg", photos / "unknown.jpg"});
+  EXPECT_THAT(shown(), ElementsAre("c.jpg", "a.jpg", "b.jpg", "y.jpg", "x.jpg"));
+  EXPECT_THAT(shownAfresh(), ElementsAre("c.jpg", "a.jpg", "b.jpg", "y.jpg", "x.jpg"));
+  EXPECT_THAT(PhotoOrder::load(photos), ElementsAre("c.jpg", "a.jpg", "b.jpg"));
+
+  fs::rename(photos / "c.jpg", photos / "swap"); // names are exchanged
+  fs::rename(photos / "a.jpg", photos / "c.jpg");
+  fs::rename(photos / "swap", photos / "a.jpg");
+  library->rename(std::array{Renaming{.from = photos / "c.jpg", .to = photos / "a.jpg"},
+                             Renaming{.from = photos / "a.jpg", .to = photos / "c.jpg"}});
+  EXPECT_THAT(shown(), ElementsAre("a.jpg", "c.jpg", "b.jpg", "y.jpg", "x.jpg"));
+  EXPECT_EQ(library->items().front().url, photos / "a.jpg");
+  EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "c.jpg", "b.jpg", "y.jpg", "x.jpg"));
+
+  fs::remove(photos / "c.jpg");
+  library->remove(std::array{photos / "c.jpg", photos / "unknown.jpg"});
+  EXPECT_THAT(shown(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
+  EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
+}
+
+TEST_F(PhotoLibraryTest, ALibraryMayGoWhileItIsAtWork) {
+  write("a.jpg", 1), write("b.jpg", 2);
+  decoder.hold();
+  library->setFolder(photos);
+  decoder.awaitHeld(1);
+  library->noteAdded(photos / "a.jpg");
+  std::jthread other([this] { decoder.release(); });
+  library.reset();
+  queue.advance(Seconds(10)); // what it had posted is dropped
+  EXPECT_LE(decoder.calls(), 2);
+}
+
+} // namespace
+} // namespace fennick

@@ -1,0 +1,74 @@
+#include "FennickCore/Storage/PhotoOrder.h"
+
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Operation = test::FaultyFileSystem::Operation;
+
+class PhotoOrderTest : public ::testing::Test {
+protected:
+  void save(const std::vector<std::string> &names) { PhotoOrder::save(names, disk.path(), files); }
+  std::vector<std::string> load() { return PhotoOrder::load(disk.path()); }
+
+  test::TemporaryFolder disk;
+  test::FaultyFileSystem files;
+  const std::string kFile = ".fennick-order.json";
+};
+
+TEST_F(PhotoOrderTest, AnOrderIsStoredAsItsNamesAndGoesWithTheLastOfThem) {
+  save({"b.jpg", "a\n\"b\\.jpg", "海.jpg", "\xFF.jpg"});
+  EXPECT_EQ(disk.read(kFile), R"({"order":["b.jpg","a\n\"b\\.jpg","海.jpg"]})");
+  EXPECT_THAT(load(), ElementsAre("b.jpg", "a\n\"b\\.jpg", "海.jpg"));
+  save({});
+  EXPECT_THAT(disk.names(), IsEmpty());
+  save({}); // nothing to remove
+}
+
+TEST_F(PhotoOrderTest, WhateverElseIsInTheFileIsNoOrder) {
+  for (const char *content :
+       {"", "{", "[]", "[\"a.jpg\"]", R"({"order":"x"})", R"({"order":{}})", R"({"order":["a.jpg",1]})",
+        R"({"Order":["a.jpg"]})", "{\"order\":[\"\xFF\"]}"}) {
+    disk.write(kFile, content);
+    EXPECT_THAT(load(), IsEmpty()) << content;
+  }
+  disk.write(kFile, std::string(100'000, '[')); // deeper than any stack
+  EXPECT_THAT(load(), IsEmpty());
+  fs::remove(disk / kFile);
+  EXPECT_THAT(load(), IsEmpty());
+  ASSERT_EQ(::mkfifo((disk / kFile).c_str(), 0600), 0);
+  EXPECT_THAT(load(), IsEmpty());
+}
+
+TEST_F(PhotoOrderTest, ALinkIsNeitherReadNorWrittenThrough) {
+  const auto outside = disk.write("outside", R"({"order":["a.jpg"]})");
+  fs::create_symlink(outside, disk / kFile);
+  EXPECT_THAT(load(), IsEmpty());
+  save({"b.jpg"});
+  EXPECT_THAT(load(), ElementsAre("b.jpg"));
+  EXPECT_EQ(disk.read("outside"), R"({"order":["a.jpg"]})");
+}
+
+TEST_F(PhotoOrderTest, TheOldOrderStandsUntilTheNewOneIsOnTheDisk) {
+  save({"a.jpg"});
+  for (const auto operation :
+       {Operation::createFile, Operation::write, Operation::sync, Operation::close, Operation::replace}) {
+    files.failNext(operation, ENOSPC);
+    save({"b.jpg"});
+    EXPECT_THAT(load(), ElementsAre("a.jpg"));
+    EXPECT_THAT(disk.names(), ElementsAre(kFile));
+  }
+}
+
+} // namespace
+} // namespace fennick

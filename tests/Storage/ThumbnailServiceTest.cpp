@@ -1,0 +1,149 @@
+#include "FennickCore/Storage/ThumbnailService.h"
+
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <thread>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using Operation = test::FaultyFileSystem::Operation;
+
+class ThumbnailServiceTest : public ::testing::Test {
+protected:
+  // The thumbnail as text, from another service than the last one where nothing is to come from memory.
+  std::string ask(const fs::path &file) { return textOf(service.thumbnail(file)); }
+  std::string askAnother(const fs::path &file) {
+    return textOf(ThumbnailService(files, disk / "cache", 400, 4, decoder).thumbnail(file));
+  }
+  static std::string textOf(const ThumbnailService::Data &data) { return data ? *data : "none"; }
+
+  test::TemporaryFolder disk;
+  test::FaultyFileSystem files;
+  test::FakeDecoder decoder;
+  ThumbnailService service{files, disk / "cache", 400, 2, decoder};
+  const fs::path photo = disk.write("a b/海.jpg", "12345");
+  const std::string small = test::smallJPEG("small");
+};
+
+TEST_F(ThumbnailServiceTest, AThumbnailIsMadeOnceAndSharedAndFoundOnTheDiskLater) {
+  ASSERT_TRUE(setModificationTime(photo, Instant(std::chrono::milliseconds(7'900))));
+  EXPECT_EQ(ask(photo), small);
+  EXPECT_EQ(service.thumbnail(photo), service.thumbnail(photo));
+  EXPECT_EQ(askAnother(photo), small);
+  EXPECT_EQ(decoder.calls(), 1);
+  std::string name = photo.string() + "-5-7-400.jpg";
+  for (char &c : name)
+    c = c == '/' || c == ' ' ? '_' : c;
+  EXPECT_THAT(disk.names("cache"), ::testing::ElementsAre(name));
+  service.clear();
+  EXPECT_THAT(disk.names("cache"), IsEmpty());
+  EXPECT_EQ(ask(photo), small);
+  EXPECT_EQ(decoder.calls(), 2);
+}
+
+TEST_F(ThumbnailServiceTest, AChangedPictureAndOneThatChangesMeanwhileAreMadeAnew) {
+  EXPECT_EQ(ask(photo), small);
+  disk.write("a b/海.jpg", "123456");
+  decoder.setThumbnail(test::smallJPEG("changed"));
+  EXPECT_EQ(ask(photo), test::smallJPEG("changed"));
+
+  decoder.before([&] { disk.write("a b/海.jpg", "1234567"); });
+  disk.write("a b/海.jpg", "1");
+  EXPECT_EQ(ask(photo), test::smallJPEG("changed"));
+  disk.write("a b/海.jpg", "1");
+  decoder.before(nullptr);
+  decoder.setThumbnail(test::smallJPEG("settled"));
+  EXPECT_EQ(ask(photo), test::smallJPEG("settled"));
+}
+
+TEST_F(ThumbnailServiceTest, WhatIsNoPictureHasNone) {
+  fs::create_symlink(photo, disk / "link.jpg");
+  ASSERT_EQ(::mkfifo((disk / "pipe.jpg").c_str(), 0600), 0);
+  for (const char *name : {"gone.jpg", "link.jpg", "pipe.jpg", "a b"})
+    EXPECT_EQ(ask(disk / name), "none") << name;
+  EXPECT_EQ(decoder.calls(), 0);
+  decoder.setThumbnail(decoder.kFault(PictureFault::notAPicture));
+  EXPECT_EQ(ask(photo), "none");
+  EXPECT_THAT(disk.names("cache"), IsEmpty());
+}
+
+TEST_F(ThumbnailServiceTest, ADamagedFileOrAFullDiskCostsOnlyTheCache) {
+  EXPECT_EQ(ask(photo), small);
+  const std::string name = "cache/" + disk.names("cache").front();
+  for (const std::string &damage :
+       {std::string(), small.substr(0, 5), small.substr(1), std::string(7, '\0')}) {
+    disk.write(name, damage);
+    EXPECT_EQ(askAnother(photo), small);
+    EXPECT_EQ(disk.read(name), small);
+  }
+  for (const auto operation : {Operation::createFile, Operation::write, Operation::replace}) {
+    fs::remove(disk / name);
+    files.failNext(operation, ENOSPC);
+    EXPECT_EQ(askAnother(photo), small);
+    EXPECT_THAT(disk.names("cache"), IsEmpty());
+  }
+  fs::remove(disk / "cache");
+  EXPECT_EQ(ask(photo), small); // from memory
+  disk.write("cache", "a file where the folder should be");
+  EXPECT_EQ(askAnother(photo), small);
+}
+
+TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApart) {
+  const std::string deep = std::string(200, 'x') + "/" + std::string(200, 'y');
+  for (const std::string &name :
+       {deep + "1.jpg", deep + "2.jpg", std::string("\xFF.jpg"), std::string("\xFE.jpg")}) {
+    const auto file = disk.write(name);
+    decoder.setThumbnail(test::smallJPEG(name));
+    EXPECT_EQ(ask(file), test::smallJPEG(name));
+    EXPECT_EQ(askAnother(file), test::smallJPEG(name));
+  }
+  EXPECT_EQ(decoder.calls(), 4);
+  EXPECT_THAT(disk.names("cache"), SizeIs(4));
+}
+
+TEST_F(ThumbnailServiceTest, RequestsForOnePictureWaitForOneRenderAndOthersForAPlace) {
+  const std::array photos{photo, disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
+  decoder.hold();
+  {
+    std::vector<std::jthread> phones;
+    for (int i = 0; i < 12; ++i)
+      phones.emplace_back([&, i] { EXPECT_EQ(ask(photos.at(static_cast<std::size_t>(i % 4))), small); });
+    decoder.awaitHeld(2); // all there are places for
+    decoder.release();
+  }
+  EXPECT_EQ(decoder.mostAtOnce(), 2);
+  EXPECT_EQ(decoder.calls(), 4);
+}
+
+TEST(MemoryCacheTest, WhatWasNotAskedForTheLongestGoesFirstAndStaysWithItsHolders) {
+  const auto data = [](std::size_t bytes) { return std::make_shared<const std::string>(bytes, 'x'); };
+  MemoryCache cache(10);
+  cache.put("a", data(4));
+  cache.put("b", data(4));
+  const auto held = cache.get("b");
+  EXPECT_TRUE(cache.get("a"));
+  cache.put("c", data(6));
+  EXPECT_TRUE(cache.get("a"));
+  EXPECT_FALSE(cache.get("b"));
+  EXPECT_EQ(held->size(), 4U);
+  cache.put("c", data(5)); // counts once
+  EXPECT_TRUE(cache.get("a"));
+  cache.put("d", data(11));
+  EXPECT_FALSE(cache.get("d"));
+  EXPECT_TRUE(cache.get("a"));
+}
+
+} // namespace
+} // namespace fennick

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Mutex.h"
+#include "tests/Support/FakeClock.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <utility>
+
+namespace fennick::test {
+
+// A main queue whose tasks run when the test says so; its timers follow a clock that the test moves.
+class ManualQueue final : public MainQueue {
+public:
+  void post(std::function<void()> task) override { postAfter(Seconds(0), std::move(task)); }
+  void postAfter(Seconds delay, std::function<void()> task) override {
+    const Locked locked(lock_);
+    tasks_.emplace(after(clock_.uptime(), delay), std::move(task));
+    changed_.notify_all();
+  }
+
+  // Runs what is due, and what becomes due thereby.
+  void run() {
+    while (const auto task = takeDue())
+      task();
+  }
+  // Runs what is due and what other threads post, until `condition` holds. A test that waits in vain is ended
+  // by its time limit.
+  void runUntil(const std::function<bool()> &condition) {
+    for (run(); !condition(); run()) {
+      Locked locked(lock_);
+      while (tasks_.empty() || tasks_.begin()->first > clock_.uptime())
+        locked.wait(changed_);
+    }
+  }
+  // Tasks that are not due yet.
+  std::size_t pending() {
+    const Locked locked(lock_);
+    return static_cast<std::size_t>(std::distance(tasks_.upper_bound(clock_.uptime()), tasks_.end()));
+  }
+  void advance(Seconds length) {
+    clock_.advance(length);
+    run();
+  }
+
+private:
+  std::function<void()> takeDue() {
+    const Locked locked(lock_);
+    if (tasks_.empty() || tasks_.begin()->first > clock_.uptime())
+      return nullptr;
+    return std::move(tasks_.extract(tasks_.begin()).mapped());
+  }
+
+  FakeClock clock_;
+  Mutex lock_;
+  std::condition_variable changed_;
+  std::multimap<Uptime, std::function<void()>> tasks_ GUARDED_BY(lock_);
+};
+
+} // namespace fennick::test
