@@ -38,7 +38,8 @@ struct MetadataChange {
 };
 
 // What to write with an upright re-encoding: orientation 1, its dimensions, no previews. Blocks that need no
-// change are copied; XMP that cannot be read is left out when location has to go.
+// change are copied; a cut-off colour profile is left out; XMP that cannot be read is left out when location
+// has to go.
 [[nodiscard]] Metadata prepare(const Metadata &metadata, const MetadataChange &change);
 
 // The same with the IPTC data sets as XMP properties, for formats that have no place for IPTC.

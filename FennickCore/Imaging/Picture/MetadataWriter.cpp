@@ -36,6 +36,13 @@ std::string preparedExif(const std::string &exif, const MetadataChange &change) 
   return isClean ? block->tiff() : "";
 }
 
+// A profile begins with its own length: what is behind that is not part of it, and one that is cut off is
+// none.
+std::string wholeProfile(const std::string &profile) {
+  const auto length = readNumber(profile, 0, 4);
+  return std::string(length ? slice(profile, 0, *length).value_or("") : "");
+}
+
 // Collects segments; one that does not fit spoils the whole.
 class Segments {
 public:
@@ -103,7 +110,7 @@ Written writeIntoPng(std::string_view file, const Metadata &metadata) {
 
 Metadata prepare(const Metadata &metadata, const MetadataChange &change) {
   Metadata prepared;
-  prepared.icc = metadata.icc;
+  prepared.icc = wholeProfile(metadata.icc);
   if (change.stripAll)
     return prepared;
   prepared.exif = preparedExif(metadata.exif, change);

@@ -119,10 +119,10 @@ std::string preparedXmp(std::string_view packet, const XmpChange &change) {
 
 void setXmpOrientation(std::string &file, std::size_t at, std::size_t length, std::int64_t orientation) {
   constexpr std::string_view kName = "tiff:Orientation";
-  const std::size_t end = std::min(file.size(), at + length);
-  for (std::size_t found = file.find(kName, at); found < end; found = file.find(kName, found + 1)) {
+  const auto packet = std::string_view(file).substr(0, at + length);
+  for (auto found = packet.find(kName, at); found != packet.npos; found = packet.find(kName, found + 1)) {
     const std::size_t digit = found + kName.size();
-    const std::string_view around = std::string_view(file).substr(0, end).substr(digit);
+    const std::string_view around = packet.substr(digit);
     // ="6", ='6' or >6<
     const std::size_t skipped = around.starts_with('=') ? 2 : 1;
     if (around.size() <= skipped + 1)

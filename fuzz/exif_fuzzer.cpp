@@ -1,0 +1,31 @@
+// An EXIF block: asked everything, edited in every way. What was set is there afterwards, and nothing else
+// grew.
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "fuzz/Property.h"
+
+using namespace fennick::picture;
+using fennick::fuzz::require;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+  const std::string_view text = fennick::fuzz::textOf(data, size);
+  const auto parsed = ExifBlock::parse(text);
+  if (!parsed)
+    return 0;
+  require(text.ends_with(parsed->tiff()));
+  (void)parsed->hasExif();
+  (void)parsed->hasTIFF();
+
+  ExifBlock turned = *parsed;
+  const bool isTurned = turned.setOrientation(6);
+  require(isTurned ? turned.orientation() == 6 : turned.tiff() == parsed->tiff());
+  if (isTurned && parsed->orientation())
+    require(turned.tiff().size() == parsed->tiff().size());
+
+  ExifBlock cleaned = *parsed;
+  cleaned.setPixelDimensions(640, 480);
+  cleaned.removeGPS();
+  require(cleaned.tiff().size() == parsed->tiff().size());
+  cleaned.removeThumbnail();
+  require(cleaned.tiff().size() <= parsed->tiff().size());
+  return 0;
+}
