@@ -84,7 +84,7 @@ class Commit {
 public:
   Commit(const fs::path &source, const FileStatus &status, FileSystem &files)
       : source_(source), status_(status), files_(files),
-        output_(workFolder(source.parent_path()) / (newUUID() + ".out")) {}
+        output_(workFolder(source.parent_path()) / (newUUID() + std::string(kProcessedSuffix))) {}
   // Whatever was not moved into place goes.
   ~Commit() {
     if (written_)

@@ -11,6 +11,7 @@ namespace fennick {
 inline constexpr std::string_view kOriginalsFolder = "originals";        // untouched uploads
 inline constexpr std::string_view kExportFolder = "export";              // batch export
 inline constexpr std::string_view kIncomingFolder = ".fennick-incoming"; // part files and temporaries
+inline constexpr std::string_view kProcessedSuffix = ".out";             // of temporaries in there
 inline constexpr std::string_view kOrderFile = ".fennick-order.json";    // custom order of a folder
 
 // Whether `extension` (lower case, no dot) is one of a photo or video: jpg, jpeg, png, heic, heif, hif, dng,

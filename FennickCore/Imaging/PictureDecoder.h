@@ -37,7 +37,7 @@ using PictureResult = std::expected<T, PictureError>;
 struct RenderRequest {
   PictureType output = PictureType::jpeg; // jpeg, png or heic
   std::int64_t longEdge = 0;              // most pixels of the longer side; never enlarges
-  std::optional<std::int64_t> maxBytes;   // of the whole file, metadata included; absent: any size
+  std::optional<std::int64_t> maxBytes{}; // of the whole file, metadata included; absent: any size
   double quality = 0.85;                  // of lossy encoding, 0 to 1
   double qualityFloor = 0.5;              // how low the search for `maxBytes` may go
   bool stripLocation = false;

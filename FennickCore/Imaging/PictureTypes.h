@@ -21,12 +21,13 @@ inline constexpr std::int64_t kUpright = 1;
 
 struct PictureFacts {
   PictureType type = PictureType::jpeg;
-  std::int64_t frames = 1;                 // pictures in the file: animation frames, pages
-  std::optional<std::int64_t> width;       // in pixels as stored, before any turning; absent when unreadable
-  std::optional<std::int64_t> height;      // the same
-  std::optional<std::int64_t> orientation; // as the file says it, which may be out of range; absent: not said
-  bool hasLocation = false;                // GPS or named places, in EXIF, XMP or IPTC
-  bool hasMetadata = false;                // any EXIF, TIFF, GPS, IPTC or XMP block
+  std::int64_t frames = 1;              // pictures in the file: animation frames, pages
+  std::optional<std::int64_t> width{};  // in pixels as stored, before any turning; absent when unreadable
+  std::optional<std::int64_t> height{}; // the same
+  std::optional<std::int64_t>
+      orientation{};        // as the file says it, which may be out of range; absent: not said
+  bool hasLocation = false; // GPS or named places, in EXIF, XMP or IPTC
+  bool hasMetadata = false; // any EXIF, TIFF, GPS, IPTC or XMP block
 
   bool operator==(const PictureFacts &) const = default;
 };

@@ -1,8 +1,8 @@
 #include "FennickCore/Upload/IncomingFolder.h"
 
+#include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Random.h"
-#include "FennickCore/Imaging/MediaTypes.h"
 
 #include <fmt/format.h>
 
@@ -18,9 +18,10 @@ constexpr std::string_view kUUIDShape = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
 
 bool isUpperHexadecimal(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
 
-// Only what createPart names like this is ever removed.
-bool isPartName(std::string_view name) {
-  if (name.size() != kUUIDShape.size() + kPartSuffix.size() || !name.ends_with(kPartSuffix))
+// Only what is named like a part file or a new encoding on its way is ever removed.
+bool isTemporaryName(std::string_view name) {
+  const std::string_view suffix = name.substr(std::min(name.size(), kUUIDShape.size()));
+  if (suffix != kPartSuffix && suffix != kProcessedSuffix)
     return false;
   return std::ranges::equal(kUUIDShape, name.substr(0, kUUIDShape.size()), [](char shape, char c) {
     return shape == 'X' ? isUpperHexadecimal(c) : c == shape;
@@ -79,7 +80,8 @@ void IncomingFolder::removeLeftovers(const std::filesystem::path &incoming) {
     return;
   int removed = 0;
   for (const auto &entry : *entries)
-    if (entry.kind == FileKind::regular && isPartName(entry.name) && files_.remove(incoming / entry.name))
+    if (entry.kind == FileKind::regular && isTemporaryName(entry.name) &&
+        files_.remove(incoming / entry.name))
       ++removed;
   if (removed > 0)
     log(fmt::format("removed {} unfinished uploads of an earlier run", removed));

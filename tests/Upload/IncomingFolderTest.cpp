@@ -25,6 +25,7 @@ protected:
 TEST_F(IncomingFolderTest, LeftoversOfACrashAreClearedAtTheStartOrBeforeTheFirstUpload) {
   const char *leftover = "photos/.fennick-incoming/0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.part";
   disk.write(leftover);
+  disk.write("photos/.fennick-incoming/0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.out");
   IncomingFolder(files).adopt(photos);
   EXPECT_THAT(lying(), IsEmpty());
   disk.write(leftover);

@@ -1,0 +1,269 @@
+// Real pictures through the real, locked-down process.
+
+#include "FennickCore/Imaging/DecoderPool.h"
+#include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/HeifCodec.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/Raster.h"
+#include "FennickCore/Platform/Log.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <vector>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::StartsWith;
+using vips::VImage;
+
+using Colour = std::vector<double>;
+const Colour kRed{200, 40, 40};
+const Colour kGreen{40, 160, 40};
+const Colour kBlue{40, 40, 200};
+const Colour kGray{128, 128, 128};
+constexpr double kTolerance = 14; // what lossy encoding at the qualities used here does to an even field
+
+// Red, green / blue, gray: every way of turning or mirroring it can be told from the others.
+VImage quarters(int width, int height) {
+  const auto field = [&](const Colour &colour) {
+    return VImage::black(width / 2, height / 2).new_from_image(colour).cast(VIPS_FORMAT_UCHAR);
+  };
+  return VImage::arrayjoin({field(kRed), field(kGreen), field(kBlue), field(kGray)},
+                           VImage::option()->set("across", 2))
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+// Stored so that a viewer who obeys `orientation` sees quarters().
+VImage storedFor(int orientation, const VImage &seen) {
+  switch (orientation) {
+  case 2:
+    return seen.fliphor();
+  case 3:
+    return seen.rot180();
+  case 4:
+    return seen.flipver();
+  case 5:
+    return seen.rot90().fliphor();
+  case 6:
+    return seen.rot270();
+  case 7:
+    return seen.rot270().fliphor();
+  case 8:
+    return seen.rot90();
+  default:
+    return seen;
+  }
+}
+
+void expectColour(const VImage &image, int x, int y, const Colour &wanted, const std::string &where) {
+  const auto colour = image.getpoint(x, y);
+  for (std::size_t band = 0; band < wanted.size(); ++band)
+    EXPECT_NEAR(colour.at(band), wanted.at(band), kTolerance)
+        << where << " at " << x << "," << y << " band " << band;
+}
+
+void expectQuarters(const VImage &image, const std::string &where) {
+  const int w = image.width();
+  const int h = image.height();
+  expectColour(image, w / 4, h / 4, kRed, where);
+  expectColour(image, 3 * w / 4, h / 4, kGreen, where);
+  expectColour(image, w / 4, 3 * h / 4, kBlue, where);
+  expectColour(image, 3 * w / 4, 3 * h / 4, kGray, where);
+}
+
+// The bytes decoded as a viewer would, by the libraries directly.
+VImage seen(const std::string &bytes) {
+  if (bytes.compare(4, 4, "ftyp") == 0) {
+    const auto raster = picture::decodeHeif(picture::bytesOf(bytes), picture::Damage::refuse);
+    return VImage(vips_image_new_from_memory_copy(raster->pixels.data(), raster->pixels.size(), raster->width,
+                                                  raster->height, raster->bands, VIPS_FORMAT_UCHAR));
+  }
+  return VImage::new_from_buffer(bytes, "").autorot().copy_memory();
+}
+
+class DecodingTest : public testing::Test {
+protected:
+  static void SetUpTestSuite() { ASSERT_EQ(vips_init("tests"), 0); }
+  DecodingTest() {
+    logTo([](std::string_view) {});
+  }
+  ~DecodingTest() override { logTo({}); }
+
+  // A file saved by libvips in the format of the name's extension.
+  fs::path save(const std::string &name, const VImage &image, int orientation = 1) {
+    VImage marked = image.copy();
+    if (orientation != 1)
+      marked.set("orientation", orientation);
+    marked.write_to_file((folder / name).c_str());
+    return folder / name;
+  }
+  Rendering rendered(const fs::path &file, const RenderRequest &request) {
+    auto rendering = pool.render(file, request, Seconds(90));
+    EXPECT_TRUE(rendering) << file << ": " << rendering.error().detail;
+    return rendering.value_or(Rendering{});
+  }
+
+  test::TemporaryFolder folder;
+  DecoderPool pool{{.program = IMAGING_PROGRAM}};
+};
+
+TEST_F(DecodingTest, EveryOrientationComesOutUprightInEveryFormatAndSize) {
+  for (int orientation = 1; orientation <= 8; ++orientation) {
+    const auto file = save("o.jpg", storedFor(orientation, quarters(240, 160)), orientation);
+    const auto where = "orientation " + std::to_string(orientation);
+    const auto facts = pool.facts(file).value();
+    EXPECT_EQ(facts.width, orientation < 5 ? 240 : 160) << where;
+    const auto small = seen(pool.thumbnail(file, 120, 0.72).value());
+    EXPECT_EQ(small.width(), 120);
+    expectQuarters(small, "thumbnail of " + where);
+    for (const auto output : {PictureType::jpeg, PictureType::png, PictureType::heic})
+      for (const int edge : {240, 90}) {
+        const auto picture = rendered(file, {.output = output, .longEdge = edge});
+        EXPECT_EQ(picture.longEdge, edge);
+        const auto image = seen(picture.bytes);
+        EXPECT_EQ(image.width(), edge) << where;
+        expectQuarters(image, where + " as " + std::string(preferredExtension(output)));
+      }
+  }
+}
+
+TEST_F(DecodingTest, TurningChangesTheOrientationAndNoPixel) {
+  const auto original = quarters(64, 32);
+  for (const char *name : {"t.jpg", "t.png", "t.tif", "t.webp", "t.heic"}) {
+    auto file = folder / name;
+    if (std::string(name) == "t.heic")
+      folder.write(
+          name, picture::encodeHeic(static_cast<const unsigned char *>(original.data()), 64, 32, 3, 0.9, {}));
+    else
+      save(name, original);
+    const auto turned = pool.withOrientation(file, 6);
+    ASSERT_TRUE(turned) << name << turned.error().detail;
+    folder.write(name, *turned);
+    EXPECT_EQ(pool.facts(file)->orientation, 6) << name;
+    const auto image = seen(pool.thumbnail(file, 64, 0.9).value());
+    EXPECT_EQ(image.height(), 64) << name;
+    expectColour(image, 24, 16, kRed, name);
+    expectColour(image, 8, 16, kBlue, name);
+  }
+  EXPECT_EQ(pool.withOrientation(save("t.gif", original), 6).error().fault, PictureFault::unsupported);
+}
+
+TEST_F(DecodingTest, TransparencyStaysWhereTheFormatHasItAndIsWhiteElsewhere) {
+  const auto clear = quarters(100, 60).bandjoin(0.0).cast(VIPS_FORMAT_UCHAR);
+  for (const char *name : {"a.png", "a.webp", "a.tif"}) {
+    const auto file = save(name, clear);
+    expectColour(seen(rendered(file, {.output = PictureType::jpeg, .longEdge = 50}).bytes), 9, 9,
+                 {255, 255, 255}, name);
+    expectColour(seen(pool.thumbnail(file, 50, 0.72).value()), 9, 9, {255, 255, 255}, name);
+    for (const auto output : {PictureType::png, PictureType::heic}) {
+      const auto image = seen(rendered(file, {.output = output, .longEdge = 100}).bytes);
+      ASSERT_EQ(image.bands(), 4) << name;
+      EXPECT_LT(image.getpoint(9, 9).at(3), 5) << name;
+    }
+  }
+}
+
+TEST_F(DecodingTest, DeepCMYKAndGrayPicturesComeOutRight) {
+  const auto deep = (quarters(100, 60).cast(VIPS_FORMAT_USHORT) * 257)
+                        .cast(VIPS_FORMAT_USHORT)
+                        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
+  for (const char *name : {"deep.png", "deep.tif"}) {
+    const auto file = save(name, deep);
+    expectQuarters(seen(pool.thumbnail(file, 50, 0.9).value()), name);
+    for (const auto output : {PictureType::jpeg, PictureType::heic})
+      expectQuarters(seen(rendered(file, {.output = output, .longEdge = 80}).bytes), name);
+    EXPECT_EQ(seen(rendered(file, {.output = PictureType::png, .longEdge = 80}).bytes).format(),
+              VIPS_FORMAT_USHORT);
+  }
+  const auto ink = quarters(100, 60).icc_export(VImage::option()->set("output_profile", "cmyk"));
+  for (const char *name : {"ink.jpg", "ink.tif"}) {
+    const auto file = save(name, ink);
+    const auto image =
+        seen(rendered(file, {.output = PictureType::jpeg, .longEdge = 100, .quality = 0.95}).bytes);
+    EXPECT_EQ(image.bands(), 3);
+    EXPECT_GT(image.getpoint(25, 15).at(0), image.getpoint(25, 15).at(1) + 80) << name << ": red is red";
+    EXPECT_GT(seen(pool.thumbnail(file, 50, 0.9).value()).getpoint(12, 22).at(2), 120)
+        << name << ": blue is blue";
+  }
+  const auto gray = save("gray.jpg", quarters(100, 60).colourspace(VIPS_INTERPRETATION_B_W));
+  for (const auto output : {PictureType::jpeg, PictureType::png, PictureType::heic})
+    expectColour(seen(rendered(gray, {.output = output, .longEdge = 100}).bytes), 75, 45, {128}, "gray");
+  expectColour(seen(pool.thumbnail(gray, 50, 0.9).value()), 37, 22, {128}, "gray");
+}
+
+TEST_F(DecodingTest, AWideGamutStaysInPhotosAndIsConvertedInThumbnails) {
+  const auto wide = quarters(100, 60).icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
+  for (const char *name : {"p3.jpg", "p3.png"}) {
+    const auto file = save(name, wide);
+    for (const auto output : {PictureType::jpeg, PictureType::png, PictureType::heic}) {
+      const auto bytes = rendered(file, {.output = output, .longEdge = 100, .stripAllMetadata = true}).bytes;
+      EXPECT_EQ(picture::readMetadata(picture::bytesOf(bytes), output).icc, picture::colourProfile(wide))
+          << name;
+      expectColour(seen(bytes), 25, 15, wide.getpoint(25, 15), name);
+    }
+    const auto thumbnail = pool.thumbnail(file, 50, 0.9).value();
+    EXPECT_EQ(picture::readMetadata(picture::bytesOf(thumbnail), PictureType::jpeg), picture::Metadata{});
+    expectQuarters(seen(thumbnail), name);
+  }
+}
+
+TEST_F(DecodingTest, TheSearchForASizeLowersQualityThenSizeAndStopsAtTheSmallest) {
+  // Noise, which does not get small.
+  const auto noise = VImage::gaussnoise(1400, 900, VImage::option()->set("mean", 128)->set("sigma", 60))
+                         .bandjoin(VImage::gaussnoise(1400, 900, VImage::option()->set("sigma", 60)))
+                         .bandjoin(VImage::gaussnoise(1400, 900, VImage::option()->set("sigma", 60)))
+                         .cast(VIPS_FORMAT_UCHAR);
+  const auto file =
+      save("noise.png", noise.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB)));
+  RenderRequest request{.output = PictureType::jpeg, .longEdge = 1400};
+  const auto full = static_cast<std::int64_t>(rendered(file, request).bytes.size());
+  request.maxBytes = full * 9 / 10;
+  const auto lower = rendered(file, request);
+  EXPECT_LE(static_cast<std::int64_t>(lower.bytes.size()), *request.maxBytes);
+  EXPECT_EQ(lower.longEdge, 1400);
+  EXPECT_LT(lower.quality, 0.85);
+  request.maxBytes = full / 5;
+  const auto smaller = rendered(file, request);
+  EXPECT_TRUE(smaller.withinMaxBytes);
+  EXPECT_LT(smaller.longEdge, 1400);
+  EXPECT_GE(smaller.longEdge, 640);
+  request.maxBytes = 5000;
+  const auto smallest = rendered(file, request);
+  EXPECT_FALSE(smallest.withinMaxBytes);
+  EXPECT_EQ(smallest.longEdge, 640);
+  request = {.output = PictureType::png, .longEdge = 1400, .maxBytes = full};
+  EXPECT_LT(rendered(file, request).longEdge, 1400) << "a PNG has no quality to lower";
+}
+
+TEST_F(DecodingTest, DamagedOversizedAndForeignFilesAreErrorsAndTheNextPictureIsServed) {
+  const auto whole = save("whole.jpg", quarters(400, 300));
+  const std::string bytes = readFile(whole).value();
+  const auto cut = folder.write("cut.jpg", bytes.substr(0, bytes.size() / 2));
+  EXPECT_EQ(pool.render(cut, {.longEdge = 400}, Seconds(9)).error().fault, PictureFault::undecodable);
+  EXPECT_THAT(pool.thumbnail(cut, 100, 0.7).value(), StartsWith("\xFF\xD8")) << "what there is can be shown";
+
+  // A PNG of a few bytes that claims the largest picture there is.
+  std::string bomb = readFile(save("bomb.png", quarters(8, 8))).value();
+  bomb.replace(16, 8, std::string("\x7F\xFF\xFF\xFF\x7F\xFF\xFF\xFF", 8));
+  folder.write("bomb.png", bomb);
+  for (const auto &[name, content] :
+       std::vector<std::pair<std::string, std::string>>{{"bomb.png", bomb},
+                                                        {"text.jpg", "no picture"},
+                                                        {"empty.jpg", ""},
+                                                        {"start.jpg", "\xFF\xD8\xFF\xE0"}}) {
+    const auto file = folder.write(name, content);
+    EXPECT_FALSE(pool.thumbnail(file, 100, 0.7)) << name;
+    EXPECT_FALSE(pool.render(file, {.longEdge = 100}, Seconds(9))) << name;
+  }
+  EXPECT_EQ(pool.facts(folder / "text.jpg").error().fault, PictureFault::notAPicture);
+  EXPECT_EQ(pool.processCount(), 1U) << "none of these ends the process";
+  EXPECT_TRUE(pool.thumbnail(whole, 100, 0.7));
+}
+
+} // namespace
+} // namespace fennick

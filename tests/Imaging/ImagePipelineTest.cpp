@@ -1,0 +1,214 @@
+#include "FennickCore/Imaging/ImagePipeline.h"
+
+#include "FennickCore/Imaging/ProcessingPlan.h"
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Log.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using Operation = test::FaultyFileSystem::Operation;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+PictureFacts photo(PictureType type = PictureType::jpeg) {
+  return {.type = type,
+          .frames = 1,
+          .width = 4000,
+          .height = 3000,
+          .orientation = 1,
+          .hasLocation = true,
+          .hasMetadata = true};
+}
+
+// What is to be done with a picture, in short: the note, or the output with the longer side.
+std::string planned(const PictureFacts &facts, const ImagingOptions &options, bool heic = true,
+                    std::int64_t bytes = 3'000'000) {
+  const auto plan = ImagePipeline::plan(facts, bytes, options, [&] { return heic; });
+  if (const auto *leave = std::get_if<ImagePipeline::LeaveAlone>(&plan))
+    return leave->note;
+  if (const auto *encode = std::get_if<ImagePipeline::Encode>(&plan))
+    return std::string(preferredExtension(encode->request.output)) + " " +
+           std::to_string(encode->request.longEdge) +
+           (encode->remarks.empty() ? "" : " " + encode->remarks[0]);
+  return "undecodable";
+}
+
+TEST(ProcessingPlanTest, OnlyWhatMustChangeIsWrittenAnew) {
+  constexpr const char *kNothing = "无需处理 / no change needed";
+  EXPECT_EQ(planned(photo(), {}), kNothing);
+  EXPECT_EQ(planned(photo(), {.maxPixels = 4000}), kNothing);
+  EXPECT_EQ(planned(photo(), {.maxPixels = 2048}), "jpeg 2048");
+  EXPECT_EQ(planned(photo(), {.maxBytes = 3'000'000}), kNothing);
+  EXPECT_EQ(planned(photo(), {.maxBytes = 2'999'999}), "jpeg 4000");
+  EXPECT_EQ(planned(photo(), {.stripLocation = true}), "jpeg 4000");
+  EXPECT_EQ(planned(photo(), {.stripAllMetadata = true}), "jpeg 4000");
+  auto bare = photo();
+  bare.hasLocation = bare.hasMetadata = false;
+  bare.orientation = 6; // not upright is no reason by itself
+  EXPECT_EQ(planned(bare, {.stripLocation = true, .stripAllMetadata = true}), kNothing);
+  EXPECT_EQ(planned(photo(PictureType::heif), {}), kNothing);
+}
+
+TEST(ProcessingPlanTest, TheFormatFollowsTheChoiceAndWhatCanBeWritten) {
+  const ImagingOptions keep;
+  EXPECT_EQ(planned(photo(PictureType::webp), keep), "jpeg 4000 webp → JPEG");
+  EXPECT_EQ(planned(photo(PictureType::heic), keep, false), "jpeg 4000");
+  EXPECT_EQ(planned(photo(PictureType::png), {.format = OutputFormat::jpeg}), "jpeg 4000");
+  EXPECT_EQ(planned(photo(), {.format = OutputFormat::heic}), "heic 4000");
+  EXPECT_EQ(planned(photo(), {.maxPixels = 100, .format = OutputFormat::heic}, false),
+            "jpeg 100 本机不支持 HEIC 编码，改用 JPEG / HEIC unsupported, using JPEG");
+  EXPECT_EQ(planned(photo(), {.format = OutputFormat::png}), "png 4000");
+}
+
+TEST(ProcessingPlanTest, WhatIsNoSinglePictureOfOrdinarySizeIsLeftAlone) {
+  auto animated = photo(PictureType::webp);
+  animated.frames = 2;
+  EXPECT_EQ(planned(animated, {.maxPixels = 100}), "原样保存 / kept as is (webp)");
+  EXPECT_EQ(planned(photo(PictureType::gif), {.maxPixels = 100}), "原样保存 / kept as is (gif)");
+  EXPECT_EQ(planned(photo(PictureType::dng), {.maxPixels = 100}), "原样保存 / kept as is (dng)");
+  auto wide = photo();
+  wide.width = 30'000;
+  wide.height = 100;
+  EXPECT_EQ(planned(wide, {.maxPixels = 100}), "尺寸超限未处理 / oversized, not processed (30000×100)");
+  wide.height.reset();
+  EXPECT_EQ(planned(wide, {.maxPixels = 100}), "undecodable");
+}
+
+class ImagePipelineTest : public testing::Test {
+protected:
+  ImagePipelineTest() {
+    logTo([](std::string_view) {});
+    decoder.setFacts(photo());
+    decoder.setRendering(Rendering{.bytes = "encoded", .longEdge = 2048, .quality = 0.77});
+  }
+  ~ImagePipelineTest() override { logTo({}); }
+
+  ProcessResult process() {
+    return ImagePipeline::process(source, options, Seconds(90), {.decoder = decoder, .files = files});
+  }
+  // Every content in the folder and its sub-folders that is whole, temporaries apart.
+  [[nodiscard]] std::vector<std::string> contents() const {
+    std::vector<std::string> found;
+    for (const auto &entry : fs::recursive_directory_iterator(folder.path()))
+      if (entry.is_regular_file() && entry.path().extension() != ".out")
+        found.push_back(readFile(entry.path()).value());
+    std::ranges::sort(found);
+    return found;
+  }
+
+  test::TemporaryFolder folder;
+  test::FaultyFileSystem files;
+  test::FakeDecoder decoder;
+  ImagingOptions options{.maxPixels = 2048};
+  fs::path source = folder.write("a.jpg", "original");
+};
+
+TEST_F(ImagePipelineTest, TheEncodingTakesTheFilesPlaceWithItsTimeAndPermissions) {
+  const Instant received{std::chrono::seconds(1'700'000'000)};
+  ASSERT_TRUE(setPermissions(source, 0640) && setModificationTime(source, received));
+  folder.write("a.jpeg", "somebody else's");
+  const auto result = process();
+  EXPECT_EQ(result,
+            (ProcessResult{
+                .finalURL = folder / "a_2.jpeg", .processed = true, .note = "2048px · q77 · 7 字节 · JPEG"}));
+  EXPECT_THAT(folder.names(), ElementsAre(".fennick-incoming", "a.jpeg", "a_2.jpeg"));
+  EXPECT_THAT(folder.names(".fennick-incoming"), IsEmpty());
+  const auto status = fileStatus(folder / "a_2.jpeg").value();
+  EXPECT_EQ(status.modified, received);
+  EXPECT_EQ(status.permissions, 0640U);
+}
+
+TEST_F(ImagePipelineTest, AFileThatKeepsItsNameIsReplacedInOneStep) {
+  decoder.setFacts(photo(PictureType::png));
+  source = folder.write("day/b.png", "original");
+  folder.makeFolder(".fennick-incoming");
+  EXPECT_EQ(process().finalURL, source);
+  EXPECT_EQ(folder.read("day/b.png"), "encoded");
+  EXPECT_THAT(folder.names("day"), ElementsAre("b.png")) << "the save folder's own work folder is used";
+}
+
+TEST_F(ImagePipelineTest, TheOriginalIsKeptUnderAFreeNameAlsoWhereFilesHaveOneNameOnly) {
+  options.keepOriginal = true;
+  folder.write("originals/a.jpg", "an earlier one");
+  EXPECT_EQ(process().originalURL, folder / "originals/a_2.jpg");
+  source = folder.write("b.jpeg", "second");
+  files.failAlways(Operation::link, EPERM);
+  EXPECT_EQ(process().originalURL, folder / "originals/b.jpeg");
+  EXPECT_THAT(contents(), ElementsAre("an earlier one", "encoded", "encoded", "original", "second"));
+  EXPECT_EQ(folder.read("b.jpeg"), "encoded");
+}
+
+TEST_F(ImagePipelineTest, WhateverFailsThePhotoIsAsItWasAndNothingElseIsLeft) {
+  folder.makeFolder(".fennick-incoming");
+  for (const bool keep : {false, true})
+    for (const auto operation : {Operation::createDirectories, Operation::createFile, Operation::write,
+                                 Operation::sync, Operation::close, Operation::moveNoReplace}) {
+      options.keepOriginal = keep;
+      files.failNext(operation, ENOSPC);
+      const auto result = process();
+      EXPECT_EQ(result.finalURL, source);
+      EXPECT_EQ(result.note, "未处理 / skipped: No space left on device") << static_cast<int>(operation);
+      EXPECT_THAT(contents(), ElementsAre("original")) << static_cast<int>(operation) << keep;
+      EXPECT_THAT(folder.names(".fennick-incoming"), IsEmpty());
+      files.mend(operation);
+    }
+}
+
+TEST_F(ImagePipelineTest, BetweenAnyTwoStepsThePhotoExists) {
+  options.keepOriginal = true;
+  for (const bool links : {true, false}) {
+    source = folder.write("a.jpg", "original");
+    links ? files.mend(Operation::link) : files.failAlways(Operation::link, EPERM);
+    for (const auto step : {Operation::link, Operation::moveNoReplace, Operation::replace, Operation::remove,
+                            Operation::syncDirectory})
+      files.before(step, [&] { EXPECT_THAT(contents(), testing::Contains(AnyOf("original", "encoded"))); });
+    EXPECT_TRUE(process().processed);
+    EXPECT_THAT(contents(), testing::Contains("original"));
+    fs::remove_all(folder / "originals");
+  }
+}
+
+TEST_F(ImagePipelineTest, APhotoThatSomebodyChangedMeanwhileIsTheirs) {
+  decoder.before([&] {
+    if (decoder.calls() == 2)
+      folder.write("a.jpg", "edited meanwhile");
+  });
+  EXPECT_THAT(*process().note, StartsWith("未处理 / skipped: "));
+  EXPECT_EQ(folder.read("a.jpg"), "edited meanwhile");
+}
+
+TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
+  const std::vector<std::pair<PictureFault, std::string>> notes{
+      {PictureFault::timedOut, "处理超时 timed out"},
+      {PictureFault::crashed, "无法解码图片"},
+      {PictureFault::unencodable, "无法编码为 public.jpeg"},
+      {PictureFault::unsupported, "不处理的类型 public.jpeg"}};
+  for (const auto &[fault, note] : notes) {
+    decoder.setRendering(test::FakeDecoder::kFault(fault));
+    EXPECT_EQ(process(), (ProcessResult{.finalURL = source, .note = "未处理 / skipped: " + note}));
+  }
+  decoder.setFacts(test::FakeDecoder::kFault(PictureFault::notAPicture));
+  EXPECT_EQ(process().note, "非图片，原样保存 / not an image, kept as is");
+  decoder.setRendering(Rendering{.bytes = "e", .longEdge = 640, .quality = 0.53, .withinMaxBytes = false});
+  auto turned = photo(PictureType::tiff);
+  turned.orientation = 8;
+  decoder.setFacts(turned);
+  EXPECT_THAT(*process().note,
+              EndsWith("JPEG · 已转正 / rotated · tiff → JPEG；已到最小尺寸/质量，仍超出体积上限 / at "
+                       "minimum, still over the size limit"));
+}
+
+} // namespace
+} // namespace fennick

@@ -1,0 +1,92 @@
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "tests/Imaging/PictureSamples.h"
+
+#include <gmock/gmock.h>
+
+namespace fennick::picture::test {
+namespace {
+
+using namespace std::string_literals;
+using testing::HasSubstr;
+using testing::Not;
+
+ExifBlock parsed(const std::string &block) { return ExifBlock::parse(block).value(); }
+
+int differences(const std::string &a, const std::string &b) {
+  int count = 0;
+  for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i)
+    count += a[i] != b[i] ? 1 : 0;
+  return count;
+}
+
+TEST(PictureExif, OrientationChangesInItsPlaceInBothByteOrders) {
+  for (const ByteOrder order : {ByteOrder::little, ByteOrder::big}) {
+    const std::string tiff = sampleExif({.order = order});
+    ExifBlock block = parsed("Exif\0\0"s + tiff);
+    EXPECT_EQ(block.orientation(), 6);
+    ASSERT_TRUE(block.setOrientation(8));
+    EXPECT_EQ(block.orientation(), 8);
+    EXPECT_EQ(block.tiff().size(), tiff.size());
+    EXPECT_EQ(differences(block.tiff(), tiff), 1);
+  }
+}
+
+TEST(PictureExif, ABlockWithoutOrientationGrowsAtItsEndAndNothingElseMoves) {
+  const std::string tiff = sampleExif({.orientation = std::nullopt});
+  ExifBlock block = parsed(tiff);
+  EXPECT_EQ(block.orientation(), std::nullopt);
+  ASSERT_TRUE(block.setOrientation(3));
+  EXPECT_EQ(block.orientation(), 3);
+  EXPECT_EQ(block.tiff().substr(8, tiff.size() - 8), tiff.substr(8));
+  EXPECT_TRUE(block.hasGPS() && block.hasExif() && block.hasTIFF() && block.hasThumbnail());
+  EXPECT_EQ(parsed(ExifBlock::minimal(5)).orientation(), 5);
+}
+
+TEST(PictureExif, LocationAndPreviewLeaveNoByteAndTheMakersNotesStayInPlace) {
+  for (const ByteOrder order : {ByteOrder::little, ByteOrder::big}) {
+    const std::string tiff = sampleExif({.order = order});
+    ExifBlock block = parsed(tiff);
+    block.removeGPS();
+    EXPECT_FALSE(block.hasGPS());
+    EXPECT_TRUE(block.hasThumbnail());
+    EXPECT_THAT(block.tiff(), Not(HasSubstr(kLatitude.substr(0, 8))));
+    EXPECT_EQ(block.orientation(), 6);
+    block.removeThumbnail();
+    EXPECT_FALSE(block.hasThumbnail());
+    EXPECT_THAT(block.tiff(), Not(HasSubstr("preview")));
+    EXPECT_EQ(block.tiff().find(kMakerNote), tiff.find(kMakerNote));
+    EXPECT_TRUE(block.hasExif() && block.hasTIFF());
+  }
+}
+
+TEST(PictureExif, PlaceNamesInPanasonicsNotesGo) {
+  const std::string entry = "\x6D\0\x02\0\x04\0\0\0Kyo\0"s; // a city
+  ExifBlock block = parsed(sampleExif({.makerNote = "Panasonic\0\0\0\1\0"s + entry + "\0\0\0\0"s}));
+  ASSERT_THAT(block.tiff(), HasSubstr("Kyo"));
+  block.removeGPS();
+  EXPECT_THAT(block.tiff(), Not(HasSubstr("Kyo")));
+  EXPECT_THAT(block.tiff(), HasSubstr("Panasonic"));
+}
+
+TEST(PictureExif, ACircleOfDirectoriesAndACutBlockEnd) {
+  const std::string whole = sampleExif();
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    auto block = ExifBlock::parse(whole.substr(0, length));
+    if (!block)
+      continue;
+    block->removeGPS();
+    block->removeThumbnail();
+    const bool isSet = block->setOrientation(2);
+    EXPECT_TRUE(!isSet || block->orientation() == 2);
+  }
+  TiffWriter circle(ByteOrder::little);
+  const std::size_t at = 8;
+  ASSERT_EQ(circle.directory({circle.longValue(0x8769, at)}, at), at);
+  ExifBlock block = parsed(circle.finish(at));
+  EXPECT_FALSE(block.hasGPS());
+  block.removeThumbnail();
+  EXPECT_FALSE(block.hasThumbnail());
+}
+
+} // namespace
+} // namespace fennick::picture::test

@@ -1,0 +1,162 @@
+#include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataIptc.h"
+#include "tests/Imaging/PictureSamples.h"
+
+#include <gmock/gmock.h>
+
+namespace fennick::picture::test {
+namespace {
+
+using namespace std::string_literals;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr MetadataChange kKeep{.width = 640, .height = 480};
+constexpr MetadataChange kNoLocation{.width = 640, .height = 480, .stripLocation = true};
+constexpr MetadataChange kNothing{.width = 640, .height = 480, .stripAll = true};
+
+const std::string kPlaces = R"(exif:GPSLatitude="43,28.0N" photoshop:City="Arezzo" )";
+const std::string kRating = R"(xmp:Rating="5")";
+
+Metadata everything() {
+  return {.exif = sampleExif({.orientation = 1, .hasPreview = false}),
+          .xmp = sampleXmp(kPlaces + kRating),
+          .iptc = iptcSet(120, "a caption") + iptcSet(90, "Arezzo"),
+          .icc = numberText(150'000, 4) + std::string(149'996, 'c'),
+          .extendedXMP = {}};
+}
+
+std::string written(const std::string &file, const Metadata &metadata) {
+  return writeInto(bytesOf(file), metadata).value();
+}
+
+TEST(PictureMetadata, WhatIsWrittenIntoAJpegIsReadAgain) {
+  const std::string file = written(sampleJpeg(), everything());
+  EXPECT_EQ(readMetadata(bytesOf(file), PictureType::jpeg), everything());
+  EXPECT_TRUE(file.ends_with(kJpegScan));
+  EXPECT_EQ(jpegSegments(file).at(0).marker, kAPP0);
+  EXPECT_EQ(jpegEnd(file), file.size());
+}
+
+TEST(PictureMetadata, APngTakesIptcAsXmp) {
+  const std::string file = written(samplePng(), withIptcInXmp(everything()));
+  const Metadata read = readMetadata(bytesOf(file), PictureType::png);
+  EXPECT_EQ(read.exif, everything().exif);
+  EXPECT_EQ(read.icc, everything().icc);
+  EXPECT_THAT(read.xmp, HasSubstr("a caption"));
+  EXPECT_THAT(read.xmp, HasSubstr("Rating"));
+}
+
+TEST(PictureMetadata, OlderPngTextHoldsExifToo) {
+  std::string digits;
+  for (const char c : sampleExif())
+    for (const int half : {static_cast<unsigned char>(c) >> 4, c & 15})
+      digits += "0123456789abcdef"[half];
+  const std::string text = "\nexif\n     306\n" + digits + "\n";
+  const std::string file = samplePng(pngChunk("zTXt", "Raw profile type exif\0\0"s + deflated(text)));
+  EXPECT_EQ(readMetadata(bytesOf(file), PictureType::png).exif, sampleExif());
+}
+
+TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
+  Metadata metadata = everything();
+  metadata.exif = sampleExif();
+  metadata.extendedXMP = "<exif:GPSLatitude>";
+  EXPECT_TRUE(hasLocation(metadata));
+  const Metadata prepared = prepare(metadata, kKeep);
+  const auto exif = ExifBlock::parse(prepared.exif);
+  EXPECT_EQ(exif->orientation(), 1);
+  EXPECT_TRUE(exif->hasGPS());
+  EXPECT_FALSE(exif->hasThumbnail());
+  EXPECT_THAT(prepared.exif, Not(HasSubstr(numberText(4000, 4, ByteOrder::little))));
+  EXPECT_EQ(prepared.xmp, metadata.xmp);
+  EXPECT_EQ(prepared.iptc, metadata.iptc);
+  EXPECT_TRUE(prepared.extendedXMP.empty());
+
+  metadata.xmp = sampleXmp(R"(tiff:Orientation="6" exif:PixelXDimension="4000" )" + kRating);
+  const std::string xmp = prepare(metadata, kKeep).xmp;
+  EXPECT_THAT(xmp, HasSubstr(R"(tiff:Orientation="1")"));
+  EXPECT_THAT(xmp, HasSubstr(R"(exif:PixelXDimension="640")"));
+  EXPECT_THAT(xmp, HasSubstr(kRating));
+}
+
+TEST(PictureMetadata, EachPlaceThatLocationHidesInIsFoundAndEmptied) {
+  const std::vector<Metadata> hiding{
+      {.exif = sampleExif(), .xmp = {}, .iptc = {}, .icc = {}, .extendedXMP = {}},
+      {.exif = {}, .xmp = sampleXmp(kPlaces + kRating), .iptc = {}, .icc = {}, .extendedXMP = {}},
+      {.exif = {},
+       .xmp = {},
+       .iptc = iptcSet(120, "a caption") + iptcSet(101, "Italia"),
+       .icc = {},
+       .extendedXMP = {}},
+  };
+  for (const Metadata &metadata : hiding) {
+    EXPECT_TRUE(hasLocation(metadata));
+    const Metadata prepared = prepare(metadata, kNoLocation);
+    EXPECT_FALSE(hasLocation(prepared));
+    EXPECT_TRUE(hasMetadata(prepared));
+    EXPECT_TRUE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, true, false));
+    EXPECT_FALSE(proveRemoved(bytesOf(written(sampleJpeg(), metadata)), PictureType::jpeg, true, false));
+    EXPECT_FALSE(
+        proveRemoved(bytesOf(written(samplePng(), withIptcInXmp(metadata))), PictureType::png, true, false));
+    EXPECT_FALSE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, false, true));
+  }
+  EXPECT_THAT(prepare(hiding[1], kNoLocation).xmp, HasSubstr("Rating"));
+  EXPECT_THAT(prepare(hiding[2], kNoLocation).iptc, HasSubstr("a caption"));
+}
+
+TEST(PictureMetadata, NothingButTheColourProfileIsLeftWhenAllHasToGo) {
+  const Metadata prepared = prepare(everything(), kNothing);
+  EXPECT_FALSE(hasMetadata(prepared));
+  EXPECT_EQ(prepared.icc, everything().icc);
+  Metadata padded = everything();
+  padded.icc += "padding";
+  EXPECT_EQ(prepare(padded, kNothing).icc, everything().icc);
+  EXPECT_TRUE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, true, true));
+  EXPECT_TRUE(proveRemoved(bytesOf(written(samplePng(), prepared)), PictureType::png, true, true));
+}
+
+TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
+  const auto clean = [](const std::string &file, PictureType type, bool all) {
+    return proveRemoved(bytesOf(file), type, true, all);
+  };
+  const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + ExifBlock::minimal(1));
+  const std::string hidden = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif());
+  const std::string preview = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif({.hasGPS = false}));
+  EXPECT_TRUE(clean(sampleJpeg(exif), PictureType::jpeg, false));
+  EXPECT_FALSE(clean(sampleJpeg(exif + hidden), PictureType::jpeg, false));
+  EXPECT_FALSE(clean(sampleJpeg(preview), PictureType::jpeg, false));
+  EXPECT_FALSE(clean(sampleJpeg() + hidden, PictureType::jpeg, false));
+  EXPECT_FALSE(clean(sampleJpeg(*jpegSegment(0xFE, "a comment")), PictureType::jpeg, true));
+  EXPECT_FALSE(clean(samplePng() + "more", PictureType::png, false));
+  EXPECT_FALSE(clean(samplePng(pngChunk("tEXt", "Comment\0from Arezzo"s)), PictureType::png, true));
+}
+
+TEST(PictureMetadata, AnExifBlockTooLargeForAJpegLosesTheMakersNotesOnly) {
+  const Metadata large{.exif = sampleExif({.hasPreview = false, .makerNote = std::string(70'000, 'm')}),
+                       .xmp = {},
+                       .iptc = {},
+                       .icc = {},
+                       .extendedXMP = {}};
+  const Metadata read = readMetadata(bytesOf(written(sampleJpeg(), large)), PictureType::jpeg);
+  EXPECT_THAT(read.exif, HasSubstr("a description"));
+  EXPECT_THAT(read.exif, HasSubstr("2024:05:01 10:00:00"));
+  EXPECT_TRUE(hasLocation(read));
+  EXPECT_LT(read.exif.size(), 1'000);
+  Metadata impossible;
+  impossible.xmp = std::string(70'000, 'x');
+  EXPECT_EQ(writeInto(bytesOf(sampleJpeg()), impossible).error(), PictureFault::unencodable);
+}
+
+TEST(PictureMetadata, ATiffsExifLeavesOutHowItsPixelsAreStored) {
+  const std::string exif = readMetadata(bytesOf(sampleTiff(false, 6)), PictureType::tiff).exif;
+  EXPECT_THAT(exif, HasSubstr("some scanner"));
+  const auto block = ExifBlock::parse(exif);
+  EXPECT_EQ(block->orientation(), 6);
+  const auto layout = TiffLayout::of(block->tiff());
+  EXPECT_EQ(layout->firstDirectory(block->tiff())->entries.size(), 2U);
+}
+
+} // namespace
+} // namespace fennick::picture::test

@@ -1,0 +1,158 @@
+#include "tests/Imaging/PictureSamples.h"
+
+#include "FennickCore/Imaging/Picture/Containers.h"
+
+namespace fennick::picture::test {
+
+using namespace std::string_literals;
+
+TiffWriter::TiffWriter(ByteOrder byteOrder, bool isBigTiff)
+    : order_(byteOrder), isBig_(isBigTiff), data_(byteOrder == ByteOrder::little ? "II" : "MM") {
+  data_ += isBig_ ? numberText(43, 2, order_) + numberText(8, 2, order_) + numberText(0, 2, order_)
+                  : numberText(42, 2, order_);
+  data_ += std::string(isBig_ ? 8 : 4, '\0');
+}
+
+TiffValue TiffWriter::shortValue(std::uint16_t tag, std::uint16_t value) const {
+  return {tag, 3, 1, numberText(value, 2, order_)};
+}
+TiffValue TiffWriter::longValue(std::uint16_t tag, std::uint64_t value) const {
+  return {tag, 4, 1, numberText(value, 4, order_)};
+}
+TiffValue TiffWriter::text(std::uint16_t tag, const std::string &value, std::uint16_t type) {
+  return {tag, type, value.size(), value};
+}
+
+std::size_t TiffWriter::blob(const std::string &bytes) {
+  data_.resize((data_.size() + 1) / 2 * 2);
+  data_ += bytes;
+  return data_.size() - bytes.size();
+}
+
+std::size_t TiffWriter::directory(const std::vector<TiffValue> &values, std::uint64_t next) {
+  const std::size_t pointer = isBig_ ? 8 : 4;
+  std::string entries = numberText(values.size(), isBig_ ? 8 : 2, order_);
+  for (const auto &[tag, type, count, bytes] : values) {
+    std::string place = bytes.size() <= pointer ? bytes : numberText(blob(bytes), pointer, order_);
+    place.resize(pointer);
+    entries +=
+        numberText(tag, 2, order_) + numberText(type, 2, order_) + numberText(count, pointer, order_) + place;
+  }
+  return blob(entries + numberText(next, pointer, order_));
+}
+
+std::string TiffWriter::finish(std::uint64_t first) {
+  writeNumber(data_, isBig_ ? 8 : 4, first, isBig_ ? 8 : 4, order_);
+  return data_;
+}
+
+std::string sampleExif(const SampleExif &sample) {
+  TiffWriter tiff(sample.order);
+  const auto gps = tiff.directory({TiffWriter::text(1, "N\0"s), {2, 5, 3, kLatitude}});
+  const auto exif = tiff.directory({TiffWriter::text(0x9003, "2024:05:01 10:00:00\0"s),
+                                    TiffWriter::text(0x927C, sample.makerNote, 7),
+                                    tiff.longValue(0xA002, 4000), tiff.shortValue(0xA003, 3000)});
+  const auto preview = tiff.blob(kPreview);
+  const auto second = tiff.directory(
+      {tiff.shortValue(0x0103, 6), tiff.longValue(0x0201, preview), tiff.longValue(0x0202, kPreview.size())});
+  std::vector<TiffValue> values{TiffWriter::text(0x010E, "a description\0"s)};
+  if (sample.orientation)
+    values.push_back(tiff.shortValue(0x0112, *sample.orientation));
+  values.push_back(tiff.longValue(0x8769, exif));
+  if (sample.hasGPS)
+    values.push_back(tiff.longValue(0x8825, gps));
+  return tiff.finish(tiff.directory(values, sample.hasPreview ? second : 0));
+}
+
+std::string sampleJpeg(const std::string &segments) {
+  return "\xFF\xD8" + *jpegSegment(kAPP0, "JFIF\0\1\1\0\0\1\0\1\0\0"s) + segments + kJpegScan;
+}
+
+std::string samplePng(const std::string &chunks) {
+  return "\x89PNG\r\n\x1A\n" + pngChunk("IHDR", "\0\0\0\1\0\0\0\1\x8\0\0\0\0"s) + chunks +
+         pngChunk("IDAT", deflated("\0\0"s)) + pngChunk("IEND", "");
+}
+
+std::string sampleWebp() {
+  const std::uint64_t bits = 299 | 199U << 14;
+  const std::string chunk = webpChunk("VP8L", "\x2F" + numberText(bits, 4, ByteOrder::little) + "pixels");
+  return "RIFF" + numberText(chunk.size() + 4, 4, ByteOrder::little) + "WEBP" + chunk;
+}
+
+std::string sampleTiff(bool isBigTiff, std::optional<std::uint16_t> orientation, bool isDNG) {
+  TiffWriter tiff(ByteOrder::big, isBigTiff);
+  const auto strip = tiff.blob("pixel data");
+  std::vector<TiffValue> values{tiff.shortValue(0x0100, 10), tiff.shortValue(0x0101, 1),
+                                tiff.longValue(0x0111, strip)};
+  if (orientation)
+    values.push_back(tiff.shortValue(0x0112, *orientation));
+  values.push_back(TiffWriter::text(0x0131, "some scanner\0"s));
+  if (isDNG)
+    values.push_back(TiffWriter::text(0xC612, "\1\4\0\0"s, 1));
+  return tiff.finish(tiff.directory(values));
+}
+
+std::string box(const std::string &type, const std::string &payload) {
+  return numberText(payload.size() + 8, 4) + type + payload;
+}
+
+namespace {
+
+std::string infe(std::uint32_t item, const std::string &type) {
+  return box("infe",
+             numberText(2, 1) + numberText(0, 3) + numberText(item, 2) + numberText(0, 2) + type + "\0"s);
+}
+
+std::string metaBox(const SampleHeif &sample, const std::vector<std::string> &data, std::uint64_t dataAt) {
+  const std::string full(4, '\0');
+  std::string locations =
+      full + numberText(sample.offsetBytes << 4 | 4, 1) + numberText(0, 1) + numberText(data.size(), 2);
+  std::string infos;
+  for (std::uint32_t item = 1; item <= data.size(); ++item) {
+    locations += numberText(item, 2) + numberText(0, 2) + numberText(1, 2) +
+                 numberText(dataAt, sample.offsetBytes) + numberText(data[item - 1].size(), 4);
+    infos += infe(item, item == kExifItem ? "Exif" : "hvc1");
+    dataAt += data[item - 1].size();
+  }
+  std::string properties = box("ispe", full + numberText(400, 4) + numberText(300, 4));
+  if (sample.quarters)
+    properties += box("irot", numberText(*sample.quarters, 1));
+  const std::string turned = sample.quarters ? "\x02\x01\x82" : "\x01\x01";
+  const std::string other = sample.isSharedWithOther ? turned : "\x01\x01";
+  const std::string associations = full + numberText(3, 4) + numberText(kPrimary, 2) + turned +
+                                   numberText(kThumbnail, 2) + turned + numberText(kOther, 2) + other;
+  const auto reference = [](const std::string &type, std::uint32_t from) {
+    return box(type, numberText(from, 2) + numberText(1, 2) + numberText(kPrimary, 2));
+  };
+  return box("meta", full + box("pitm", full + numberText(kPrimary, 2)) +
+                         box("iinf", full + numberText(data.size(), 2) + infos) + box("iloc", locations) +
+                         box("iref", full + reference("thmb", kThumbnail) + reference("cdsc", kExifItem)) +
+                         box("iprp", box("ipco", properties) + box("ipma", associations)));
+}
+
+} // namespace
+
+std::string sampleHeif(const SampleHeif &sample) {
+  const std::string exif = numberText(6, 4) + std::string(kExifPrefix) + sampleExif();
+  const std::vector<std::string> data{"primary", "thumbnail", exif, "other"};
+  const std::string type = box("ftyp", "heic\0\0\0\0mif1heic"s);
+  const std::size_t metaBytes = metaBox(sample, data, 0).size();
+  std::string all;
+  for (const std::string &item : data)
+    all += item;
+  return type + metaBox(sample, data, type.size() + metaBytes + 8) + box("mdat", all);
+}
+
+std::string sampleXmp(const std::string &attributes) {
+  return R"(<?xpacket begin="" id="W5M0MpCehiHzreSzNTczkc9d"?><x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF )"
+         R"(xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"><rdf:Description rdf:about="" )"
+         R"(xmlns:xmp="http://ns.adobe.com/xap/1.0/" xmlns:exif="http://ns.adobe.com/exif/1.0/" )"
+         R"(xmlns:tiff="http://ns.adobe.com/tiff/1.0/" xmlns:photoshop="http://ns.adobe.com/photoshop/1.0/" )" +
+         attributes + "/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
+}
+
+std::string iptcSet(unsigned number, const std::string &value) {
+  return "\x1C\x02" + numberText(number, 1) + numberText(value.size(), 2) + value;
+}
+
+} // namespace fennick::picture::test
