@@ -1,30 +1,30 @@
 # Joins the parts of the phone page into the one file that is served:
 #   cmake -DPAGE=<folder of the parts> -DOUT=<file> -P JoinPage.cmake
-# page.html names the parts, each in a line "@include <part>". What only a reader of the sources needs is left out:
-# indentation, comments (whole lines, and in scripts those after two spaces), line ends after ; { and comma, and the
-# spaces of a style sheet. A script with a template literal is refused, since its lines and spaces may matter.
+# page.html names the parts in lines "@include <part>"; scripts share one line and are squeezed together. What only a
+# reader of the sources needs is left out: indentation, comments, quotes around plain attributes, spaces.
 cmake_minimum_required(VERSION 3.25)
-set(most 59999) # bytes, the placeholders' values not counted
+set(most 59900) # bytes; the values of the placeholders come on top
+
+function(read_scripts names result)
+  separate_arguments(names)
+  execute_process(COMMAND awk -f ${CMAKE_CURRENT_LIST_DIR}/squeeze.awk ${names} WORKING_DIRECTORY ${PAGE}
+    OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
+  set(${result} "${text}" PARENT_SCOPE)
+endfunction()
 
 function(read_part name result)
   file(READ ${PAGE}/${name} text)
-  string(PREPEND text "\n")
-  string(REGEX REPLACE "\n[ \t\n]+" "\n" text "${text}")
-  if(name MATCHES "\\.js$")
-    string(REGEX REPLACE "\n//[^\n]*" "" text "${text}")
-    string(REGEX REPLACE "  // [^\n]*" "" text "${text}")
-    if(text MATCHES "`")
-      message(FATAL_ERROR "${name}: no template literals in the page's scripts")
-    endif()
-    string(REGEX REPLACE "([;{,])\n" "\\1" text "${text}")
-  elseif(name MATCHES "\\.css$")
-    string(REGEX REPLACE "\n/\\*[^\n]*\\*/" "" text "${text}")
+  string(REGEX REPLACE "\n[ \t\n]+" "\n" text "\n${text}")
+  string(REGEX REPLACE "^\n" "" text "${text}")
+  if(name MATCHES "\\.css$")
+    string(REGEX REPLACE "/\\*[^\n]*\\*/\n" "" text "${text}")
     string(REGEX REPLACE "([{};:,]) +" "\\1" text "${text}")
     string(REGEX REPLACE " *([{}])" "\\1" text "${text}")
     string(REGEX REPLACE "([{};,])\n" "\\1" text "${text}")
     string(REPLACE ";}" "}" text "${text}")
+  else()
+    string(REGEX REPLACE "=\"([A-Za-z0-9#.-]+)\"([ >])" "=\\1\\2" text "${text}")
   endif()
-  string(REGEX REPLACE "^\n+" "" text "${text}")
   set(${result} "${text}" PARENT_SCOPE)
 endfunction()
 
@@ -32,12 +32,17 @@ read_part(page.html page)
 string(REGEX MATCHALL "@include [^\n]+" includes "${page}")
 foreach(line IN LISTS includes)
   string(REPLACE "@include " "" name "${line}")
-  read_part(${name} part)
+  if(name MATCHES "\\.js$")
+    read_scripts("${name}" part)
+  else()
+    read_part(${name} part)
+  endif()
   string(REPLACE "${line}\n" "${part}" page "${page}")
 endforeach()
 
 string(LENGTH "${page}" size)
+file(WRITE ${OUT} "${page}")
 if(size GREATER most)
+  file(REMOVE ${OUT})
   message(FATAL_ERROR "the phone page has ${size} bytes, ${most} are allowed")
 endif()
-file(WRITE ${OUT} "${page}")

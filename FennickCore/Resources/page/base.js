@@ -1,5 +1,6 @@
 const key = new URLSearchParams(location.search).get('k') || '';
-const $ = (id) => document.getElementById(id);
+const $ = new Proxy({}, { get: (none, id) => document.getElementById(id) });
+const on = (node, names, handle, how) => names.split(' ').forEach((name) => node.addEventListener(name, handle, how));
 const both = (zh, en) => zh + ' / ' + en;
 const now = () => Date.now();
 const path = (route) => route + '?k=' + encodeURIComponent(key);
@@ -43,7 +44,20 @@ let live = '';
 function announce(text) {
   if (text === live) return;
   live = text;
-  $('live').textContent = text;
+  $.live.textContent = text;
+}
+
+// Asks the computer and gives { code, json } or, for a refusal, { code, text }. No answer in time is an error.
+async function query(route) {
+  const stopper = new AbortController();
+  const alarm = setTimeout(() => stopper.abort(), 10000);
+  try {
+    const reply = await fetch(path(route), { cache: 'no-store', signal: stopper.signal });
+    const code = reply.status;
+    return code === 200 ? { code, json: await reply.json() } : { code, text: await reply.text() };
+  } finally {
+    clearTimeout(alarm);
+  }
 }
 
 // Lists kept by the browser for this computer. Private browsing or a full store may refuse; they then last as
@@ -73,11 +87,11 @@ const limit = {
 
   // The setting may have been lowered since the page was loaded; the refusal names the new value.
   learn(message) {
-    const found = /limit (\d+) bytes/.exec(message);
+    const found = /limit\s(\d+)\sbytes/.exec(message);
     if (found) limit.bytes = Number(found[1]);
   },
   refusal(file) {
-    if (file.size < 1) return both('空文件，没有内容可发', 'Empty file, nothing to send');
+    if (file.size < 1) return '空文件，没有内容可发 / Empty file, nothing to send';
     if (file.size <= limit.bytes) return '';
     const size = bytesText(limit.bytes);
     return both('太大，上限 ' + size, 'Too large, the limit is ' + size);

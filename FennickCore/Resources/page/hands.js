@@ -3,19 +3,20 @@
 function take(files) {
   const list = Array.from(files);
   if (!list.length) return;
+  gallery.show(false);
   queue.add(list);
   uploader.pump();
 }
 
 function wireChoosers() {
-  ['camera', 'chooser'].forEach((id) => $(id).addEventListener('change', (event) => {
+  ['camera', 'chooser'].forEach((id) => on($[id], 'change', (event) => {
     take(event.target.files);
     event.target.value = '';
   }));
 }
 
 function wireRows() {
-  $('upload').addEventListener('click', (event) => {
+  on($.upload, 'click', (event) => {
     const button = event.target.closest('[data-act]');
     const item = button && queue.items.get(Number(button.closest('.row').dataset.id));
     if (!item) return;
@@ -24,13 +25,13 @@ function wireRows() {
     else queue.remove(item);
   });
   const inState = (...states) => queue.list((item) => states.includes(item.state));
-  $('stop').addEventListener('click', uploader.stopAll);
-  $('holdButton').addEventListener('click', uploader.resume);
-  $('retryAll').addEventListener('click', () => uploader.retry(inState('failed')));
-  $('sendAll').addEventListener('click', () => uploader.retry(inState('known', 'cancelled')));
-  $('clear').addEventListener('click', () => {
+  on($.stop, 'click', uploader.stopAll);
+  on($.holdButton, 'click', uploader.resume);
+  on($.retryAll, 'click', () => uploader.retry(inState('failed')));
+  on($.sendAll, 'click', () => uploader.retry(inState('known', 'cancelled')));
+  on($.clear, 'click', () => {
     inState('saved').forEach(queue.remove);
-    $('chooser').focus({ preventScroll: true });
+    $.chooser.focus({ preventScroll: true });
   });
 }
 
@@ -46,28 +47,28 @@ function droppedFiles(transfer) {
 
 function wireDropAndPaste() {
   const carriesFiles = (event) => event.dataTransfer && Array.from(event.dataTransfer.types).includes('Files');
-  const veil = (on) => { $('veil').hidden = !on; };
-  document.addEventListener('dragover', (event) => {
+  const veil = (on) => { $.veil.hidden = !on; };
+  on(document, 'dragover', (event) => {
     if (!carriesFiles(event)) return;
     event.preventDefault();
     veil(true);
   });
-  document.addEventListener('dragleave', (event) => {
+  on(document, 'dragleave', (event) => {
     if (!event.relatedTarget) veil(false);
   });
-  document.addEventListener('drop', (event) => {
+  on(document, 'drop', (event) => {
     if (!carriesFiles(event)) return;
     event.preventDefault();
     veil(false);
     take(droppedFiles(event.dataTransfer));
   });
-  document.addEventListener('paste', (event) => {
+  on(document, 'paste', (event) => {
     if (event.clipboardData) take(event.clipboardData.files);
   });
 }
 
 function wireLife() {
-  document.addEventListener('visibilitychange', () => {
+  on(document, 'visibilitychange', () => {
     if (document.hidden) {
       marks.flush();
       status.plan();
@@ -75,9 +76,9 @@ function wireLife() {
       uploader.wake();
     }
   });
-  window.addEventListener('online', uploader.wake);
-  window.addEventListener('pagehide', marks.flush);
-  window.addEventListener('pageshow', (event) => {
+  on(window, 'online', uploader.wake);
+  on(window, 'pagehide', marks.flush);
+  on(window, 'pageshow', (event) => {
     if (event.persisted) uploader.wake();
   });
 }
@@ -86,4 +87,7 @@ wireChoosers();
 wireRows();
 wireDropAndPaste();
 wireLife();
+gallery.wire();
+viewer.wire();
+fetcher.wire();
 status.ask();

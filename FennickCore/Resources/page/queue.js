@@ -36,7 +36,7 @@ const queue = (function () {
       else listed.set(mark, admit(file, mark));
       added++;
     }
-    announce(added ? both('添加了 ' + added + ' 个', added + ' added') : twice ? both('已经在列表里', 'Already in the list') : '');
+    announce(added ? both('添加了 ' + added + ' 个', added + ' added') : twice ? '已经在列表里 / Already in the list' : '');
   }
 
   function admit(file, mark) {
@@ -44,7 +44,7 @@ const queue = (function () {
     items.set(item.id, item);
     const refusal = limit.refusal(file);
     if (refusal) set(item, 'failed', refusal);
-    else if (marks.has(mark)) set(item, 'known', both('已发送过', 'Already sent'));
+    else if (marks.has(mark)) set(item, 'known', '已发送过 / Already sent');
     else set(item, 'waiting');
     return item;
   }
@@ -73,7 +73,7 @@ const queue = (function () {
       let soonest = Infinity;
       for (const item of items.values()) {
         if (item.state !== 'waiting') continue;
-        if (item.notBefore <= now()) return { item };
+        if (item.notBefore <= now()) return { ready: item };
         soonest = Math.min(soonest, item.notBefore);
       }
       return { at: soonest };

@@ -2,7 +2,6 @@
 
 const status = (function () {
   const calm = 12000;      // between two questions while all is well and the page is seen
-  const patience = 10000;  // for one answer
   let state = 'asking';    // asking, ok, lost, key, banned
   let info = {};
   let asking = null;
@@ -20,8 +19,8 @@ const status = (function () {
     return state;
   }
 
-  // A hidden page asks nothing, unless files are waiting for the way back. A wrong key is not asked about again by itself: each question would
-  // count against this phone, and only a new scan helps.
+  // A hidden page asks nothing, unless files are waiting for the way back. A wrong key is not asked about again by
+  // itself: each question would count against this phone, and only a new scan helps.
   function plan() {
     clearTimeout(timer);
     if (state === 'key' || (document.hidden && !(state === 'lost' && uploader.running()))) return;
@@ -34,26 +33,19 @@ const status = (function () {
     return code === 429 ? 'banned' : 'lost';
   }
 
-  function question() {
-    const stopper = new AbortController();
-    const alarm = setTimeout(() => stopper.abort(), patience);
+  async function question() {
     const takenBefore = taken;
     askedAt = now();
-    return fetch(path('quota'), { cache: 'no-store', signal: stopper.signal })
-      .then((reply) => {
-        const next = verdict(reply.status);
-        if (next !== 'ok') return next;
-        return reply.json().then((json) => {
-          info = json;
-          taken -= takenBefore;
-          return next;
-        });
-      })
-      .catch(() => 'lost')
-      .then((next) => {
-        clearTimeout(alarm);
-        return next;
-      });
+    try {
+      const { code, json } = await query('quota');
+      if (json) {
+        info = json;
+        taken -= takenBefore;
+      }
+      return verdict(code);
+    } catch (e) {
+      return 'lost';
+    }
   }
 
   function ask() {

@@ -47,12 +47,12 @@ const uploader = (function () {
     if (hold && hold.until && hold.until <= now()) hold = null;
     while (!hold && !checking) {
       const next = queue.next();
-      if (!next.item) {
+      if (!next.ready) {
         if (next.at < Infinity) wakeAt(next.at);
         break;
       }
-      if (active.size >= slots(next.item) || !welcome() || !roomy() || !paced()) break;
-      start(next.item);
+      if (active.size >= slots(next.ready) || !welcome() || !roomy() || !paced()) break;
+      start(next.ready);
     }
     guard();
     view.soon();
@@ -182,7 +182,7 @@ const uploader = (function () {
     if (xhr.status !== 500) faults = 0;
     if (xhr.status === 200) saved(item, text);
     else if (xhr.status === 429) tooMany(item, text);
-    else refused(item, xhr.status, text || both('电脑拒绝了这个文件', 'The computer refused this file') + ' (' + xhr.status + ')');
+    else refused(item, xhr.status, text || '电脑拒绝了这个文件 / The computer refused this file' + ' (' + xhr.status + ')');
   }
 
   function saved(item, name) {
@@ -245,14 +245,14 @@ const uploader = (function () {
     item.notBefore = now() + pause(item.tries - 1);
     if (item.tries < tries) return queue.touch(item);
     const text = item.file.size > large
-      ? both('连接总是中断，也可能是电脑空间不够', 'The connection keeps breaking; the computer may also lack the room')
-      : both('连接总是中断，文件还在手机里', 'The connection keeps breaking; the file is still on the phone');
+      ? '连接总是中断，也可能是电脑空间不够 / The connection keeps breaking; the computer may also lack the room'
+      : '连接总是中断，文件还在手机里 / The connection keeps breaking; the file is still on the phone';
     queue.set(item, 'failed', text);
   }
 
   // A picked file can be gone by the time its turn comes (deleted, or still only in the cloud).
   function unreadable(item) {
-    if (item.state === 'waiting') queue.set(item, 'failed', both('读不到这个文件，请重新选择', 'Cannot read this file; please pick it again'));
+    if (item.state === 'waiting') queue.set(item, 'failed', '读不到这个文件，请重新选择 / Cannot read this file; please pick it again');
   }
 
   function readable(file) {
@@ -275,7 +275,7 @@ const uploader = (function () {
 
   function stopOne(item) {
     detach(item);
-    queue.set(item, 'cancelled', both('已取消', 'Cancelled'));
+    queue.set(item, 'cancelled', '已取消 / Cancelled');
     pump();
   }
 
@@ -335,12 +335,12 @@ const uploader = (function () {
 
   // While files are on their way the page watches them, and asks before it is left.
   function guard() {
-    const on = running();
-    if (on === Boolean(watch)) return;
-    if (on) {
+    const busy = running();
+    if (busy === Boolean(watch)) return;
+    if (busy) {
       lastTick = now();
       watch = setInterval(tick, 1000);
-      window.addEventListener('beforeunload', leaving);
+      on(window, 'beforeunload', leaving);
     } else {
       clearInterval(watch);
       watch = 0;

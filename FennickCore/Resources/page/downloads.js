@@ -1,0 +1,83 @@
+// ---- Fetcher: saves the chosen photos on the phone, one after another
+
+const fetcher = (function () {
+  const large = 200e6;  // bytes; a larger file is left to the browser, which need not hold it in memory
+  let stopper = null;   // while downloads run
+  let lent = '';        // the address of the photo that the browser is still storing
+
+  function hand(address, name) {
+    const link = document.createElement('a');
+    link.href = address;
+    link.download = name;
+    link.click();
+  }
+
+  // Takes back the memory of the photo before, which by now has been stored.
+  function lend(address) {
+    if (lent) URL.revokeObjectURL(lent);
+    lent = address;
+  }
+
+  // A pause of a moment, since a browser leaves out downloads that come too quickly.
+  async function one(item) {
+    const address = gallery.url('file', item);
+    if (item.bytes > large) return hand(address, item.name);
+    const reply = await fetch(address, { cache: 'no-store', signal: stopper.signal });
+    if (!reply.ok) throw reply.status;
+    lend(URL.createObjectURL(await reply.blob()));
+    hand(lent, item.name);
+    await new Promise((resolve) => setTimeout(resolve, 400));
+  }
+
+  async function start(list) {
+    const failed = [];
+    let done = 0;
+    stopper = new AbortController();
+    gallery.tally();
+    for (const item of list) {
+      show(item, done + failed.length, list.length);
+      try {
+        await one(item);
+        done++;
+        gallery.unpick(item);
+      } catch (reason) {
+        if (!stopper.signal.aborted) failed.push(item.name);
+        if (reason === 403 || reason === 429) stop();  // the others would be refused as well
+      }
+      if (stopper.signal.aborted) break;
+    }
+    stopper = null;
+    setTimeout(() => stopper || lend(''), 10000);
+    report(done, failed);
+  }
+
+  function show(item, before, all) {
+    say(before + 1 + ' / ' + all + ' · ' + item.name);
+    $.fetchBar.setAttribute('aria-valuemax', all);
+    $.fetchBar.setAttribute('aria-valuenow', before);
+    $.fetchBar.firstElementChild.style.transform = 'scaleX(' + before / all + ')';
+    swap(true);
+  }
+
+  function report(done, failed) {
+    swap(false);
+    say(both('已下载 ' + done + ' 张', done + ' downloaded') + (failed.length
+      ? ' · ' + both(failed.length + ' 张没下成，可重试', failed.length + ' failed, please retry') + ': ' + failed.slice(0, 3).join(', ') : ''));
+    gallery.tally();
+  }
+
+  function swap(running) {
+    $.fetch.hidden = running;
+    $.fetchBar.hidden = $.fetchStop.hidden = !running;
+  }
+
+  function say(text) {
+    $.fetchText.textContent = text;
+  }
+
+  function stop() {
+    if (stopper) stopper.abort();
+  }
+
+  return { start, stop, say, get running() { return Boolean(stopper); }, wire: () => on($.fetchStop, 'click', stop) };
+})();
