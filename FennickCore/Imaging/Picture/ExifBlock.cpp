@@ -161,13 +161,20 @@ bool ExifBlock::pointAnywhere(std::uint16_t tag) const {
   return std::ranges::any_of(directories(), [tag](const auto &d) { return d.find(tag) != nullptr; });
 }
 
+std::set<std::uint64_t> ExifBlock::placesInUse() const {
+  std::set<std::uint64_t> places;
+  for (const TiffDirectory &directory : directories()) {
+    places.insert(directory.at);
+    for (const TiffEntry &entry : directory.entries)
+      places.insert(entry.valueAt);
+  }
+  return places;
+}
+
 // Sets the directory to zero with those of its values elsewhere that no directory in use shares. The
 // directory itself is no longer one in use.
 void ExifBlock::zeroWithValues(const TiffDirectory &directory) {
-  std::set<std::size_t> used;
-  for (const TiffDirectory &other : directories())
-    for (const TiffEntry &entry : other.entries)
-      used.insert(entry.valueAt);
+  const auto used = placesInUse();
   for (const TiffEntry &entry : directory.entries)
     if (!entry.isInline && !used.contains(entry.valueAt))
       zeroStretch(entry.valueAt, entry.valueBytes);
@@ -181,17 +188,21 @@ void ExifBlock::zeroStretch(std::uint64_t at, std::uint64_t length) {
     zero(data_, at, length);
 }
 
-// The bytes that two entries of a directory give the places and lengths of.
+// The bytes that two entries of a directory give the places and lengths of. A length that is too large ends
+// where something in use begins.
 void ExifBlock::zeroData(const TiffDirectory &directory, std::uint16_t places, std::uint16_t lengths) {
   const TiffEntry *at = directory.find(places);
   const TiffEntry *bytes = directory.find(lengths);
   if (!at || !bytes)
     return;
+  const auto used = placesInUse();
   const auto starts = layout_.numbers(data_, *at);
   const auto sizes = layout_.numbers(data_, *bytes);
   std::uint64_t left = data_.size(); // stretches that lie on each other are not worth more
   for (std::size_t i = 0; i < std::min(starts.size(), sizes.size()); ++i) {
-    const std::uint64_t length = std::min(sizes[i], left);
+    const auto next = used.upper_bound(starts[i]);
+    const std::uint64_t room = next == used.end() ? left : std::min(left, *next - starts[i]);
+    const std::uint64_t length = std::min(sizes[i], room);
     zeroStretch(starts[i], length);
     left -= length;
   }

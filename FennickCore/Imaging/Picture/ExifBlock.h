@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -53,6 +54,7 @@ private:
   // Those of the chain with the EXIF and other directories they point to; not those that hold GPS.
   [[nodiscard]] std::vector<TiffDirectory> directories() const;
   [[nodiscard]] bool pointAnywhere(std::uint16_t tag) const;
+  [[nodiscard]] std::set<std::uint64_t> placesInUse() const;
   void zeroStretch(std::uint64_t at, std::uint64_t length);
   void zeroData(const TiffDirectory &directory, std::uint16_t places, std::uint16_t lengths);
   void zeroWithValues(const TiffDirectory &directory);

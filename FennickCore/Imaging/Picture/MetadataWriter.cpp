@@ -32,8 +32,9 @@ std::string preparedExif(const std::string &exif, const MetadataChange &change) 
   block->removeThumbnail();
   if (change.stripLocation)
     block->removeGPS();
-  const bool isClean = !change.stripLocation || !block->hasGPS(); // directories may lie on each other
-  return isClean ? block->tiff() : "";
+  // In a damaged block directories may lie on each other.
+  const bool isSound = ExifBlock::parse(block->tiff()) && !(change.stripLocation && block->hasGPS());
+  return isSound ? block->tiff() : "";
 }
 
 // A profile begins with its own length: what is behind that is not part of it, and one that is cut off is
