@@ -3,12 +3,14 @@
 #include "FennickCore/Platform/Mutex.h"
 #include "FennickCore/Upload/UploadRouter.h"
 #include "tests/Support/FakeClock.h"
+#include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -85,8 +87,11 @@ protected:
                               .naming = PrefixSequenceNaming{},
                               .subfolder = {}};
   std::int64_t maxBytes = 1'000'000;
+  std::optional<std::filesystem::path> gallery;
   UploadRouter::UploadPolicy policy;
 
+  TemporaryFolder cache;
+  FakeDecoder decoder;
   UploadRouter router{{.key = [this] { return key; },
                        .destination = [this] { return destination; },
                        .maxBytes = [this] { return maxBytes; },
@@ -95,11 +100,13 @@ protected:
                              const Locked locked(lock_);
                              reported_.push_back(record);
                            },
+                       .gallery = [this] { return gallery; },
                        .policy = [this] { return policy; }},
                       disk / "bundle",
                       files,
                       clock,
-                      activity};
+                      activity,
+                      UploadRouter::Thumbnails{.cacheDir = cache.path(), .decoder = decoder}};
 
 private:
   mutable Mutex lock_;
