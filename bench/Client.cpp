@@ -41,6 +41,18 @@ void sendAll(int socket, const char *data, std::size_t size) {
   }
 }
 
+// Until the server has closed the connection.
+std::string readAll(const fennick::FileDescriptor &socket) {
+  std::string answer;
+  std::array<char, 65536> buffer{};
+  while (true) {
+    const ssize_t count = ::recv(socket.get(), buffer.data(), buffer.size(), 0);
+    if (count <= 0)
+      return answer;
+    answer.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+}
+
 } // namespace
 
 fennick::FileDescriptor connectTo(std::uint16_t port) {
@@ -67,14 +79,17 @@ void sendBody(const fennick::FileDescriptor &socket, std::int64_t bytes) {
 }
 
 std::string readStatusLine(const fennick::FileDescriptor &socket) {
-  std::string answer;
-  std::array<char, 4096> buffer{};
-  while (true) {
-    const ssize_t count = ::recv(socket.get(), buffer.data(), buffer.size(), 0);
-    if (count <= 0)
-      return answer.substr(0, answer.find('\r'));
-    answer.append(buffer.data(), static_cast<std::size_t>(count));
-  }
+  const std::string answer = readAll(socket);
+  return answer.substr(0, answer.find('\r'));
+}
+
+std::string fetch(std::uint16_t port, const std::string &target) {
+  const auto socket = connectTo(port);
+  sendText(socket, fmt::format("GET {} HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n", target));
+  std::string answer = readAll(socket);
+  if (!answer.starts_with("HTTP/1.1 200"))
+    fail(fmt::format("GET {} was answered {}", target, answer.substr(0, answer.find('\r'))));
+  return answer.substr(answer.find("\r\n\r\n") + 4);
 }
 
 void upload(std::uint16_t port, const std::string &method, const std::string &target, std::int64_t bytes) {

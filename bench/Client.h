@@ -16,6 +16,9 @@ void sendBody(const fennick::FileDescriptor &socket, std::int64_t bytes);
 // The first line of the answer, once the server has closed the connection.
 [[nodiscard]] std::string readStatusLine(const fennick::FileDescriptor &socket);
 
+// Fetches `target` and gives the body; ends the program when the answer is not a success.
+[[nodiscard]] std::string fetch(std::uint16_t port, const std::string &target);
+
 // A whole upload; ends the program when the answer is not a success. `target` is the request target.
 void upload(std::uint16_t port, const std::string &method, const std::string &target, std::int64_t bytes);
 

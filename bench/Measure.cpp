@@ -2,6 +2,8 @@
 
 #include "FennickCore/Platform/Random.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -30,9 +32,9 @@ void runMany(int count, int parallel, const std::function<void(int)> &work) {
     });
 }
 
-std::vector<double> compare(const std::vector<Contender> &contenders, int rounds) {
+std::vector<double> compare(const std::vector<Contender> &contenders, int rounds, WarmUp warmUp) {
   std::vector<std::vector<double>> times(contenders.size());
-  for (int round = -1; round < rounds; ++round) {
+  for (int round = warmUp == WarmUp::yes ? -1 : 0; round < rounds; ++round) {
     for (std::size_t i = 0; i < contenders.size(); ++i) {
       const double seconds = secondsOf(contenders[i].run);
       contenders[i].cleanUp();
@@ -44,6 +46,15 @@ std::vector<double> compare(const std::vector<Contender> &contenders, int rounds
   for (const auto &values : times)
     medians.push_back(median(values));
   return medians;
+}
+
+void printTimes(const std::vector<Contender> &contenders, const std::vector<double> &seconds, int perRun) {
+  for (std::size_t i = 0; i < contenders.size(); ++i) {
+    fmt::print("    {:<34} {:>9.2f} ms", contenders[i].name, seconds[i] * 1e3 / perRun);
+    if (i > 0)
+      fmt::print("   {} takes {:.2f} x as long", contenders[0].name, seconds[0] / seconds[i]);
+    fmt::print("\n");
+  }
 }
 
 Scratch::Scratch(const std::filesystem::path &parent)

@@ -18,12 +18,19 @@ void runMany(int count, int parallel, const std::function<void(int)> &work);
 struct Contender {
   std::string name;
   std::function<void()> run;
-  std::function<void()> cleanUp; // not timed
+  std::function<void()> cleanUp = [] {}; // not timed
 };
+
+enum class WarmUp { yes, no }; // whether there is a round that does not count
 
 // Runs all contenders in turn, `rounds` times after a warm-up, so that each meets the same weather; gives the
 // median seconds of each.
-[[nodiscard]] std::vector<double> compare(const std::vector<Contender> &contenders, int rounds);
+[[nodiscard]] std::vector<double> compare(const std::vector<Contender> &contenders, int rounds,
+                                          WarmUp warmUp = WarmUp::yes);
+
+// Prints a line for each contender: its time, and that of the first one as a multiple of it. `perRun` is how
+// often a contender does in one run what its time is stated for.
+void printTimes(const std::vector<Contender> &contenders, const std::vector<double> &seconds, int perRun = 1);
 
 // A new, empty folder below `parent`, removed with its content at the end of the program's scope.
 class Scratch {

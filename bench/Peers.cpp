@@ -48,6 +48,7 @@ fennick::UploadRouter::Providers providers(const fs::path &folder, const Service
               },
           .maxBytes = [] { return std::int64_t{1} << 40; },
           .onUpload = [](const auto &) {},
+          .gallery = [=] { return options.gallery; },
           .policy =
               [=] {
                 return fennick::UploadRouter::UploadPolicy{.folderLimit = options.folderLimit,
@@ -81,6 +82,9 @@ IOResult<void> BenchFileSystem::moveNoReplace(const fs::path &from, const fs::pa
 IOResult<void> BenchFileSystem::replace(const fs::path &from, const fs::path &to) {
   return system_.replace(from, to);
 }
+IOResult<void> BenchFileSystem::link(const fs::path &from, const fs::path &to) {
+  return system_.link(from, to);
+}
 IOResult<void> BenchFileSystem::remove(const fs::path &file) { return system_.remove(file); }
 IOResult<void> BenchFileSystem::syncDirectory(const fs::path &folder) {
   return sync_ == Sync::yes ? system_.syncDirectory(folder) : IOResult<void>();
@@ -98,7 +102,8 @@ fennick::Uptime HastyClock::uptime() const {
 }
 
 Service::Service(const fs::path &folder, const Options &options)
-    : files_(options.sync), router_(providers(folder, options), folder, files_, hasty_, activity_),
+    : files_(options.sync),
+      router_(providers(folder, options), folder, files_, hasty_, activity_, options.thumbnails),
       limiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, limiter_, clock_) {}
 
 std::uint16_t Service::start() { return server_.start(0, 1).value(); }
@@ -152,10 +157,11 @@ std::unique_ptr<Nginx> Nginx::start(const fs::path &folder) {
   std::ofstream(configuration) << fmt::format(
       "pid {0}/pid; error_log {0}/error.log; worker_processes 2; user root;\n"
       "events {{ worker_connections 256; }}\n"
-      "http {{ access_log off; client_max_body_size 0; client_body_temp_path {0}/temp;\n"
+      "http {{ access_log off; sendfile on; tcp_nopush on;\n"
+      "  client_max_body_size 0; client_body_temp_path {0}/temp;\n"
       "  client_body_buffer_size 256k;\n"
       "  server {{ listen 127.0.0.1:{1}; root {0}/files;\n"
-      "    location / {{ dav_methods PUT; }} }} }}\n",
+      "    location / {{ dav_methods PUT; autoindex on; autoindex_format json; }} }} }}\n",
       base.string(), port);
   const std::string command =
       fmt::format("nginx -e {}/error.log -c {} 2>/dev/null", base.string(), configuration.string());

@@ -29,6 +29,7 @@ public:
                                         const std::filesystem::path &to) override;
   fennick::IOResult<void> replace(const std::filesystem::path &from,
                                   const std::filesystem::path &to) override;
+  fennick::IOResult<void> link(const std::filesystem::path &from, const std::filesystem::path &to) override;
   fennick::IOResult<void> remove(const std::filesystem::path &file) override;
   fennick::IOResult<void> syncDirectory(const std::filesystem::path &folder) override;
   fennick::IOResult<std::vector<fennick::DirectoryEntry>> list(const std::filesystem::path &folder) override;
@@ -56,6 +57,8 @@ public:
     Sync sync = Sync::yes;
     fennick::NamingPolicy naming;
     std::optional<std::int64_t> folderLimit;
+    std::optional<std::filesystem::path> gallery{}; // the folder that phones may look into
+    std::optional<fennick::UploadRouter::Thumbnails> thumbnails{};
   };
   Service(const std::filesystem::path &folder, const Options &options);
 
@@ -92,10 +95,11 @@ private:
   std::jthread thread_;
 };
 
-// nginx with its WebDAV module, bodies kept on the same file system as the folder.
+// nginx with its WebDAV module, bodies kept on the same file system as the folder. It also serves the files
+// and lists them as JSON.
 class Nginx {
 public:
-  // Nothing when it is not installed or does not start.
+  // Serves "nginx/files" in `folder`. Nothing when it is not installed or does not start.
   [[nodiscard]] static std::unique_ptr<Nginx> start(const std::filesystem::path &folder);
   ~Nginx();
   Nginx(const Nginx &) = delete;
