@@ -32,7 +32,10 @@ PhotoLibrary::Items placedByFolder(const PhotoLibrary::Items &wanted) {
     folders[item.url.parent_path()].push_back(&item);
     byDate.push_back(&item);
   }
-  std::ranges::stable_sort(byDate, std::greater{}, &PhotoItem::date);
+  std::ranges::sort(byDate, [](const PhotoItem *a, const PhotoItem *b) {
+    return a->date != b->date ? a->date > b->date
+                              : a < b; // they lie in one row: the order in which they come
+  });
   std::map<fs::path, std::size_t> next;
   PhotoLibrary::Items placed;
   for (const auto *item : byDate) {
@@ -213,11 +216,15 @@ void PhotoLibrary::reorder(const std::vector<fs::path> &files) {
   std::map<fs::path, std::size_t> ranks;
   for (const auto &file : files)
     ranks.try_emplace(file, ranks.size());
-  Items wanted = items_;
-  std::ranges::stable_sort(wanted, {}, [&](const PhotoItem &item) {
+  std::vector<std::pair<std::size_t, const PhotoItem *>> ranked; // those that are not named keep their order
+  for (const auto &item : items_) {
     const auto found = ranks.find(item.url);
-    return found == ranks.end() ? ranks.size() : found->second;
-  });
+    ranked.emplace_back(found == ranks.end() ? ranks.size() : found->second, &item);
+  }
+  std::ranges::sort(ranked);
+  Items wanted;
+  for (const auto &[rank, item] : ranked)
+    wanted.push_back(*item);
   Items placed = placedByFolder(wanted);
   storeOrders(placed);
   publish(std::move(placed));

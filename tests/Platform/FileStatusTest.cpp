@@ -16,15 +16,6 @@ namespace fs = std::filesystem;
 
 class FileStatusTest : public ::testing::Test {
 protected:
-  std::vector<std::string> namesIn(const fs::path &path, Links links) {
-    std::vector<std::string> names;
-    const auto entries =
-        readFolder(path, links, [](std::string_view name, FileKind) { return name != "unwanted"; });
-    for (const auto &entry : entries.value_or(std::vector<FolderEntry>{}))
-      names.push_back(entry.name);
-    return names;
-  }
-
   test::TemporaryFolder folder;
 };
 
@@ -40,24 +31,6 @@ TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
   }
   ASSERT_TRUE(setModificationTime(file, fresh.modified + std::chrono::hours(1))); // edited later
   EXPECT_EQ(fileStatus(file)->created(), fresh.born.value_or(fileStatus(file)->modified));
-}
-
-TEST_F(FileStatusTest, LinksAreSeenAsLinksAndLeftAlone) {
-  const auto file = folder.write("inside/file");
-  const auto before = fileStatus(file);
-  fs::create_symlink(file, folder / "link");
-  fs::create_directory_symlink(folder / "inside", folder / "folderlink");
-  EXPECT_EQ(fileStatus(folder / "link")->kind, FileKind::link);
-  EXPECT_TRUE(setModificationTime(folder / "link", Instant{}));
-  EXPECT_FALSE(setPermissions(folder / "link", 0600));
-  EXPECT_EQ(fileStatus(file), before);
-  EXPECT_TRUE(setPermissions(file, 0640));
-  EXPECT_EQ(fileStatus(file)->permissions, 0640U);
-
-  folder.write("inside/unwanted");
-  EXPECT_THAT(namesIn(folder / "folderlink", Links::follow), ::testing::ElementsAre("file"));
-  EXPECT_THAT(namesIn(folder / "folderlink", Links::refuse), ::testing::IsEmpty());
-  EXPECT_THAT(namesIn(folder / "inside", Links::refuse), ::testing::ElementsAre("file"));
 }
 
 TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBack) {

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <map>
 #include <set>
 
 namespace fennick {
@@ -28,38 +29,26 @@ protected:
     const auto renamed = PhotoFileOps::rename(file, name, files);
     return renamed ? renamed->filename().string() : renamed.error().description();
   }
-  std::vector<std::string> contents() {
-    std::vector<std::string> all;
-    for (const auto &entry : fs::directory_iterator(disk.path()))
-      if (entry.is_regular_file())
-        all.push_back(disk.read(entry.path().filename().string()));
-    std::ranges::sort(all);
-    return all;
-  }
-  // Four photos whose new names are those of one another: 1.jpg becomes 2.jpg, and so on.
-  std::vector<fs::path> exchanged() {
-    std::vector<fs::path> selection;
-    for (const char *name : {"2.jpg", "1.jpg", "4.jpg", "3.jpg"})
-      selection.push_back(disk.write(name, name));
-    return selection;
-  }
-  auto renumber(const std::vector<fs::path> &selection) {
-    return PhotoFileOps::batchRename(selection, {.prefix = "", .digits = 1, .start = 1}, files);
-  }
-  // From the nth move on, every move of so many fails.
-  void breakMoves(int first, int count) {
-    calls = 0;
+  // From the nth move on, so many fail. Before each, every photo is there under its old or its new name, or
+  // its old one behind a UUID.
+  void breakMoves(int first, int count, const fs::path &folder) {
+    call = 0;
     files.mend(Operation::moveNoReplace);
-    const auto breakOrMend = [this, first, count] {
-      ++calls; // of the call that is under way
-      if (calls + 1 == first)
-        files.failAlways(Operation::moveNoReplace, EIO);
-      if (calls + 1 == first + count)
-        files.mend(Operation::moveNoReplace);
-    };
-    files.before(Operation::moveNoReplace, breakOrMend);
     if (first == 1)
       files.failAlways(Operation::moveNoReplace, EIO);
+    files.before(Operation::moveNoReplace, [this, first, count, folder] {
+      ++call; // the switches decide about the next one
+      if (call + 1 == first)
+        files.failAlways(Operation::moveNoReplace, EIO);
+      if (call + 1 == first + count)
+        files.mend(Operation::moveNoReplace);
+      std::set<std::string> photos;
+      for (const auto &name : disk.names(folder.filename().string())) {
+        const auto photo = *photos.insert(disk.read((folder.filename() / name).string())).first;
+        EXPECT_TRUE(name.size() == 5 || name.substr(36) == "-" + photo) << name;
+      }
+      EXPECT_EQ(photos.size(), 4U);
+    });
   }
   static PictureFacts oriented(std::optional<std::int64_t> orientation) {
     PictureFacts facts;
@@ -75,7 +64,7 @@ protected:
   test::TemporaryFolder disk;
   test::FaultyFileSystem files;
   test::FakeDecoder decoder;
-  int calls = 0;
+  int call = 0;
 };
 
 TEST_F(PhotoFileOpsTest, ANameIsTrimmedCheckedAndKeepsItsExtensionAndNobodyElsesIsTaken) {
@@ -105,54 +94,45 @@ TEST_F(PhotoFileOpsTest, ABatchCountsUpPassesOverOthersAndGoesAcrossFoldersAndLo
       PhotoFileOps::batchRename(selection, {.prefix = "trip-", .digits = 2, .start = 8}, files);
   ASSERT_TRUE(renamed) << renamed.error().description();
   EXPECT_THAT(*renamed, ElementsAre(disk / "trip-09.jpg", disk / "sub/trip-10.png", disk / "trip-11.jpg"));
-  EXPECT_THAT(contents(), ElementsAre("first", "foreign", "foreign", "third"));
+  EXPECT_EQ(disk.read("trip-09.jpg") + disk.read("sub/trip-10.png") + disk.read("trip-11.jpg"),
+            "firstsecondthird");
   for (const char *bad : {".x", "a/", "a:", "../"})
     EXPECT_EQ(PhotoFileOps::batchRename(*renamed, {.prefix = bad}, files).error().kind,
               OpError::Kind::invalidName);
 }
 
-TEST_F(PhotoFileOpsTest, NamesAreExchangedAndAtEveryStepEachPhotoIsThereUnderATellingName) {
-  const auto selection = exchanged();
-  const auto all = contents();
-  files.before(Operation::moveNoReplace, [&] {
-    EXPECT_EQ(contents(), all);
-    for (const auto &name : disk.names()) // as it was, as it will be, or a UUID and as it was
-      EXPECT_TRUE(name.size() == 5 || name.substr(36) == "-" + disk.read(name)) << name;
-  });
-  ASSERT_TRUE(renumber(selection));
-  EXPECT_EQ(disk.read("1.jpg") + disk.read("2.jpg") + disk.read("3.jpg") + disk.read("4.jpg"),
-            "2.jpg1.jpg4.jpg3.jpg");
-}
-
-TEST_F(PhotoFileOpsTest, ABatchThatFailsAtAnyStepIsUndoneOrSaysWhatEachFileIsCalled) {
-  const auto selection = exchanged();
-  for (int step = 1; step <= 8; ++step)
+// Names are exchanged, and from each step on a number of moves fails: the batch's own, then those back.
+TEST_F(PhotoFileOpsTest, AtEveryStepEachPhotoHasATellingNameAndAFailedBatchIsUndoneOrSaysTheNames) {
+  const std::vector<std::string> names{"1.jpg", "2.jpg", "3.jpg", "4.jpg"};
+  for (int step = 1; step <= 9; ++step)
     for (int count = 1; count <= step; ++count) {
       SCOPED_TRACE(fmt::format("{} failures from move {}", count, step));
-      breakMoves(step, count);
-      const auto error = renumber(selection).error();
-      EXPECT_EQ(error.kind, count == 1 ? OpError::Kind::system : OpError::Kind::partlyRenamed);
-      std::set<std::string> expected{"1.jpg", "2.jpg", "3.jpg", "4.jpg"};
-      for (const auto &[from, to] : error.left) {
-        expected.erase(from.filename());
-        EXPECT_EQ(disk.read(to.filename().string()), from.filename());
-        EXPECT_THAT(error.description(), ::testing::HasSubstr(to.filename().string()));
+      std::vector<fs::path> selection;
+      for (const char *name : {"2.jpg", "1.jpg", "4.jpg", "3.jpg"})
+        selection.push_back(disk.write(fmt::format("{}-{}/{}", step, count, name), name));
+      breakMoves(step, count, selection.front().parent_path());
+      const auto renamed =
+          PhotoFileOps::batchRename(selection, {.prefix = "", .digits = 1, .start = 1}, files);
+      std::map<std::string, std::string> expected; // what each photo is called
+      for (const auto &name : names)
+        expected[name] = name;
+      if (step == 9) {
+        expected = {{"2.jpg", "1.jpg"}, {"1.jpg", "2.jpg"}, {"4.jpg", "3.jpg"}, {"3.jpg", "4.jpg"}};
+      } else {
+        ASSERT_FALSE(renamed);
+        const auto &error = renamed.error();
+        EXPECT_EQ(error.kind, count == 1 ? OpError::Kind::system : OpError::Kind::partlyRenamed);
+        for (const auto &[from, to] : error.left) {
+          expected[from.filename()] = to.filename();
+          EXPECT_THAT(error.description(), ::testing::HasSubstr(to.filename().string()));
+        }
       }
-      for (const auto &[from, to] : error.left)
-        expected.insert(to.filename());
-      EXPECT_THAT(disk.names(), ::testing::ElementsAreArray(expected));
-      files.before(Operation::moveNoReplace, nullptr);
-      files.mend(Operation::moveNoReplace);
-      for (const auto &[from, to] : error.left)
-        fs::rename(to, disk / ("aside-" + from.filename().string()));
-      for (const auto &[from, to] : error.left)
-        fs::rename(disk / ("aside-" + from.filename().string()), from);
-      for (const auto &file : selection)
-        ASSERT_EQ(disk.read(file.filename().string()), file.filename());
+      for (const auto &[photo, name] : expected)
+        EXPECT_EQ(disk.read(fmt::format("{}-{}/{}", step, count, name)), photo);
     }
 }
 
-TEST_F(PhotoFileOpsTest, AQuarterTurnGoesRoundTheEightOrientations) {
+TEST_F(PhotoFileOpsTest, AQuarterTurnGoesRoundTheEightOrientationsAndKeepsTheModeAndThePlace) {
   const auto photo = disk.write("a.jpg");
   constexpr std::array<std::int64_t, 8> kClockwise{6, 7, 8, 5, 2, 3, 4, 1};
   for (std::int64_t now = 1; now <= 8; ++now) {
@@ -168,14 +148,9 @@ TEST_F(PhotoFileOpsTest, AQuarterTurnGoesRoundTheEightOrientations) {
     EXPECT_EQ(rotate(photo, QuarterTurn::anticlockwise), "a.jpg turned 6");
   }
   decoder.setFacts(oriented(std::nullopt));
-  EXPECT_EQ(rotate(photo, QuarterTurn::anticlockwise), "a.jpg turned 8");
-}
-
-TEST_F(PhotoFileOpsTest, ATurnedPictureKeepsItsModeAndItsPlaceAndIsOneSecondNewer) {
-  const auto photo = disk.write("a.jpg");
   ASSERT_TRUE(setPermissions(photo, 0640));
   ASSERT_TRUE(setModificationTime(photo, Instant(std::chrono::milliseconds(7'900))));
-  EXPECT_EQ(rotate(photo), "a.jpg turned 6");
+  EXPECT_EQ(rotate(photo, QuarterTurn::anticlockwise), "a.jpg turned 8");
   EXPECT_EQ(fileStatus(photo)->permissions, 0640U);
   EXPECT_EQ(fileStatus(photo)->created(), Instant(std::chrono::seconds(8)));
 }

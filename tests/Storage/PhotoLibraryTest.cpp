@@ -200,17 +200,5 @@ TEST_F(PhotoLibraryTest, WhatThePersonDoesIsShownAtOnceAndByEveryLaterScan) {
   EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
 }
 
-TEST_F(PhotoLibraryTest, ALibraryMayGoWhileItIsAtWork) {
-  write("a.jpg", 1), write("b.jpg", 2);
-  decoder.hold();
-  library->setFolder(photos);
-  decoder.awaitHeld(1);
-  library->noteAdded(photos / "a.jpg");
-  std::jthread other([this] { decoder.release(); });
-  library.reset();
-  queue.advance(Seconds(10)); // what it had posted is dropped
-  EXPECT_LE(decoder.calls(), 2);
-}
-
 } // namespace
 } // namespace fennick

@@ -163,15 +163,6 @@ TEST_F(GalleryTest, ThumbnailsComeInTwoSizesAndOnlyFromPictures) {
   decoder.setThumbnail(decoder.kFault(PictureFault::crashed));
   write("b.jpg", 1);
   EXPECT_EQ(ask("GET /thumb/b.jpg?k=secret"), "respond 404 not found");
-  UploadRouter plain({.key = [this] { return key; },
-                      .destination = [this] { return destination; },
-                      .maxBytes = [this] { return maxBytes; },
-                      .onUpload = {},
-                      .gallery = [this] { return gallery; },
-                      .policy = [this] { return policy; }},
-                     disk.path(), files, clock, activity);
-  const auto head = HTTPRequestHead::parse("GET /thumb/a.jpg?k=secret HTTP/1.1\r\n").value();
-  EXPECT_EQ(std::get<HTTPRespond>(plain.route(head, remote)).response.status, 404);
 }
 
 } // namespace
