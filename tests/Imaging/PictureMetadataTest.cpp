@@ -130,6 +130,7 @@ TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
   EXPECT_FALSE(clean(sampleJpeg() + hidden, PictureType::jpeg, false));
   EXPECT_FALSE(clean(sampleJpeg(*jpegSegment(0xFE, "a comment")), PictureType::jpeg, true));
   EXPECT_FALSE(clean(samplePng() + "more", PictureType::png, false));
+  EXPECT_FALSE(clean(sampleHeif(), PictureType::heic, false));
   EXPECT_FALSE(clean(samplePng(pngChunk("tEXt", "Comment\0from Arezzo"s)), PictureType::png, true));
 }
 

@@ -69,7 +69,7 @@ std::string ExifBlock::minimal(std::uint16_t orientation) {
 std::optional<std::int64_t> ExifBlock::orientation() const {
   const auto first = layout_.firstDirectory(data_);
   const TiffEntry *entry = first ? first->find(kOrientation) : nullptr;
-  const auto value = entry ? layout_.number(data_, *entry) : std::nullopt;
+  const auto value = (entry != nullptr) ? layout_.number(data_, *entry) : std::nullopt;
   return value ? std::optional(static_cast<std::int64_t>(*value)) : std::nullopt;
 }
 
@@ -85,10 +85,11 @@ bool ExifBlock::stateOrientation(std::uint16_t orientation) {
   const auto before = this->orientation();
   const auto chain = layout_.chain(data_);
   const TiffEntry *entry = chain.empty() ? nullptr : chain[0].find(kOrientation);
-  if (!entry)
+  if (entry == nullptr)
     return layout_.appendShort(data_, kOrientation, orientation);
   const TiffEntry *preview = chain.size() > 1 ? chain[1].find(kOrientation) : nullptr;
-  if (before && preview && layout_.number(data_, *preview) == static_cast<std::uint64_t>(*before))
+  if (before && (preview != nullptr) &&
+      layout_.number(data_, *preview) == static_cast<std::uint64_t>(*before))
     (void)layout_.setNumber(data_, *preview, orientation);
   return layout_.setNumber(data_, *entry, orientation);
 }
@@ -193,7 +194,7 @@ void ExifBlock::zeroStretch(std::uint64_t at, std::uint64_t length) {
 void ExifBlock::zeroData(const TiffDirectory &directory, std::uint16_t places, std::uint16_t lengths) {
   const TiffEntry *at = directory.find(places);
   const TiffEntry *bytes = directory.find(lengths);
-  if (!at || !bytes)
+  if ((at == nullptr) || (bytes == nullptr))
     return;
   const auto used = placesInUse();
   const auto starts = layout_.numbers(data_, *at);
@@ -210,7 +211,7 @@ void ExifBlock::zeroData(const TiffDirectory &directory, std::uint16_t places, s
 
 void ExifBlock::removeEmbedded(std::size_t owner, std::uint16_t tag) {
   const auto directory = layout_.directory(data_, owner);
-  if (!directory || !directory->find(tag))
+  if (!directory || (directory->find(tag) == nullptr))
     return;
   for (const TiffEntry &entry : directory->entries)
     if (entry.tag == tag)
@@ -222,7 +223,7 @@ void ExifBlock::removeEmbedded(std::size_t owner, std::uint16_t tag) {
 void ExifBlock::removeGPSOf(std::size_t owner) {
   const auto directory = layout_.directory(data_, owner);
   const TiffEntry *entry = directory ? directory->find(kGPSDirectory) : nullptr;
-  if (!entry)
+  if (entry == nullptr)
     return;
   const auto unlinked = layout_.pointedTo(data_, *entry);
   layout_.removeEntries(data_, *directory, kGPSDirectory);
@@ -234,7 +235,7 @@ void ExifBlock::removeGPSOf(std::size_t owner) {
 void ExifBlock::removeMakersPlaces() {
   for (const TiffDirectory &directory : directories()) {
     const TiffEntry *note = directory.find(kMakerNote);
-    if (!note || note->isInline)
+    if ((note == nullptr) || note->isInline)
       continue;
     const auto text = std::string_view(data_).substr(note->valueAt, note->valueBytes);
     if (text.starts_with("Panasonic\0\0\0"sv)) {

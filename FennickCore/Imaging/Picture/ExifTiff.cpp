@@ -28,9 +28,9 @@ bool isUnsigned(std::uint16_t type) {
 TiffEntry entryAt(const TiffLayout &layout, std::string_view data, std::size_t at) {
   TiffEntry entry;
   entry.at = at;
-  entry.tag = static_cast<std::uint16_t>(*readNumber(data, at, 2, layout.order));
-  entry.type = static_cast<std::uint16_t>(*readNumber(data, at + 2, 2, layout.order));
-  entry.count = *readNumber(data, at + 4, layout.pointerBytes(), layout.order);
+  entry.tag = static_cast<std::uint16_t>(readNumber(data, at, 2, layout.order).value_or(0));
+  entry.type = static_cast<std::uint16_t>(readNumber(data, at + 2, 2, layout.order).value_or(0));
+  entry.count = readNumber(data, at + 4, layout.pointerBytes(), layout.order).value_or(0);
   const std::size_t unit = bytesOfType(entry.type);
   if (unit == 0 || entry.count > data.size() / unit)
     return entry;
@@ -38,7 +38,7 @@ TiffEntry entryAt(const TiffLayout &layout, std::string_view data, std::size_t a
   const std::size_t bytes = unit * entry.count;
   entry.isInline = bytes <= layout.pointerBytes();
   const std::uint64_t valueAt =
-      entry.isInline ? inlineAt : *readNumber(data, inlineAt, layout.pointerBytes(), layout.order);
+      entry.isInline ? inlineAt : readNumber(data, inlineAt, layout.pointerBytes(), layout.order).value_or(0);
   if (slice(data, valueAt, bytes)) {
     entry.valueAt = valueAt;
     entry.valueBytes = bytes;
@@ -123,7 +123,7 @@ std::vector<std::uint64_t> TiffLayout::numbers(std::string_view data, const Tiff
   if (!number(data, entry))
     return values;
   for (std::size_t i = 0; i < std::min<std::size_t>(entry.count, kMostEntries); ++i)
-    values.push_back(*readNumber(data, entry.valueAt + i * unit, unit, order));
+    values.push_back(readNumber(data, entry.valueAt + i * unit, unit, order).value_or(0));
   return values;
 }
 

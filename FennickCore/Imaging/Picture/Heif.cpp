@@ -289,7 +289,8 @@ std::string colourProfile(std::string_view file, const HeifFile &heif) {
   const HeifAssociations *own = heif.associations(heif.primary);
   for (const HeifAssociation &association : own ? own->list : std::vector<HeifAssociation>()) {
     const HeifBox *box = heif.property(association);
-    const auto kind = box && box->type == "colr"sv ? slice(file, box->payloadAt, 4) : std::nullopt;
+    const auto kind =
+        (box != nullptr) && box->type == "colr"sv ? slice(file, box->payloadAt, 4) : std::nullopt;
     if ((kind == "prof"sv || kind == "rICC"sv) && box->end >= box->payloadAt + 4)
       return std::string(file.substr(box->payloadAt + 4, box->end - box->payloadAt - 4));
   }
@@ -330,7 +331,7 @@ std::optional<PixelSize> heifStoredSize(Bytes bytes) {
   const std::string_view file = textOf(bytes);
   const auto heif = HeifFile::parse(file);
   const HeifBox *extent = heif ? heif->propertyOf(heif->primary, "ispe") : nullptr;
-  if (!extent || extent->end - extent->payloadAt < 12)
+  if ((extent == nullptr) || extent->end - extent->payloadAt < 12)
     return std::nullopt;
   return PixelSize{static_cast<std::int64_t>(*readNumber(file, extent->payloadAt + 4, 4)),
                    static_cast<std::int64_t>(*readNumber(file, extent->payloadAt + 8, 4))};

@@ -14,9 +14,9 @@ namespace fennick::picture {
 
 // Which of the eight orientations the primary picture's rotation and mirroring stand for; 1 when it has none.
 // Nothing for a file without a primary picture.
-[[nodiscard]] std::optional<std::int64_t> heifOrientation(Bytes file);
+[[nodiscard]] std::optional<std::int64_t> heifOrientation(Bytes bytes);
 // The primary picture's dimensions before any turning.
-[[nodiscard]] std::optional<PixelSize> heifStoredSize(Bytes file);
+[[nodiscard]] std::optional<PixelSize> heifStoredSize(Bytes bytes);
 
 // The blocks that describe the primary picture; empty: none.
 struct HeifBlocks {
@@ -24,11 +24,11 @@ struct HeifBlocks {
   std::string xmp;
   std::string icc;
 };
-[[nodiscard]] HeifBlocks heifBlocks(Bytes file);
+[[nodiscard]] HeifBlocks heifBlocks(Bytes bytes);
 
 // The file with the primary picture, its thumbnails and auxiliary pictures turned to `orientation` by their
 // properties, and EXIF in step where it states an orientation.
-[[nodiscard]] std::expected<std::string, PictureFault> heifWithOrientation(Bytes file,
+[[nodiscard]] std::expected<std::string, PictureFault> heifWithOrientation(Bytes bytes,
                                                                            std::int64_t orientation);
 
 } // namespace fennick::picture

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostBoxes = 4'096;
 constexpr std::size_t kMostItems = 16'384;
-constexpr std::size_t kMostExtents = 65'536; // of all items together
+constexpr std::size_t kMostExtents = 16'384; // of all items together
 
 // Reads numbers one behind the other; once one lies outside, all further ones are zero.
 class Cursor {
@@ -170,7 +170,7 @@ bool readReferences(std::string_view file, const HeifBox &box, HeifFile &found) 
 bool readAssociations(std::string_view file, const HeifBox &box, HeifFile &found) {
   Cursor cursor(file, box);
   const FullBox full(cursor);
-  const bool isWide = full.flags & 1;
+  const bool isWide = (full.flags & 1) != 0;
   for (auto left = cursor.take<std::uint32_t>(); left > 0 && cursor.isWhole(); --left) {
     if (found.perItem.size() == kMostItems)
       return false;
@@ -188,7 +188,7 @@ bool readAssociations(std::string_view file, const HeifBox &box, HeifFile &found
 bool readProperties(std::string_view file, const HeifBox &box, HeifFile &found) {
   const auto boxes = heifBoxes(file, box.payloadAt, box.end);
   const HeifBox *list = findBox(boxes, "ipco");
-  if (!list)
+  if (list == nullptr)
     return false;
   found.holders.push_back(box);
   found.propertyList = *list;
@@ -238,7 +238,7 @@ std::vector<HeifBox> heifBoxes(std::string_view file, std::size_t from, std::siz
 std::optional<HeifFile> HeifFile::parse(std::string_view file) {
   const auto boxes = heifBoxes(file, 0, file.size());
   const HeifBox *meta = findBox(boxes, "meta");
-  if (!meta || meta->end - meta->payloadAt < 4)
+  if ((meta == nullptr) || meta->end - meta->payloadAt < 4)
     return std::nullopt;
   HeifFile found;
   found.hasMovie = findBox(boxes, "moov") != nullptr;
@@ -246,7 +246,8 @@ std::optional<HeifFile> HeifFile::parse(std::string_view file) {
   const auto parts = heifBoxes(file, meta->payloadAt + 4, meta->end);
   if (const HeifBox *data = findBox(parts, "idat"))
     found.itemData = *data;
-  if (!findBox(parts, "pitm") || !readDescription(file, parts, found) || !found.item(found.primary))
+  if ((findBox(parts, "pitm") == nullptr) || !readDescription(file, parts, found) ||
+      (found.item(found.primary) == nullptr))
     return std::nullopt;
   return found;
 }
@@ -268,10 +269,10 @@ const HeifBox *HeifFile::property(const HeifAssociation &association) const {
 
 const HeifBox *HeifFile::propertyOf(std::uint32_t id, std::string_view type) const {
   const HeifAssociations *own = associations(id);
-  if (!own)
+  if (own == nullptr)
     return nullptr;
   for (const HeifAssociation &association : own->list)
-    if (const HeifBox *box = property(association); box && box->type == type)
+    if (const HeifBox *box = property(association); (box != nullptr) && box->type == type)
       return box;
   return nullptr;
 }
@@ -287,7 +288,7 @@ const HeifItem *HeifFile::describing(std::string_view type, std::string_view con
     });
     if (isOfPrimary)
       return &candidate;
-    first = first ? first : &candidate;
+    first = (first != nullptr) ? first : &candidate;
   }
   return first;
 }
@@ -295,8 +296,9 @@ const HeifItem *HeifFile::describing(std::string_view type, std::string_view con
 std::vector<HeifStretch> HeifFile::stretchesOf(const HeifItem &item, std::string_view file) const {
   if (item.construction > 1 || item.isElsewhere || (item.construction == 1 && !itemData))
     return {};
-  const std::size_t start = item.construction == 1 ? itemData->payloadAt : 0;
-  const std::size_t end = item.construction == 1 ? itemData->end : file.size();
+  const HeifBox whole{{}, 0, 0, file.size(), 0};
+  const HeifBox holder = item.construction == 1 ? itemData.value_or(whole) : whole;
+  const std::size_t start = holder.payloadAt, end = holder.end;
   std::vector<HeifStretch> stretches;
   for (const HeifExtent &extent : item.extents) {
     if (item.base.value > end - start || extent.offset.value > end - start - item.base.value)

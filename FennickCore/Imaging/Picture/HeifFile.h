@@ -72,10 +72,10 @@ struct HeifFile {
   [[nodiscard]] static std::optional<HeifFile> parse(std::string_view file);
 
   [[nodiscard]] const HeifItem *item(std::uint32_t id) const;
-  [[nodiscard]] const HeifAssociations *associations(std::uint32_t item) const;
+  [[nodiscard]] const HeifAssociations *associations(std::uint32_t id) const;
   [[nodiscard]] const HeifBox *property(const HeifAssociation &association) const;
   // The property of a kind that the item has; nothing when it has none.
-  [[nodiscard]] const HeifBox *propertyOf(std::uint32_t item, std::string_view type) const;
+  [[nodiscard]] const HeifBox *propertyOf(std::uint32_t id, std::string_view type) const;
   // The item of a kind that describes the primary picture; else the first of that kind.
   [[nodiscard]] const HeifItem *describing(std::string_view type, std::string_view contentType) const;
   // The pieces that an item's data stands in; none when any of it is not in this file.

@@ -45,10 +45,10 @@ struct MetadataChange {
 // The same with the IPTC data sets as XMP properties, for formats that have no place for IPTC.
 [[nodiscard]] Metadata withIptcInXmp(const Metadata &metadata);
 
-// `file` (a JPEG or PNG without metadata of its own) with the blocks inserted. A PNG takes no IPTC: see
+// `bytes` (a JPEG or PNG without metadata of its own) with the blocks inserted. A PNG takes no IPTC: see
 // withIptcInXmp. `unencodable`: not such a file, or a block that does not fit; an EXIF block beyond the 64 KB
 // of a JPEG segment is first tried without the maker's notes.
-[[nodiscard]] std::expected<std::string, PictureFault> writeInto(Bytes file, const Metadata &metadata);
+[[nodiscard]] std::expected<std::string, PictureFault> writeInto(Bytes bytes, const Metadata &metadata);
 
 // Whether a written file is free of what had to go, as two readers see it: Exiv2 and the one here. Any doubt,
 // such as a file that one of them cannot read or bytes behind its end, is a no.

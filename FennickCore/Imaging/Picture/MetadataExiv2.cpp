@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 
 #include <exiv2/exiv2.hpp>
+#include <iconv.h>
 
 namespace fennick::picture {
 
@@ -8,6 +9,9 @@ void prepareExiv2() {
   static const bool isReady = [] {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
     Exiv2::enableBMFF();
+    // Old IPTC texts are in Latin 1. Its converter is a module, which stays loaded as long as one is open.
+    static const iconv_t latin = iconv_open("UTF-8", "ISO-8859-1");
+    (void)latin;
     return Exiv2::XmpParser::initialize();
   }();
   (void)isReady;

@@ -32,10 +32,10 @@ struct DataSet {
 std::optional<DataSet> firstDataSet(std::string_view iptc) {
   const auto numbers = readNumber(iptc, 1, 2);
   auto length = readNumber(iptc, 3, 2);
-  if (!length || iptc[0] != kDataSetStart)
+  if (!numbers || !length || iptc[0] != kDataSetStart)
     return std::nullopt;
   std::size_t header = 5;
-  if (*length & 0x8000) {
+  if ((*length & 0x8000) != 0) {
     const std::size_t width = *length & 0x7FFF;
     length = width <= 4 ? readNumber(iptc, header, width) : std::nullopt;
     header += width;

@@ -23,7 +23,7 @@ constexpr std::uint16_t kICC = 0x8773;
 
 std::string valueOf(std::string_view file, const TiffDirectory &directory, std::uint16_t tag) {
   const TiffEntry *entry = directory.find(tag);
-  return entry ? std::string(file.substr(entry->valueAt, entry->valueBytes)) : std::string();
+  return (entry != nullptr) ? std::string(file.substr(entry->valueAt, entry->valueBytes)) : std::string();
 }
 
 // Blocks that are kept beside the EXIF, and what only holds for the pixels of this file.

@@ -97,7 +97,7 @@ Written writeIntoPng(std::string_view file, const Metadata &metadata) {
   if (chunks.empty() || chunks[0].type != "IHDR"sv)
     return std::unexpected(PictureFault::unencodable);
   std::string added;
-  if (!metadata.icc.empty() && !findChunk(chunks, "iCCP"))
+  if (!metadata.icc.empty() && (findChunk(chunks, "iCCP") == nullptr))
     added += pngChunk("iCCP", "ICC profile\0\0"s + deflated(metadata.icc));
   if (!metadata.exif.empty())
     added += pngChunk("eXIf", metadata.exif);

@@ -55,9 +55,11 @@ void addTo(std::string &data, std::size_t at, std::int64_t amount, ByteOrder ord
 // own header: they change only where the replacement lies between the two.
 void adjustPictures(std::string &directory, std::size_t header, const Replacement &replacement) {
   const auto layout = TiffLayout::of(directory);
-  const auto first = layout && !layout->isBig ? layout->firstDirectory(directory) : std::nullopt;
+  if (!layout || layout->isBig)
+    return;
+  const auto first = layout->firstDirectory(directory);
   const TiffEntry *entries = first ? first->find(kMPEntries) : nullptr;
-  if (!entries)
+  if (entries == nullptr)
     return;
   for (std::size_t i = 0; i < entries->valueBytes / kMPEntryBytes; ++i) {
     const std::size_t entry = entries->valueAt + i * kMPEntryBytes;
@@ -87,7 +89,8 @@ std::optional<Replacement> jpegReplacement(std::string_view file, const std::vec
     return text ? std::optional(Replacement{segment.at, segment.end, *text}) : std::nullopt;
   }
   const std::size_t at = segments[0].marker == kAPP0 ? segments[0].end : 2;
-  return Replacement{at, at, *jpegSegment(kAPP1, std::string(kExifPrefix) + ExifBlock::minimal(orientation))};
+  return Replacement{
+      at, at, jpegSegment(kAPP1, std::string(kExifPrefix) + ExifBlock::minimal(orientation)).value_or("")};
 }
 
 // The extended header that a simple file lacks; nothing when its picture's own header is damaged.
@@ -96,13 +99,13 @@ std::optional<std::string> extendedHeader(std::string_view file, const Chunk &pi
   std::uint64_t width = 0, height = 0;
   unsigned char flags = kWebpHasExif;
   if (picture.type == "VP8L"sv && payload.size() >= 5) {
-    const std::uint64_t bits = *readNumber(payload, 1, 4, ByteOrder::little);
+    const std::uint64_t bits = readNumber(payload, 1, 4, ByteOrder::little).value_or(0);
     width = bits & 0x3FFF;
     height = bits >> 14 & 0x3FFF;
     flags |= (bits >> 28 & 1) != 0 ? kWebpHasAlpha : 0;
   } else if (picture.type == "VP8 "sv && payload.size() >= 10) {
-    width = (*readNumber(payload, 6, 2, ByteOrder::little) & 0x3FFF) - 1;
-    height = (*readNumber(payload, 8, 2, ByteOrder::little) & 0x3FFF) - 1;
+    width = (readNumber(payload, 6, 2, ByteOrder::little).value_or(0) & 0x3FFF) - 1;
+    height = (readNumber(payload, 8, 2, ByteOrder::little).value_or(0) & 0x3FFF) - 1;
   } else {
     return std::nullopt;
   }
@@ -115,8 +118,9 @@ Turned webpWithNewExif(std::string_view file, const std::vector<Chunk> &chunks, 
   std::string out(file);
   const Chunk *xmp = findChunk(chunks, "XMP ");
   const Chunk &last = chunks.back();
-  const std::size_t at = xmp ? xmp->at : last.end;
-  const std::size_t missing = xmp ? 0 : (last.end - last.payloadAt) % 2; // chunks have an even length
+  const std::size_t at = (xmp != nullptr) ? xmp->at : last.end;
+  const std::size_t missing =
+      (xmp != nullptr) ? 0 : (last.end - last.payloadAt) % 2; // chunks have an even length
   out.insert(at, std::string(missing, '\0') + webpChunk("EXIF", ExifBlock::minimal(orientation)));
   const Chunk &first = chunks[0];
   if (first.type == "VP8X"sv && first.payloadBytes >= 10) {
@@ -156,7 +160,7 @@ Turned jpegWithOrientation(std::string_view file, std::uint16_t orientation) {
 Turned pngWithOrientation(std::string_view file, std::uint16_t orientation) {
   const auto chunks = pngChunks(file);
   const Chunk *pixels = findChunk(chunks, "IDAT");
-  if (!pixels)
+  if (pixels == nullptr)
     return std::unexpected(PictureFault::undecodable);
   std::string adjusted(file);
   for (const Chunk &chunk : chunks) {
@@ -167,7 +171,7 @@ Turned pngWithOrientation(std::string_view file, std::uint16_t orientation) {
     adjusted.replace(chunk.at, chunk.end - chunk.at, pngChunk(chunk.type, payload));
   }
   const Chunk *exif = findChunk(chunks, "eXIf");
-  if (!exif)
+  if (exif == nullptr)
     return replaced(adjusted, {pixels->at, pixels->at, pngChunk("eXIf", ExifBlock::minimal(orientation))});
   const auto block = turnedBlock(exif->payload(file), orientation);
   if (!block)
@@ -200,13 +204,15 @@ Turned webpWithOrientation(std::string_view file, std::uint16_t orientation) {
 
 Turned tiffWithOrientation(std::string_view file, std::uint16_t orientation) {
   const auto layout = TiffLayout::of(file);
-  const auto first = layout ? layout->firstDirectory(file) : std::nullopt;
+  if (!layout)
+    return std::unexpected(PictureFault::undecodable);
+  const auto first = layout->firstDirectory(file);
   if (!first)
     return std::unexpected(PictureFault::undecodable);
   std::string turned(file);
   const TiffEntry *entry = first->find(kOrientation);
-  const bool isSet = entry ? layout->setNumber(turned, *entry, orientation)
-                           : layout->appendShort(turned, kOrientation, orientation);
+  const bool isSet = (entry != nullptr) ? layout->setNumber(turned, *entry, orientation)
+                                        : layout->appendShort(turned, kOrientation, orientation);
   if (!isSet)
     return std::unexpected(PictureFault::unsupported);
   if (const TiffEntry *xmp = first->find(kXMP))
@@ -216,9 +222,11 @@ Turned tiffWithOrientation(std::string_view file, std::uint16_t orientation) {
 
 std::optional<std::int64_t> tiffOrientation(std::string_view file) {
   const auto layout = TiffLayout::of(file);
-  const auto first = layout ? layout->firstDirectory(file) : std::nullopt;
+  if (!layout)
+    return std::nullopt;
+  const auto first = layout->firstDirectory(file);
   const TiffEntry *entry = first ? first->find(kOrientation) : nullptr;
-  const auto value = entry ? layout->number(file, *entry) : std::nullopt;
+  const auto value = (entry != nullptr) ? layout->number(file, *entry) : std::nullopt;
   return value ? std::optional(static_cast<std::int64_t>(*value)) : std::nullopt;
 }
 

@@ -51,7 +51,7 @@ std::optional<PictureType> sniffBrands(std::string_view file) {
 
 PictureType sniffTiff(std::string_view file, const TiffLayout &layout) {
   const auto first = layout.firstDirectory(file);
-  return first && first->find(kDNGVersion) ? PictureType::dng : PictureType::tiff;
+  return first && (first->find(kDNGVersion) != nullptr) ? PictureType::dng : PictureType::tiff;
 }
 
 } // namespace

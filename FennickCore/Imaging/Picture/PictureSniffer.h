@@ -11,9 +11,9 @@ namespace fennick::picture {
 
 // Nothing for anything that is not a picture: videos, and pictures of other kinds. A TIFF whose first
 // directory carries a DNG version is a DNG.
-[[nodiscard]] std::optional<PictureType> sniffType(Bytes file);
+[[nodiscard]] std::optional<PictureType> sniffType(Bytes bytes);
 
 // How many pictures the animation of a PNG holds; 1 for a still one.
-[[nodiscard]] std::int64_t apngFrames(Bytes file);
+[[nodiscard]] std::int64_t apngFrames(Bytes bytes);
 
 } // namespace fennick::picture
