@@ -96,6 +96,21 @@ describe('Chromium alone', () => {
     assert.deepEqual(digests(program.saved()), digests(files));
   });
 
+  test('500 files at once are all listed and none is refused; leaving them asks first', async (t) => {
+    const program = await Program.start(t);
+    const page = await browser.visitor(t, { phone: false });
+    await page.ready(program.url);
+    await page.choose(makeMany(scratch(), 500, 200));
+    await page.hold('pace');
+    await page.waitFor(() => document.querySelectorAll('.row').length === 500, '500 rows');
+    assert.equal((await page.inState('failed')).length, 0);
+    await page.page.mouse.click(5, 5);
+    const question = page.page.waitForEvent('dialog');
+    page.page.close({ runBeforeUnload: true });
+    assert.equal((await question).type(), 'beforeunload');
+    await (await question).accept();
+  });
+
   test('an upload that stands still is given up and sent again', async (t) => {
     const program = await Program.start(t);
     const page = await browser.visitor(t);

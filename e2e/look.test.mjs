@@ -90,6 +90,36 @@ describe('looks', () => {
         await page.evaluate(() => scrollTo(0, 0));
         await look('offline');
       });
+
+      test(`the gallery can be seen and reached: ${screen.name}, ${scheme}`, async (t) => {
+        const program = await Program.start(t, { set: { galleryEnabled: true } });
+        const page = await browser.visitor(t, { ...screen, colorScheme: scheme, reducedMotion: 'reduce' });
+        const look = async (state) => {
+          await inspect(page, state);
+          await page.screenshot(path.join(album, `${screen.name}-${scheme}-gallery-${state}.png`));
+        };
+        await page.ready(program.url);
+        await page.click('#tabWall');
+        await page.page.waitForSelector('#wallEmpty:not([hidden])');
+        await look('empty');
+        await pictures(page, program.folder, 24);
+        fs.writeFileSync(path.join(program.folder, 'broken.heic'), 'no picture');
+        await page.evaluate(() => document.dispatchEvent(new Event('visibilitychange')));
+        await page.page.waitForSelector('#grid [data-state=missing] ~ [data-state=shown], #grid [data-state=shown] ~ [data-state=missing]');
+        await look('grid');
+        await page.click('#wallPick');
+        await page.click('#grid li:nth-child(2)');
+        await look('choosing');
+        await page.click('#wallPick');
+        await page.click('#grid li:nth-child(2)');
+        await page.page.waitForSelector('.slide[data-large=shown]');
+        await look('photo');
+        await page.click('#viewClose');
+        await program.stop();
+        await page.evaluate(() => document.dispatchEvent(new Event('visibilitychange')));
+        await page.page.waitForSelector('#wallNote:not([hidden])');
+        await look('offline');
+      });
     }
   }
 });

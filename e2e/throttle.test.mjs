@@ -18,6 +18,14 @@ test('a pick of more files than a minute admits is delivered to the last one, wi
   assert.match(await page.hold('pace'), /每分钟/);
   await page.count('failed', 0);
 
+  // The same phone scanning again remembers what it has sent.
+  const tab = await page.newTab();
+  await tab.ready(program.url);
+  await tab.choose(makeMany(scratch(), 2));
+  await tab.hold('pace');
+  assert.equal(await tab.uploads(), 0);
+  await tab.page.close();
+
   // A second phone behind the same address knows nothing of the first, and is turned away until there is room.
   const other = await browser.visitor(t);
   const more = makeMany(scratch(), 4, 5000);

@@ -27,6 +27,9 @@ class ChromiumPage extends PhonePage {
   click(selector) { return this.page.click(selector); }
   screenshot(file, options) { return this.page.screenshot({ path: file, ...options }); }
 
+  // The same phone scans the code once more.
+  async newTab() { return new ChromiumPage(this.context, await this.context.newPage()); }
+
   // Bytes a second that leave the browser, so that an upload can be watched.
   async slow(bytesPerSecond) {
     this.wire ??= await this.context.newCDPSession(this.page);

@@ -110,11 +110,11 @@ const gallery = (function () {
   function tally() {
     const count = chosen.size;
     const feet = fetcher.running || choosing;
-    $.wallTitle.textContent = choosing ? '已选 ' + count + ' 张 / selected'
-      : filled ? items.length + ' 张照片 / photos' : '正在读取 / Loading';
+    $.wallTitle.textContent = choosing ? '已选 ' + count + ' / selected'
+      : items.length ? items.length + ' 张照片 / photos' : filled ? '照片墙 / Photos' : '正在读取 / Loading';
     $.wallEmpty.hidden = !filled || items.length > 0;
     $.gallery.classList.toggle('choosing', choosing);
-    $.wallAll.hidden = !choosing;
+    $.wallAll.hidden = !choosing || fetcher.running;
     $.wallPick.hidden = !choosing && !items.length || fetcher.running;
     $.wallPick.textContent = choosing ? '完成 / Done' : '选择 / Select';
     $.tabs.hidden = !status.info.gallery || feet;
@@ -249,7 +249,6 @@ const gallery = (function () {
     on($.wallAgain, 'click', () => status.ask());
     on($.wallPick, 'click', () => choose(!choosing));
     on($.wallAll, 'click', () => {
-      if (fetcher.running) return;
       const all = chosen.size < items.length;
       items.forEach((item) => pick(item, all));
       tally();
