@@ -244,7 +244,9 @@ void ExifBlock::removeMakersPlaces() {
     } else if (text.starts_with("Nikon\0\x02"sv)) {
       const auto inner = text.substr(std::min<std::size_t>(10, text.size()));
       const auto layout = TiffLayout::of(inner);
-      if (const auto entries = layout ? layout->firstDirectory(inner) : std::nullopt)
+      if (!layout)
+        continue;
+      if (const auto entries = layout->firstDirectory(inner))
         zeroValues(data_, note->valueAt + 10, *entries, kNikonPlaces);
     }
   }
