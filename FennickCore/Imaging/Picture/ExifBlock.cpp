@@ -223,7 +223,7 @@ void ExifBlock::removeEmbedded(std::size_t owner, std::uint16_t tag) {
 void ExifBlock::removeGPSOf(std::size_t owner) {
   const auto directory = layout_.directory(data_, owner);
   const TiffEntry *entry = directory ? directory->find(kGPSDirectory) : nullptr;
-  if (entry == nullptr)
+  if (!directory || entry == nullptr)
     return;
   const auto unlinked = layout_.pointedTo(data_, *entry);
   layout_.removeEntries(data_, *directory, kGPSDirectory);
