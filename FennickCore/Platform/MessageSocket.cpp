@@ -24,17 +24,20 @@ struct Control {
   alignas(cmsghdr) std::array<std::byte, CMSG_SPACE(sizeof(int))> bytes{};
 };
 
+// What is left of `timeout` since `started` as poll wants it: milliseconds rounded up, -1 for ever.
+int pollTimeout(std::optional<Seconds> timeout, std::chrono::steady_clock::time_point started) {
+  if (!timeout)
+    return -1;
+  const Seconds left = *timeout - (std::chrono::steady_clock::now() - started);
+  constexpr double kMost = std::numeric_limits<int>::max() / 2.0;
+  return static_cast<int>(std::clamp(std::ceil(left.count() * 1000), 0.0, kMost));
+}
+
 IOResult<void> waitReadable(int fd, std::optional<Seconds> timeout) {
-  const auto deadline = timeout ? std::optional(std::chrono::steady_clock::now() + *timeout) : std::nullopt;
+  const auto started = std::chrono::steady_clock::now();
   while (true) {
-    int milliseconds = -1;
-    if (deadline) {
-      const Seconds left = *deadline - std::chrono::steady_clock::now();
-      constexpr double kMost = std::numeric_limits<int>::max() / 2.0;
-      milliseconds = static_cast<int>(std::clamp(std::ceil(left.count() * 1000), 0.0, kMost));
-    }
     pollfd waiting{.fd = fd, .events = POLLIN, .revents = 0};
-    const int ready = ::poll(&waiting, 1, milliseconds);
+    const int ready = ::poll(&waiting, 1, pollTimeout(timeout, started));
     if (ready > 0)
       return {};
     if (ready == 0)

@@ -1,10 +1,10 @@
 #include "FennickCore/Imaging/Picture/Codecs.h"
 
-#include "FennickCore/Imaging/Picture/HeifCodec.h"
+#include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 
 #include <libheif/heif.h>
-#include <vips/vips8>
 #include <vips/vector.h>
+#include <vips/vips8>
 
 #include <algorithm>
 #include <array>
@@ -35,8 +35,9 @@ std::expected<void, std::string> prepareCodecs() {
   ::g_log_set_default_handler(&silence, nullptr);
   if (vips_init("tevrin-imaging") != 0)
     return std::unexpected(std::string("libvips: ") + ::vips_error_buffer());
+  prepareExiv2();
   ::vips_vector_set_enabled(0); // it writes code while it runs, which the locked-down process may not
-  ::vips_cache_set_max(0); // no picture is looked at twice
+  ::vips_cache_set_max(0);      // no picture is looked at twice
   ::vips_concurrency_set(static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads)));
   blockOtherLoaders();
   if (::heif_init(nullptr).code != heif_error_Ok)

@@ -153,7 +153,8 @@ void allowRest(Filter &filter) {
   filter.refuse(EPERM, {SCMP_SYS(get_mempolicy), SCMP_SYS(set_mempolicy), SCMP_SYS(mbind),
                         SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler), SCMP_SYS(setpriority)});
   if (kSanitized)
-    filter.allow({SCMP_SYS(sigaltstack), SCMP_SYS(prctl), SCMP_SYS(mincore), SCMP_SYS(arch_prctl)});
+    filter.allow(
+        {SCMP_SYS(sigaltstack), SCMP_SYS(prctl), SCMP_SYS(mincore), SCMP_SYS(arch_prctl), SCMP_SYS(pipe2)});
 }
 
 } // namespace
