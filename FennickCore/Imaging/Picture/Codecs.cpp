@@ -3,8 +3,9 @@
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 
 #include <libheif/heif.h>
-#include <vips/vector.h>
 #include <vips/vips8>
+
+#include <vips/vector.h> // needs the former
 
 #include <algorithm>
 #include <array>
