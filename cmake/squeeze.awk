@@ -2,9 +2,10 @@
 # the page's own variables and functions. A name is left as it is wherever it may be a property: after a dot, before a
 # colon, inside braces on its own, or as a method. What this relies on: every statement ends in a semicolon, no empty
 # statement ends a block, no variable has the name of something of the browser's that the scripts also use, and there
-# are no template literals (refused).
+# are no template literals (refused, like an escape outside of texts and patterns).
 { read_line($0) }
 END {
+  if (failed) exit 1
   find_names()
   shorten()
   write()
@@ -13,7 +14,7 @@ END {
 function read_line(line,    pattern) {
   while (line != "") {
     if (match(line, /^[ \t]+/) || match(line, /^\/\/.*/)) { line = substr(line, RLENGTH + 1); continue }
-    if (line ~ /^`/) { print "a template literal: " $0 > "/dev/stderr"; exit 1 }
+    if (line ~ /^[`\\]/) { print "cannot be squeezed: " $0 > "/dev/stderr"; exit failed = 1 }
     if (!(match(line, /^'([^'\\]|\\.)*'/) || pattern_starts() && match(line, /^\/([^\/\\]|\\.)+\/[a-z]*/) ||
           match(line, /^[A-Za-z_$][A-Za-z0-9_$]*/) || match(line, /^[0-9][0-9A-Za-z.]*/) || match(line, /^=>/)))
       RLENGTH = 1
@@ -22,8 +23,8 @@ function read_line(line,    pattern) {
   }
 }
 
-# Where a value may begin, a slash begins a regular expression.
-function pattern_starts() { return token[count] ~ /^([(,=:!&|?;{}]|return)$/ }
+# After a value a slash divides; anywhere else it begins a regular expression.
+function pattern_starts() { return token[count] !~ /[A-Za-z0-9_$)\]\047]$/ || token[count] == "return" }
 
 function is_name(text) { return text ~ /^[A-Za-z_$]/ }
 
