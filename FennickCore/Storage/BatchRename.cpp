@@ -136,7 +136,7 @@ Result<Paths> batchRename(std::span<const fs::path> selection, const Numbering &
   if (!foreign)
     return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = foreign.error()});
 
-  const Paths targets = numberedNames(selection, numbering, *foreign);
+  Paths targets = numberedNames(selection, numbering, *foreign);
   Paths temporaries(selection.size());
   std::ranges::transform(selection, temporaries.begin(), temporaryName);
   Batch batch(selection, files);

@@ -56,8 +56,7 @@ struct Walk {
     std::vector<Index> all(files.size());
     std::iota(all.begin(), all.end(), Index{0});
     const auto kept = static_cast<std::ptrdiff_t>(std::min(limit, all.size()));
-    std::partial_sort(all.begin(), all.begin() + kept, all.end(),
-                      [this](Index a, Index b) { return precedes(a, b); });
+    std::ranges::partial_sort(all, all.begin() + kept, [this](Index a, Index b) { return precedes(a, b); });
     all.resize(static_cast<std::size_t>(kept));
     return all;
   }

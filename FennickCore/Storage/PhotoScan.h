@@ -9,10 +9,8 @@
 #include <optional>
 #include <vector>
 
-namespace fennick {
-
 // What lies in a save folder right now. One thread at a time for each `sizes`.
-namespace PhotoScan {
+namespace fennick::PhotoScan {
 
 // The first `limit` photos and videos in the save folder and the folders inside it, newest first. Where a
 // folder has an order of its own, its photos take the places that they have by date in that order. Folders
@@ -25,6 +23,4 @@ namespace PhotoScan {
 // The item of a single file; nothing when it is no photo or video.
 [[nodiscard]] std::optional<PhotoItem> item(const std::filesystem::path &file, PictureSizes &sizes);
 
-} // namespace PhotoScan
-
-} // namespace fennick
+} // namespace fennick::PhotoScan

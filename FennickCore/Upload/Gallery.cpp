@@ -48,7 +48,7 @@ std::vector<std::pair<std::size_t, const FolderEntry *>> firstOnes(const std::ve
     return std::tuple(a.first, b.second->status.created(), std::string_view(a.second->name)) <
            std::tuple(b.first, a.second->status.created(), std::string_view(b.second->name));
   };
-  std::partial_sort(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(kept), all.end(), isBefore);
+  std::ranges::partial_sort(all, all.begin() + static_cast<std::ptrdiff_t>(kept), isBefore);
   all.resize(kept);
   return all;
 }

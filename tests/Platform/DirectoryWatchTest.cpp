@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <thread>
 
 namespace fennick {
 namespace {
@@ -23,7 +22,6 @@ protected:
       using enum DirectoryChange::Kind;
       return change.kind == appeared   ? "+" + change.name
              : change.kind == vanished ? "-" + change.name
-             : change.kind == changed  ? "*" + change.name
              : change.kind == lost     ? "lost"
                                        : "overflow";
     };
@@ -51,24 +49,6 @@ TEST_F(DirectoryWatchTest, EveryArrivalAndDepartureIsSeenInOrderAndWritingIsNone
   fs::rename(inbox / "c", folder / "outside");
   EXPECT_THAT(changes(), ElementsAre("+a", "-a", "+b", "+c", "+d", "-b", "-c"));
   EXPECT_THAT(changes(), IsEmpty());
-}
-
-TEST_F(DirectoryWatchTest, WhereContentCountsWritingIsSeenAndSleepEndsWithAChangeOrAnInterruption) {
-  using Woken = DirectoryWatch::Woken;
-  const auto watched = watch.add(folder.path());
-  ASSERT_TRUE(watched);
-  EXPECT_EQ(watch.add(folder.path(), DirectoryWatch::Scope::content), watched);
-  folder.write("a", "longer");
-  EXPECT_EQ(watch.awaitChanges(), Woken::changes);
-  EXPECT_THAT(changes(), ElementsAre("+a", "*a"));
-  folder.makeFolder("inside");
-  const auto made = watch.drain();
-  ASSERT_EQ(made.size(), 1U);
-  EXPECT_TRUE(made.front().isDirectory);
-  EXPECT_EQ(watch.pause(Seconds(0.001)), Woken::timeout);
-  std::jthread other([this] { watch.interrupt(); });
-  EXPECT_EQ(watch.awaitChanges(), Woken::interrupted);
-  EXPECT_EQ(watch.pause(Seconds(600)), Woken::interrupted);
 }
 
 TEST_F(DirectoryWatchTest, AFolderThatGoesAwayIsLost) {
