@@ -55,8 +55,8 @@ class Service {
 public:
   struct Options {
     Sync sync = Sync::yes;
-    fennick::NamingPolicy naming;
-    std::optional<std::int64_t> folderLimit;
+    fennick::NamingPolicy naming{};
+    std::optional<std::int64_t> folderLimit{};
     std::optional<std::filesystem::path> gallery{}; // the folder that phones may look into
     std::optional<fennick::UploadRouter::Thumbnails> thumbnails{};
   };
