@@ -77,7 +77,7 @@ Result<fs::path> rename(const fs::path &file, std::string_view newName, FileSyst
   if (!isValidName(base))
     return std::unexpected(OpError{.kind = OpError::Kind::invalidName});
   const std::string name = std::string(base) + file.extension().string();
-  const fs::path target = file.parent_path() / name;
+  fs::path target = file.parent_path() / name;
   if (target == file)
     return file;
   if (const auto moved = files.moveNoReplace(file, target); !moved) {
