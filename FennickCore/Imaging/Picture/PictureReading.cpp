@@ -7,6 +7,7 @@
 #include "FennickCore/Imaging/Picture/Orientation.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
+#include "FennickCore/Imaging/Picture/RawPicture.h"
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +50,10 @@ PictureHeader readHeader(Bytes file, PictureType type) {
   }
   if (isHeif(type))
     return readHeif(file);
+  if (type == PictureType::dng) {
+    const auto size = rawSize(file);
+    return size ? PictureHeader{.width = size->width, .height = size->height} : PictureHeader{};
+  }
   PictureHeader header = readByVips(file);
   if (type == PictureType::png)
     header.frames = apngFrames(file);

@@ -13,8 +13,8 @@ namespace fennick::picture {
 
 // What the file's header says; absent or 1 where it cannot be read. No pixels are decoded.
 struct PictureHeader {
-  std::optional<std::int64_t> width; // as stored
-  std::optional<std::int64_t> height;
+  std::optional<std::int64_t> width{}; // as stored
+  std::optional<std::int64_t> height{};
   std::int64_t frames = 1;
 };
 [[nodiscard]] PictureHeader readHeader(Bytes file, PictureType type);

@@ -5,6 +5,7 @@
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
+#include "FennickCore/Imaging/Picture/RawPicture.h"
 
 #include <libyuv.h>
 
@@ -112,16 +113,15 @@ PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &prof
 
 // The short way for nearly every picture there is: never leaves the file's own planes, unless its colours are
 // not sRGB. Empty when this JPEG needs the long way.
-std::string jpegThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
+std::string jpegThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel, double quality) {
   auto picture = decodeJpegPlanes(file, static_cast<int>(maxPixel), Damage::tolerate);
   if (!picture)
     return {};
   const Size small = within({picture->planes[0].width, picture->planes[0].height}, maxPixel);
   const Size colours{(small.width + 1) / 2, (small.height + 1) / 2};
-  const auto orientation = storedOrientation(file, PictureType::jpeg).value_or(kUpright);
   for (std::size_t i = 0; i < (picture->gray ? 1U : 3U); ++i) {
     Plane &plane = picture->planes.at(i);
-    plane = uprightPlane(scaled(plane, i == 0 ? small : colours), orientation);
+    plane = uprightPlane(scaled(plane, i == 0 ? small : colours), turn);
   }
   const std::string profile = readMetadata(file, PictureType::jpeg).icc;
   if (!picture->gray && !isSRGB(profile))
@@ -136,6 +136,22 @@ std::string anyThumbnail(Bytes file, PictureType type, std::int64_t maxPixel, do
                     small.bands(), quality);
 }
 
+// `turn` is the orientation that `file`, a picture of `type`, has to be given.
+PictureResult<std::string> thumbnailOf(Bytes file, PictureType type, std::int64_t turn, std::int64_t maxPixel,
+                                       double quality) {
+  const auto header = readHeader(file, type);
+  if (!ImageLimits::check(header.width, header.height))
+    return undecodable("oversized");
+  std::string thumbnail;
+  if (type == PictureType::jpeg)
+    thumbnail = jpegThumbnail(file, turn, maxPixel, quality);
+  if (thumbnail.empty())
+    thumbnail = anyThumbnail(file, type, maxPixel, quality);
+  if (thumbnail.empty())
+    return undecodable("the thumbnail cannot be encoded");
+  return thumbnail;
+}
+
 } // namespace
 
 PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
@@ -144,18 +160,14 @@ PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, doub
     return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
   if (maxPixel < 1 || maxPixel > ImageLimits::kMaxSide)
     return undecodable("no such thumbnail size");
-  const auto facts = readHeader(file, *type);
-  if (!ImageLimits::check(facts.width, facts.height))
-    return undecodable("oversized");
+  const auto turn = storedOrientation(file, *type).value_or(kUpright);
   try {
-    std::string thumbnail;
-    if (*type == PictureType::jpeg)
-      thumbnail = jpegThumbnail(file, maxPixel, quality);
-    if (thumbnail.empty())
-      thumbnail = anyThumbnail(file, *type, maxPixel, quality);
-    if (thumbnail.empty())
-      return undecodable("the thumbnail cannot be encoded");
-    return thumbnail;
+    if (*type != PictureType::dng)
+      return thumbnailOf(file, *type, turn, maxPixel, quality);
+    const auto preview = rawPreview(file);
+    if (!preview)
+      return undecodable("a raw photo without a preview");
+    return thumbnailOf(bytesOf(*preview), PictureType::jpeg, turn, maxPixel, quality);
   } catch (const vips::VError &error) {
     return undecodable(error.what());
   } catch (const std::bad_alloc &) {
