@@ -50,6 +50,13 @@ std::string checksum(const std::string &text) {
   return sum.get();
 }
 
+// Whether the same picture would fail again. One that keeps a decoder busy until it is ended must not do so
+// each time somebody looks at the gallery.
+bool isLasting(PictureFault fault) {
+  return fault == PictureFault::notAPicture || fault == PictureFault::undecodable ||
+         fault == PictureFault::crashed || fault == PictureFault::timedOut;
+}
+
 } // namespace
 
 // Ends a rendering for all who wait for it, however its maker leaves.
@@ -113,7 +120,7 @@ ThumbnailService::Data ThumbnailService::thumbnail(const fs::path &file) {
   {
     Locked locked(lock_);
     if (auto data = memory_.get(key))
-      return data;
+      return data->empty() ? nullptr : data;
     if (const auto found = underWay_.find(key); found != underWay_.end()) {
       rendering = found->second;
       while (!rendering->isDone)
@@ -133,23 +140,24 @@ ThumbnailService::Data ThumbnailService::make(const fs::path &file, const FileSt
   if (auto stored = readFile(diskFile(key)); stored && isWholeJPEG(*stored)) {
     data = std::make_shared<const std::string>(std::move(*stored));
   } else {
-    data = render(file);
+    auto rendered = render(file);
+    if (!rendered && !isLasting(rendered.error().fault))
+      return nullptr;
     // Changed while it was read: nobody knows which of both this shows, so it is kept under neither.
-    if (!data || fileStatus(file) != status)
-      return data;
-    store(key, *data);
+    data = std::make_shared<const std::string>(rendered ? std::move(*rendered) : std::string());
+    if (fileStatus(file) != status)
+      return rendered ? data : nullptr;
+    if (rendered)
+      store(key, *data);
   }
   const Locked locked(lock_);
-  memory_.put(key, data);
-  return data;
+  memory_.put(key, data); // empty: it cannot be shown, and is not tried again
+  return data->empty() ? nullptr : data;
 }
 
-ThumbnailService::Data ThumbnailService::render(const fs::path &file) {
+PictureResult<std::string> ThumbnailService::render(const fs::path &file) {
   const Place place(*this);
-  auto rendered = decoder_.thumbnail(file, maxPixel_, kQuality);
-  if (!rendered)
-    return nullptr;
-  return std::make_shared<const std::string>(std::move(*rendered));
+  return decoder_.thumbnail(file, maxPixel_, kQuality);
 }
 
 // What the disk refuses is made again in the next run.

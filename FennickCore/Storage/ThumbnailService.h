@@ -27,8 +27,8 @@ public:
   ThumbnailService(FileSystem &files, std::filesystem::path cacheDir, std::int64_t maxPixel, int concurrency,
                    PictureDecoder &decoder);
 
-  // Null for what is no picture, or one that cannot be read. A picture that was changed is made anew. Blocks
-  // while it is made.
+  // Null for what is no picture, or one that cannot be read; that is tried once. A picture that was changed
+  // is made anew. Blocks while it is made.
   [[nodiscard]] Data thumbnail(const std::filesystem::path &file);
 
   // Forgets everything, on the disk as well.
@@ -46,7 +46,7 @@ private:
   [[nodiscard]] std::string keyOf(const std::filesystem::path &file, const FileStatus &status) const;
   [[nodiscard]] Data make(const std::filesystem::path &file, const FileStatus &status,
                           const std::string &key);
-  [[nodiscard]] Data render(const std::filesystem::path &file);
+  [[nodiscard]] PictureResult<std::string> render(const std::filesystem::path &file);
   void store(const std::string &key, const std::string &data);
   [[nodiscard]] std::filesystem::path diskFile(const std::string &key) const;
 

@@ -91,6 +91,16 @@ TEST_F(ThumbnailServiceTest, ADamagedFileOrAFullDiskCostsOnlyTheCache) {
   EXPECT_EQ(askAnother(photo), small);
 }
 
+TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceUnlessTheDecoderIsToBlame) {
+  const auto file = disk.write("broken.jpg");
+  decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::noDecoder));
+  EXPECT_EQ(ask(file), "none");
+  decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::timedOut));
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(ask(file), "none");
+  EXPECT_EQ(decoder.calls(), 2);
+}
+
 TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApart) {
   const std::string deep = std::string(200, 'x') + "/" + std::string(200, 'y');
   for (const std::string &name :
