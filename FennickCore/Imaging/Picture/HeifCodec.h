@@ -37,8 +37,8 @@ struct HeifRaster {
 [[nodiscard]] bool encodesHeic();
 
 // 8-bit RGB or RGBA into a HEIC file with the blocks (IPTC has no place there). `quality` from 0 to 1, on the
-// scale of JPEG: a picture at the same number looks about the same and takes a quarter fewer bytes. Empty when
-// the encoder refuses.
+// scale of JPEG: a picture at the same number looks about the same and takes a quarter fewer bytes. Empty
+// when the encoder refuses.
 [[nodiscard]] std::string encodeHeic(const unsigned char *pixels, int width, int height, int bands,
                                      double quality, const Metadata &metadata);
 
