@@ -19,7 +19,7 @@ double secondsOf(const std::function<void()> &work) {
 
 double median(std::vector<double> values) {
   std::ranges::sort(values);
-  return values[values.size() / 2];
+  return (values[(values.size() - 1) / 2] + values[values.size() / 2]) / 2;
 }
 
 void runMany(int count, int parallel, const std::function<void(int)> &work) {
