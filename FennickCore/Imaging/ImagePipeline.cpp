@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Imaging/ProcessingPlan.h"
+#include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Random.h"
@@ -9,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <span>
 #include <utility>
 
 namespace fennick::ImagePipeline {
@@ -97,19 +97,12 @@ public:
   IOResult<void> write(const std::string &bytes) {
     if (auto made = files_.createDirectories(output_.parent_path()); !made)
       return made;
-    auto file = files_.createFile(output_);
-    if (!file)
-      return std::unexpected(file.error());
-    written_ = true;
-    if (auto done = (*file)->write(std::as_bytes(std::span(bytes))); !done)
+    if (auto done = writeAside(files_, output_, bytes, Durability::onDisk); !done)
       return done;
+    written_ = true;
     if (auto done = setPermissions(output_, status_.permissions); !done)
       return done;
-    if (auto done = setModificationTime(output_, status_.modified); !done)
-      return done;
-    if (auto done = (*file)->sync(); !done)
-      return done;
-    return (*file)->close();
+    return setModificationTime(output_, status_.modified);
   }
 
   // A second name in "originals" for the file as it arrived, or where the file system has no second names,

@@ -1,37 +1,19 @@
 #include "FennickCore/Platform/FileStatus.h"
 
-#include <dirent.h>
+#include "FennickCore/Platform/SystemCalls.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <memory>
 
 namespace fennick {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::unexpected<std::error_code> lastFailure() {
-  return std::unexpected(std::error_code(errno, std::generic_category()));
-}
-
-FileKind kindOf(std::uint32_t mode) {
-  switch (mode & S_IFMT) {
-  case S_IFREG:
-    return FileKind::regular;
-  case S_IFDIR:
-    return FileKind::directory;
-  case S_IFLNK:
-    return FileKind::link;
-  default:
-    return FileKind::other;
-  }
-}
 
 // Moments beyond what the clock can hold, which a file may claim, become the furthest ones.
 Instant instantOf(const struct statx_timestamp &time) {
@@ -47,30 +29,12 @@ IOResult<FileStatus> statusAt(int folder, const char *name) {
     return lastFailure();
   const bool hasBirth = (found.stx_mask & STATX_BTIME) != 0;
   return FileStatus{
-      .kind = kindOf(found.stx_mode),
+      .kind = kindFromMode(found.stx_mode),
       .bytes = static_cast<std::int64_t>(found.stx_size),
       .modified = instantOf(found.stx_mtime),
       .born = hasBirth ? std::optional(instantOf(found.stx_btime)) : std::nullopt,
       .permissions = found.stx_mode & 0777U,
       .identity = {.device = ::makedev(found.stx_dev_major, found.stx_dev_minor), .inode = found.stx_ino}};
-}
-
-// Asks the file system only where the listing itself does not tell.
-FileKind kindOf(int folder, const dirent &entry) {
-  switch (entry.d_type) {
-  case DT_REG:
-    return FileKind::regular;
-  case DT_DIR:
-    return FileKind::directory;
-  case DT_LNK:
-    return FileKind::link;
-  case DT_UNKNOWN: {
-    const auto status = statusAt(folder, entry.d_name);
-    return status ? status->kind : FileKind::other;
-  }
-  default:
-    return FileKind::other;
-  }
 }
 
 } // namespace
@@ -80,28 +44,15 @@ IOResult<FileStatus> fileStatus(const fs::path &file) { return statusAt(AT_FDCWD
 IOResult<std::vector<FolderEntry>>
 readFolder(const fs::path &folder, Links links,
            const std::function<bool(std::string_view name, FileKind kind)> &wanted) {
-  const int noFollow = links == Links::refuse ? O_NOFOLLOW : 0;
-  FileDescriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | noFollow));
-  if (!fd.isOpen())
-    return lastFailure();
-  const std::unique_ptr<DIR, int (*)(DIR *)> stream(::fdopendir(fd.get()), ::closedir);
-  if (!stream)
-    return lastFailure();
-  const int raw = fd.release(); // the stream owns it now
   std::vector<FolderEntry> entries;
-  while (true) {
-    errno = 0;
-    const dirent *entry = ::readdir(stream.get());
-    if (entry == nullptr)
-      break;
-    const std::string_view name = entry->d_name;
-    if (name == "." || name == ".." || !wanted(name, kindOf(raw, *entry)))
-      continue;
-    if (const auto status = statusAt(raw, entry->d_name))
-      entries.push_back({std::string(name), *status});
-  }
-  if (errno != 0)
-    return lastFailure();
+  const auto visited = visitFolder(folder, links, [&](int fd, const char *name, FileKind kind) {
+    if (!wanted(name, kind))
+      return;
+    if (const auto status = statusAt(fd, name))
+      entries.push_back({name, *status});
+  });
+  if (!visited)
+    return std::unexpected(visited.error());
   return entries;
 }
 
@@ -111,15 +62,11 @@ IOResult<void> setModificationTime(const fs::path &file, Instant modified) {
   const std::array<timespec, 2> times{
       timespec{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
       timespec{.tv_sec = seconds.count(), .tv_nsec = (since - seconds).count()}};
-  if (::utimensat(AT_FDCWD, file.c_str(), times.data(), AT_SYMLINK_NOFOLLOW) != 0)
-    return lastFailure();
-  return {};
+  return checked(::utimensat(AT_FDCWD, file.c_str(), times.data(), AT_SYMLINK_NOFOLLOW));
 }
 
 IOResult<void> setPermissions(const fs::path &file, std::uint32_t permissions) {
-  if (::fchmodat(AT_FDCWD, file.c_str(), permissions, AT_SYMLINK_NOFOLLOW) != 0)
-    return lastFailure();
-  return {};
+  return checked(::fchmodat(AT_FDCWD, file.c_str(), permissions, AT_SYMLINK_NOFOLLOW));
 }
 
 } // namespace fennick

@@ -1,8 +1,8 @@
 #include "FennickCore/Platform/FileSystem.h"
 
 #include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/SystemCalls.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -24,25 +24,6 @@ constexpr mode_t kFileMode = 0666; // narrowed by the user's umask
 constexpr mode_t kDirectoryMode = 0777;
 constexpr mode_t kPrivateMode = 0600;
 
-std::unexpected<std::error_code> failure(int error) {
-  return std::unexpected(std::error_code(error, std::generic_category()));
-}
-std::unexpected<std::error_code> lastFailure() { return failure(errno); }
-
-IOResult<void> checked(int status) {
-  if (status != 0)
-    return lastFailure();
-  return {};
-}
-
-template <typename Call>
-auto retried(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR)
-    result = call();
-  return result;
-}
-
 IOResult<void> writeAll(int fd, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const ssize_t count = retried([&] { return ::write(fd, bytes.data(), bytes.size()); });
@@ -51,19 +32,6 @@ IOResult<void> writeAll(int fd, std::span<const std::byte> bytes) {
     bytes = bytes.subspan(static_cast<std::size_t>(count));
   }
   return {};
-}
-
-FileKind kindFromMode(mode_t mode) {
-  switch (mode & S_IFMT) {
-  case S_IFREG:
-    return FileKind::regular;
-  case S_IFDIR:
-    return FileKind::directory;
-  case S_IFLNK:
-    return FileKind::link;
-  default:
-    return FileKind::other;
-  }
 }
 
 FileIdentity identityOf(const struct stat &status) {
@@ -126,33 +94,6 @@ IOResult<void> moveByLinkOrClaim(const fs::path &from, const fs::path &to) {
   if (!moved)
     ::unlink(to.c_str());
   return moved;
-}
-
-IOResult<FileDescriptor> openDirectory(const fs::path &folder, Links links = Links::follow) {
-  const int noFollow = links == Links::refuse ? O_NOFOLLOW : 0;
-  FileDescriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | noFollow));
-  if (!fd.isOpen())
-    return lastFailure();
-  return fd;
-}
-
-FileKind entryKind(int folder, const dirent &entry) {
-  switch (entry.d_type) {
-  case DT_REG:
-    return FileKind::regular;
-  case DT_DIR:
-    return FileKind::directory;
-  case DT_LNK:
-    return FileKind::link;
-  case DT_UNKNOWN: {
-    struct stat status{};
-    if (::fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
-      return kindFromMode(status.st_mode);
-    return FileKind::other;
-  }
-  default:
-    return FileKind::other;
-  }
 }
 
 IOResult<struct stat> statusOf(const fs::path &file, int flags) {
@@ -238,25 +179,11 @@ IOResult<void> SystemFileSystem::syncDirectory(const fs::path &folder) {
 }
 
 IOResult<std::vector<DirectoryEntry>> SystemFileSystem::list(const fs::path &folder) {
-  auto fd = openDirectory(folder);
-  if (!fd)
-    return std::unexpected(fd.error());
-  const std::unique_ptr<DIR, int (*)(DIR *)> stream(::fdopendir(fd->get()), ::closedir);
-  if (!stream)
-    return lastFailure();
-  const int raw = fd->release(); // the stream owns it now
   std::vector<DirectoryEntry> entries;
-  while (true) {
-    errno = 0;
-    const dirent *entry = ::readdir(stream.get());
-    if (entry == nullptr)
-      break;
-    const std::string_view name = entry->d_name;
-    if (name != "." && name != "..")
-      entries.push_back({std::string(name), entryKind(raw, *entry)});
-  }
-  if (errno != 0)
-    return lastFailure();
+  const auto visited = visitFolder(
+      folder, Links::follow, [&](int, const char *name, FileKind kind) { entries.push_back({name, kind}); });
+  if (!visited)
+    return std::unexpected(visited.error());
   return entries;
 }
 

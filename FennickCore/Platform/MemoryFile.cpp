@@ -1,5 +1,7 @@
 #include "FennickCore/Platform/MemoryFile.h"
 
+#include "FennickCore/Platform/SystemCalls.h"
+
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,14 +15,10 @@ namespace {
 
 constexpr int kSeals = F_SEAL_SEAL | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE;
 
-std::unexpected<std::error_code> failure(int error) {
-  return std::unexpected(std::error_code(error, std::generic_category()));
-}
-
 IOResult<std::int64_t> sizeOf(const FileDescriptor &file) {
   const off_t size = ::lseek(file.get(), 0, SEEK_END); // works in a process that may not ask for a status
   if (size < 0)
-    return failure(errno);
+    return lastFailure();
   return size;
 }
 
@@ -29,15 +27,15 @@ IOResult<std::int64_t> sizeOf(const FileDescriptor &file) {
 IOResult<FileDescriptor> sealedMemoryFile(std::string_view content) {
   FileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
   if (!file.isOpen())
-    return failure(errno);
+    return lastFailure();
   while (!content.empty()) {
-    const ssize_t count = ::write(file.get(), content.data(), content.size());
-    if (count < 0 && errno != EINTR)
-      return failure(errno);
-    content.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
+    const ssize_t count = retried([&] { return ::write(file.get(), content.data(), content.size()); });
+    if (count < 0)
+      return lastFailure();
+    content.remove_prefix(static_cast<std::size_t>(count));
   }
   if (::fcntl(file.get(), F_ADD_SEALS, kSeals) != 0)
-    return failure(errno);
+    return lastFailure();
   return file;
 }
 
@@ -51,11 +49,12 @@ IOResult<std::string> readSealedMemoryFile(const FileDescriptor &file, std::int6
     return failure(EFBIG);
   std::string content(static_cast<std::size_t>(*size), '\0');
   for (std::size_t done = 0; done < content.size();) {
-    const ssize_t count =
-        ::pread(file.get(), content.data() + done, content.size() - done, static_cast<off_t>(done));
-    if (count <= 0 && errno != EINTR)
+    const ssize_t count = retried([&] {
+      return ::pread(file.get(), content.data() + done, content.size() - done, static_cast<off_t>(done));
+    });
+    if (count <= 0)
       return failure(count == 0 ? EIO : errno);
-    done += count < 0 ? 0 : static_cast<std::size_t>(count);
+    done += static_cast<std::size_t>(count);
   }
   return content;
 }
@@ -68,7 +67,7 @@ IOResult<MappedFile> MappedFile::map(const FileDescriptor &file) {
     return MappedFile(std::span<const std::byte>());
   void *start = ::mmap(nullptr, static_cast<std::size_t>(*size), PROT_READ, MAP_PRIVATE, file.get(), 0);
   if (start == MAP_FAILED) // NOLINT(performance-no-int-to-ptr): the system's own constant
-    return failure(errno);
+    return lastFailure();
   return MappedFile({static_cast<const std::byte *>(start), static_cast<std::size_t>(*size)});
 }
 

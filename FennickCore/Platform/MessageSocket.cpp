@@ -1,5 +1,7 @@
 #include "FennickCore/Platform/MessageSocket.h"
 
+#include "FennickCore/Platform/SystemCalls.h"
+
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -14,10 +16,6 @@
 namespace fennick {
 
 namespace {
-
-std::unexpected<std::error_code> lastFailure() {
-  return std::unexpected(std::error_code(errno, std::generic_category()));
-}
 
 // Room for the one descriptor that a message may carry.
 struct Control {
@@ -85,9 +83,8 @@ IOResult<void> MessageSocket::send(std::span<const std::byte> message, const Fil
     const int fd = attached->get();
     std::memcpy(CMSG_DATA(rights), &fd, sizeof fd);
   }
-  while (::sendmsg(fd_.get(), &header, MSG_NOSIGNAL) < 0)
-    if (errno != EINTR)
-      return lastFailure();
+  if (retried([&] { return ::sendmsg(fd_.get(), &header, MSG_NOSIGNAL); }) < 0)
+    return lastFailure();
   return {};
 }
 
@@ -109,9 +106,7 @@ IOResult<MessageSocket::Received> MessageSocket::receive(std::span<std::byte> in
   header.msg_iovlen = 1;
   header.msg_control = control.bytes.data();
   header.msg_controllen = control.bytes.size();
-  ssize_t count = ::recvmsg(fd_.get(), &header, MSG_CMSG_CLOEXEC);
-  while (count < 0 && errno == EINTR)
-    count = ::recvmsg(fd_.get(), &header, MSG_CMSG_CLOEXEC);
+  const ssize_t count = retried([&] { return ::recvmsg(fd_.get(), &header, MSG_CMSG_CLOEXEC); });
   if (count < 0 && errno == ECONNRESET)
     return Received{};
   if (count < 0)

@@ -3,7 +3,7 @@
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/AsideFile.h"
+#include "FennickCore/Platform/AsideFile.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/AsideFile.h"
+#include "FennickCore/Platform/AsideFile.h"
 
 #include <fmt/format.h>
 #include <glib.h>

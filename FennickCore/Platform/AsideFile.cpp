@@ -1,4 +1,4 @@
-#include "FennickCore/Storage/AsideFile.h"
+#include "FennickCore/Platform/AsideFile.h"
 
 #include <tuple>
 
