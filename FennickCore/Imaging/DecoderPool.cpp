@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <span>
 #include <system_error>
 #include <utility>
@@ -24,6 +25,22 @@ std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
 
 // Nothing of the user's: no home, no display. VIPSHOME keeps libvips from loading loaders of further formats.
 std::vector<std::string> environment() { return {"LC_ALL=C", "TZ=UTC", "VIPSHOME=/nonexistent"}; }
+
+steady_clock::time_point deadlineIn(Seconds length) {
+  constexpr Seconds kMost{1e6}; // so that no time-out overflows the clock
+  return steady_clock::now() + std::chrono::duration_cast<steady_clock::duration>(std::min(length, kMost));
+}
+
+Seconds untilThen(steady_clock::time_point deadline) { return deadline - steady_clock::now(); }
+
+// What the memory file holds; empty when it is none, too long, or there is no memory for it.
+std::string resultOf(const FileDescriptor &attached, std::int64_t most) {
+  try {
+    return readSealedMemoryFile(attached, most).value_or(std::string());
+  } catch (const std::bad_alloc &) {
+    return {};
+  }
+}
 
 std::string_view text(std::span<const std::byte> message) {
   return {reinterpret_cast<const char *>(message.data()), message.size()};
@@ -45,7 +62,7 @@ DecoderPool::~DecoderPool() {
 }
 
 PictureResult<PictureFacts> DecoderPool::facts(const std::filesystem::path &file) {
-  auto reply = ask(file, wire::FactsRequest{}, options_.factsTimeout);
+  auto reply = ask(file, {.request = wire::FactsRequest{}, .timeout = options_.factsTimeout});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return reply->answer.facts;
@@ -53,8 +70,9 @@ PictureResult<PictureFacts> DecoderPool::facts(const std::filesystem::path &file
 
 PictureResult<std::string> DecoderPool::thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
                                                   double quality) {
-  auto reply =
-      ask(file, wire::ThumbnailRequest{.maxPixel = maxPixel, .quality = quality}, options_.thumbnailTimeout);
+  auto reply = ask(file, {.request = wire::ThumbnailRequest{.maxPixel = maxPixel, .quality = quality},
+                          .timeout = options_.thumbnailTimeout,
+                          .mostBytes = wire::kMostThumbnailBytes});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return std::move(reply->bytes);
@@ -62,7 +80,10 @@ PictureResult<std::string> DecoderPool::thumbnail(const std::filesystem::path &f
 
 PictureResult<Rendering> DecoderPool::render(const std::filesystem::path &file, const RenderRequest &request,
                                              Seconds timeout) {
-  auto reply = ask(file, request, timeout);
+  auto reply = ask(file, {.request = request,
+                          .timeout = timeout,
+                          .mostBytes = wire::kMostResultBytes,
+                          .process = Process::ofItsOwn});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return Rendering{.bytes = std::move(reply->bytes),
@@ -73,7 +94,10 @@ PictureResult<Rendering> DecoderPool::render(const std::filesystem::path &file, 
 
 PictureResult<std::string> DecoderPool::withOrientation(const std::filesystem::path &file,
                                                         std::int64_t orientation) {
-  auto reply = ask(file, wire::OrientationRequest{.orientation = orientation}, options_.orientationTimeout);
+  auto reply = ask(file, {.request = wire::OrientationRequest{.orientation = orientation},
+                          .timeout = options_.orientationTimeout,
+                          .mostBytes = wire::kMostResultBytes,
+                          .process = Process::ofItsOwn});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return std::move(reply->bytes);
@@ -85,7 +109,7 @@ bool DecoderPool::canEncodeHEIC() {
     if (encodesHEIC_)
       return *encodesHEIC_;
   }
-  if (auto worker = acquire())
+  if (auto worker = acquire(Process::anyWarm, deadlineIn(options_.startTimeout)))
     release(std::move(*worker));
   const Locked locked(lock_);
   return encodesHEIC_.value_or(false);
@@ -96,94 +120,100 @@ std::size_t DecoderPool::processCount() const {
   return alive_;
 }
 
-PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &file,
-                                                   const wire::Request &request, Seconds timeout) {
+PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &file, const Task &task) {
+  const auto deadline = deadlineIn(task.timeout);
   const auto opened = ReadableFile::open(file);
   if (!opened)
     return fail(PictureFault::unreadable, opened.error().message());
-  auto worker = acquire();
+  auto worker = acquire(task.process, deadline);
   if (!worker)
     return std::unexpected(std::move(worker.error()));
-  auto reply = converse(**worker, opened->descriptor(), request, timeout);
-  if (reply) {
+  auto reply = converse(**worker, opened->descriptor(), task, deadline);
+  if (reply && task.process == Process::anyWarm) {
     release(std::move(*worker));
-    if (reply->answer.error)
-      return std::unexpected(std::move(*reply->answer.error));
-    return reply;
+  } else {
+    const std::string death = (*worker)->process.kill();
+    discard(std::move(*worker));
+    if (!reply && reply.error().detail.empty())
+      reply.error().detail = death;
   }
-  const std::string death = (*worker)->process.kill();
-  discard(std::move(*worker));
-  if (reply.error().fault == PictureFault::crashed && reply.error().detail.empty())
-    reply.error().detail = death;
-  log(fmt::format("imaging: {}: {}", file.filename().string(), reply.error().detail));
+  if (!reply)
+    log(fmt::format("imaging: {}: {}", file.filename().string(), reply.error().detail));
+  else if (reply->answer.error)
+    return std::unexpected(std::move(*reply->answer.error));
   return reply;
 }
 
 // Any error means that the process cannot be used any more.
 PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const FileDescriptor &file,
-                                                        const wire::Request &request, Seconds timeout) {
-  const std::string message = wire::encoded(request);
+                                                        const Task &task, Deadline deadline) {
+  const std::string message = wire::encoded(task.request);
   if (!worker.socket.send(std::as_bytes(std::span(message)), &file))
     return fail(PictureFault::crashed, {});
   std::array<std::byte, wire::kMostMessageBytes> buffer{};
-  auto received = worker.socket.receive(buffer, timeout);
+  const auto received = worker.socket.receive(buffer, untilThen(deadline));
   if (!received)
     return fail(received.error() == std::errc::timed_out ? PictureFault::timedOut : PictureFault::crashed,
                 received.error().message());
-  if (received->bytes == 0)
-    return fail(PictureFault::crashed, {});
+  if (received->bytes == 0) {
+    const Locked locked(lock_);
+    return fail(ending_ ? PictureFault::stopped : PictureFault::crashed, {});
+  }
   auto answer = wire::decodedAnswer(text(std::span(buffer).first(received->bytes)));
   if (!answer)
     return fail(PictureFault::crashed, "the answer makes no sense");
   Reply reply{.answer = std::move(*answer), .bytes = {}};
-  const bool wantsBytes = !reply.answer.error && !std::holds_alternative<wire::FactsRequest>(request);
-  if (wantsBytes) {
-    auto bytes = readSealedMemoryFile(received->attached, wire::kMostResultBytes);
-    if (!bytes || bytes->empty())
-      return fail(PictureFault::crashed, "the answer came without its bytes");
-    reply.bytes = std::move(*bytes);
-  }
+  if (reply.answer.error || task.mostBytes == 0)
+    return reply;
+  auto bytes = resultOf(received->attached, task.mostBytes);
+  if (bytes.empty())
+    return fail(PictureFault::crashed, "the answer came without its bytes");
+  reply.bytes = std::move(bytes);
   return reply;
 }
 
-PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::acquire() {
-  auto worker = take();
-  if (worker && *worker == nullptr) {
-    worker = start();
-    if (!worker)
-      giveUp();
-  }
-  if (!worker)
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::acquire(Process process, Deadline deadline) {
+  auto worker = takeIdle(process, deadline);
+  if (!worker || *worker)
     return worker;
-  const Locked locked(lock_);
-  if (ending_) {
-    --alive_;
-    return fail(PictureFault::noDecoder, "the program ends");
-  }
-  atWork_.insert(worker->get());
+  worker = start(deadline);
+  if (!worker)
+    giveUp();
   return worker;
 }
 
-// The process used last is the warmest. Null when a new one is to be started, which happens only when all are
-// at work.
-PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::take() {
+// The process used last is the warmest. Null when a new one is to be started: because one of its own is
+// wanted, for which an idle one gives way, or because all are at work.
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Process process, Deadline deadline) {
+  std::list<WorkerPtr> ended; // outlives the lock: ending a process takes a moment
   Locked locked(lock_);
-  while (!ending_ && idle_.empty() && alive_ >= options_.mostProcesses)
-    locked.wait(changed_);
+  while (!ending_ && idle_.empty() && alive_ >= options_.mostProcesses) {
+    const Seconds left = untilThen(deadline);
+    if (left <= Seconds(0))
+      return fail(PictureFault::timedOut, "all processes are at work");
+    locked.waitFor(changed_, left);
+  }
   if (ending_)
-    return fail(PictureFault::noDecoder, "the program ends");
-  while (!idle_.empty()) {
+    return fail(PictureFault::stopped, "the program ends");
+  while (process == Process::anyWarm && !idle_.empty()) {
     auto worker = std::move(idle_.back());
     idle_.pop_back();
-    if (worker->socket.isConnected())
+    if (worker->socket.isConnected()) {
+      atWork_.insert(worker.get());
       return worker;
+    }
     --alive_; // somebody ended it while it was idle
+    ended.push_back(std::move(worker));
+  }
+  if (alive_ >= options_.mostProcesses) {
+    ended.splice(ended.end(), idle_, idle_.begin());
+    --alive_;
   }
   ++alive_;
   return nullptr;
 }
 
-PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::start() {
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::start(Deadline deadline) {
   auto ends = MessageSocket::makePair();
   if (!ends)
     return fail(PictureFault::noDecoder, ends.error().message());
@@ -194,41 +224,56 @@ PictureResult<std::unique_ptr<DecoderPool::Worker>> DecoderPool::start() {
     return fail(PictureFault::noDecoder, process.error().message());
   }
   auto worker = std::make_unique<Worker>(std::move(*process), std::move(ends->first), steady_clock::now());
+  {
+    const Locked locked(lock_);
+    if (ending_)
+      return fail(PictureFault::stopped, "the program ends");
+    atWork_.insert(worker.get());
+  }
   // Only the child holds the other end from now on, so that its death is noticed.
   ends->second = MessageSocket(FileDescriptor());
-  std::array<std::byte, wire::kMostMessageBytes> buffer{};
-  const auto received = worker->socket.receive(buffer, options_.startTimeout);
-  auto hello = received ? wire::decodedHello(text(std::span(buffer).first(received->bytes))) : std::nullopt;
-  if (!hello || !hello->lockedDown) {
-    const std::string reason = hello ? hello->detail : worker->process.kill();
-    log(fmt::format("imaging: no decoding, the process could not be locked down: {}", reason));
-    return fail(PictureFault::noDecoder, reason);
-  }
-  const Locked locked(lock_);
-  encodesHEIC_ = hello->encodesHEIC;
-  return worker;
+  return greeted(std::move(worker), std::min(deadline, deadlineIn(options_.startTimeout)));
 }
 
-void DecoderPool::release(std::unique_ptr<Worker> worker) {
-  worker->idleSince = steady_clock::now();
+// `worker` once it has said hello.
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::greeted(WorkerPtr worker, Deadline deadline) {
+  std::array<std::byte, wire::kMostMessageBytes> buffer{};
+  const auto received = worker->socket.receive(buffer, untilThen(deadline));
+  const auto hello =
+      received ? wire::decodedHello(text(std::span(buffer).first(received->bytes))) : std::nullopt;
+  const std::string reason = hello ? hello->detail : worker->process.kill();
   const Locked locked(lock_);
-  atWork_.erase(worker.get());
-  if (ending_) {
-    --alive_;
-    return;
+  if (hello && hello->lockedDown) {
+    encodesHEIC_ = hello->encodesHEIC;
+    return worker;
   }
-  idle_.push_back(std::move(worker));
-  try {
-    if (!retirement_.joinable())
-      retirement_ = std::thread([this] { retireIdle(); });
-  } catch (const std::system_error &) {
-    idle_.pop_back(); // nobody would end it later
-    --alive_;
+  atWork_.erase(worker.get());
+  if (ending_)
+    return fail(PictureFault::stopped, "the program ends");
+  log(fmt::format("imaging: no decoding, the process could not be locked down: {}", reason));
+  return fail(PictureFault::noDecoder, reason);
+}
+
+void DecoderPool::release(WorkerPtr worker) {
+  worker->idleSince = steady_clock::now();
+  {
+    const Locked locked(lock_);
+    atWork_.erase(worker.get());
+    try {
+      if (!ending_ && !retirement_.joinable())
+        retirement_ = std::thread([this] { retireIdle(); });
+    } catch (const std::system_error &) {
+      // Nobody would end it later.
+    }
+    if (!ending_ && retirement_.joinable())
+      idle_.push_back(std::move(worker));
+    else
+      --alive_;
   }
   changed_.notify_all();
 }
 
-void DecoderPool::discard(std::unique_ptr<Worker> worker) {
+void DecoderPool::discard(WorkerPtr worker) {
   {
     const Locked locked(lock_);
     atWork_.erase(worker.get());
@@ -255,8 +300,11 @@ void DecoderPool::stop() {
 
 // Sleeps until the process that has been idle longest is due, without an end while none is idle.
 void DecoderPool::retireIdle() {
-  Locked locked(lock_);
-  while (!ending_) {
+  while (true) {
+    WorkerPtr retired; // ended after the lock is given back
+    Locked locked(lock_);
+    if (ending_)
+      return;
     if (idle_.empty()) {
       locked.wait(changed_);
       continue;
@@ -266,8 +314,10 @@ void DecoderPool::retireIdle() {
       locked.waitFor(changed_, left);
       continue;
     }
+    retired = std::move(idle_.front());
     idle_.pop_front();
     --alive_;
+    changed_.notify_all();
   }
 }
 

@@ -7,8 +7,10 @@
 #include "FennickCore/Platform/MessageSocket.h"
 #include "FennickCore/Platform/Mutex.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <list>
 #include <memory>
@@ -22,7 +24,9 @@ namespace fennick {
 
 // Reads pictures in processes that have given up everything but the picture they are handed. They are started
 // on first use, kept warm for the next pictures, and ended when there has been nothing to do for a while. One
-// that dies over a picture, takes too long or answers nonsense is ended and costs that picture only.
+// that dies over a picture, takes too long or answers nonsense is ended and costs that picture only. What is
+// to take the place of a photo is made by a process that reads that photo alone, so that no picture can forge
+// another.
 //
 // Any thread; guarded by its own lock. Destroying the pool ends its processes; no call may be under way then.
 class DecoderPool final : public PictureDecoder {
@@ -30,7 +34,7 @@ public:
   struct Options {
     std::filesystem::path program;        // the imaging process
     std::vector<std::string> arguments{}; // for it
-    std::size_t mostProcesses = 7;        // two thumbnail gates of 4 and 2, and the pipeline
+    std::size_t mostProcesses = 8;        // two thumbnail gates of 4 and 2, the pipeline, the library
     Seconds idleTime{30};                 // how long a process with nothing to do is kept
     Seconds startTimeout{20};             // a computer that is swapping still gets it started in this time
     Seconds factsTimeout{20};             // headers only; a slow network drive has to deliver them
@@ -59,34 +63,45 @@ public:
   [[nodiscard]] std::size_t processCount() const;
 
 private:
-  // One warm process.
+  using Deadline = std::chrono::steady_clock::time_point;
+
   struct Worker {
     ChildProcess process;
     MessageSocket socket;
     std::chrono::steady_clock::time_point idleSince;
+  };
+  using WorkerPtr = std::unique_ptr<Worker>;
+
+  enum class Process { anyWarm, ofItsOwn };
+  struct Task {
+    wire::Request request;
+    Seconds timeout;            // from the call to its answer
+    std::int64_t mostBytes = 0; // of the result; 0: there is none
+    Process process = Process::anyWarm;
   };
   struct Reply {
     wire::Answer answer;
     std::string bytes; // what the attached memory file held; empty without one
   };
 
-  PictureResult<Reply> ask(const std::filesystem::path &file, const wire::Request &request, Seconds timeout);
-  PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const wire::Request &request,
-                                Seconds timeout);
-  PictureResult<std::unique_ptr<Worker>> acquire();
-  PictureResult<std::unique_ptr<Worker>> take();
-  PictureResult<std::unique_ptr<Worker>> start();
-  void release(std::unique_ptr<Worker> worker);
-  void discard(std::unique_ptr<Worker> worker);
+  PictureResult<Reply> ask(const std::filesystem::path &file, const Task &task);
+  PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const Task &task,
+                                Deadline deadline);
+  PictureResult<WorkerPtr> acquire(Process process, Deadline deadline);
+  PictureResult<WorkerPtr> takeIdle(Process process, Deadline deadline);
+  PictureResult<WorkerPtr> start(Deadline deadline);
+  PictureResult<WorkerPtr> greeted(WorkerPtr worker, Deadline deadline);
+  void release(WorkerPtr worker);
+  void discard(WorkerPtr worker);
   void giveUp();
   void retireIdle();
 
   const Options options_;
   mutable Mutex lock_;
   std::condition_variable changed_;
-  std::list<std::unique_ptr<Worker>> idle_ GUARDED_BY(lock_); // used last comes last
-  std::set<Worker *> atWork_ GUARDED_BY(lock_);
-  std::size_t alive_ GUARDED_BY(lock_) = 0; // idle, at work and starting
+  std::list<WorkerPtr> idle_ GUARDED_BY(lock_);       // used last comes last
+  std::set<const Worker *> atWork_ GUARDED_BY(lock_); // starting ones included
+  std::size_t alive_ GUARDED_BY(lock_) = 0;           // idle, at work and about to be started
   std::optional<bool> encodesHEIC_ GUARDED_BY(lock_);
   bool ending_ GUARDED_BY(lock_) = false;
   std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for long enough

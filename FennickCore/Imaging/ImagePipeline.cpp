@@ -44,6 +44,8 @@ std::unexpected<Failure> fail(const PictureError &error, PictureType output) {
     return fail(timedOut);
   case PictureFault::noDecoder:
     return fail(noDecoder);
+  case PictureFault::stopped:
+    return fail(stopped);
   default:
     return fail(decodeFailed);
   }
@@ -76,6 +78,13 @@ fs::path workFolder(const fs::path &folder) {
     if (const auto kind = fileKind(above / kIncomingFolder); kind && *kind == FileKind::directory)
       return above / kIncomingFolder;
   return folder / kIncomingFolder;
+}
+
+// Somebody may have renamed, changed or deleted a photo while it was being worked on: theirs counts.
+bool isStillThere(const fs::path &url, const FileStatus &before) {
+  const auto now = fileStatus(url);
+  return now && now->identity == before.identity && now->bytes == before.bytes &&
+         now->modified == before.modified;
 }
 
 // Puts a new encoding in the place of a file. Every step either leaves all as it was or has the picture whole
@@ -141,6 +150,8 @@ public:
   IOResult<fs::path> place(std::string_view extension) {
     const fs::path name = source_.stem().concat(fmt::format(".{}", extension));
     const bool sameName = name == source_.filename();
+    if (!isStillThere(moved_ ? original_ : source_, status_))
+      return std::unexpected(std::make_error_code(std::errc::no_such_file_or_directory));
     IOResult<fs::path> placed = source_.parent_path() / name;
     if (sameName && !moved_) {
       if (auto replaced = files_.replace(output_, source_); !replaced)
@@ -171,20 +182,11 @@ private:
   bool moved_ = false; // the file itself lies in "originals", not only a second name of it
 };
 
-bool isStillThere(const fs::path &url, const FileStatus &before) {
-  const auto now = fileStatus(url);
-  return now && now->identity == before.identity && now->bytes == before.bytes &&
-         now->modified == before.modified;
-}
-
 Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptions &options,
                const Encode &encode, const Rendering &rendering, FileSystem &files) {
   Commit commit(url, status, files);
   if (const auto written = commit.write(rendering.bytes); !written)
     return fail(written.error());
-  // Somebody may have renamed, changed or deleted the photo while it was being worked on: theirs counts.
-  if (!isStillThere(url, status))
-    return fail(std::make_error_code(std::errc::no_such_file_or_directory));
   ProcessResult result{.finalURL = url, .processed = true, .note = noteOf(encode, rendering)};
   if (options.keepOriginal) {
     const auto kept = commit.keepOriginal();
@@ -218,6 +220,8 @@ std::string description(const Failure &failure) {
     return "处理超时 timed out";
   case PipelineError::Kind::noDecoder:
     return "隔离的图片处理程序无法启动 / the locked-down picture process cannot be started";
+  case PipelineError::Kind::stopped:
+    return "接收已结束，照片原样保存 / receiving has ended, the photo is kept as is";
   default:
     return "无法解码图片";
   }

@@ -34,7 +34,14 @@ struct ProcessResult {
 namespace ImagePipeline {
 
 struct PipelineError {
-  enum class Kind : std::uint8_t { encodeFailed, unsupportedType, decodeFailed, timedOut, noDecoder };
+  enum class Kind : std::uint8_t {
+    encodeFailed,
+    unsupportedType,
+    decodeFailed,
+    timedOut,
+    noDecoder,
+    stopped
+  };
   Kind kind = Kind::decodeFailed;
   std::string type{}; // the type's identifier, of the first two
 

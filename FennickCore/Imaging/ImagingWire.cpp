@@ -1,8 +1,10 @@
 #include "FennickCore/Imaging/ImagingWire.h"
 
+#include "FennickCore/Platform/Text.h"
+
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
+#include <limits>
 #include <type_traits>
 
 namespace fennick::wire {
@@ -11,12 +13,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Long texts of libraries are cut, so that every message fits.
+// Long texts of libraries are cut, so that every message fits; quotes and the like take two bytes there.
 constexpr std::size_t kMostDetailBytes = 1024;
 
 std::string dump(const Json &message) { return message.dump(-1, ' ', false, Json::error_handler_t::replace); }
 
-std::string cut(const std::string &detail) { return detail.substr(0, kMostDetailBytes); }
+std::string cut(const std::string &detail) { return withoutControls(detail.substr(0, kMostDetailBytes)); }
 
 template <typename T>
 void put(Json &object, const char *key, const std::optional<T> &value) {
@@ -24,14 +26,30 @@ void put(Json &object, const char *key, const std::optional<T> &value) {
     object[key] = *value;
 }
 
-std::optional<std::int64_t> number(const Json &object, const char *key) {
+// A whole number from `lowest` on.
+std::int64_t number(const Json &value, std::int64_t lowest = std::numeric_limits<std::int64_t>::min()) {
+  const auto result = value.is_number_integer() ? value.get<std::int64_t>() : lowest;
+  if (!value.is_number_integer() || result < lowest)
+    throw Json::out_of_range::create(401, "no such number", nullptr);
+  return result;
+}
+
+// A share from 0 to 1.
+double share(const Json &value) {
+  const auto result = value.get<double>();
+  if (!(result >= 0 && result <= 1))
+    throw Json::out_of_range::create(401, "no such share", nullptr);
+  return result;
+}
+
+std::optional<std::int64_t> optionalNumber(const Json &object, const char *key) {
   const auto found = object.find(key);
-  return found == object.end() ? std::nullopt : std::optional(found->get<std::int64_t>());
+  return found == object.end() ? std::nullopt : std::optional(number(*found));
 }
 
 template <typename Enumeration>
 Enumeration enumerated(const Json &value, Enumeration last) {
-  const auto raw = value.get<std::int64_t>();
+  const auto raw = number(value);
   if (raw < 0 || raw > static_cast<std::int64_t>(last))
     throw Json::out_of_range::create(401, "no such value", nullptr);
   return static_cast<Enumeration>(raw);
@@ -61,10 +79,10 @@ Json json(const OrientationRequest &request) {
 
 RenderRequest renderRequest(const Json &object) {
   return {.output = enumerated(object.at("output"), PictureType::dng),
-          .longEdge = object.at("longEdge").get<std::int64_t>(),
-          .maxBytes = number(object, "maxBytes"),
-          .quality = object.at("quality").get<double>(),
-          .qualityFloor = object.at("qualityFloor").get<double>(),
+          .longEdge = number(object.at("longEdge")),
+          .maxBytes = optionalNumber(object, "maxBytes"),
+          .quality = share(object.at("quality")),
+          .qualityFloor = share(object.at("qualityFloor")),
           .stripLocation = object.at("stripLocation").get<bool>(),
           .stripAllMetadata = object.at("stripAllMetadata").get<bool>()};
 }
@@ -74,12 +92,12 @@ Request request(const Json &object) {
   if (task == "facts")
     return FactsRequest{};
   if (task == "thumbnail")
-    return ThumbnailRequest{.maxPixel = object.at("maxPixel").get<std::int64_t>(),
-                            .quality = object.at("quality").get<double>()};
+    return ThumbnailRequest{.maxPixel = number(object.at("maxPixel")),
+                            .quality = share(object.at("quality"))};
   if (task == "render")
     return renderRequest(object);
   if (task == "orientation")
-    return OrientationRequest{.orientation = object.at("orientation").get<std::int64_t>()};
+    return OrientationRequest{.orientation = number(object.at("orientation"))};
   throw Json::out_of_range::create(401, "no such task", nullptr);
 }
 
@@ -96,10 +114,10 @@ Json json(const PictureFacts &facts) {
 
 PictureFacts facts(const Json &object) {
   return {.type = enumerated(object.at("type"), PictureType::dng),
-          .frames = object.at("frames").get<std::int64_t>(),
-          .width = number(object, "width"),
-          .height = number(object, "height"),
-          .orientation = number(object, "orientation"),
+          .frames = number(object.at("frames"), 0),
+          .width = optionalNumber(object, "width"),
+          .height = optionalNumber(object, "height"),
+          .orientation = optionalNumber(object, "orientation"),
           .hasLocation = object.at("hasLocation").get<bool>(),
           .hasMetadata = object.at("hasMetadata").get<bool>()};
 }
@@ -107,13 +125,13 @@ PictureFacts facts(const Json &object) {
 Answer answer(const Json &object) {
   Answer result;
   if (const auto fault = object.find("fault"); fault != object.end()) {
-    result.error = PictureError{.fault = enumerated(*fault, PictureFault::noDecoder),
+    result.error = PictureError{.fault = enumerated(*fault, PictureFault::stopped),
                                 .detail = cut(object.at("detail").get<std::string>())};
     return result;
   }
   result.facts = facts(object.at("facts"));
-  result.longEdge = object.at("longEdge").get<std::int64_t>();
-  result.quality = object.at("quality").get<double>();
+  result.longEdge = number(object.at("longEdge"), 0);
+  result.quality = share(object.at("quality"));
   result.withinMaxBytes = object.at("withinMaxBytes").get<bool>();
   return result;
 }

@@ -18,8 +18,10 @@ namespace fennick::wire {
 
 // No message is longer.
 inline constexpr std::size_t kMostMessageBytes = 4096;
-// No encoded picture is longer: 100 million pixels of 16-bit PNG that do not compress at all.
-inline constexpr std::int64_t kMostResultBytes = std::int64_t{900} << 20;
+// No encoded picture is longer; 100 million pixels of 16-bit PNG stay below it unless they are pure noise.
+inline constexpr std::int64_t kMostResultBytes = std::int64_t{512} << 20;
+// No thumbnail is longer.
+inline constexpr std::int64_t kMostThumbnailBytes = std::int64_t{32} << 20;
 
 struct FactsRequest {};
 struct ThumbnailRequest {

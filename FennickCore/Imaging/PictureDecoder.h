@@ -21,6 +21,7 @@ enum class PictureFault : std::uint8_t {
   crashed,     // the decoder died over it
   timedOut,    // the decoder took too long and was ended
   noDecoder,   // the locked-down decoder cannot be started here, and there is no decoding without it
+  stopped,     // the program ends
 };
 
 struct PictureError {

@@ -49,6 +49,11 @@ bool isOwnType(PictureType source, PictureType output) {
   return source == output || (isHEIF(source) && output == PictureType::heic);
 }
 
+// A limit below 1, which only a damaged record has, would destroy every photo: it is none.
+std::optional<std::int64_t> sensible(std::optional<std::int64_t> limit) {
+  return limit && *limit >= 1 ? limit : std::nullopt;
+}
+
 bool isNeeded(const PictureFacts &facts, const ImagingOptions &options, bool resize, bool overSize) {
   return (facts.hasLocation && options.stripLocation) || resize || overSize ||
          (facts.hasMetadata && options.stripAllMetadata);
@@ -68,13 +73,15 @@ Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &o
 
   Output output = outputOf(facts.type, options.format, canEncodeHEIC);
   const std::int64_t longEdge = std::max(*facts.width, *facts.height);
-  const bool resize = options.maxPixels && *options.maxPixels < longEdge;
-  const bool overSize = options.maxBytes && *options.maxBytes < bytes;
+  const auto maxPixels = sensible(options.maxPixels);
+  const auto maxBytes = sensible(options.maxBytes);
+  const bool resize = maxPixels && *maxPixels < longEdge;
+  const bool overSize = maxBytes && *maxBytes < bytes;
   if (!isNeeded(facts, options, resize, overSize) && isOwnType(facts.type, output.type))
     return LeaveAlone{"无需处理 / no change needed"};
   return Encode{.request = {.output = output.type,
-                            .longEdge = resize ? std::max(*options.maxPixels, std::int64_t{1}) : longEdge,
-                            .maxBytes = options.maxBytes,
+                            .longEdge = resize ? *maxPixels : longEdge,
+                            .maxBytes = maxBytes,
                             .quality = options.qualityInUse(),
                             .qualityFloor = options.floorInUse(),
                             .stripLocation = options.stripLocation,

@@ -15,6 +15,14 @@ namespace {
 
 constexpr int kSeals = F_SEAL_SEAL | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE;
 
+// Never to be executed, which some systems demand and kernels before 6.3 do not know.
+FileDescriptor emptyMemoryFile() {
+  constexpr unsigned kNoExecSeal = 0x8;
+  constexpr unsigned kFlags = MFD_CLOEXEC | MFD_ALLOW_SEALING;
+  const int file = ::memfd_create("picture", kFlags | kNoExecSeal);
+  return FileDescriptor(file >= 0 ? file : ::memfd_create("picture", kFlags));
+}
+
 IOResult<std::int64_t> sizeOf(const FileDescriptor &file) {
   const off_t size = ::lseek(file.get(), 0, SEEK_END); // works in a process that may not ask for a status
   if (size < 0)
@@ -25,7 +33,7 @@ IOResult<std::int64_t> sizeOf(const FileDescriptor &file) {
 } // namespace
 
 IOResult<FileDescriptor> sealedMemoryFile(std::string_view content) {
-  FileDescriptor file(::memfd_create("picture", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+  FileDescriptor file = emptyMemoryFile();
   if (!file.isOpen())
     return lastFailure();
   while (!content.empty()) {
@@ -40,7 +48,8 @@ IOResult<FileDescriptor> sealedMemoryFile(std::string_view content) {
 }
 
 IOResult<std::string> readSealedMemoryFile(const FileDescriptor &file, std::int64_t most) {
-  if (::fcntl(file.get(), F_GET_SEALS) != kSeals)
+  const int seals = ::fcntl(file.get(), F_GET_SEALS);
+  if (seals < 0 || (seals & kSeals) != kSeals)
     return failure(EINVAL);
   const auto size = sizeOf(file);
   if (!size)

@@ -45,10 +45,11 @@ IOResult<void> waitReadable(int fd, std::optional<Seconds> timeout) {
   }
 }
 
+// The one descriptor that came with a message; the system closes what does not fit into Control.
 FileDescriptor attachedTo(msghdr &message) {
   const cmsghdr *header = CMSG_FIRSTHDR(&message);
   if (header == nullptr || header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS ||
-      header->cmsg_len != CMSG_LEN(sizeof(int)))
+      header->cmsg_len < CMSG_LEN(sizeof(int)))
     return {};
   int fd = -1;
   std::memcpy(&fd, CMSG_DATA(header), sizeof fd);
@@ -105,7 +106,7 @@ IOResult<MessageSocket::Received> MessageSocket::receive(std::span<std::byte> in
   header.msg_iov = &piece;
   header.msg_iovlen = 1;
   header.msg_control = control.bytes.data();
-  header.msg_controllen = control.bytes.size();
+  header.msg_controllen = CMSG_LEN(sizeof(int)); // no room for a second one in the padding
   const ssize_t count = retried([&] { return ::recvmsg(fd_.get(), &header, MSG_CMSG_CLOEXEC); });
   if (count < 0 && errno == ECONNRESET)
     return Received{};

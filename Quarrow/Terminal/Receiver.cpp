@@ -61,7 +61,6 @@ bool Receiver::start() {
 }
 
 void Receiver::stop() {
-  stopping_ = true;
   server_.stop();
   processingQueue_.reset();
 }
@@ -116,10 +115,8 @@ void Receiver::reportListening(std::uint16_t port) {
 // On the upload's thread.
 void Receiver::handleUpload(const fennick::UploadRecord &record) {
   processingQueue_->post([this, record] {
-    const fennick::ProcessResult result =
-        stopping_ ? fennick::ProcessResult{.finalURL = record.url}
-                  : fennick::ImagePipeline::process(record.url, setup_.settings.imaging, kProcessingTimeout,
-                                                    {.decoder = decoder_, .files = files_});
+    const fennick::ProcessResult result = fennick::ImagePipeline::process(
+        record.url, setup_.settings.imaging, kProcessingTimeout, {.decoder = decoder_, .files = files_});
     mainQueue_.post([this, record, result] { finishUpload(record, result); });
   });
 }

@@ -14,7 +14,6 @@
 #include "Quarrow/App/RouterConfig.h"
 #include "Quarrow/Terminal/Report.h"
 
-#include <atomic>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -45,8 +44,8 @@ public:
   // Prepares the save folder and starts the server. False when the server cannot start; the report has the
   // reason. A save folder that cannot be made is reported too, but does not keep the server from starting.
   [[nodiscard]] bool start();
-  // Ends the server; uploads under way are given up and their part files removed. Photos that wait to be
-  // processed stay as they arrived and are still reported.
+  // Ends the server; uploads under way are given up and their part files removed. Photos that still wait are
+  // processed, unless the decoder was stopped before, and reported.
   void stop();
 
 private:
@@ -73,7 +72,6 @@ private:
   fennick::UploadActivity activity_;
   fennick::UploadRouter router_;
   fennick::RateLimiter rateLimiter_;
-  std::atomic<bool> stopping_ = false; // what is not processed yet stays as it is
   std::optional<fennick::SerialQueue> processingQueue_{"fennick.imaging"};
   fennick::HTTPServer server_; // before the queue it posts to
 

@@ -99,6 +99,30 @@ TEST_F(DecoderPoolTest, NoMoreProcessesThanAllowedAndIdleOnesEnd) {
     std::this_thread::yield();
 }
 
+TEST_F(DecoderPoolTest, WhatTakesThePlaceOfAPhotoIsMadeByAProcessThatReadsNoOther) {
+  DecoderPool pool(misbehaving("crash"));
+  const std::string warm = processServing(pool);
+  std::set<std::string> processes{warm};
+  for (int i = 0; i < 3; ++i)
+    processes.insert(pool.render(good, {}, Seconds(30))->bytes);
+  processes.insert(pool.withOrientation(good, 6).value());
+  EXPECT_EQ(processes.size(), 5U);
+  EXPECT_EQ(processServing(pool), warm);
+}
+
+TEST_F(DecoderPoolTest, TheEndOfTheProgramEndsWhatIsUnderWay) {
+  auto options = misbehaving("hang");
+  options.thumbnailTimeout = Seconds(90);
+  DecoderPool pool(options);
+  auto hanging = std::async(std::launch::async, [&] { return pool.thumbnail(bad, 400, 0.7); });
+  while (pool.processCount() == 0)
+    std::this_thread::yield();
+  pool.stop();
+  EXPECT_EQ(hanging.get().error().fault, PictureFault::stopped);
+  EXPECT_EQ(pool.facts(good).error().fault, PictureFault::stopped);
+  EXPECT_EQ(pool.processCount(), 0U);
+}
+
 TEST_F(DecoderPoolTest, WhatCannotBeOpenedIsUnreadable) {
   DecoderPool pool(misbehaving("crash"));
   std::filesystem::create_symlink(good, folder / "link.jpg");

@@ -54,6 +54,7 @@ TEST(ProcessingPlanTest, OnlyWhatMustChangeIsWrittenAnew) {
   EXPECT_EQ(planned(photo(), {.maxBytes = 2'999'999}), "jpeg 4000");
   EXPECT_EQ(planned(photo(), {.stripLocation = true}), "jpeg 4000");
   EXPECT_EQ(planned(photo(), {.stripAllMetadata = true}), "jpeg 4000");
+  EXPECT_EQ(planned(photo(), {.maxPixels = 0, .maxBytes = -5}), kNothing) << "no limits at all";
   auto bare = photo();
   bare.hasLocation = bare.hasMetadata = false;
   bare.orientation = 6; // not upright is no reason by itself
@@ -193,6 +194,7 @@ TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
   const std::vector<std::pair<PictureFault, std::string>> notes{
       {PictureFault::timedOut, "处理超时 timed out"},
       {PictureFault::crashed, "无法解码图片"},
+      {PictureFault::stopped, "接收已结束，照片原样保存 / receiving has ended, the photo is kept as is"},
       {PictureFault::unencodable, "无法编码为 public.jpeg"},
       {PictureFault::unsupported, "不处理的类型 public.jpeg"}};
   for (const auto &[fault, note] : notes) {

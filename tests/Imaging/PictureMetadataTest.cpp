@@ -24,8 +24,7 @@ Metadata everything() {
   return {.exif = sampleExif({.orientation = 1, .hasPreview = false}),
           .xmp = sampleXmp(kPlaces + kRating),
           .iptc = iptcSet(120, "a caption") + iptcSet(90, "Arezzo"),
-          .icc = numberText(150'000, 4) + std::string(149'996, 'c'),
-          .extendedXMP = {}};
+          .icc = numberText(150'000, 4) + std::string(149'996, 'c')};
 }
 
 std::string written(const std::string &file, const Metadata &metadata) {
@@ -62,8 +61,6 @@ TEST(PictureMetadata, OlderPngTextHoldsExifToo) {
 TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
   Metadata metadata = everything();
   metadata.exif = sampleExif();
-  metadata.extendedXMP = "<exif:GPSLatitude>";
-  EXPECT_TRUE(hasLocation(metadata));
   const Metadata prepared = prepare(metadata, kKeep);
   const auto exif = ExifBlock::parse(prepared.exif);
   EXPECT_EQ(exif->orientation(), 1);
@@ -72,7 +69,6 @@ TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
   EXPECT_THAT(prepared.exif, Not(HasSubstr(numberText(4000, 4, ByteOrder::little))));
   EXPECT_EQ(prepared.xmp, metadata.xmp);
   EXPECT_EQ(prepared.iptc, metadata.iptc);
-  EXPECT_TRUE(prepared.extendedXMP.empty());
 
   metadata.xmp = sampleXmp(R"(tiff:Orientation="6" exif:PixelXDimension="4000" )" + kRating);
   const std::string xmp = prepare(metadata, kKeep).xmp;
@@ -83,13 +79,9 @@ TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
 
 TEST(PictureMetadata, EachPlaceThatLocationHidesInIsFoundAndEmptied) {
   const std::vector<Metadata> hiding{
-      {.exif = sampleExif(), .xmp = {}, .iptc = {}, .icc = {}, .extendedXMP = {}},
-      {.exif = {}, .xmp = sampleXmp(kPlaces + kRating), .iptc = {}, .icc = {}, .extendedXMP = {}},
-      {.exif = {},
-       .xmp = {},
-       .iptc = iptcSet(120, "a caption") + iptcSet(101, "Italia"),
-       .icc = {},
-       .extendedXMP = {}},
+      {.exif = sampleExif()},
+      {.xmp = sampleXmp(kPlaces + kRating)},
+      {.iptc = iptcSet(120, "a caption") + iptcSet(101, "Italia")},
   };
   for (const Metadata &metadata : hiding) {
     EXPECT_TRUE(hasLocation(metadata));
@@ -104,6 +96,35 @@ TEST(PictureMetadata, EachPlaceThatLocationHidesInIsFoundAndEmptied) {
   }
   EXPECT_THAT(prepare(hiding[1], kNoLocation).xmp, HasSubstr("Rating"));
   EXPECT_THAT(prepare(hiding[2], kNoLocation).iptc, HasSubstr("a caption"));
+}
+
+std::string packedPacket(const std::string &packet) {
+  return pngChunk("iTXt", "XML:com.adobe.xmp\0\1\0\0\0"s + deflated(packet));
+}
+
+TEST(PictureMetadata, LocationIsSeenBehindTheFirstBlockOfItsKindAndInPackedText) {
+  const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif({.hasGPS = false}));
+  const std::string xmp = *jpegSegment(kAPP1, std::string(kXMPPrefix) + sampleXmp(kRating));
+  const std::string extended = "http://ns.adobe.com/xmp/extension/\0"s + std::string(40, '0');
+  const std::string caption = iptcSet(120, "a caption");
+  const auto photoshop = [](const std::string &iptc) { return photoshopOfIptc(iptc); };
+  for (const std::string &hidden : {
+           *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif()),
+           *jpegSegment(kAPP1, std::string(kXMPPrefix) + sampleXmp(kPlaces)),
+           *jpegSegment(kAPP1, extended + "<exif:GPSLatitude>"),
+           *jpegSegment(kAPP13, "Photoshop 3.0\0"s + photoshop(caption) + photoshop(iptcSet(90, "Arezzo"))),
+       }) {
+    const Metadata read = readMetadata(bytesOf(sampleJpeg(exif + xmp + hidden)), PictureType::jpeg);
+    EXPECT_TRUE(hasLocation(read));
+    EXPECT_FALSE(hasLocation(prepare(read, kNoLocation)));
+    EXPECT_THAT(prepare(read, kNoLocation).xmp, HasSubstr("Rating"));
+  }
+  const auto readPng = [](const std::string &packet) {
+    return readMetadata(bytesOf(samplePng(packedPacket(packet))), PictureType::png);
+  };
+  EXPECT_TRUE(hasLocation(readPng(sampleXmp(kPlaces))));
+  EXPECT_FALSE(hasLocation(prepare(readPng(sampleXmp(kPlaces)), kNoLocation)));
+  EXPECT_FALSE(hasMetadata(readPng(std::string(4UZ * 1'024 * 1'024 + 1, 'x'))));
 }
 
 TEST(PictureMetadata, NothingButTheColourProfileIsLeftWhenAllHasToGo) {
@@ -134,20 +155,25 @@ TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
   EXPECT_FALSE(clean(samplePng(pngChunk("tEXt", "Comment\0from Arezzo"s)), PictureType::png, true));
 }
 
-TEST(PictureMetadata, AnExifBlockTooLargeForAJpegLosesTheMakersNotesOnly) {
-  const Metadata large{.exif = sampleExif({.hasPreview = false, .makerNote = std::string(70'000, 'm')}),
-                       .xmp = {},
-                       .iptc = {},
-                       .icc = {},
-                       .extendedXMP = {}};
-  const Metadata read = readMetadata(bytesOf(written(sampleJpeg(), large)), PictureType::jpeg);
-  EXPECT_THAT(read.exif, HasSubstr("a description"));
-  EXPECT_THAT(read.exif, HasSubstr("2024:05:01 10:00:00"));
-  EXPECT_TRUE(hasLocation(read));
-  EXPECT_LT(read.exif.size(), 1'000);
-  Metadata impossible;
-  impossible.xmp = std::string(70'000, 'x');
-  EXPECT_EQ(writeInto(bytesOf(sampleJpeg()), impossible).error(), PictureFault::unencodable);
+TEST(PictureMetadata, WhatDoesNotFitIntoAJpegIsMadeSmallerOrLeftOut) {
+  const auto readBack = [](const Metadata &metadata) {
+    return readMetadata(bytesOf(written(sampleJpeg(), metadata)), PictureType::jpeg);
+  };
+  Metadata large{.exif = sampleExif({.hasPreview = false, .makerNote = std::string(70'000, 'm')}),
+                 .xmp = sampleXmp(kRating) + std::string(70'000, ' ')};
+  const Metadata less = readBack(large);
+  EXPECT_THAT(less.exif, HasSubstr("a description"));
+  EXPECT_THAT(less.exif, HasSubstr("2024:05:01 10:00:00"));
+  EXPECT_TRUE(hasLocation(less));
+  EXPECT_LT(less.exif.size(), 1'000);
+  EXPECT_THAT(less.xmp, HasSubstr(kRating));
+  EXPECT_LT(less.xmp.size(), 1'000);
+
+  large.xmp = sampleXmp("xmp:Label=\"" + std::string(70'000, 'x') + "\"");
+  large.iptc = iptcSet(120, std::string(30'000, 'x')) + iptcSet(120, std::string(30'000, 'x')) +
+               iptcSet(120, std::string(30'000, 'x'));
+  EXPECT_EQ(readBack(large), Metadata{.exif = less.exif});
+  EXPECT_EQ(writeInto(bytesOf("no picture"), large).error(), PictureFault::unencodable);
 }
 
 TEST(PictureMetadata, ATiffsExifLeavesOutHowItsPixelsAreStored) {

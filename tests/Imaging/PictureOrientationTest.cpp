@@ -62,6 +62,12 @@ TEST(PictureOrientation, PngAndWebpTakeAChunkAndChangeItInPlace) {
   const std::string png = turned(samplePng(), PictureType::png, 6);
   EXPECT_EQ(png, samplePng(pngChunk("eXIf", ExifBlock::minimal(6)))); // its sum included
   EXPECT_EQ(turned(png, PictureType::png, 3), samplePng(pngChunk("eXIf", ExifBlock::minimal(3))));
+  const auto packed = [](int orientation) { // an XMP packet that says so too
+    const std::string xmp = sampleXmp("tiff:Orientation=\"" + std::to_string(orientation) + "\"");
+    return pngChunk("iTXt", "XML:com.adobe.xmp\0\1\0\0\0"s + deflated(xmp));
+  };
+  EXPECT_EQ(turned(samplePng(packed(6)), PictureType::png, 1),
+            samplePng(packed(1) + pngChunk("eXIf", ExifBlock::minimal(1))));
 
   const std::string webp = turned(sampleWebp(), PictureType::webp, 6);
   EXPECT_EQ(readNumber(webp, 4, 4, ByteOrder::little), webp.size() - 8);

@@ -8,6 +8,7 @@
 #include <netinet/in.h>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -57,6 +58,12 @@ TEST(SandboxTest, TheNetworkAndOtherProcessesAreOutOfReach) {
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::syscall(SYS_fork) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::kill(::getppid(), 0) == 0; })));
+  // Limits and signals by other doors.
+  EXPECT_TRUE(wasKilled(statusAfter([] {
+    const rlimit none{};
+    return ::prlimit(::getppid(), RLIMIT_NOFILE, &none, nullptr) == 0;
+  })));
+  EXPECT_TRUE(wasKilled(statusAfter([] { return ::fcntl(0, F_SETOWN, ::getpid()) == 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] {
     const std::array<char *, 1> none{};

@@ -171,18 +171,18 @@ TEST_F(ReceiverTest, AnUploadIsProcessedThenTheFolderIsPrunedAndTheNoteSaysBoth)
   EXPECT_THAT(disk.names("photos"), ElementsAre(".fennick-incoming", "IMG_002.jpeg", "IMG_003.jpeg"));
 }
 
-TEST_F(ReceiverTest, PhotosThatWaitAtTheEndStayAsTheyCameAndAreReported) {
-  settings.imaging.stripAllMetadata = true;
+TEST_F(ReceiverTest, PhotosThatWaitAtTheEndStayAsTheyCameAndTheNoteSaysSo) {
   const auto receiver = make();
   ASSERT_TRUE(receiver->start());
   decoder.hold();
   upload(kJPEG);
   upload(kJPEG);
   decoder.awaitHeld(1);
+  decoder.setFacts(fennick::test::FakeDecoder::kFault(fennick::PictureFault::stopped));
   decoder.release();
   receiver->stop();
   queue.runAll();
-  EXPECT_THAT(report.notes, SizeIs(2));
+  EXPECT_THAT(report.notes, ElementsAre(HasSubstr("未处理 / skipped: 接收已结束"), HasSubstr("接收已结束")));
   EXPECT_THAT(disk.names("photos"), SizeIs(3));
 }
 

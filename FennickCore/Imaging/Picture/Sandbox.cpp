@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/ImagingWire.h"
 #include "FennickCore/Platform/FileSystem.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <linux/landlock.h>
 #include <sched.h>
@@ -40,6 +41,10 @@ constexpr bool kSanitized = false;
 // 100 million pixels of 16-bit colour with transparency are 800 MB, held twice while one is made from the
 // other; the rest is for libraries and the mapped file.
 constexpr rlim_t kMostMemory = rlim_t{4} << 30;
+
+// The empty standard ones, the socket, a picture, a result and some to spare: memory files do not count as
+// memory, so their number bounds what can be taken.
+constexpr rlim_t kMostDescriptors = 12;
 
 using Outcome = std::expected<void, std::string>;
 
@@ -137,8 +142,11 @@ void allowThreads(Filter &filter) {
 
 void allowDescriptors(Filter &filter) {
   filter.allow({SCMP_SYS(read), SCMP_SYS(pread64), SCMP_SYS(write), SCMP_SYS(close), SCMP_SYS(dup),
-                SCMP_SYS(lseek), SCMP_SYS(fstat), SCMP_SYS(fcntl), SCMP_SYS(poll), SCMP_SYS(ppoll),
-                SCMP_SYS(recvmsg), SCMP_SYS(sendmsg), SCMP_SYS(memfd_create), SCMP_SYS(ftruncate)});
+                SCMP_SYS(lseek), SCMP_SYS(fstat), SCMP_SYS(poll), SCMP_SYS(ppoll), SCMP_SYS(recvmsg),
+                SCMP_SYS(sendmsg), SCMP_SYS(memfd_create), SCMP_SYS(ftruncate)});
+  // Not those that make the kernel send signals to others.
+  for (const int command : {F_GETFD, F_SETFD, F_GETFL, F_DUPFD_CLOEXEC, F_ADD_SEALS, F_GET_SEALS})
+    filter.allowIf(SCMP_SYS(fcntl), {argument(1, SCMP_CMP_EQ, static_cast<std::uint64_t>(command))});
   filter.refuse(EACCES, {SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(openat2), SCMP_SYS(stat),
                          SCMP_SYS(newfstatat), SCMP_SYS(lstat), SCMP_SYS(access), SCMP_SYS(faccessat),
                          SCMP_SYS(readlink), SCMP_SYS(readlinkat), SCMP_SYS(statx), SCMP_SYS(getcwd)});
@@ -148,7 +156,9 @@ void allowDescriptors(Filter &filter) {
 void allowRest(Filter &filter) {
   filter.allow({SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres), SCMP_SYS(gettimeofday), SCMP_SYS(time),
                 SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(getrandom), SCMP_SYS(getrusage),
-                SCMP_SYS(prlimit64), SCMP_SYS(sysinfo), SCMP_SYS(uname), SCMP_SYS(setitimer)});
+                SCMP_SYS(sysinfo), SCMP_SYS(uname), SCMP_SYS(setitimer)});
+  // Reading its own limits, and nobody else's.
+  filter.allowIf(SCMP_SYS(prlimit64), {argument(0, SCMP_CMP_EQ, 0), argument(2, SCMP_CMP_EQ, 0)});
   // The HEIC encoder asks where its threads and memory should be and does without an answer.
   filter.refuse(EPERM, {SCMP_SYS(get_mempolicy), SCMP_SYS(set_mempolicy), SCMP_SYS(mbind),
                         SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler), SCMP_SYS(setpriority)});
@@ -160,11 +170,13 @@ void allowRest(Filter &filter) {
 } // namespace
 
 Outcome limitResources() {
-  for (const auto &[resource, value] :
-       {std::pair(RLIMIT_CORE, rlim_t{0}), std::pair(RLIMIT_FSIZE, rlim_t{wire::kMostResultBytes})})
-    if (auto limited = limit(resource, value); !limited)
-      return limited;
-  return kSanitized ? Outcome{} : limit(RLIMIT_AS, kMostMemory);
+  if (auto limited = limit(RLIMIT_CORE, 0); !limited)
+    return limited;
+  if (auto limited = limit(RLIMIT_FSIZE, rlim_t{wire::kMostResultBytes}); !limited || kSanitized)
+    return limited;
+  if (auto limited = limit(RLIMIT_NOFILE, kMostDescriptors); !limited)
+    return limited;
+  return limit(RLIMIT_AS, kMostMemory);
 }
 
 Outcome lockDown() {

@@ -10,6 +10,7 @@
 #include "FennickCore/Platform/MemoryFile.h"
 
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdlib>
@@ -83,11 +84,22 @@ Outcome carriedOut(const wire::Request &request, Bytes file) {
       request);
 }
 
+// The beginning tells what is no picture, so that a video of any size is told from one that cannot be read.
+bool looksLikePicture(const FileDescriptor &file) {
+  std::array<std::byte, 4096> start{};
+  const ssize_t count = ::pread(file.get(), start.data(), start.size(), 0);
+  return count > 0 && sniffType(std::span(start).first(static_cast<std::size_t>(count)));
+}
+
 Outcome answered(std::string_view message, const FileDescriptor &attached) {
   const auto request = wire::decodedRequest(message);
-  const auto file = MappedFile::map(attached);
-  if (!request || !file)
+  if (!request)
     return failed({.fault = PictureFault::unreadable, .detail = "the request makes no sense"});
+  if (!looksLikePicture(attached))
+    return failed({.fault = PictureFault::notAPicture, .detail = {}});
+  const auto file = MappedFile::map(attached);
+  if (!file)
+    return failed({.fault = PictureFault::undecodable, .detail = file.error().message()});
   return carriedOut(*request, file->bytes());
 }
 
