@@ -5,13 +5,16 @@
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "fuzz/Property.h"
 
+#include <algorithm>
+
 using namespace fennick;
 using namespace fennick::picture;
 using fennick::fuzz::require;
 
 namespace {
 
-const std::string kJpeg("\xFF\xD8\xFF\xD9", 4);
+// A picture of nothing but a table, which blocks can go before.
+const std::string kJpeg("\xFF\xD8\xFF\xDB\x00\x02\xFF\xD9", 8);
 
 std::string smallPng() {
   using namespace std::string_literals;
@@ -21,8 +24,9 @@ std::string smallPng() {
 
 void requireRoundTrip(const std::string &file, PictureType type, const Metadata &metadata) {
   const auto written = writeInto(bytesOf(file), metadata);
-  if (!written || metadata.exif.size() > 65'527)
-    return;
+  require(written.has_value());
+  if (std::max({metadata.exif.size(), metadata.xmp.size(), metadata.iptc.size()}) > 65'000)
+    return; // may be left out
   require(readMetadata(bytesOf(*written), type) == metadata);
   (void)proveRemoved(bytesOf(*written), type, true, false);
 }

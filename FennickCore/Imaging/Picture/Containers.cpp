@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#define ZLIB_CONST // what zlib reads is const to it
 #include <zlib.h>
 
 namespace fennick::picture {
@@ -13,6 +14,7 @@ namespace {
 
 constexpr std::size_t kMostParts = 4'096;
 constexpr std::size_t kMostPayload = 65'533;
+constexpr std::size_t kMostUnpacked = 4UZ * 1'024 * 1'024;
 constexpr std::size_t kPngSignature = 8;
 constexpr std::size_t kRiffHeader = 12;
 constexpr unsigned kStartOfScan = 0xDA;
@@ -59,6 +61,29 @@ std::size_t behindScan(std::string_view file, std::size_t at) {
       return at;
   }
   return file.size();
+}
+
+// What zlib packed; nothing when it is damaged or larger than `limit`.
+std::optional<std::string> inflated(std::string_view packed, std::size_t limit) {
+  z_stream stream{};
+  if (packed.size() > std::numeric_limits<uInt>::max() || inflateInit(&stream) != Z_OK)
+    return std::nullopt;
+  stream.next_in = zlibBytes(packed);
+  stream.avail_in = static_cast<uInt>(packed.size());
+  std::string plain;
+  int status = Z_OK;
+  while (status == Z_OK && plain.size() <= limit) {
+    const std::size_t had = plain.size();
+    plain.resize(had + std::min(64UZ * 1'024, limit + 1 - had + 1));
+    stream.next_out = reinterpret_cast<Bytef *>(plain.data() + had);
+    stream.avail_out = static_cast<uInt>(plain.size() - had);
+    status = inflate(&stream, Z_NO_FLUSH);
+    plain.resize(plain.size() - stream.avail_out);
+  }
+  inflateEnd(&stream);
+  if (status != Z_STREAM_END || plain.size() > limit)
+    return std::nullopt;
+  return plain;
 }
 
 } // namespace
@@ -126,6 +151,20 @@ std::vector<Chunk> pngChunks(std::string_view file) {
   return chunks;
 }
 
+std::optional<PngText> internationalText(std::string_view rest) {
+  if (rest.size() < 2)
+    return std::nullopt;
+  const bool isPacked = rest[0] == 1;
+  rest.remove_prefix(2);
+  for (int field = 0; field < 2; ++field) {
+    const std::size_t end = rest.find('\0');
+    if (end == std::string_view::npos)
+      return std::nullopt;
+    rest.remove_prefix(end + 1);
+  }
+  return PngText{isPacked, rest};
+}
+
 std::string pngChunk(std::string_view type, std::string_view payload) {
   const std::string body = std::string(type) + std::string(payload);
   const auto sum = crc32_z(crc32_z(0, nullptr, 0), zlibBytes(body), body.size());
@@ -139,7 +178,7 @@ std::vector<Chunk> webpChunks(std::string_view file) {
   while (chunks.size() < kMostParts) {
     const auto type = slice(file, at, 4);
     const auto length = readNumber(file, at + 4, 4, ByteOrder::little);
-    if (!length || !slice(file, at + 8, *length))
+    if (!type || !length || !slice(file, at + 8, *length))
       break;
     const std::size_t payloadBytes = *length;
     const std::size_t end = std::min(file.size(), at + 8 + payloadBytes + payloadBytes % 2);
@@ -159,26 +198,11 @@ const Chunk *findChunk(const std::vector<Chunk> &chunks, std::string_view type) 
   return found == chunks.end() ? nullptr : &*found;
 }
 
-std::optional<std::string> inflated(std::string_view packed, std::size_t limit) {
-  z_stream stream{};
-  if (packed.size() > std::numeric_limits<uInt>::max() || inflateInit(&stream) != Z_OK)
-    return std::nullopt;
-  stream.next_in = const_cast<Bytef *>(zlibBytes(packed)); // zlib only reads it
-  stream.avail_in = static_cast<uInt>(packed.size());
-  std::string plain;
-  int status = Z_OK;
-  while (status == Z_OK && plain.size() <= limit) {
-    const std::size_t had = plain.size();
-    plain.resize(had + std::min<std::size_t>(64 * 1'024, limit + 1 - had + 1));
-    stream.next_out = reinterpret_cast<Bytef *>(plain.data() + had);
-    stream.avail_out = static_cast<uInt>(plain.size() - had);
-    status = inflate(&stream, Z_NO_FLUSH);
-    plain.resize(plain.size() - stream.avail_out);
-  }
-  inflateEnd(&stream);
-  if (status != Z_STREAM_END || plain.size() > limit)
-    return std::nullopt;
-  return plain;
+std::string Unpacker::operator()(std::string_view packed) {
+  const std::size_t limit = std::min(room_, kMostUnpacked);
+  auto plain = limit > 0 ? inflated(packed, limit) : std::nullopt;
+  room_ -= plain ? plain->size() : limit;
+  return std::move(plain).value_or("");
 }
 
 std::string deflated(std::string_view plain) {

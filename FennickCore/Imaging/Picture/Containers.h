@@ -49,14 +49,28 @@ struct Chunk : Part {
 };
 // Of a run of IDAT chunks the first stands for all.
 [[nodiscard]] std::vector<Chunk> pngChunks(std::string_view file);
+// What an iTXt chunk says behind its keyword: a flag for packing, its kind, a language, the keyword again,
+// the text. Nothing when it is cut off.
+struct PngText {
+  bool isPacked = false;
+  std::string_view text;
+};
+[[nodiscard]] std::optional<PngText> internationalText(std::string_view rest);
 [[nodiscard]] std::string pngChunk(std::string_view type, std::string_view payload);
 [[nodiscard]] std::vector<Chunk> webpChunks(std::string_view file);
 [[nodiscard]] std::string webpChunk(std::string_view type, std::string_view payload);
 
 [[nodiscard]] const Chunk *findChunk(const std::vector<Chunk> &chunks, std::string_view type);
 
-// What zlib packed; nothing when it is damaged or larger than `limit`.
-[[nodiscard]] std::optional<std::string> inflated(std::string_view packed, std::size_t limit);
+// Unpacks what zlib packed, part by part of one file: 4 MB at most at once and 16 MB in all. A part that is
+// damaged or larger is empty and counts as the most it could have been, so that no file takes much time.
+class Unpacker {
+public:
+  [[nodiscard]] std::string operator()(std::string_view packed);
+
+private:
+  std::size_t room_ = 16UZ * 1'024 * 1'024;
+};
 [[nodiscard]] std::string deflated(std::string_view plain);
 
 } // namespace fennick::picture

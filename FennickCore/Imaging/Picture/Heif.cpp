@@ -333,8 +333,11 @@ std::optional<PixelSize> heifStoredSize(Bytes bytes) {
   const HeifBox *extent = heif ? heif->propertyOf(heif->primary, "ispe") : nullptr;
   if ((extent == nullptr) || extent->end - extent->payloadAt < 12)
     return std::nullopt;
-  return PixelSize{static_cast<std::int64_t>(*readNumber(file, extent->payloadAt + 4, 4)),
-                   static_cast<std::int64_t>(*readNumber(file, extent->payloadAt + 8, 4))};
+  const auto width = readNumber(file, extent->payloadAt + 4, 4);
+  const auto height = readNumber(file, extent->payloadAt + 8, 4);
+  if (!width || !height)
+    return std::nullopt;
+  return PixelSize{static_cast<std::int64_t>(*width), static_cast<std::int64_t>(*height)};
 }
 
 HeifBlocks heifBlocks(Bytes bytes) {

@@ -21,9 +21,6 @@ constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
 constexpr std::string_view kICCPrefix = "ICC_PROFILE\0"sv;
 constexpr std::string_view kPngXMP = "XML:com.adobe.xmp"sv;
 
-constexpr std::size_t kMostXMP = 16UZ * 1'024 * 1'024;
-constexpr std::size_t kMostICC = 4UZ * 1'024 * 1'024;
-
 std::string_view behind(std::string_view text, std::size_t count) {
   return text.substr(std::min(count, text.size()));
 }
@@ -33,15 +30,29 @@ std::string cleanExif(std::string_view block) {
   return exif ? exif->tiff() : std::string();
 }
 
+// The first block of a kind is the one that counts, the others are only looked at.
+void keep(std::string &first, std::vector<std::string> &further, std::string block) {
+  if (first.empty())
+    first = std::move(block);
+  else if (!block.empty())
+    further.push_back(std::move(block));
+}
+void keepExif(Metadata &found, std::string_view block) {
+  keep(found.exif, found.furtherExif, cleanExif(block));
+}
+void keepXmp(Metadata &found, std::string_view packet) {
+  keep(found.xmp, found.furtherXMP, std::string(packet));
+}
+
 Metadata readJpeg(std::string_view file) {
   Metadata found;
   std::string photoshop;
   for (const JpegSegment &segment : jpegSegments(file)) {
     const std::string_view payload = segment.payload(file);
-    if (segment.marker == kAPP1 && payload.starts_with(kExifPrefix) && found.exif.empty())
-      found.exif = cleanExif(payload);
-    else if (segment.marker == kAPP1 && payload.starts_with(kXMPPrefix) && found.xmp.empty())
-      found.xmp = behind(payload, kXMPPrefix.size());
+    if (segment.marker == kAPP1 && payload.starts_with(kExifPrefix))
+      keepExif(found, payload);
+    else if (segment.marker == kAPP1 && payload.starts_with(kXMPPrefix))
+      keepXmp(found, behind(payload, kXMPPrefix.size()));
     else if (segment.marker == kAPP1 && payload.starts_with(kExtensionPrefix))
       found.extendedXMP += behind(payload, kExtensionPrefix.size() + kExtensionHeader);
     else if (segment.marker == kAPP13 && payload.starts_with(kPhotoshopPrefix))
@@ -51,21 +62,6 @@ Metadata readJpeg(std::string_view file) {
   }
   found.iptc = iptcOfPhotoshop(photoshop);
   return found;
-}
-
-// The text of an iTXt chunk behind its keyword: a flag for packing, its kind, a language, the keyword again.
-std::string internationalText(std::string_view rest) {
-  if (rest.size() < 2)
-    return {};
-  const bool isPacked = rest[0] == 1;
-  rest.remove_prefix(2);
-  for (int field = 0; field < 2; ++field) {
-    const std::size_t end = rest.find('\0');
-    if (end == std::string_view::npos)
-      return {};
-    rest.remove_prefix(end + 1);
-  }
-  return isPacked ? inflated(rest, kMostXMP).value_or("") : std::string(rest);
 }
 
 int hexValue(char c) {
@@ -96,45 +92,60 @@ std::string legacyProfile(std::string_view text) {
 }
 
 void addPngText(Metadata &found, std::string_view keyword, const std::string &text) {
-  if (keyword == kPngXMP && found.xmp.empty())
-    found.xmp = text;
-  else if ((keyword == "Raw profile type exif"sv || keyword == "Raw profile type APP1"sv) &&
-           found.exif.empty())
-    found.exif = cleanExif(legacyProfile(text));
-  else if (keyword == "Raw profile type xmp"sv && found.xmp.empty())
-    found.xmp = legacyProfile(text);
+  if (keyword == kPngXMP)
+    keepXmp(found, text);
+  else if (keyword == "Raw profile type exif"sv || keyword == "Raw profile type APP1"sv)
+    keepExif(found, legacyProfile(text));
+  else if (keyword == "Raw profile type xmp"sv)
+    keepXmp(found, legacyProfile(text));
   else if (keyword == "Raw profile type iptc"sv && found.iptc.empty())
     found.iptc = iptcOfPhotoshop(legacyProfile(text));
 }
 
+// What a chunk says that is text by its type.
+std::string textOfChunk(const Chunk &chunk, std::string_view rest, Unpacker &unpack) {
+  if (chunk.type == "tEXt"sv)
+    return std::string(rest);
+  if (chunk.type == "zTXt"sv)
+    return unpack(behind(rest, 1));
+  const auto text = chunk.type == "iTXt"sv ? internationalText(rest) : std::nullopt;
+  if (!text)
+    return {};
+  return text->isPacked ? unpack(text->text) : std::string(text->text);
+}
+
 Metadata readPng(std::string_view file) {
   Metadata found;
+  Unpacker unpack;
   const auto chunks = pngChunks(file);
-  if (const Chunk *exif = findChunk(chunks, "eXIf"))
-    found.exif = cleanExif(exif->payload(file));
+  for (const Chunk &chunk : chunks)
+    if (chunk.type == "eXIf"sv)
+      keepExif(found, chunk.payload(file));
   for (const Chunk &chunk : chunks) {
     const std::string_view payload = chunk.payload(file);
     const std::string_view keyword = payload.substr(0, payload.find('\0'));
     const std::string_view rest = behind(payload, keyword.size() + 1);
-    if (chunk.type == "iTXt"sv)
-      addPngText(found, keyword, internationalText(rest));
-    else if (chunk.type == "tEXt"sv)
-      addPngText(found, keyword, std::string(rest));
-    else if (chunk.type == "zTXt"sv)
-      addPngText(found, keyword, inflated(behind(rest, 1), kMostXMP).value_or(""));
-    else if (chunk.type == "iCCP"sv && found.icc.empty())
-      found.icc = inflated(behind(rest, 1), kMostICC).value_or("");
+    if (chunk.type == "iCCP"sv && found.icc.empty())
+      found.icc = unpack(behind(rest, 1));
+    else if (keyword == kPngXMP || keyword.starts_with("Raw profile type "sv))
+      addPngText(found, keyword, textOfChunk(chunk, rest, unpack));
   }
   return found;
+}
+
+bool exifHasLocation(std::string_view block) {
+  const auto exif = ExifBlock::parse(block);
+  return exif && exif->hasGPS();
 }
 
 Metadata readWebp(std::string_view file) {
   Metadata found;
   const auto chunks = webpChunks(file);
-  if (const Chunk *exif = findChunk(chunks, "EXIF"))
-    found.exif = cleanExif(exif->payload(file));
-  if (const Chunk *xmp = findChunk(chunks, "XMP "))
-    found.xmp = xmp->payload(file);
+  for (const Chunk &chunk : chunks)
+    if (chunk.type == "EXIF"sv)
+      keepExif(found, chunk.payload(file));
+    else if (chunk.type == "XMP "sv)
+      keepXmp(found, chunk.payload(file));
   if (const Chunk *icc = findChunk(chunks, "ICCP"))
     found.icc = icc->payload(file);
   return found;
@@ -142,11 +153,7 @@ Metadata readWebp(std::string_view file) {
 
 Metadata readHeif(Bytes file) {
   HeifBlocks blocks = heifBlocks(file);
-  return {.exif = cleanExif(blocks.exif),
-          .xmp = std::move(blocks.xmp),
-          .iptc = {},
-          .icc = std::move(blocks.icc),
-          .extendedXMP = {}};
+  return {.exif = cleanExif(blocks.exif), .xmp = std::move(blocks.xmp), .icc = std::move(blocks.icc)};
 }
 
 } // namespace
@@ -173,8 +180,8 @@ Metadata readMetadata(Bytes file, PictureType type) {
 }
 
 bool hasLocation(const Metadata &metadata) {
-  const auto exif = ExifBlock::parse(metadata.exif);
-  return (exif && exif->hasGPS()) || xmpHasLocation(metadata.xmp) ||
+  return exifHasLocation(metadata.exif) || std::ranges::any_of(metadata.furtherExif, exifHasLocation) ||
+         xmpHasLocation(metadata.xmp) || std::ranges::any_of(metadata.furtherXMP, xmpHasLocation) ||
          xmpMayHaveLocation(metadata.extendedXMP) || iptcHasLocation(metadata.iptc);
 }
 

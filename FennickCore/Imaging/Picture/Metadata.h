@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <expected>
 #include <string>
+#include <vector>
 
 // What a picture says beyond its pixels: read, changed, written and looked for again. Pure functions; one
 // thread at a time, because the XMP reader underneath has state.
@@ -14,17 +15,21 @@ namespace fennick::picture {
 
 // Raw blocks; empty: the picture has none.
 struct Metadata {
-  std::string exif; // a TIFF structure, without "Exif\0\0"
-  std::string xmp;  // the main packet
-  std::string iptc; // IIM data sets, without Photoshop's wrapping
-  std::string icc;
+  std::string exif{}; // a TIFF structure, without "Exif\0\0"
+  std::string xmp{};  // the main packet
+  std::string iptc{}; // IIM data sets, without Photoshop's wrapping
+  std::string icc{};
 
-  std::string extendedXMP; // what did not fit into a JPEG's main packet; is read and never written
+  // Read and never written: what did not fit into a JPEG's main packet, and blocks of a kind behind its
+  // first.
+  std::string extendedXMP{};
+  std::vector<std::string> furtherExif{};
+  std::vector<std::string> furtherXMP{};
 
   bool operator==(const Metadata &) const = default;
 };
 
-// Damaged parts are left out.
+// Damaged parts are left out, and of packed parts what is larger than 4 MB or, together, than 16 MB.
 [[nodiscard]] Metadata readMetadata(Bytes file, PictureType type);
 
 [[nodiscard]] bool hasLocation(const Metadata &metadata); // GPS or named places
@@ -46,8 +51,9 @@ struct MetadataChange {
 [[nodiscard]] Metadata withIptcInXmp(const Metadata &metadata);
 
 // `bytes` (a JPEG or PNG without metadata of its own) with the blocks inserted. A PNG takes no IPTC: see
-// withIptcInXmp. `unencodable`: not such a file, or a block that does not fit; an EXIF block beyond the 64 KB
-// of a JPEG segment is first tried without the maker's notes.
+// withIptcInXmp. A block that does not fit into a JPEG is left out rather than the picture lost: EXIF beyond
+// 64 KB that is as large without the maker's notes, XMP beyond that even when it is written anew without
+// padding, IPTC beyond that, a profile beyond 16 MB. `unencodable`: neither a JPEG nor a PNG.
 [[nodiscard]] std::expected<std::string, PictureFault> writeInto(Bytes bytes, const Metadata &metadata);
 
 // Whether a written file is free of what had to go, as two readers see it: Exiv2 and the one here. Any doubt,

@@ -10,8 +10,7 @@ void prepareExiv2() {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
     Exiv2::enableBMFF();
     // Old IPTC texts are in Latin 1. Its converter is a module, which stays loaded as long as one is open.
-    static const iconv_t latin = iconv_open("UTF-8", "ISO-8859-1");
-    (void)latin;
+    [[maybe_unused]] static auto *const latin = iconv_open("UTF-8", "ISO-8859-1");
     return Exiv2::XmpParser::initialize();
   }();
   (void)isReady;

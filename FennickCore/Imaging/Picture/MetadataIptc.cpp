@@ -58,6 +58,7 @@ std::vector<DataSet> dataSets(std::string_view iptc) {
 } // namespace
 
 std::string iptcOfPhotoshop(std::string_view resources) {
+  std::string iptc;
   while (resources.starts_with("8BIM"sv)) {
     const auto kind = readNumber(resources, 4, 2);
     const auto nameBytes = readNumber(resources, 6, 1);
@@ -69,10 +70,10 @@ std::string iptcOfPhotoshop(std::string_view resources) {
     if (!data)
       break;
     if (*kind == kIptcResource)
-      return std::string(*data);
+      iptc += *data;
     resources.remove_prefix(std::min<std::size_t>(resources.size(), lengthAt + 4 + (*length + 1) / 2 * 2));
   }
-  return {};
+  return iptc;
 }
 
 std::string photoshopOfIptc(std::string_view iptc) {

@@ -101,8 +101,8 @@ bool isCleanForExiv2(Bytes file, bool stripAll) {
     if (stripAll)
       return exif.empty() && xmp.empty() && iptc.empty();
     const Exiv2::DataBuf sets = Exiv2::IptcParser::encode(iptc);
-    return std::none_of(exif.begin(), exif.end(), saysPlace) &&
-           std::none_of(xmp.begin(), xmp.end(), [](const auto &d) { return xmpKeyNamesPlace(d.key()); }) &&
+    return std::ranges::none_of(exif, saysPlace) &&
+           std::ranges::none_of(xmp, [](const auto &d) { return xmpKeyNamesPlace(d.key()); }) &&
            !iptcHasLocation(
                {reinterpret_cast<const char *>(sets.pData_), static_cast<std::size_t>(sets.size_)});
   });

@@ -60,8 +60,7 @@ Metadata readTiff(Bytes bytes) {
   Metadata found{.exif = exifOf(bytes),
                  .xmp = valueOf(file, *first, kXMP),
                  .iptc = valueOf(file, *first, kIPTC),
-                 .icc = valueOf(file, *first, kICC),
-                 .extendedXMP = {}};
+                 .icc = valueOf(file, *first, kICC)};
   if (found.iptc.empty())
     found.iptc = iptcOfPhotoshop(valueOf(file, *first, kPhotoshop));
   return found;

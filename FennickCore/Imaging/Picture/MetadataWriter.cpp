@@ -44,52 +44,46 @@ std::string wholeProfile(const std::string &profile) {
   return std::string(length ? slice(profile, 0, *length).value_or("") : "");
 }
 
-// Collects segments; one that does not fit spoils the whole.
-class Segments {
-public:
-  void add(std::uint8_t marker, std::string_view prefix, std::string_view block) {
-    if (block.empty())
-      return;
-    const auto segment = jpegSegment(marker, std::string(prefix) + std::string(block));
-    fit_ = fit_ && segment;
-    bytes_ += segment.value_or("");
-  }
-  void addExif(const std::string &block) {
-    constexpr std::size_t kMost = 65'527;
-    add(kAPP1, kExifPrefix, block.size() <= kMost ? block : exifWithoutNotes(block).value_or(block));
-  }
-  void addICC(std::string_view profile) {
-    const std::size_t parts = (profile.size() + kMostICCPart - 1) / kMostICCPart;
-    fit_ = fit_ && parts <= kMostICCParts;
-    for (std::size_t part = 1; part <= parts && fit_; ++part) {
-      const std::string numbers{static_cast<char>(part), static_cast<char>(parts)};
-      add(kAPP2, std::string(kICCPrefix) + numbers, profile.substr((part - 1) * kMostICCPart, kMostICCPart));
-    }
-  }
-  [[nodiscard]] Written put(std::string_view file, std::size_t at) const {
-    if (!fit_)
-      return std::unexpected(PictureFault::unencodable);
-    return std::string(file.substr(0, at)) + bytes_ + std::string(file.substr(at));
-  }
+// A segment with the block; empty when there is none or it does not fit.
+std::string segmentWith(std::uint8_t marker, std::string_view prefix, std::string_view block) {
+  if (block.empty())
+    return {};
+  return jpegSegment(marker, std::string(prefix) + std::string(block)).value_or("");
+}
 
-private:
-  std::string bytes_;
-  bool fit_ = true;
-};
+// The same, and what `smaller` makes of a block that does not fit.
+template <typename Smaller>
+std::string segmentWithLess(std::string_view prefix, const std::string &block, Smaller smaller) {
+  std::string segment = segmentWith(kAPP1, prefix, block);
+  if (segment.empty() && !block.empty())
+    segment = segmentWith(kAPP1, prefix, smaller(block).value_or(""));
+  return segment;
+}
+
+std::string profileSegments(std::string_view profile) {
+  const std::size_t parts = (profile.size() + kMostICCPart - 1) / kMostICCPart;
+  std::string segments;
+  for (std::size_t part = 1; part <= parts && parts <= kMostICCParts; ++part) {
+    const std::string numbers{static_cast<char>(part), static_cast<char>(parts)};
+    segments += segmentWith(kAPP2, std::string(kICCPrefix) + numbers,
+                            profile.substr((part - 1) * kMostICCPart, kMostICCPart));
+  }
+  return segments;
+}
 
 Written writeIntoJpeg(std::string_view file, const Metadata &metadata) {
   const auto existing = jpegSegments(file);
   if (existing.empty())
     return std::unexpected(PictureFault::unencodable);
   const bool hasHeader = existing[0].marker == kAPP0;
-  Segments segments;
-  segments.addExif(metadata.exif);
-  segments.add(kAPP1, kXMPPrefix, metadata.xmp);
+  std::string segments = segmentWithLess(kExifPrefix, metadata.exif, exifWithoutNotes);
+  segments += segmentWithLess(kXMPPrefix, metadata.xmp, compactXmp);
   if (!metadata.iptc.empty())
-    segments.add(kAPP13, kPhotoshopPrefix, photoshopOfIptc(metadata.iptc));
+    segments += segmentWith(kAPP13, kPhotoshopPrefix, photoshopOfIptc(metadata.iptc));
   if (readMetadata(bytesOf(file), PictureType::jpeg).icc.empty())
-    segments.addICC(metadata.icc);
-  return segments.put(file, hasHeader ? existing[0].end : 2);
+    segments += profileSegments(metadata.icc);
+  const std::size_t at = hasHeader ? existing[0].end : 2;
+  return std::string(file.substr(0, at)) + segments + std::string(file.substr(at));
 }
 
 Written writeIntoPng(std::string_view file, const Metadata &metadata) {

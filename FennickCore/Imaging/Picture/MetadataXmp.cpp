@@ -45,8 +45,10 @@ std::optional<Exiv2::XmpData> decoded(std::string_view packet) {
 
 std::optional<std::string> encoded(const Exiv2::XmpData &data) {
   return guarded([&]() -> std::optional<std::string> {
+    constexpr std::uint16_t kForm = Exiv2::XmpParser::useCompactFormat | Exiv2::XmpParser::omitAllFormatting;
+    constexpr std::uint32_t kPadding = 1; // none stands for 2 KB
     std::string packet;
-    if (Exiv2::XmpParser::encode(packet, data, Exiv2::XmpParser::useCompactFormat) != 0)
+    if (Exiv2::XmpParser::encode(packet, data, kForm, kPadding) != 0)
       return std::nullopt;
     return packet;
   });
@@ -117,10 +119,16 @@ std::string preparedXmp(std::string_view packet, const XmpChange &change) {
   return changed ? encoded(*data).value_or("") : "";
 }
 
+std::optional<std::string> compactXmp(std::string_view packet) {
+  const auto data = decoded(packet);
+  return data ? encoded(*data) : std::nullopt;
+}
+
 void setXmpOrientation(std::string &file, std::size_t at, std::size_t length, std::int64_t orientation) {
   constexpr std::string_view kName = "tiff:Orientation";
   const auto packet = std::string_view(file).substr(0, at + length);
-  for (auto found = packet.find(kName, at); found != packet.npos; found = packet.find(kName, found + 1)) {
+  for (auto found = packet.find(kName, at); found != std::string_view::npos;
+       found = packet.find(kName, found + 1)) {
     const std::size_t digit = found + kName.size();
     const std::string_view around = packet.substr(digit);
     // ="6", ='6' or >6<

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,9 @@ struct XmpChange {
 // For an upright picture of these dimensions: without previews and references to extended parts. The packet
 // itself when nothing has to change, or when it cannot be read and location may stay; empty otherwise.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
+
+// The same properties in as few bytes as possible; nothing when the packet cannot be read.
+[[nodiscard]] std::optional<std::string> compactXmp(std::string_view packet);
 
 // Overwrites the digit of tiff:Orientation wherever the packet in `file` from `at` on states it; nothing
 // moves.

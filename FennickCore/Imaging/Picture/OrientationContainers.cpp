@@ -6,6 +6,7 @@
 #include "FennickCore/Imaging/Picture/MetadataXmp.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace fennick::picture {
 
@@ -19,6 +20,8 @@ constexpr std::uint16_t kXMP = 0x02BC;
 constexpr std::string_view kMPFPrefix = "MPF\0"sv;
 constexpr std::uint16_t kMPEntries = 0xB002;
 constexpr std::size_t kMPEntryBytes = 16;
+
+constexpr std::string_view kPngXMP = "XML:com.adobe.xmp\0"sv;
 
 constexpr unsigned char kWebpHasExif = 0x08;
 constexpr unsigned char kWebpHasAlpha = 0x10;
@@ -133,6 +136,23 @@ Turned webpWithNewExif(std::string_view file, const std::vector<Chunk> &chunks, 
   return out.insert(first.at, *header);
 }
 
+// A PNG text that is an XMP packet with the orientation set, packed as it was; nothing for any other and for
+// one that stays as it is.
+std::optional<std::string> turnedPacket(std::string_view payload, std::uint16_t orientation,
+                                        Unpacker &unpack) {
+  const auto text =
+      payload.starts_with(kPngXMP) ? internationalText(payload.substr(kPngXMP.size())) : std::nullopt;
+  if (!text)
+    return std::nullopt;
+  const std::string before = text->isPacked ? unpack(text->text) : std::string(text->text);
+  std::string packet = before;
+  setXmpOrientation(packet, 0, packet.size(), orientation);
+  if (packet == before)
+    return std::nullopt;
+  const std::string_view front = payload.substr(0, payload.size() - text->text.size());
+  return std::string(front) + (text->isPacked ? deflated(packet) : packet);
+}
+
 } // namespace
 
 Turned jpegWithOrientation(std::string_view file, std::uint16_t orientation) {
@@ -162,21 +182,25 @@ Turned pngWithOrientation(std::string_view file, std::uint16_t orientation) {
   const Chunk *pixels = findChunk(chunks, "IDAT");
   if (pixels == nullptr)
     return std::unexpected(PictureFault::undecodable);
-  std::string adjusted(file);
-  for (const Chunk &chunk : chunks) {
-    if (chunk.type != "iTXt"sv || !chunk.payload(file).starts_with("XML:com.adobe.xmp\0\0"sv))
-      continue;
-    std::string payload(chunk.payload(file));
-    setXmpOrientation(payload, 0, payload.size(), orientation);
-    adjusted.replace(chunk.at, chunk.end - chunk.at, pngChunk(chunk.type, payload));
-  }
   const Chunk *exif = findChunk(chunks, "eXIf");
-  if (exif == nullptr)
-    return replaced(adjusted, {pixels->at, pixels->at, pngChunk("eXIf", ExifBlock::minimal(orientation))});
-  const auto block = turnedBlock(exif->payload(file), orientation);
+  const auto block = (exif != nullptr) ? turnedBlock(exif->payload(file), orientation)
+                                       : std::optional(ExifBlock::minimal(orientation));
   if (!block)
     return std::unexpected(PictureFault::unsupported);
-  return replaced(adjusted, {exif->at, exif->end, pngChunk("eXIf", *block)});
+  std::string turned(file);
+  Unpacker unpack;
+  for (const Chunk &chunk :
+       chunks | std::views::reverse) { // from the end: what is still to come has not moved
+    const auto packet =
+        chunk.type == "iTXt"sv ? turnedPacket(chunk.payload(file), orientation, unpack) : std::nullopt;
+    if (packet)
+      turned.replace(chunk.at, chunk.end - chunk.at, pngChunk(chunk.type, *packet));
+    else if (&chunk == exif)
+      turned.replace(chunk.at, chunk.end - chunk.at, pngChunk("eXIf", *block));
+    else if (&chunk == pixels && exif == nullptr)
+      turned.insert(chunk.at, pngChunk("eXIf", *block));
+  }
+  return turned;
 }
 
 Turned webpWithOrientation(std::string_view file, std::uint16_t orientation) {
