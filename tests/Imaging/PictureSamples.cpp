@@ -98,11 +98,6 @@ std::string box(const std::string &type, const std::string &payload) {
 
 namespace {
 
-std::string infe(std::uint32_t item, const std::string &type) {
-  return box("infe",
-             numberText(2, 1) + numberText(0, 3) + numberText(item, 2) + numberText(0, 2) + type + "\0"s);
-}
-
 std::string metaBox(const SampleHeif &sample, const std::vector<std::string> &data, std::uint64_t dataAt) {
   const std::string full(4, '\0');
   std::string locations =
@@ -111,7 +106,8 @@ std::string metaBox(const SampleHeif &sample, const std::vector<std::string> &da
   for (std::uint32_t item = 1; item <= data.size(); ++item) {
     locations += numberText(item, 2) + numberText(0, 2) + numberText(1, 2) +
                  numberText(dataAt, sample.offsetBytes) + numberText(data[item - 1].size(), 4);
-    infos += infe(item, item == kExifItem ? "Exif" : "hvc1");
+    infos += box("infe", numberText(0x02000000, 4) + numberText(item, 2) + numberText(0, 2) +
+                             (item == kExifItem ? "Exif\0"s : "hvc1\0"s));
     dataAt += data[item - 1].size();
   }
   std::string properties = box("ispe", full + numberText(400, 4) + numberText(300, 4));
@@ -149,6 +145,10 @@ std::string sampleXmp(const std::string &attributes) {
          R"(xmlns:xmp="http://ns.adobe.com/xap/1.0/" xmlns:exif="http://ns.adobe.com/exif/1.0/" )"
          R"(xmlns:tiff="http://ns.adobe.com/tiff/1.0/" xmlns:photoshop="http://ns.adobe.com/photoshop/1.0/" )" +
          attributes + "/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
+}
+
+std::string packedXmp(const std::string &packet) {
+  return pngChunk("iTXt", "XML:com.adobe.xmp\0\1\0\0\0"s + deflated(packet));
 }
 
 std::string iptcSet(unsigned number, const std::string &value) {

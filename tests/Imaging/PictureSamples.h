@@ -69,6 +69,7 @@ std::string box(const std::string &type, const std::string &payload);
 
 // An XMP packet with the given attributes of its description.
 std::string sampleXmp(const std::string &attributes);
+std::string packedXmp(const std::string &packet); // as a PNG's compressed text
 std::string iptcSet(unsigned number, const std::string &value);
 
 } // namespace fennick::picture::test
