@@ -10,6 +10,9 @@ namespace {
 
 constexpr std::size_t kChunkBytes = 262144; // most bytes of one receive, and of one step of a file
 
+constexpr std::size_t kSentWithHead =
+    32768; // most bytes of a shared body that are sent together with the head
+
 // A connection's buffer, kept by the thread for the next connection it serves: the pages of a fresh one would
 // cost a small photo several per cent of its time.
 std::span<std::byte> threadBuffer(std::size_t size) {
@@ -160,7 +163,7 @@ void HTTPConnection::reject(const HTTPRequestHead &head, const HTTPResponse &res
   if (head.contentLength().value_or(0) <= 0)
     return respond(response);
   const Uptime deadline = deadlineIn(limits_.rejectDrainTimeout);
-  if (!sendAll(bytesOf(response.serialise(isHead_)), deadline))
+  if (!sendBytes(response, deadline))
     return;
   stream_->finishOutput();
   drain(deadline);
@@ -180,8 +183,20 @@ void HTTPConnection::drain(Uptime deadline) {
 void HTTPConnection::respond(const HTTPResponse &response) {
   if (response.bodyFile && !isHead_)
     return sendFile(response, *response.bodyFile);
-  if (sendAll(bytesOf(response.serialise(isHead_)), lifetimeEnd_))
+  if (sendBytes(response, lifetimeEnd_))
     stream_->finishOutput();
+}
+
+// An answer whose body is in memory. The beginning of what is shared goes with the head, since a packet for
+// the head alone costs more than copying that; the rest is sent from where it is.
+bool HTTPConnection::sendBytes(const HTTPResponse &response, Uptime deadline) {
+  std::string first = response.serialise(isHead_);
+  if (isHead_ || !response.sharedBody)
+    return sendAll(bytesOf(first), deadline);
+  const std::string_view body = *response.sharedBody;
+  const std::size_t begun = std::min(body.size(), kSentWithHead);
+  first += body.substr(0, begun);
+  return sendAll(bytesOf(first), deadline) && sendAll(bytesOf(body.substr(begun)), deadline);
 }
 
 void HTTPConnection::sendFile(const HTTPResponse &response, const std::filesystem::path &location) {

@@ -42,6 +42,7 @@ private:
   void reject(const HTTPRequestHead &head, const HTTPResponse &response);
   void drain(Uptime deadline);
   void respond(const HTTPResponse &response);
+  bool sendBytes(const HTTPResponse &response, Uptime deadline);
   void sendFile(const HTTPResponse &response, const std::filesystem::path &location);
   bool sendAll(std::span<const std::byte> bytes, Uptime deadline);
   bool sendWhileRead(std::span<const std::byte> bytes);

@@ -141,13 +141,13 @@ std::string HTTPResponse::serialise(bool headOnly) const {
   std::string out = fmt::format("HTTP/1.1 {} {}\r\n", status, reasonPhrase(status));
   for (const auto &[name, value] : headers)
     appendHeader(out, name, value);
-  const std::int64_t length = bodyFile ? bodyFileLength : static_cast<std::int64_t>(body.size());
+  const std::int64_t length = bodyFile ? bodyFileLength : std::ssize(sharedBody ? *sharedBody : body);
   appendHeader(out, "Content-Length", std::to_string(length));
   const auto isCacheControl = [](const auto &header) { return lowerCased(header.first) == "cache-control"; };
   if (std::ranges::none_of(headers, isCacheControl))
     appendHeader(out, "Cache-Control", "no-store");
   out += "Connection: close\r\n\r\n";
-  if (!headOnly && !bodyFile)
+  if (!headOnly && !bodyFile && !sharedBody)
     out += body;
   return out;
 }

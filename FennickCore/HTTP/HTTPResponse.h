@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,8 +19,10 @@ struct HTTPResponse {
   std::int64_t status = 200;
   std::vector<std::pair<std::string, std::string>> headers; // written in this order, names as given
   std::string body;
+  // When set, these bytes are the body, shared with whoever keeps them, and `body` is ignored.
+  std::shared_ptr<const std::string> sharedBody;
   std::optional<std::filesystem::path>
-      bodyFile;                    // when set, this file's bytes are the body and `body` is ignored
+      bodyFile;                    // when set, this file's bytes are the body and the two above are ignored
   std::int64_t bodyFileLength = 0; // announced length of `bodyFile`, fixed when this was built
 
   [[nodiscard]] static HTTPResponse text(std::int64_t status, std::string_view text);
@@ -36,9 +39,9 @@ struct HTTPResponse {
   file(const std::filesystem::path &location, std::string_view contentType,
        const std::optional<std::string> &downloadName = std::nullopt);
 
-  // The bytes to send before any file: status line, headers, length, "Connection: close" and, unless
-  // `headOnly` or the body is a file, the body. Control characters in a header are written as spaces, so that
-  // no name or value can begin a line of its own.
+  // The bytes to send before a file or a shared body: status line, headers, length, "Connection: close" and,
+  // unless `headOnly` or the body is one of these, the body. Control characters in a header are written as
+  // spaces, so that no name or value can begin a line of its own.
   [[nodiscard]] std::string serialise(bool headOnly) const;
 };
 

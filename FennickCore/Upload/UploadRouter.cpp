@@ -145,14 +145,14 @@ std::optional<HTTPResponse> UploadRouter::galleryThumbnail(const std::filesystem
                                                            const HTTPRequestHead &head) {
   const auto size = head.query.find("s");
   auto &service = size != head.query.end() && size->second == "large" ? largeThumbs_ : thumbs_;
-  const auto data = service ? service->thumbnail(file) : nullptr;
+  auto data = service ? service->thumbnail(file) : nullptr;
   if (!data)
     return std::nullopt;
   HTTPResponse response;
   response.headers = {{"Content-Type", "image/jpeg"},
                       {"X-Content-Type-Options", "nosniff"},
                       {"Cache-Control", "private, max-age=600"}};
-  response.body = *data;
+  response.sharedBody = std::move(data);
   return response;
 }
 

@@ -210,6 +210,28 @@ TEST(HTTPConnectionFailures, WhicheverCallFailsTheBodyEndsOnceAndTheEndIsToldOnc
   }
 }
 
+TEST(HTTPConnectionShared, ABodyThatOthersKeepArrivesWholeAfterItsLengthWhateverTheDecision) {
+  for (const std::size_t bytes : {0U, 5U, 100'000U}) {
+    auto response = HTTPResponse::text(200, "ignored");
+    std::string content(bytes, '\0');
+    for (std::size_t i = 0; i < bytes; ++i)
+      content[i] = static_cast<char>(i * 31 >> 3);
+    response.sharedBody = std::make_shared<const std::string>(content);
+    for (const std::string &request :
+         {std::string(kGet), post(3) + "abc", std::string("HEAD /x HTTP/1.1\r\n\r\n")}) {
+      Exchange exchange;
+      exchange.handler.decide = [&](const HTTPRequestHead &head) -> HTTPRouteDecision {
+        return head.method == "POST" ? HTTPRouteDecision(HTTPReject{response}) : HTTPRespond{response};
+      };
+      exchange.peer.sends(request).takesAtMost(30'000);
+      const bool headOnly = request.starts_with("HEAD");
+      EXPECT_THAT(exchange.serve(), AllOf(HasSubstr("\r\nContent-Length: " + std::to_string(bytes) + "\r\n"),
+                                          EndsWith("\r\n\r\n" + (headOnly ? std::string() : content))));
+      EXPECT_TRUE(exchange.peer.outputFinished());
+    }
+  }
+}
+
 TEST(HTTPConnectionDownload, TheAnnouncedLengthStandsWhateverBecomesOfTheFileAndItsReader) {
   const test::TemporaryFolder folder;
   std::string content(600'000, '\0'); // two steps of the file and a half

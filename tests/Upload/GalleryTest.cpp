@@ -154,10 +154,10 @@ TEST_F(GalleryTest, ThumbnailsComeInTwoSizesAndOnlyFromPictures) {
   for (const char *query : {"", "&s=LARGE", "&s=small", "&s=larger"}) {
     const auto answer = get(fmt::format("/thumb/a.jpg?k=secret{}", query));
     EXPECT_THAT(answer.headers, thumbnailHeaders());
-    EXPECT_EQ(answer.body, smallJPEG("small"));
+    EXPECT_EQ(*answer.sharedBody, smallJPEG("small"));
   }
   EXPECT_EQ(decoder.calls(), 1);
-  EXPECT_EQ(get("/thumb/a.jpg?k=secret&s=large").body, smallJPEG("small"));
+  EXPECT_EQ(*get("/thumb/a.jpg?k=secret&s=large").sharedBody, smallJPEG("small"));
   EXPECT_EQ(decoder.calls(), 2);
   EXPECT_EQ(cache.names("s").size() + cache.names("l").size(), 2U);
   decoder.setThumbnail(decoder.kFault(PictureFault::crashed));
