@@ -4,6 +4,10 @@
 
 namespace fennick {
 
+std::size_t MemoryCache::cost(const std::string &key, const Data &data) {
+  return kEntryBytes + key.size() + data->size();
+}
+
 MemoryCache::Data MemoryCache::get(const std::string &key) {
   const auto found = byKey_.find(key);
   if (found == byKey_.end())
@@ -15,9 +19,10 @@ MemoryCache::Data MemoryCache::get(const std::string &key) {
 void MemoryCache::put(const std::string &key, Data data) {
   if (const auto found = byKey_.find(key); found != byKey_.end())
     drop(found->second);
-  if (data->size() > mostBytes_)
+  const std::size_t added = cost(key, data);
+  if (added > mostBytes_)
     return;
-  bytes_ += data->size();
+  bytes_ += added;
   entries_.emplace_front(key, std::move(data));
   byKey_[key] = entries_.begin();
   while (bytes_ > mostBytes_)
@@ -31,7 +36,7 @@ void MemoryCache::clear() {
 }
 
 void MemoryCache::drop(Entries::iterator entry) {
-  bytes_ -= entry->second->size();
+  bytes_ -= cost(entry->first, entry->second);
   byKey_.erase(entry->first);
   entries_.erase(entry);
 }

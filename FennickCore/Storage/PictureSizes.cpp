@@ -27,19 +27,28 @@ bool mayPass(PictureFault fault) {
   return fault == PictureFault::unreadable || fault == PictureFault::noDecoder;
 }
 
+// A computer short of memory may be to blame as well as the picture.
+bool isDecodersEnd(PictureFault fault) {
+  return fault == PictureFault::crashed || fault == PictureFault::timedOut;
+}
+
 } // namespace
 
 PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus &status) {
   const auto found = known_.find(file.native());
-  if (found != known_.end() && found->second.bytes == status.bytes &&
-      found->second.modified == status.modified) {
+  const bool isKnown = found != known_.end() && found->second.bytes == status.bytes &&
+                       found->second.modified == status.modified;
+  if (isKnown && found->second.settled) {
     found->second.used = true;
     return found->second.size;
   }
   const auto facts = decoder_.facts(file);
   const PictureSize size = facts ? shown(*facts) : PictureSize{};
   if (facts || !mayPass(facts.error().fault))
-    known_[file.native()] = {.bytes = status.bytes, .modified = status.modified, .size = size};
+    known_[file.native()] = {.bytes = status.bytes,
+                             .modified = status.modified,
+                             .size = size,
+                             .settled = isKnown || facts || !isDecodersEnd(facts.error().fault)};
   return size;
 }
 

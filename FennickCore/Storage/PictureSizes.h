@@ -34,6 +34,7 @@ private:
     std::int64_t bytes = 0;
     Instant modified;
     PictureSize size;
+    bool settled = true; // false: a decoder ended over it once, and it is asked for again
     bool used = true;
   };
 

@@ -1,8 +1,8 @@
 #include "FennickCore/Storage/ThumbnailService.h"
 
+#include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Platform/AsideFile.h"
 
 #include <fmt/format.h>
 #include <glib.h>
@@ -18,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kMemoryLimit = std::size_t{64} << 20;
+constexpr std::size_t kEndedLimit = std::size_t{1} << 20; // some three thousand pictures
 constexpr double kQuality = 0.72;
 constexpr std::size_t kLongestName = 255; // bytes, of every Linux file system
 
@@ -48,13 +49,6 @@ std::string checksum(const std::string &text) {
   const std::unique_ptr<gchar, decltype(&g_free)> sum(
       ::g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.data(), std::ssize(text)), &g_free);
   return sum.get();
-}
-
-// Whether the same picture would fail again. One that keeps a decoder busy until it is ended must not do so
-// each time somebody looks at the gallery.
-bool isLasting(PictureFault fault) {
-  return fault == PictureFault::notAPicture || fault == PictureFault::undecodable ||
-         fault == PictureFault::crashed || fault == PictureFault::timedOut;
 }
 
 } // namespace
@@ -107,7 +101,7 @@ private:
 ThumbnailService::ThumbnailService(FileSystem &files, fs::path cacheDir, std::int64_t maxPixel,
                                    int concurrency, PictureDecoder &decoder)
     : files_(files), cacheDir_(std::move(cacheDir)), maxPixel_(maxPixel), decoder_(decoder),
-      memory_(kMemoryLimit), gate_(std::max(concurrency, 1)) {
+      memory_(kMemoryLimit), endedOver_(kEndedLimit), gate_(std::max(concurrency, 1)) {
   std::ignore = files_.createDirectories(cacheDir_);
 }
 
@@ -141,7 +135,7 @@ ThumbnailService::Data ThumbnailService::make(const fs::path &file, const FileSt
     data = std::make_shared<const std::string>(std::move(*stored));
   } else {
     auto rendered = render(file);
-    if (!rendered && !isLasting(rendered.error().fault))
+    if (!rendered && !isLasting(rendered.error().fault, key))
       return nullptr;
     // Changed while it was read: nobody knows which of both this shows, so it is kept under neither.
     data = std::make_shared<const std::string>(rendered ? std::move(*rendered) : std::string());
@@ -153,6 +147,18 @@ ThumbnailService::Data ThumbnailService::make(const fs::path &file, const FileSt
   const Locked locked(lock_);
   memory_.put(key, data); // empty: it cannot be shown, and is not tried again
   return data->empty() ? nullptr : data;
+}
+
+// Whether the same picture would fail again. One that keeps a decoder busy until it is ended must not do so
+// each time somebody looks at the gallery; the first time the computer may have been short of memory.
+bool ThumbnailService::isLasting(PictureFault fault, const std::string &key) {
+  if (fault != PictureFault::crashed && fault != PictureFault::timedOut)
+    return fault == PictureFault::notAPicture || fault == PictureFault::undecodable;
+  const Locked locked(lock_);
+  if (endedOver_.get(key))
+    return true;
+  endedOver_.put(key, std::make_shared<const std::string>());
+  return false;
 }
 
 PictureResult<std::string> ThumbnailService::render(const fs::path &file) {
@@ -171,6 +177,7 @@ void ThumbnailService::clear() {
   {
     const Locked locked(lock_);
     memory_.clear();
+    endedOver_.clear();
   }
   if (const auto entries = files_.list(cacheDir_))
     for (const auto &entry : *entries)

@@ -27,8 +27,8 @@ public:
   ThumbnailService(FileSystem &files, std::filesystem::path cacheDir, std::int64_t maxPixel, int concurrency,
                    PictureDecoder &decoder);
 
-  // Null for what is no picture, or one that cannot be read; that is tried once. A picture that was changed
-  // is made anew. Blocks while it is made.
+  // Null for what is no picture, or one that cannot be read; that is tried once, or twice where the decoder
+  // died or took too long. A picture that was changed is made anew. Blocks while it is made.
   [[nodiscard]] Data thumbnail(const std::filesystem::path &file);
 
   // Forgets everything, on the disk as well.
@@ -46,6 +46,7 @@ private:
   [[nodiscard]] std::string keyOf(const std::filesystem::path &file, const FileStatus &status) const;
   [[nodiscard]] Data make(const std::filesystem::path &file, const FileStatus &status,
                           const std::string &key);
+  [[nodiscard]] bool isLasting(PictureFault fault, const std::string &key);
   [[nodiscard]] PictureResult<std::string> render(const std::filesystem::path &file);
   void store(const std::string &key, const std::string &data);
   [[nodiscard]] std::filesystem::path diskFile(const std::string &key) const;
@@ -57,6 +58,7 @@ private:
   Mutex lock_;
   std::condition_variable changed_;
   MemoryCache memory_ GUARDED_BY(lock_);
+  MemoryCache endedOver_ GUARDED_BY(lock_); // keys over which a decoder has ended; no data
   std::map<std::string, std::shared_ptr<Rendering>> underWay_ GUARDED_BY(lock_); // by key
   int gate_ GUARDED_BY(lock_);                                                   // renders that may begin
 };

@@ -91,14 +91,20 @@ TEST_F(ThumbnailServiceTest, ADamagedFileOrAFullDiskCostsOnlyTheCache) {
   EXPECT_EQ(askAnother(photo), small);
 }
 
-TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceUnlessTheDecoderIsToBlame) {
+TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceOrTwiceUnlessTheDecoderIsToBlame) {
   const auto file = disk.write("broken.jpg");
   decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::noDecoder));
   EXPECT_EQ(ask(file), "none");
-  decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::timedOut));
+  decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::undecodable));
   for (int i = 0; i < 3; ++i)
     EXPECT_EQ(ask(file), "none");
   EXPECT_EQ(decoder.calls(), 2);
+  disk.write("broken.jpg", "1");
+  for (const auto fault : {PictureFault::timedOut, PictureFault::crashed, PictureFault::stopped}) {
+    decoder.setThumbnail(test::FakeDecoder::kFault(fault));
+    EXPECT_EQ(ask(file), "none");
+  }
+  EXPECT_EQ(decoder.calls(), 4); // an ended decoder twice
 }
 
 TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApart) {
@@ -130,7 +136,7 @@ TEST_F(ThumbnailServiceTest, RequestsForOnePictureWaitForOneRenderAndOthersForAP
 
 TEST(MemoryCacheTest, WhatWasNotAskedForTheLongestGoesFirstAndStaysWithItsHolders) {
   const auto data = [](std::size_t bytes) { return std::make_shared<const std::string>(bytes, 'x'); };
-  MemoryCache cache(10);
+  MemoryCache cache(2 * (MemoryCache::kEntryBytes + 1) + 10); // two entries with ten bytes
   cache.put("a", data(4));
   cache.put("b", data(4));
   const auto held = cache.get("b");
@@ -141,9 +147,11 @@ TEST(MemoryCacheTest, WhatWasNotAskedForTheLongestGoesFirstAndStaysWithItsHolder
   EXPECT_EQ(held->size(), 4U);
   cache.put("c", data(5)); // counts once
   EXPECT_TRUE(cache.get("a"));
-  cache.put("d", data(11));
+  cache.put("d", data(MemoryCache::kEntryBytes + 12));
   EXPECT_FALSE(cache.get("d"));
   EXPECT_TRUE(cache.get("a"));
+  cache.put("e", data(0)), cache.put("f", data(0)); // empty ones take room as well
+  EXPECT_FALSE(cache.get("a"));
 }
 
 } // namespace
