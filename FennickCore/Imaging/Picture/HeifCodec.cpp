@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 
 #include <libheif/heif.h>
+#include <libyuv.h>
 
 #include <algorithm>
 #include <array>
@@ -88,6 +89,63 @@ void copyRows(const Image &image, HeifRaster &raster) {
   raster.pixels.resize(row * static_cast<std::size_t>(raster.height));
   for (std::size_t y = 0; y < static_cast<std::size_t>(raster.height); ++y)
     std::copy_n(plane + y * static_cast<std::size_t>(stride), row, raster.pixels.data() + y * row);
+}
+
+// All of a picture but its pixels.
+HeifRaster described(const Handle &handle) {
+  return {.bands = ::heif_image_handle_has_alpha_channel(handle.get()) != 0 ? 4 : 3,
+          .bits = std::max(8, ::heif_image_handle_get_luma_bits_per_pixel(handle.get())),
+          .displayP3 = isDisplayP3(handle),
+          .pixels = {}};
+}
+
+// Four bytes a pixel, transparency last; borrowed.
+struct Quads {
+  unsigned char *pixels = nullptr;
+  int stride = 0;
+  int width = 0;
+  int height = 0;
+};
+
+Quads quadsOf(const Image &image) {
+  Quads quads{.width = ::heif_image_get_width(image.get(), heif_channel_interleaved),
+              .height = ::heif_image_get_height(image.get(), heif_channel_interleaved)};
+  quads.pixels = ::heif_image_get_plane(image.get(), heif_channel_interleaved, &quads.stride);
+  return quads;
+}
+
+std::vector<unsigned char> halved(const Quads &from, int width, int height) {
+  std::vector<unsigned char> half(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+  libyuv::ARGBScale(from.pixels, from.stride, width * 2, height * 2, half.data(), width * 4, width, height,
+                    libyuv::kFilterBox);
+  return half;
+}
+
+// The smallest size by halving whose longer side is at least `longEdge`, kept in `owner` unless it is the
+// size of `quads`. An odd row or column at the edge is left out.
+Quads reducedByHalves(Quads quads, std::int64_t longEdge, std::vector<unsigned char> &owner) {
+  while (std::max(quads.width, quads.height) / 2 >= longEdge && std::min(quads.width, quads.height) > 1) {
+    const int width = quads.width / 2;
+    const int height = quads.height / 2;
+    owner = halved(quads, width, height);
+    quads = {.pixels = owner.data(), .stride = width * 4, .width = width, .height = height};
+  }
+  return quads;
+}
+
+// What is transparent must not colour its neighbours when they become one pixel.
+void reduceInto(HeifRaster &raster, const Quads &quads, std::int64_t longEdge) {
+  const bool transparent = raster.bands == 4;
+  if (transparent)
+    libyuv::ARGBAttenuate(quads.pixels, quads.stride, quads.pixels, quads.stride, quads.width, quads.height);
+  std::vector<unsigned char> owner;
+  const Quads small = reducedByHalves(quads, longEdge, owner);
+  raster.width = small.width;
+  raster.height = small.height;
+  const int row = small.width * raster.bands;
+  raster.pixels.resize(static_cast<std::size_t>(row) * static_cast<std::size_t>(small.height));
+  const auto write = transparent ? &libyuv::ARGBUnattenuate : &libyuv::ARGBToRGB24; // keeps the bytes' order
+  write(small.pixels, small.stride, raster.pixels.data(), row, small.width, small.height);
 }
 
 // Where the encoder's scale has about the error of a JPEG of that quality, measured on photographs; a little
@@ -178,15 +236,30 @@ std::optional<HeifRaster> decodeHeif(Bytes file, Damage damage) {
   const Handle handle = primary(context);
   if (!handle)
     return std::nullopt;
-  HeifRaster raster{.bands = ::heif_image_handle_has_alpha_channel(handle.get()) != 0 ? 4 : 3,
-                    .bits = std::max(8, ::heif_image_handle_get_luma_bits_per_pixel(handle.get())),
-                    .displayP3 = isDisplayP3(handle),
-                    .pixels = {}};
+  HeifRaster raster = described(handle);
   const Image image = decoded(handle, raster.bands, raster.bits, damage);
   if (!image)
     return std::nullopt;
   copyRows(image, raster);
   return raster.pixels.empty() ? std::nullopt : std::optional(std::move(raster));
+}
+
+std::optional<HeifRaster> decodeHeifReduced(Bytes file, std::int64_t longEdge, Damage damage) {
+  const Context context = opened(file);
+  const Handle handle = primary(context);
+  if (!handle)
+    return std::nullopt;
+  HeifRaster raster = described(handle);
+  if (raster.bits > 8)
+    return std::nullopt;
+  const Image image = decoded(handle, 4, 8, damage);
+  if (!image)
+    return std::nullopt;
+  const Quads quads = quadsOf(image);
+  if (quads.pixels == nullptr || quads.width <= 0 || quads.height <= 0)
+    return std::nullopt;
+  reduceInto(raster, quads, longEdge);
+  return raster;
 }
 
 bool encodesHeic() { return ::heif_have_encoder_for_format(heif_compression_HEVC) != 0; }

@@ -33,6 +33,10 @@ struct HeifRaster {
 
 [[nodiscard]] std::optional<HeifRaster> decodeHeif(Bytes file, Damage damage);
 
+// As decodeHeif, reduced by halves to the smallest size whose longer side is at least `longEdge`; full size
+// when that is larger. Only for pictures of 8 bits; nothing for all others.
+[[nodiscard]] std::optional<HeifRaster> decodeHeifReduced(Bytes file, std::int64_t longEdge, Damage damage);
+
 // Whether this computer's libheif has an encoder for HEIC.
 [[nodiscard]] bool encodesHeic();
 

@@ -134,7 +134,8 @@ std::string encodeJpeg(const unsigned char *pixels, int width, int height, int b
   unsigned char *buffer = nullptr;
   unsigned long size = 0;
   const bool gray = bands == 1;
-  const int subsampling = gray ? TJSAMP_GRAY : quality < kFullColourQuality ? TJSAMP_420 : TJSAMP_444;
+  const int colours = quality < kFullColourQuality ? TJSAMP_420 : TJSAMP_444;
+  const int subsampling = gray ? TJSAMP_GRAY : colours;
   const int status =
       ::tjCompress2(codec.get(), pixels, width, width * bands, height, gray ? TJPF_GRAY : TJPF_RGB, &buffer,
                     &size, subsampling, percent(quality), TJFLAG_ACCURATEDCT);

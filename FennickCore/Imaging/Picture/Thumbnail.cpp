@@ -1,4 +1,6 @@
 #include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/Heif.h"
+#include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/Orientation.h"
@@ -90,6 +92,18 @@ bool isSRGB(const std::string &profile) {
   return profile.empty() || profile.contains("sRGB") || profile.contains("s\0R\0G\0B"s);
 }
 
+// RGB, or RGBA; `pixels` outlives it.
+vips::VImage imageOf(std::vector<unsigned char> &pixels, int width, int height, int bands) {
+  return vips::VImage::new_from_memory(pixels.data(), pixels.size(), width, height, bands, VIPS_FORMAT_UCHAR)
+      .copy(vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+std::string encoded(const vips::VImage &image, double quality) {
+  const auto pixels = forScreen(image).copy_memory();
+  return encodeJpeg(static_cast<const unsigned char *>(pixels.data()), pixels.width(), pixels.height(),
+                    pixels.bands(), quality);
+}
+
 // The small picture with its colours converted from `profile` to sRGB.
 PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &profile) {
   const Plane &luma = picture.planes[0];
@@ -98,9 +112,7 @@ PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &prof
   libyuv::J420ToRAW(luma.pixels.data(), luma.width, picture.planes[1].pixels.data(), picture.planes[1].width,
                     picture.planes[2].pixels.data(), picture.planes[2].width, colours.data(), luma.width * 3,
                     luma.width, luma.height);
-  auto image = vips::VImage::new_from_memory(colours.data(), colours.size(), luma.width, luma.height, 3,
-                                             VIPS_FORMAT_UCHAR)
-                   .copy(vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+  auto image = imageOf(colours, luma.width, luma.height, 3);
   setColourProfile(image, profile);
   const auto converted = inSRGB(inOrdinaryColours(image)).copy_memory();
   PlanarPicture result = picture;
@@ -129,11 +141,24 @@ std::string jpegThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel, 
   return encodeJpegPlanes(*picture, quality);
 }
 
+// The short way for HEIC and AVIF: reduced before anything else. Empty when this picture needs the long way.
+std::string heifThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
+  auto raster = decodeHeifReduced(file, maxPixel, Damage::tolerate);
+  if (!raster)
+    return {};
+  auto image = reduced(imageOf(raster->pixels, raster->width, raster->height, raster->bands), maxPixel);
+  const std::string profile = heifBlocks(file).icc;
+  if (profile.empty() && raster->displayP3)
+    image = image.icc_transform(
+        "srgb", vips::VImage::option()->set("input_profile", "p3")->set("intent", VIPS_INTENT_RELATIVE));
+  else
+    setColourProfile(image, profile);
+  return encoded(image, quality);
+}
+
 std::string anyThumbnail(Bytes file, PictureType type, std::int64_t maxPixel, double quality) {
   const DecodedPicture decoded = decodePicture(file, type, maxPixel, Damage::tolerate);
-  const auto small = forScreen(upright(reduced(decoded.image, maxPixel), decoded.turn)).copy_memory();
-  return encodeJpeg(static_cast<const unsigned char *>(small.data()), small.width(), small.height(),
-                    small.bands(), quality);
+  return encoded(upright(reduced(decoded.image, maxPixel), decoded.turn), quality);
 }
 
 // `turn` is the orientation that `file`, a picture of `type`, has to be given.
@@ -145,6 +170,8 @@ PictureResult<std::string> thumbnailOf(Bytes file, PictureType type, std::int64_
   std::string thumbnail;
   if (type == PictureType::jpeg)
     thumbnail = jpegThumbnail(file, turn, maxPixel, quality);
+  else if (type == PictureType::heic || type == PictureType::heif || type == PictureType::avif)
+    thumbnail = heifThumbnail(file, maxPixel, quality);
   if (thumbnail.empty())
     thumbnail = anyThumbnail(file, type, maxPixel, quality);
   if (thumbnail.empty())
