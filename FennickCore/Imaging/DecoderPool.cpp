@@ -137,10 +137,12 @@ PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &
     if (!reply && reply.error().detail.empty())
       reply.error().detail = death;
   }
-  if (!reply)
+  if (!reply) {
     log(fmt::format("imaging: {}: {}", file.filename().string(), reply.error().detail));
-  else if (reply->answer.error)
-    return std::unexpected(std::move(*reply->answer.error));
+    return reply;
+  }
+  if (auto &error = reply->answer.error; error.has_value())
+    return std::unexpected(std::move(*error));
   return reply;
 }
 
@@ -262,8 +264,8 @@ void DecoderPool::release(WorkerPtr worker) {
     try {
       if (!ending_ && !retirement_.joinable())
         retirement_ = std::thread([this] { retireIdle(); });
-    } catch (const std::system_error &) {
-      // Nobody would end it later.
+    } catch (const std::system_error &error) {
+      log(fmt::format("imaging: a process is not kept, nobody would end it later: {}", error.what()));
     }
     if (!ending_ && retirement_.joinable())
       idle_.push_back(std::move(worker));

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -37,7 +38,7 @@ std::int64_t number(const Json &value, std::int64_t lowest = std::numeric_limits
 // A share from 0 to 1.
 double share(const Json &value) {
   const auto result = value.get<double>();
-  if (!(result >= 0 && result <= 1))
+  if (std::isnan(result) || result < 0 || result > 1)
     throw Json::out_of_range::create(401, "no such share", nullptr);
   return result;
 }

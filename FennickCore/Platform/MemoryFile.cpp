@@ -83,9 +83,10 @@ IOResult<MappedFile> MappedFile::map(const FileDescriptor &file) {
 MappedFile::MappedFile(MappedFile &&other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
 
 MappedFile::~MappedFile() {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): as mmap gave it
+  auto *start = const_cast<std::byte *>(bytes_.data());
   if (!bytes_.empty())
-    ::munmap(const_cast<std::byte *>(bytes_.data()),
-             bytes_.size()); // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    ::munmap(start, bytes_.size());
 }
 
 } // namespace fennick

@@ -1,9 +1,9 @@
 #include "FennickCore/Storage/PhotoOrder.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Platform/AsideFile.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
+#include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/Random.h"
-#include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 
 #include <array>

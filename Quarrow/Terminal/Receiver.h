@@ -15,6 +15,7 @@
 #include "Quarrow/Terminal/Report.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -72,7 +73,8 @@ private:
   fennick::UploadActivity activity_;
   fennick::UploadRouter router_;
   fennick::RateLimiter rateLimiter_;
-  std::optional<fennick::SerialQueue> processingQueue_{"fennick.imaging"};
+  std::unique_ptr<fennick::SerialQueue> processingQueue_ =
+      std::make_unique<fennick::SerialQueue>("fennick.imaging");
   fennick::HTTPServer server_; // before the queue it posts to
 
   bool progressRuns_ = false;  // a report is shown or is to come

@@ -18,7 +18,7 @@ namespace {
 
 VipsFailOn failOn(Damage damage) { return damage == Damage::refuse ? VIPS_FAIL_ON_ERROR : VIPS_FAIL_ON_NONE; }
 
-vips::VError undecodable() { return vips::VError("the picture cannot be decoded"); }
+vips::VError undecodable() { return {"the picture cannot be decoded"}; }
 
 VipsInterpretation interpretationOf(int bands, bool wide) {
   if (bands < 3)
@@ -30,8 +30,8 @@ VipsInterpretation interpretationOf(int bands, bool wide) {
 // copied.
 VImage imageOf(std::vector<unsigned char> pixels, int width, int height, int bands, bool wide) {
   auto owned = std::make_unique<std::vector<unsigned char>>(std::move(pixels));
-  VImage image = VImage::new_from_memory(owned->data(), owned->size(), width, height, bands,
-                                         wide ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
+  const VImage image = VImage::new_from_memory(owned->data(), owned->size(), width, height, bands,
+                                               wide ? VIPS_FORMAT_USHORT : VIPS_FORMAT_UCHAR);
   g_object_set_data_full(G_OBJECT(image.get_image()), "fennick-pixels", owned.release(), [](gpointer data) {
     const std::unique_ptr<std::vector<unsigned char>> gone(static_cast<std::vector<unsigned char> *>(data));
   });

@@ -10,7 +10,7 @@ namespace fennick::picture {
 
 namespace {
 
-Exiv2::Image::AutoPtr opened(Bytes file) {
+auto opened(Bytes file) {
   auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(file.data()),
                                          static_cast<long>(file.size()));
   image->readMetadata();

@@ -65,7 +65,7 @@ public:
     case PictureType::heic:
       return encodeHeic(pixels, image.width(), image.height(), image.bands(), quality, withIptcInXmp(blocks));
     case PictureType::png:
-      return written(encodedPng(), withIptcInXmp(blocks));
+      return written(encodedPng(image), withIptcInXmp(blocks));
     default:
       return written(encodeJpeg(pixels, image.width(), image.height(), image.bands(), quality), blocks);
     }
@@ -74,9 +74,9 @@ public:
   [[nodiscard]] std::int64_t fullEdge() const { return longEdge(image_); }
 
 private:
-  [[nodiscard]] std::string encodedPng() const {
+  [[nodiscard]] static std::string encodedPng(const VImage &image) {
     const std::unique_ptr<VipsBlob, void (*)(VipsBlob *)> blob(
-        current_->pngsave_buffer(VImage::option()->set("strip", true)),
+        image.pngsave_buffer(VImage::option()->set("strip", true)),
         [](VipsBlob *held) { ::vips_area_unref(VIPS_AREA(held)); });
     std::size_t size = 0;
     const auto *data = static_cast<const char *>(::vips_blob_get(blob.get(), &size));

@@ -14,6 +14,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -64,16 +65,21 @@ Outcome restrictPaths() {
   const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
   if (version < 1)
     return {}; // a kernel without Landlock: the filter alone keeps files out of reach
-  // By version: 13 rights at first, then refer, truncate, and (version 5) ioctl on devices.
-  const unsigned rights = version >= 5 ? 16U : version >= 3 ? 15U : version == 2 ? 14U : 13U;
+  // How many rights there are, and how long the record is, by version: each says what it knows.
+  struct Known {
+    unsigned rights;
+    std::size_t bytes;
+  };
+  static constexpr std::array<Known, 6> kKnown{Known{13, 8},  Known{14, 8},  Known{15, 8},
+                                               Known{15, 16}, Known{16, 16}, Known{16, 24}};
+  const Known known = kKnown.at(static_cast<std::size_t>(std::min(version, std::ssize(kKnown))) - 1);
   struct {
     std::uint64_t files;
     std::uint64_t network; // since version 4: bind and connect
     std::uint64_t scopes;  // since version 6: abstract sockets and signals
-  } attributes{.files = (std::uint64_t{1} << rights) - 1, .network = 3, .scopes = 3};
-  const std::size_t size = version >= 6 ? 24 : version >= 4 ? 16 : 8;
+  } attributes{.files = (std::uint64_t{1} << known.rights) - 1, .network = 3, .scopes = 3};
   const FileDescriptor ruleset(
-      static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, size, 0)));
+      static_cast<int>(::syscall(SYS_landlock_create_ruleset, &attributes, known.bytes, 0)));
   if (!ruleset.isOpen() || ::syscall(SYS_landlock_restrict_self, ruleset.get(), 0) != 0)
     return failure("landlock", errno);
   return {};
