@@ -151,16 +151,14 @@ PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const Fi
                                                         const Task &task, Deadline deadline) {
   const std::string message = wire::encoded(task.request);
   if (!worker.socket.send(std::as_bytes(std::span(message)), &file))
-    return fail(PictureFault::crashed, {});
+    return gone();
   std::array<std::byte, wire::kMostMessageBytes> buffer{};
   const auto received = worker.socket.receive(buffer, untilThen(deadline));
   if (!received)
     return fail(received.error() == std::errc::timed_out ? PictureFault::timedOut : PictureFault::crashed,
                 received.error().message());
-  if (received->bytes == 0) {
-    const Locked locked(lock_);
-    return fail(ending_ ? PictureFault::stopped : PictureFault::crashed, {});
-  }
+  if (received->bytes == 0)
+    return gone();
   auto answer = wire::decodedAnswer(text(std::span(buffer).first(received->bytes)));
   if (!answer)
     return fail(PictureFault::crashed, "the answer makes no sense");
@@ -172,6 +170,12 @@ PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const Fi
     return fail(PictureFault::crashed, "the answer came without its bytes");
   reply.bytes = std::move(bytes);
   return reply;
+}
+
+// Why a process is not there any more.
+std::unexpected<PictureError> DecoderPool::gone() const {
+  const Locked locked(lock_);
+  return fail(ending_ ? PictureFault::stopped : PictureFault::crashed, {});
 }
 
 PictureResult<DecoderPool::WorkerPtr> DecoderPool::acquire(Process process, Deadline deadline) {

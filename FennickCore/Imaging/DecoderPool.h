@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <expected>
 #include <filesystem>
 #include <list>
 #include <memory>
@@ -87,6 +88,7 @@ private:
   PictureResult<Reply> ask(const std::filesystem::path &file, const Task &task);
   PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const Task &task,
                                 Deadline deadline);
+  [[nodiscard]] std::unexpected<PictureError> gone() const;
   PictureResult<WorkerPtr> acquire(Process process, Deadline deadline);
   PictureResult<WorkerPtr> takeIdle(Process process, Deadline deadline);
   PictureResult<WorkerPtr> start(Deadline deadline);
