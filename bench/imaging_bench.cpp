@@ -8,10 +8,12 @@
 #include "bench/Pictures.h"
 
 #include <fmt/format.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
-#include <fstream>
 
 namespace {
 
@@ -94,28 +96,33 @@ void severalAtOnce(const Stand &stand) {
   bench::printTimes(contenders, bench::compare(contenders, stand.rounds));
 }
 
-// The most memory that a child of this process has held, in MiB.
-double peakOfChild() {
-  for (const auto &entry : fs::directory_iterator("/proc")) {
-    std::ifstream file(entry.path() / "status");
-    bool isChild = false;
-    for (std::string line; std::getline(file, line);) {
-      if (line.starts_with("PPid:"))
-        isChild = std::stol(line.substr(5)) == ::getpid();
-      if (isChild && line.starts_with("VmHWM:"))
-        return std::stod(line.substr(6)) / 1024;
+// What `work` took at most in any process that it started, in MiB.
+double peakOf(const std::function<void(fennick::DecoderPool &)> &work) {
+  std::array<int, 2> ends{};
+  if (::pipe(ends.data()) != 0)
+    return 0;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    {
+      fennick::DecoderPool decoder({.program = fennick::imagingProgram()});
+      work(decoder);
     }
+    rusage usage{};
+    ::getrusage(RUSAGE_CHILDREN, &usage);
+    ::_exit(::write(ends[1], &usage.ru_maxrss, sizeof usage.ru_maxrss) > 0 ? 0 : 1);
   }
-  return 0;
+  ::close(ends[1]);
+  long kilobytes = 0;
+  std::ignore = ::read(ends[0], &kilobytes, sizeof kilobytes);
+  ::close(ends[0]);
+  ::waitpid(child, nullptr, 0);
+  return static_cast<double>(kilobytes) / 1024;
 }
 
 void memory(const std::string &name, const std::function<void(fennick::DecoderPool &)> &work) {
-  fennick::DecoderPool decoder({.program = fennick::imagingProgram()});
-  std::ignore = decoder.canEncodeHEIC(); // starts it
-  const double before = peakOfChild();
-  const double seconds = bench::secondsOf([&] { work(decoder); });
-  fmt::print("    {:<34} {:>7.0f} MiB   ({:.0f} MiB when started; {:.1f} s)\n", name, peakOfChild(), before,
-             seconds);
+  double peak = 0;
+  const double seconds = bench::secondsOf([&] { peak = peakOf(work); });
+  fmt::print("    {:<34} {:>7.0f} MiB   ({:.1f} s)\n", name, peak, seconds);
 }
 
 void memories(const fs::path &folder) {
