@@ -14,6 +14,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <fstream>
 
 namespace {
 
