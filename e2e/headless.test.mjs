@@ -56,6 +56,19 @@ test('no free port ends with 1 and says so on both channels', async (t) => {
   assert.match(stderr, /fennick: server failed /);
 });
 
+test('a photo is made smaller by the locked-down process, its original is kept and the note says so', async (t) => {
+  const program = await Program.start(t, { set: { 'imaging.maxPixels': 4, 'imaging.keepOriginal': true } });
+  const photo = make(scratch(), 'a.jpg');
+  const { text } = await post(program, photo);
+  await until(() => program.received.length === 1, 'the photo to be processed');
+  const [{ name, path: file, note }] = program.received;
+  assert.equal(name, text.replace('.jpg', '.jpeg'));
+  assert.match(note, /：.+ → 4px · q85 · .+ · JPEG$/);
+  assert.ok(fs.statSync(file).size > 0);
+  assert.deepEqual(digests([path.join(program.folder, 'originals', text)]), digests([photo]));
+  assert.deepEqual(program.parts(), []);
+});
+
 test('a signal in the middle of an upload ends with 0 and leaves no part file', async (t) => {
   for (const signal of ['SIGINT', 'SIGTERM']) {
     const program = await Program.start(t);

@@ -24,7 +24,8 @@ constexpr const char *kDescription =
     "KEY 是设置项的路径，VALUE 是 JSON 或普通文本，例如：\n"
     "KEY is the path of a setting, VALUE is JSON or plain text, for example:\n"
     "  --set dateSubfolders=true --set maxUploadBytes=1073741824 --set naming=prefixSequence\n"
-    "  --set naming.prefixSequence.prefix=Party --set folderLimit=500 --set autoPrune=false\n\n"
+    "  --set naming.prefixSequence.prefix=Party --set folderLimit=500\n"
+    "  --set galleryEnabled=true --set imaging.maxPixels=2048 --set imaging.stripLocation=true\n\n"
     "Ctrl-C 结束接收 / ends the receiver.";
 
 using Strings = std::unique_ptr<char *, decltype(&g_strfreev)>;

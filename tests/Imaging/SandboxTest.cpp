@@ -81,6 +81,21 @@ TEST(SandboxTest, MemoryNeverBecomesCode) {
   ::munmap(page, 4096);
 }
 
+TEST(SandboxTest, MemoryAndDescriptorsAreLimited) {
+  if (kSanitized)
+    GTEST_SKIP() << "no limits in this build";
+  EXPECT_TRUE(wasRefused(statusAfter([] {
+    return ::mmap(nullptr, std::size_t{5} << 30, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1,
+                  0) != MAP_FAILED;
+  })));
+  EXPECT_TRUE(wasRefused(statusAfter([] {
+    int made = 0;
+    while (made < 20 && ::memfd_create("picture", 0) >= 0)
+      ++made;
+    return made == 20;
+  })));
+}
+
 TEST(SandboxTest, ReadingMemoryAndThreadsStillWork) {
   const FileDescriptor file(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
   const int status = statusAfter([&] {

@@ -26,19 +26,6 @@ namespace fennick::picture {
 
 namespace {
 
-// The sanitizers' own memory and calls, in builds that have them.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kSanitized = true;
-#else
-constexpr bool kSanitized = false;
-#endif
-#else
-constexpr bool kSanitized = false;
-#endif
-
 // 100 million pixels of 16-bit colour with transparency are 800 MB, held twice while one is made from the
 // other; the rest is for libraries and the mapped file.
 constexpr rlim_t kMostMemory = rlim_t{4} << 30;

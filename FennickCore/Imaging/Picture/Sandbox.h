@@ -5,6 +5,19 @@
 
 namespace fennick::picture {
 
+// Builds for the sanitizers need memory and calls of their own: there is no limit on memory in them.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
 // Gives up for ever, for the whole process, everything that reading a picture does not need: new privileges,
 // every path of the file system (Landlock, where the kernel has it, besides the filter), the network, other
 // processes, executable memory. What is left is reading descriptors it is handed, memory, threads, and memory
