@@ -86,10 +86,28 @@ Plane uprightPlane(Plane plane, std::int64_t orientation) {
   }
 }
 
-// Most pictures say that they are in sRGB; a profile that says so needs no conversion.
+// The first number of one of a colour profile's XYZ tags, such as the X of its red.
+std::optional<double> firstOf(std::string_view profile, std::uint32_t tag) {
+  constexpr std::uint64_t kMostTags = 100;
+  const auto tags = std::min(readNumber(profile, 128, 4).value_or(0), kMostTags);
+  for (std::uint64_t i = 0; i < tags; ++i)
+    if (const auto at = 132 + 12 * i; readNumber(profile, at, 4) == tag)
+      if (const auto place = readNumber(profile, at + 4, 4))
+        if (const auto value = readNumber(profile, *place + 8, 4))
+          return static_cast<double>(static_cast<std::int32_t>(*value)) / 65536;
+  return std::nullopt;
+}
+
+// Whether colours need no conversion to be shown: there is no profile, or one with the red and the green of
+// sRGB. Names do not tell: "Display P3 Gamut with sRGB Transfer".
 bool isSRGB(const std::string &profile) {
-  using namespace std::string_literals;
-  return profile.empty() || profile.contains("sRGB") || profile.contains("s\0R\0G\0B"s);
+  constexpr double kRed = 0.4361;
+  constexpr double kGreen = 0.3851;
+  constexpr double kTolerance = 0.003;
+  constexpr std::uint32_t kRedTag = 0x7258595A;   // "rXYZ"
+  constexpr std::uint32_t kGreenTag = 0x6758595A; // "gXYZ"
+  return profile.empty() || (std::abs(firstOf(profile, kRedTag).value_or(0) - kRed) < kTolerance &&
+                             std::abs(firstOf(profile, kGreenTag).value_or(0) - kGreen) < kTolerance);
 }
 
 // RGB, or RGBA; `pixels` outlives it.
