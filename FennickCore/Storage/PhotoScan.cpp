@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <numeric>
+#include <ranges>
 #include <span>
 #include <string>
 
@@ -54,7 +54,7 @@ struct Walk {
 
   [[nodiscard]] std::vector<Index> newest(std::size_t limit) const {
     std::vector<Index> all(files.size());
-    std::iota(all.begin(), all.end(), Index{0});
+    std::ranges::copy(std::views::iota(Index{0}, static_cast<Index>(files.size())), all.begin());
     const auto kept = static_cast<std::ptrdiff_t>(std::min(limit, all.size()));
     std::ranges::partial_sort(all, all.begin() + kept, [this](Index a, Index b) { return precedes(a, b); });
     all.resize(static_cast<std::size_t>(kept));
