@@ -135,6 +135,7 @@ void memories(const fs::path &folder) {
                                  kTimeout));
            });
   };
+  // The system counts what this program held when it started them as well: smaller figures do not show.
   fmt::print("\n  Most memory of the imaging process, a picture of 100 million pixels\n");
   memory("thumbnail of 100.jpg at 400 pixels", [&](fennick::DecoderPool &decoder) {
     need(decoder.thumbnail(folder / "100.jpg", 400, kPercent / 100.0));
