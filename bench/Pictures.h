@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 
 #include <filesystem>
@@ -9,6 +10,16 @@
 // Pictures to measure with, and what other programs and libraries do with them. One thread at a time unless
 // said otherwise; what fails ends the program with a message.
 namespace bench {
+
+// Where the pictures lie, what reads them, and how often each contestant is measured.
+struct Stand {
+  std::filesystem::path folder;
+  fennick::DecoderPool &decoder;
+  int rounds;
+
+  // A picture made before, or another name in its folder.
+  [[nodiscard]] std::filesystem::path file(const std::string &name) const { return folder / name; }
+};
 
 // A JPEG like a phone's: shapes with edges, texture at every scale, grain; quality 92, colours at half
 // resolution. The same bytes every time.

@@ -21,18 +21,10 @@ namespace {
 namespace fs = std::filesystem;
 using bench::Contender;
 using bench::need;
+using bench::Stand;
 
 constexpr int kPercent = 72; // the quality of thumbnails
 constexpr fennick::Seconds kTimeout{240};
-
-struct Stand {
-  fs::path folder;
-  fennick::DecoderPool &decoder;
-  int rounds;
-
-  // A picture made before, or another name in its folder.
-  [[nodiscard]] fs::path file(const std::string &name) const { return folder / name; }
-};
 
 void makePictures(const Stand &stand) {
   bench::writePhoto(stand.file("12.jpg"), 4000, 3000);

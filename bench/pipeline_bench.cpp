@@ -18,16 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using bench::Contender;
+using bench::Stand;
 
 constexpr fennick::Seconds kTimeout{240};
-
-struct Stand {
-  fs::path folder;
-  fennick::DecoderPool &decoder;
-  int rounds;
-
-  [[nodiscard]] fs::path file(const std::string &name) const { return folder / name; }
-};
 
 // One way of processing, and the command lines that do the same; {0} is the picture, {1} the result without
 // its extension.

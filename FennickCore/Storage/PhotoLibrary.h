@@ -101,7 +101,7 @@ private:
 
   PictureSizes sizes_; // of the queue's thread
   std::unique_ptr<FolderWatcher> watcher_;
-  SerialQueue queue_{"fennick.library"}; // last: its tasks use all of the above
+  SerialQueue queue_{"fennick.library"}; // last: what runs on it uses all of the above
 };
 
 } // namespace fennick

@@ -1,5 +1,7 @@
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 
+#include "FennickCore/Imaging/Picture/Containers.h"
+
 #include <algorithm>
 #include <array>
 #include <set>
@@ -10,8 +12,6 @@ namespace fennick::picture {
 using namespace std::string_view_literals;
 
 namespace {
-
-constexpr std::string_view kPrefix = "Exif\0\0"sv;
 
 constexpr std::uint16_t kImageWidth = 0x0100;
 constexpr std::uint16_t kImageLength = 0x0101;
@@ -53,8 +53,8 @@ void zeroValues(std::string &data, std::size_t base, const TiffDirectory &direct
 bool isStructuralTag(std::uint16_t tag) { return std::ranges::binary_search(kStructural, tag); }
 
 std::optional<ExifBlock> ExifBlock::parse(std::string_view block) {
-  while (block.starts_with(kPrefix))
-    block.remove_prefix(kPrefix.size());
+  while (block.starts_with(kExifPrefix))
+    block.remove_prefix(kExifPrefix.size());
   const auto layout = TiffLayout::of(block);
   if (!layout || !layout->firstDirectory(block))
     return std::nullopt;

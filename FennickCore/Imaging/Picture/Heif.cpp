@@ -327,19 +327,6 @@ std::optional<std::int64_t> heifOrientation(Bytes bytes) {
   return turningOf(stepsOf(file, *heif, heif->primary)).orientation();
 }
 
-std::optional<PixelSize> heifStoredSize(Bytes bytes) {
-  const std::string_view file = textOf(bytes);
-  const auto heif = HeifFile::parse(file);
-  const HeifBox *extent = heif ? heif->propertyOf(heif->primary, "ispe") : nullptr;
-  if ((extent == nullptr) || extent->end - extent->payloadAt < 12)
-    return std::nullopt;
-  const auto width = readNumber(file, extent->payloadAt + 4, 4);
-  const auto height = readNumber(file, extent->payloadAt + 8, 4);
-  if (!width || !height)
-    return std::nullopt;
-  return PixelSize{static_cast<std::int64_t>(*width), static_cast<std::int64_t>(*height)};
-}
-
 HeifBlocks heifBlocks(Bytes bytes) {
   const std::string_view file = textOf(bytes);
   const auto heif = HeifFile::parse(file);

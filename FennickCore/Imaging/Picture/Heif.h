@@ -1,6 +1,5 @@
 #pragma once
 
-#include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/Bytes.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 
@@ -15,8 +14,6 @@ namespace fennick::picture {
 // Which of the eight orientations the primary picture's rotation and mirroring stand for; 1 when it has none.
 // Nothing for a file without a primary picture.
 [[nodiscard]] std::optional<std::int64_t> heifOrientation(Bytes bytes);
-// The primary picture's dimensions before any turning.
-[[nodiscard]] std::optional<PixelSize> heifStoredSize(Bytes bytes);
 
 // The blocks that describe the primary picture; empty: none.
 struct HeifBlocks {
