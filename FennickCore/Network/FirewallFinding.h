@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+namespace fennick {
+
+// What is known of this computer's firewall with regard to the port that phones come to.
+struct FirewallFinding {
+  enum class Kind {
+    none, // none was found to be active
+    ufw,
+    firewalld,
+    nftables // rules loaded by the system's own nftables service
+  };
+  enum class Port { open, closed, unknown };
+
+  Kind kind = Kind::none;
+  Port port = Port::unknown; // `open` when there is no firewall
+  // What the person types to let phones in: "sudo ufw allow 8000/tcp". Empty without a firewall and where the
+  // port is open.
+  std::string command;
+
+  bool operator==(const FirewallFinding &) const = default;
+};
+
+} // namespace fennick

@@ -1,0 +1,167 @@
+#pragma once
+
+#include "FennickCore/HTTP/HTTPServer.h"
+#include "FennickCore/HTTP/RateLimiter.h"
+#include "FennickCore/Imaging/ImagePipeline.h"
+#include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "FennickCore/Storage/FolderWatcher.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
+#include "FennickCore/Upload/UploadRouter.h"
+#include "Quarrow/App/Desktop.h"
+#include "Quarrow/App/LocalNetwork.h"
+#include "Quarrow/App/PhotoSelection.h"
+#include "Quarrow/App/RouterConfig.h"
+#include "Quarrow/App/ServerModel.h"
+#include "Quarrow/App/UploadProgress.h"
+
+#include <QObject>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quarrow {
+
+// A received file after its processing.
+struct ReceivedFile {
+  std::filesystem::path url; // where it is now
+  std::int64_t bytes = 0;    // as it was received
+  std::string note;          // the line that people read
+};
+
+// The one coordinator of the running program, with or without windows. It owns the settings, the state that
+// is shown, the photo library and the server, and turns every change of settings, key, network or save folder
+// and every received file into what follows from it. Main thread, except for the processing of pictures,
+// which has a queue of its own ("fennick.imaging").
+class AppController : public QObject {
+  Q_OBJECT
+
+public:
+  // All outlive the controller.
+  struct Services {
+    fennick::Preferences &preferences;
+    fennick::MainQueue &mainQueue;
+    fennick::FileSystem &files;
+    const fennick::Clock &clock;
+    fennick::PictureDecoder &decoder;
+    fennick::Trash &trash;
+    Desktop &desktop;
+    LocalNetwork &network;
+  };
+  struct Options {
+    std::filesystem::path cacheDirectory;              // for thumbnails
+    std::vector<std::string> arguments{};              // "--show-settings", "--show-panel"; others are not ours
+    std::optional<std::filesystem::path> saveFolder{}; // for this run, in place of the settings'
+    bool hasPhotoWall = true;                          // without one nothing looks through the save folder
+    // Changes settings for this run; they are never stored.
+    std::function<void(fennick::AppSettings &)> overrides{};
+  };
+
+  AppController(Options options, const Services &services);
+  ~AppController() override;
+  AppController(const AppController &) = delete;
+  AppController &operator=(const AppController &) = delete;
+
+  // Begins the service. Once.
+  void start();
+  // Ends it: uploads under way are given up and their part files removed; photos that still wait are
+  // processed (unless the decoder was stopped before), and reported if the main queue still runs. Called
+  // again it does nothing.
+  void stop();
+
+  [[nodiscard]] fennick::SettingsStore &settings() { return settings_; }
+  [[nodiscard]] ServerModel &server() { return server_; }
+  [[nodiscard]] fennick::PhotoLibrary &library() { return library_; }
+  [[nodiscard]] PhotoSelection &selection() { return selection_; }
+  [[nodiscard]] UploadProgress &progress() { return progress_; }
+
+  // What a person should read before the key is reset (SettingsStore::resetAccessKey).
+  static constexpr const char *kResetKeyWarning =
+      "重置后，之前扫过的二维码和快捷指令里填写的地址都会失效，手机需要重新扫码。";
+
+  // Does what the arguments of a launch ask for, this one's or those of a second one that found us running.
+  void handleArguments(const std::vector<std::string> &arguments);
+  void showSettingsAction() { desktop_.show(Desktop::Window::settings); }
+  void showHelpAction() { desktop_.show(Desktop::Window::help); }
+  // The first-start windows were gone through; the next start opens the main window.
+  void finishOnboarding();
+
+  // The folder that the gallery shows, or would show.
+  [[nodiscard]] std::filesystem::path galleryURL() const;
+  // Checks anew whether phones can reach the service, and what stands in their way.
+  void runLocalNetworkCheck();
+
+signals:
+  // After everything else that follows from an upload.
+  void received(const quarrow::ReceivedFile &file);
+  // The server could not start; the model's error says why.
+  void serverFailed();
+
+private:
+  struct Server;
+
+  void applySaveFolder();
+  void updateRouterConfig();
+  void startServer();
+  void finishStart(const std::shared_ptr<Server> &server);
+  void retireServer();
+  void runWorkflow(const std::filesystem::path &url, std::int64_t bytes);
+  void pruneIfNeeded();
+  void updateSharedInfo();
+  void registerHotKey(std::optional<std::int64_t> presetID);
+  void settingsChanged(const fennick::AppSettings &settings);
+  void accessKeyChanged(const std::string &accessKey);
+  void networkChanged(std::vector<fennick::LANAddress> addresses);
+  void openFirstWindow();
+  void watchSaveFolder();
+  void checkSaveFolder();
+  void handleUpload(const fennick::UploadRecord &record);
+  void finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result);
+  [[nodiscard]] std::filesystem::path chosenFolder();
+  [[nodiscard]] fennick::SaveDestination makeDestination() const;
+  [[nodiscard]] fennick::UploadRouter::Providers providers();
+  [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
+
+  const Options options_;
+  fennick::Preferences &preferences_;
+  fennick::MainQueue &mainQueue_;
+  fennick::FileSystem &files_;
+  const fennick::Clock &clock_;
+  fennick::PictureDecoder &decoder_;
+  fennick::Trash &trash_;
+  Desktop &desktop_;
+  LocalNetwork &network_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  fennick::SettingsStore settings_;
+  ServerModel server_;
+  fennick::PhotoLibrary library_;
+  PhotoSelection selection_;
+  UploadProgress progress_;
+  RouterConfig routerConfig_;
+  std::optional<std::string> demoKey_;    // given to the router in place of the stored key
+  std::optional<std::uint16_t> lastPort_; // preferred when the server was last started
+  std::vector<fennick::Subscription> subscriptions_;
+  std::unique_ptr<fennick::FolderWatcher> folderWatcher_;
+  std::shared_ptr<Server> httpServer_;
+
+  fennick::Mutex imagingLock_;
+  fennick::ImagingOptions imaging_ GUARDED_BY(imagingLock_); // the current settings', for the processing
+  std::unique_ptr<fennick::SerialQueue> processingQueue_ =
+      std::make_unique<fennick::SerialQueue>("fennick.imaging");
+  std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
+};
+
+} // namespace quarrow

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace quarrow {
+
+// What the coordinator asks of the desktop that it runs on: the program with windows answers with the real
+// services, the terminal program with what a terminal has, tests write down what was asked. Main thread.
+class Desktop {
+public:
+  enum class Window { main, settings, onboarding, help };
+
+  virtual ~Desktop() = default;
+
+  // Puts the icon into the tray. Once, before anything else here is called.
+  virtual void makeTrayItem() = 0;
+  // Shows for a moment that a photo has arrived.
+  virtual void flashTrayItem() = 0;
+  virtual void showPanel() = 0;
+  virtual void closePanel() = 0;
+  // Opens the window, or brings it to the front; it gets the keyboard.
+  virtual void show(Window window) = 0;
+
+  // Puts the file on the clipboard, and the picture itself where other programs take one.
+  virtual void copyToClipboard(const std::filesystem::path &file) = 0;
+  // Opens `file` with the application that its desktop entry `application` describes. `failed` is called with
+  // the reason if that does not work; on the main thread, perhaps later.
+  virtual void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
+                        std::function<void(const std::string &)> failed) = 0;
+  // The short sound of an arrival.
+  virtual void playSound() = 0;
+  // Shows a notification now; one that the desktop refuses is dropped.
+  virtual void notify(const std::string &title, const std::string &body) = 0;
+
+  // Replaces the global shortcut by the preset with this number, or by none; `pressed` is called on the main
+  // thread. False when the shortcut is not to be had, and there is none then.
+  [[nodiscard]] virtual bool registerHotKey(std::optional<std::int64_t> presetID,
+                                            std::function<void()> pressed) = 0;
+
+  // Whether the session started the program at login: it waits in the tray then and opens no window.
+  [[nodiscard]] virtual bool launchedAsLoginItem() const = 0;
+};
+
+} // namespace quarrow

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+namespace quarrow {
+
+// What the self-check found: whether the service answers under the address that the QR code carries.
+class LocalNetworkStatus {
+  Q_GADGET
+  Q_PROPERTY(Kind kind MEMBER kind CONSTANT)
+  Q_PROPERTY(QString message MEMBER message CONSTANT)
+
+public:
+  enum class Kind { failed, unknown, ok };
+  Q_ENUM(Kind)
+
+  Kind kind = Kind::unknown;
+  QString message{}; // why it failed
+
+  bool operator==(const LocalNetworkStatus &) const = default;
+};
+
+} // namespace quarrow

@@ -1,0 +1,143 @@
+#pragma once
+
+#include "FennickCore/Network/FirewallFinding.h"
+#include "FennickCore/Network/LANAddress.h"
+#include "FennickCore/Network/QRCodeRenderer.h"
+#include "Quarrow/App/LocalNetworkStatus.h"
+
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <QVariantList>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quarrow {
+
+// The observable state of the receiving service: what the panel, the windows and the terminal show. Only the
+// coordinator writes it; every field announces its changes, and only changes. Main thread.
+//
+// The properties are for QML: absent texts are empty, an absent port is 0. C++ reads the typed fields.
+class ServerModel : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(int port READ portNumber NOTIFY portChanged)
+  // Each with `interface`, `address` and `kind` ("wifi", "wired", "hotspot", "other").
+  Q_PROPERTY(QVariantList addresses READ addressEntries NOTIFY addressesChanged)
+  Q_PROPERTY(QString preferredInterface READ preferredInterfaceText NOTIFY preferredInterfaceChanged)
+  Q_PROPERTY(QString accessKey READ accessKeyText NOTIFY accessKeyChanged)
+  Q_PROPERTY(QString error READ errorText NOTIFY errorChanged)
+  // A "data:" address of a PNG, for Image.source.
+  Q_PROPERTY(QUrl qrImage READ qrImageURL NOTIFY qrImageChanged)
+  Q_PROPERTY(QString saveFolder READ saveFolderText NOTIFY saveFolderChanged)
+  Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
+  Q_PROPERTY(quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY
+                 localNetworkStatusChanged)
+  Q_PROPERTY(QString sharedFolderName READ sharedFolderNameText NOTIFY sharedFolderNameChanged)
+  Q_PROPERTY(int sharedCount READ sharedCountNumber NOTIFY sharedCountChanged)
+  Q_PROPERTY(QString phoneURL READ phoneURLText NOTIFY phoneURLChanged)
+  Q_PROPERTY(QString shortcutUploadURL READ shortcutUploadURLText NOTIFY phoneURLChanged)
+  // What stands in the way of phones on this computer, in a sentence, and the command that lets them in.
+  Q_PROPERTY(QString firewallAdvice READ firewallAdviceText NOTIFY firewallChanged)
+  Q_PROPERTY(QString firewallCommand READ firewallCommandText NOTIFY firewallChanged)
+
+public:
+  // The port that is bound; absent while no server listens.
+  [[nodiscard]] std::optional<std::uint16_t> port() const { return port_; }
+  // Usable addresses, the likeliest first.
+  [[nodiscard]] const std::vector<fennick::LANAddress> &addresses() const { return addresses_; }
+  [[nodiscard]] const std::optional<std::string> &preferredInterface() const { return preferredInterface_; }
+  [[nodiscard]] const std::string &accessKey() const { return accessKey_; }
+  // The latest error to show: of the server's start, the save folder, the settings or the shortcut.
+  [[nodiscard]] const std::optional<std::string> &error() const { return error_; }
+  // The QR code of the phone URL.
+  [[nodiscard]] const std::optional<fennick::Bitmap> &qrImage() const { return qrImage_; }
+  [[nodiscard]] const std::optional<std::filesystem::path> &saveFolder() const { return saveFolder_; }
+  // One line about the file received last.
+  [[nodiscard]] const std::optional<std::string> &lastNote() const { return lastNote_; }
+  [[nodiscard]] const LocalNetworkStatus &localNetworkStatus() const { return localNetworkStatus_; }
+  // The last component of the folder that the gallery shows or would show, and the pictures directly in it.
+  [[nodiscard]] const std::string &sharedFolderName() const { return sharedFolderName_; }
+  [[nodiscard]] std::int64_t sharedCount() const { return sharedCount_; }
+  // Absent until it was looked for.
+  [[nodiscard]] const std::optional<fennick::FirewallFinding> &firewall() const { return firewall_; }
+
+  // The address in the QR code: the preferred interface's, else the first; absent without addresses.
+  [[nodiscard]] std::optional<fennick::LANAddress> preferredAddress() const;
+  // "http://192.168.1.20:8000"; absent without an address or a port.
+  [[nodiscard]] std::optional<std::string> baseURL() const;
+  // What the QR code says, and where shortcuts send photos; absent with the base URL.
+  [[nodiscard]] std::optional<std::string> phoneURL() const;
+  [[nodiscard]] std::optional<std::string> shortcutUploadURL() const;
+
+  // For the coordinator.
+  void setPort(std::optional<std::uint16_t> port);
+  void setAddresses(std::vector<fennick::LANAddress> addresses);
+  void setPreferredInterface(std::optional<std::string> interface);
+  void setAccessKey(std::string accessKey);
+  void setError(std::optional<std::string> error);
+  void setSaveFolder(std::optional<std::filesystem::path> saveFolder);
+  void setLastNote(std::optional<std::string> note);
+  void setLocalNetworkStatus(LocalNetworkStatus status);
+  void setShared(std::string folderName, std::int64_t count);
+  void setFirewall(std::optional<fennick::FirewallFinding> finding);
+  // Makes the QR code anew from the phone URL, or takes it away where there is none.
+  void refreshQR();
+
+signals:
+  void portChanged();
+  void addressesChanged();
+  void preferredInterfaceChanged();
+  void accessKeyChanged();
+  void errorChanged();
+  void qrImageChanged();
+  void saveFolderChanged();
+  void lastNoteChanged();
+  void localNetworkStatusChanged();
+  void sharedFolderNameChanged();
+  void sharedCountChanged();
+  void phoneURLChanged();
+  void firewallChanged();
+
+private:
+  [[nodiscard]] int portNumber() const { return port_.value_or(0); }
+  [[nodiscard]] QVariantList addressEntries() const;
+  [[nodiscard]] QString preferredInterfaceText() const;
+  [[nodiscard]] QString accessKeyText() const;
+  [[nodiscard]] QString errorText() const;
+  [[nodiscard]] QUrl qrImageURL() const { return qrImageURL_; }
+  [[nodiscard]] QString saveFolderText() const;
+  [[nodiscard]] QString lastNoteText() const;
+  [[nodiscard]] QString sharedFolderNameText() const;
+  [[nodiscard]] int sharedCountNumber() const { return static_cast<int>(sharedCount_); }
+  [[nodiscard]] QString phoneURLText() const;
+  [[nodiscard]] QString shortcutUploadURLText() const;
+  [[nodiscard]] QString firewallAdviceText() const;
+  [[nodiscard]] QString firewallCommandText() const;
+  void announcePhoneURL();
+
+  std::optional<std::uint16_t> port_;
+  std::vector<fennick::LANAddress> addresses_;
+  std::optional<std::string> preferredInterface_;
+  std::string accessKey_;
+  std::optional<std::string> error_;
+  std::optional<fennick::Bitmap> qrImage_;
+  QUrl qrImageURL_;
+  std::optional<std::string> qrText_; // what the image says
+  std::optional<std::filesystem::path> saveFolder_;
+  std::optional<std::string> lastNote_;
+  LocalNetworkStatus localNetworkStatus_;
+  std::string sharedFolderName_;
+  std::int64_t sharedCount_ = 0;
+  std::optional<fennick::FirewallFinding> firewall_;
+  std::optional<std::string> announcedURL_;
+};
+
+// What to do when phones cannot connect although the service answers, in a Chinese sentence: nothing while no
+// firewall is known to stand in the way.
+[[nodiscard]] std::optional<std::string> firewallAdvice(const fennick::FirewallFinding &finding);
+
+} // namespace quarrow

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Upload/UploadActivity.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace quarrow {
+
+// How far the uploads under way are and how fast they come, as a person wants to see it. Refreshed four times
+// a second while something arrives and not at all otherwise. Main thread.
+class UploadProgress : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(qint64 uploads READ uploads NOTIFY changed) // under way
+  Q_PROPERTY(qint64 receivedBytes READ receivedBytes NOTIFY changed)
+  Q_PROPERTY(qint64 expectedBytes READ expectedBytes NOTIFY changed)
+  Q_PROPERTY(double bytesPerSecond READ bytesPerSecond NOTIFY changed) // over the last moments
+
+public:
+  UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock);
+
+  // Nothing is refreshed until somebody looks.
+  void setWatched(bool watched) { watched_ = watched; }
+
+  [[nodiscard]] qint64 uploads() const { return activity_.uploads; }
+  [[nodiscard]] qint64 receivedBytes() const { return activity_.receivedBytes; }
+  [[nodiscard]] qint64 expectedBytes() const { return activity_.expectedBytes; }
+  [[nodiscard]] double bytesPerSecond() const { return bytesPerSecond_; }
+  [[nodiscard]] const fennick::UploadActivity::Snapshot &snapshot() const { return activity_; }
+
+  // What the router counts in.
+  [[nodiscard]] fennick::UploadActivity &counter() { return counter_; }
+
+signals:
+  void changed();
+
+private:
+  [[nodiscard]] std::function<void()> whileAlive(void (UploadProgress::*task)());
+  void begin();
+  void refresh();
+
+  fennick::MainQueue &mainQueue_;
+  const fennick::Clock &clock_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::UploadActivity::Snapshot activity_{};
+  bool watched_ = false;
+  bool runs_ = false; // a refresh is under way or is to come
+  fennick::Uptime refreshedAt_;
+  std::int64_t refreshedBytes_ = 0;
+  double bytesPerSecond_ = 0;
+  fennick::UploadActivity counter_; // last: it calls in
+};
+
+} // namespace quarrow
