@@ -47,8 +47,10 @@ class ServerModel : public QObject {
 public:
   // The port that is bound; absent while no server listens.
   [[nodiscard]] std::optional<std::uint16_t> port() const { return port_; }
-  // Usable addresses, the likeliest first.
+  // Usable addresses, the likeliest first; none before the network was first asked.
   [[nodiscard]] const std::vector<fennick::LANAddress> &addresses() const { return addresses_; }
+  // Whether they were ever set; the first time is announced even if there are none.
+  [[nodiscard]] bool addressesKnown() const { return addressesKnown_; }
   [[nodiscard]] const std::optional<std::string> &preferredInterface() const { return preferredInterface_; }
   [[nodiscard]] const std::string &accessKey() const { return accessKey_; }
   // The latest error to show: of the server's start, the save folder, the settings or the shortcut.
@@ -121,6 +123,7 @@ private:
 
   std::optional<std::uint16_t> port_;
   std::vector<fennick::LANAddress> addresses_;
+  bool addressesKnown_ = false;
   std::optional<std::string> preferredInterface_;
   std::string accessKey_;
   std::optional<std::string> error_;
