@@ -65,6 +65,13 @@ void HTTPServer::run(ListeningSocket listener) {
 }
 
 void HTTPServer::stop() {
+  close();
+  Locked locked(lock_);
+  while (serving_ > 0)
+    locked.wait(idle_);
+}
+
+void HTTPServer::close() {
   if (!listener_)
     return;
   listener_->wake();
@@ -79,9 +86,6 @@ void HTTPServer::stop() {
   }
   for (const auto &[identity, connection] : live)
     connection->close();
-  Locked locked(lock_);
-  while (serving_ > 0)
-    locked.wait(idle_);
 }
 
 std::optional<std::uint16_t> HTTPServer::port() const {

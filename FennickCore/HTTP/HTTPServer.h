@@ -41,7 +41,7 @@ using HTTPServerError = std::variant<NoFreePort, ListenerFailed>;
 // Owns the listening socket, admits or refuses each connection and keeps the table of live ones. The listener
 // has a thread of its own, each connection one from a small cache.
 //
-// `start`, `stop` and the destructor: one thread, never a connection's own. `port`: any thread. Handler,
+// `start`, `stop`, `close` and the destructor: one thread at a time, never a connection's own. `port`: any thread. Handler,
 // limiter and clock are borrowed and outlive the server.
 class HTTPServer {
 public:
@@ -58,6 +58,9 @@ public:
   // Ends the listener and every connection and returns when all of them are over, aborted uploads cleaned up.
   // A server that is not running stays so.
   void stop();
+  // The first half of `stop`: the port is free and every connection cut off, though what they were doing may
+  // not be over yet.
+  void close();
 
   [[nodiscard]] std::optional<std::uint16_t> port() const;
 

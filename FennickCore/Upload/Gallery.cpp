@@ -68,6 +68,16 @@ std::vector<GalleryEntry> galleryList(const fs::path &folder) {
   return list;
 }
 
+// Names and kinds are enough: nothing has to be looked at.
+std::int64_t galleryCount(const fs::path &folder) {
+  std::int64_t count = 0;
+  std::ignore = readFolder(folder, Links::follow, [&](std::string_view name, FileKind kind) {
+    count += kind == FileKind::regular && isGalleryName(name) ? 1 : 0;
+    return false;
+  });
+  return count;
+}
+
 std::optional<fs::path> galleryFile(std::string_view path, const fs::path &folder) {
   constexpr std::string_view kThumb = "/thumb/";
   constexpr std::string_view kFile = "/file/";

@@ -22,6 +22,9 @@ struct GalleryEntry {
 // when the folder cannot be read.
 [[nodiscard]] std::vector<GalleryEntry> galleryList(const std::filesystem::path &folder);
 
+// How many photos phones may see there, more than 500 included; 0 when the folder cannot be read.
+[[nodiscard]] std::int64_t galleryCount(const std::filesystem::path &folder);
+
 // The file that "/thumb/NAME" or "/file/NAME" asks for, `path` as it was sent; nothing unless NAME is that of
 // a photo that the gallery may show.
 [[nodiscard]] std::optional<std::filesystem::path> galleryFile(std::string_view path,
