@@ -2,6 +2,7 @@
 
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Settings/AccessKey.h"
+#include "FennickCore/Settings/SettingsChanges.h"
 #include "FennickCore/Settings/SettingsCodec.h"
 
 #include <tuple>
@@ -21,7 +22,7 @@ AppSettings load(const Preferences &defaults) {
 } // namespace
 
 SettingsStore::SettingsStore(Preferences &defaults)
-    : defaults_(defaults), settings_(load(defaults)),
+    : defaults_(defaults), stored_(load(defaults)), settings_(stored_),
       accessKey_(defaults.text(kAccessKeyKey).value_or(std::string())) {
   if (!accessKey_.empty())
     return;
@@ -30,21 +31,31 @@ SettingsStore::SettingsStore(Preferences &defaults)
 }
 
 void SettingsStore::setSettings(AppSettings settings) {
-  settings_ = std::move(settings);
-  settingsObservers_.publish(settings_);
-  save();
+  AppSettings stored = stored_;
+  carryChanges(settings_, settings, stored);
+  adopt(std::move(settings), std::move(stored));
 }
 
 void SettingsStore::update(const std::function<void(AppSettings &)> &change) {
-  AppSettings changed = settings_;
-  change(changed);
-  setSettings(std::move(changed));
+  AppSettings settings = settings_;
+  change(settings);
+  AppSettings stored = stored_;
+  change(stored);
+  carryChanges(settings_, settings, stored); // a field that was turned over has the value that people saw
+  adopt(std::move(settings), std::move(stored));
+}
+
+void SettingsStore::overrideForRun(const std::function<void(AppSettings &)> &change) {
+  AppSettings settings = settings_;
+  change(settings);
+  settings_ = std::move(settings);
+  settingsObservers_.publish(settings_);
 }
 
 void SettingsStore::resetAccessKey() {
   accessKey_ = AccessKey::generate(AccessKey::kLength);
   accessKeyObservers_.publish(accessKey_);
-  std::ignore = defaults_.setText(kAccessKeyKey, accessKey_);
+  saveText(kAccessKeyKey, accessKey_);
 }
 
 Subscription SettingsStore::observeSettings(std::function<void(const AppSettings &)> observer) {
@@ -55,9 +66,27 @@ Subscription SettingsStore::observeAccessKey(std::function<void(const std::strin
   return accessKeyObservers_.add(std::move(observer));
 }
 
+Subscription SettingsStore::observeSaveFailures(std::function<void(const std::error_code &)> observer) {
+  return failureObservers_.add(std::move(observer));
+}
+
+void SettingsStore::adopt(AppSettings settings, AppSettings stored) {
+  stored_ = std::move(stored);
+  settings_ = std::move(settings);
+  settingsObservers_.publish(settings_);
+  save();
+}
+
 void SettingsStore::save() {
-  if (const auto text = encode(settings_))
-    std::ignore = defaults_.setText(kSettingsKey, *text);
+  if (const auto text = encode(stored_))
+    saveText(kSettingsKey, *text);
+  else
+    failureObservers_.publish(std::make_error_code(std::errc::invalid_argument));
+}
+
+void SettingsStore::saveText(std::string_view key, std::string_view text) {
+  if (const auto saved = defaults_.setText(key, text); !saved)
+    failureObservers_.publish(saved.error());
 }
 
 } // namespace fennick

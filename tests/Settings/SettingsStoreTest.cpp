@@ -21,12 +21,15 @@ public:
   }
   [[nodiscard]] bool flag(std::string_view) const override { return false; }
   std::expected<void, std::error_code> setText(std::string_view key, std::string_view value) override {
+    if (refusal)
+      return std::unexpected(*refusal);
     texts.insert_or_assign(std::string(key), std::string(value));
     return {};
   }
   std::expected<void, std::error_code> setFlag(std::string_view, bool) override { return {}; }
 
   std::map<std::string, std::string, std::less<>> texts;
+  std::optional<std::error_code> refusal;
 };
 
 class SettingsStoreTest : public ::testing::Test {
@@ -104,6 +107,74 @@ TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
   store.update(portTo(1));
   EXPECT_EQ(heard, 8001);
   EXPECT_EQ(storedSettings().preferredPort, 8001);
+}
+
+TEST_F(SettingsStoreTest, WhatIsOverriddenForTheRunIsStoredOnlyOnceThatFieldIsChanged) {
+  SettingsStore store(preferences);
+  std::optional<AppSettings> heard;
+  const auto settings = store.observeSettings([&](const AppSettings &value) { heard = value; });
+  store.overrideForRun([](AppSettings &s) { s = test::fullSettings(); });
+  EXPECT_EQ(heard, test::fullSettings());
+  EXPECT_FALSE(preferences.text("settings.v1"));
+
+  AppSettings stored;
+  AppSettings inUse = test::fullSettings();
+  const auto expectBoth = [&] {
+    EXPECT_EQ(store.settings(), inUse);
+    EXPECT_EQ(storedSettings(), stored);
+    EXPECT_EQ(SettingsStore(preferences).settings(), stored);
+  };
+  store.update([](AppSettings &s) { s.imaging.quality = 0.6; });
+  inUse.imaging.quality = stored.imaging.quality = 0.6;
+  expectBoth();
+  store.update([](AppSettings &s) { s.galleryEnabled = !s.galleryEnabled; }); // true was seen, false is meant
+  inUse.galleryEnabled = stored.galleryEnabled = false;
+  expectBoth();
+  store.update(portTo(inUse.preferredPort));
+  stored.preferredPort = inUse.preferredPort;
+  expectBoth();
+  inUse.workflow.notify = false; // stored is false already
+  inUse.sessionSubfolder = stored.sessionSubfolder = "其他";
+  inUse.hotKeyPreset = std::nullopt;
+  store.setSettings(inUse);
+  expectBoth();
+}
+
+TEST_F(SettingsStoreTest, AnOverriddenNamingIsStoredByFieldOnlyOverOneOfItsKind) {
+  const auto change = [](auto with) {
+    return [with](AppSettings &s) {
+      if (auto *naming = std::get_if<PrefixSequenceNaming>(&s.naming))
+        with(*naming);
+    };
+  };
+  SettingsStore store(preferences);
+  store.overrideForRun([](AppSettings &s) { s.naming = PrefixSequenceNaming{.prefix = "run"}; });
+  store.update(change([](PrefixSequenceNaming &naming) { naming.digits = 5; }));
+  EXPECT_EQ(storedSettings().naming, NamingPolicy(PrefixSequenceNaming{.prefix = "run", .digits = 5}));
+  store.overrideForRun(change([](PrefixSequenceNaming &naming) { naming.prefix = "other"; }));
+  store.update(change([](PrefixSequenceNaming &naming) { naming.start = 7; }));
+  EXPECT_EQ(storedSettings().naming,
+            NamingPolicy(PrefixSequenceNaming{.prefix = "run", .digits = 5, .start = 7}));
+}
+
+TEST_F(SettingsStoreTest, AChangeThatCannotBeStoredHoldsForTheRunAndIsToldOnceAfterTheObservers) {
+  SettingsStore store(preferences);
+  std::string told;
+  const auto settings = store.observeSettings([&](const AppSettings &) { told += "settings "; });
+  const auto key = store.observeAccessKey([&](const std::string &) { told += "key "; });
+  const auto failures =
+      store.observeSaveFailures([&](const std::error_code &why) { told += why.message() + "; "; });
+  preferences.refusal = std::make_error_code(std::errc::no_space_on_device);
+  store.update(portTo(9000));
+  store.resetAccessKey();
+  store.overrideForRun(portTo(9001));
+  preferences.refusal.reset();
+  store.update([](AppSettings &s) { s.sessionSubfolder = "\xFF"; });
+  EXPECT_EQ(told, "settings No space left on device; key No space left on device; settings "
+                  "settings Invalid argument; ");
+  EXPECT_EQ(store.settings().preferredPort, 9001);
+  store.update([](AppSettings &s) { s.sessionSubfolder = std::nullopt; });
+  EXPECT_EQ(storedSettings().preferredPort, 9000);
 }
 
 } // namespace
