@@ -30,6 +30,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quarrow {
@@ -61,8 +62,8 @@ public:
     LocalNetwork &network;
   };
   struct Options {
-    std::filesystem::path cacheDirectory;              // for thumbnails
-    std::vector<std::string> arguments{};              // "--show-settings", "--show-panel"; others are not ours
+    std::filesystem::path cacheDirectory; // for thumbnails
+    std::vector<std::string> arguments{}; // "--show-settings", "--show-panel"; others are not ours
     std::optional<std::filesystem::path> saveFolder{}; // for this run, in place of the settings'
     bool hasPhotoWall = true;                          // without one nothing looks through the save folder
     // Changes settings for this run; they are never stored.
@@ -91,7 +92,8 @@ public:
   static constexpr const char *kResetKeyWarning =
       "重置后，之前扫过的二维码和快捷指令里填写的地址都会失效，手机需要重新扫码。";
 
-  // Does what the arguments of a launch ask for, this one's or those of a second one that found us running.
+  // A second launch found us running; these are its arguments. Without one that names a window it opens the
+  // main one.
   void handleArguments(const std::vector<std::string> &arguments);
   void showSettingsAction() { desktop_.show(Desktop::Window::settings); }
   void showHelpAction() { desktop_.show(Desktop::Window::help); }
@@ -100,6 +102,8 @@ public:
 
   // The folder that the gallery shows, or would show.
   [[nodiscard]] std::filesystem::path galleryURL() const;
+  // Takes the error that is shown away; the person has read it.
+  void dismissError();
   // Checks anew whether phones can reach the service, and what stands in their way.
   void runLocalNetworkCheck();
 
@@ -111,11 +115,13 @@ signals:
 
 private:
   struct Server;
+  // What errors are about: a later success of the same thing takes them away.
+  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey };
 
   void applySaveFolder();
   void updateRouterConfig();
   void startServer();
-  void finishStart(const std::shared_ptr<Server> &server);
+  void finishStart(Server &server);
   void retireServer();
   void runWorkflow(const std::filesystem::path &url, std::int64_t bytes);
   void pruneIfNeeded();
@@ -125,6 +131,11 @@ private:
   void accessKeyChanged(const std::string &accessKey);
   void networkChanged(std::vector<fennick::LANAddress> addresses);
   void openFirstWindow();
+  void openAskedFor(fennick::Seconds panelDelay, const std::vector<std::string> &arguments);
+  void report(Matter matter, std::string error);
+  void resolve(Matter matter);
+  [[nodiscard]] bool stands(Matter matter) const;
+  void showLatestError();
   void watchSaveFolder();
   void checkSaveFolder();
   void handleUpload(const fennick::UploadRecord &record);
@@ -151,11 +162,14 @@ private:
   PhotoSelection selection_;
   UploadProgress progress_;
   RouterConfig routerConfig_;
-  std::optional<std::string> demoKey_;    // given to the router in place of the stored key
-  std::optional<std::uint16_t> lastPort_; // preferred when the server was last started
+  std::vector<std::pair<Matter, std::string>> errors_; // that stand, the latest last
+  std::optional<std::string> demoKey_;                 // given to the router in place of the stored key
+  std::optional<std::uint16_t> lastPort_;              // preferred when the server was last started
+  fennick::AppSettings knownSettings_;                 // what followed from settings so far
   std::vector<fennick::Subscription> subscriptions_;
   std::unique_ptr<fennick::FolderWatcher> folderWatcher_;
   std::shared_ptr<Server> httpServer_;
+  bool stopped_ = false;
 
   fennick::Mutex imagingLock_;
   fennick::ImagingOptions imaging_ GUARDED_BY(imagingLock_); // the current settings', for the processing

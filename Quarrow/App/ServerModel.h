@@ -34,8 +34,8 @@ class ServerModel : public QObject {
   Q_PROPERTY(QUrl qrImage READ qrImageURL NOTIFY qrImageChanged)
   Q_PROPERTY(QString saveFolder READ saveFolderText NOTIFY saveFolderChanged)
   Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
-  Q_PROPERTY(quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY
-                 localNetworkStatusChanged)
+  Q_PROPERTY(
+      quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY localNetworkStatusChanged)
   Q_PROPERTY(QString sharedFolderName READ sharedFolderNameText NOTIFY sharedFolderNameChanged)
   Q_PROPERTY(int sharedCount READ sharedCountNumber NOTIFY sharedCountChanged)
   Q_PROPERTY(QString phoneURL READ phoneURLText NOTIFY phoneURLChanged)

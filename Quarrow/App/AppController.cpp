@@ -1,0 +1,420 @@
+#include "Quarrow/App/AppController.h"
+
+#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Settings/FolderBookmark.h"
+#include "FennickCore/Storage/FolderPruner.h"
+#include "FennickCore/Upload/Gallery.h"
+#include "Quarrow/App/GalleryFolder.h"
+#include "Quarrow/App/ReceivedNote.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <tuple>
+
+namespace quarrow {
+
+using fennick::fileSizeText;
+using fennick::Locked;
+using fennick::log;
+using fennick::Seconds;
+using fennick::FolderBookmark::defaultFolder;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kPortAttempts = 20;
+constexpr Seconds kProcessingTimeout{90};
+constexpr Seconds kProbeTimeout{3};
+constexpr Seconds kPanelDelay{0.5}; // until the tray has found its place for the icon
+constexpr std::string_view kOnboardingDone = "onboardingDone";
+
+using Outcome = fennick::LocalNetworkProbe::Outcome;
+
+LocalNetworkStatus failedCheck(const std::string &message) {
+  return {.kind = LocalNetworkStatus::Kind::failed, .message = QString::fromStdString(message)};
+}
+
+LocalNetworkStatus statusOf(const Outcome &outcome) {
+  switch (outcome.kind) {
+  case Outcome::Kind::reachable:
+    return {.kind = LocalNetworkStatus::Kind::ok};
+  case Outcome::Kind::timeout:
+    return failedCheck("连接超时");
+  case Outcome::Kind::unreachable:
+    break;
+  }
+  return failedCheck(outcome.message);
+}
+
+bool isDirectory(const fs::path &folder) {
+  std::error_code ignored;
+  return fs::is_directory(folder, ignored);
+}
+
+} // namespace
+
+// A server with all that belongs to it. One that was replaced lives until its last request is over.
+struct AppController::Server {
+  Server(AppController &controller, std::uint16_t port)
+      : preferredPort(port),
+        router(controller.providers(), fennick::resourceBundle(), controller.files_, controller.clock_,
+               controller.progress_.counter(),
+               fennick::UploadRouter::Thumbnails{.cacheDir = controller.options_.cacheDirectory / "thumbs",
+                                                 .decoder = controller.decoder_}),
+        http(router, fennick::kServiceLimits, limiter, controller.clock_) {}
+
+  const std::uint16_t preferredPort;
+  fennick::UploadRouter router;
+  fennick::RateLimiter limiter{fennick::kServiceBans};
+  fennick::HTTPServer http; // last: its connections use the others
+};
+
+AppController::AppController(Options options, const Services &services)
+    : options_(std::move(options)), preferences_(services.preferences), mainQueue_(services.mainQueue),
+      files_(services.files), clock_(services.clock), decoder_(services.decoder), trash_(services.trash),
+      desktop_(services.desktop), network_(services.network), settings_(preferences_),
+      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_) {
+  if (options_.overrides)
+    settings_.overrideForRun(options_.overrides);
+}
+
+AppController::~AppController() { stop(); }
+
+std::function<void()> AppController::whileAlive(std::function<void()> task) const {
+  return [alive = std::weak_ptr(alive_), task = std::move(task)] {
+    if (alive.lock())
+      task();
+  };
+}
+
+void AppController::start() {
+  desktop_.makeTrayItem();
+  server_.setAccessKey(settings_.accessKey());
+  server_.setPreferredInterface(settings_.settings().preferredInterface);
+  applySaveFolder();
+  updateRouterConfig();
+  startServer();
+  network_.watch([this](auto addresses) { networkChanged(std::move(addresses)); });
+  knownSettings_ = settings_.settings();
+  subscriptions_.push_back(settings_.observeSettings([this](const auto &settings) {
+    resolve(Matter::settings); // unless it cannot be stored either
+    if (settings != std::exchange(knownSettings_, settings))
+      mainQueue_.post(whileAlive([this, settings] { settingsChanged(settings); }));
+  }));
+  subscriptions_.push_back(settings_.observeSaveFailures([this](const std::error_code &error) {
+    report(Matter::settings, "无法保存设置，退出后会丢失：" + error.message());
+  }));
+  registerHotKey(settings_.settings().hotKeyPreset);
+  openFirstWindow();
+  openAskedFor(kPanelDelay, options_.arguments);
+  subscriptions_.push_back(settings_.observeAccessKey([this](const std::string &key) {
+    mainQueue_.post(whileAlive([this, key] { accessKeyChanged(key); }));
+  }));
+}
+
+void AppController::stop() {
+  stopped_ = true;
+  network_.unwatch();
+  network_.cancel();
+  folderWatcher_.reset();
+  if (httpServer_)
+    httpServer_->http.stop();
+  httpServer_.reset();
+  retirement_.reset();
+  processingQueue_.reset(); // last: until here servers hand it what they received
+}
+
+void AppController::openFirstWindow() {
+  if (!preferences_.flag(kOnboardingDone))
+    return desktop_.show(Desktop::Window::onboarding);
+  if (desktop_.launchedAsLoginItem())
+    return;
+  desktop_.closePanel();
+  desktop_.show(Desktop::Window::main);
+}
+
+void AppController::openAskedFor(Seconds panelDelay, const std::vector<std::string> &arguments) {
+  const auto has = [&](const char *argument) {
+    return std::ranges::find(arguments, argument) != arguments.end();
+  };
+  if (has("--show-settings")) {
+    desktop_.closePanel();
+    desktop_.show(Desktop::Window::settings);
+  }
+  if (has("--show-panel"))
+    mainQueue_.postAfter(panelDelay, whileAlive([this] { desktop_.showPanel(); }));
+}
+
+void AppController::handleArguments(const std::vector<std::string> &arguments) {
+  const bool namesOne = std::ranges::any_of(
+      arguments, [](const auto &each) { return each == "--show-settings" || each == "--show-panel"; });
+  if (namesOne)
+    return openAskedFor(Seconds(0), arguments);
+  desktop_.closePanel();
+  desktop_.show(preferences_.flag(kOnboardingDone) ? Desktop::Window::main : Desktop::Window::onboarding);
+}
+
+void AppController::finishOnboarding() { std::ignore = preferences_.setFlag(kOnboardingDone, true); }
+
+void AppController::report(Matter matter, std::string error) {
+  std::erase_if(errors_, [&](const auto &each) { return each.first == matter; });
+  errors_.emplace_back(matter, std::move(error));
+  showLatestError();
+}
+
+void AppController::resolve(Matter matter) {
+  std::erase_if(errors_, [&](const auto &each) { return each.first == matter; });
+  showLatestError();
+}
+
+bool AppController::stands(Matter matter) const {
+  return std::ranges::any_of(errors_, [&](const auto &each) { return each.first == matter; });
+}
+
+void AppController::showLatestError() {
+  server_.setError(errors_.empty() ? std::nullopt : std::optional(errors_.back().second));
+}
+
+void AppController::dismissError() {
+  if (!errors_.empty())
+    errors_.pop_back();
+  showLatestError();
+}
+
+void AppController::startServer() {
+  if (stopped_)
+    return;
+  retireServer();
+  const std::uint16_t preferred = settings_.settings().preferredPort;
+  httpServer_ = std::make_shared<Server>(*this, preferred);
+  lastPort_ = preferred;
+  server_.setPort(std::nullopt);
+  mainQueue_.post(whileAlive([this, server = std::weak_ptr(httpServer_)] {
+    if (const auto still = server.lock(); still && still == httpServer_)
+      finishStart(*still);
+  }));
+}
+
+void AppController::finishStart(Server &server) {
+  server.router.adoptSaveFolder(server_.saveFolder().value_or(defaultFolder()));
+  log(fmt::format("starting server on {}", server.preferredPort));
+  const auto port = server.http.start(server.preferredPort, kPortAttempts);
+  if (!port) {
+    log(fmt::format("server failed {}", description(port.error())));
+    report(Matter::server, "无法启动服务：" + description(port.error()));
+    emit serverFailed();
+    return;
+  }
+  log(fmt::format("listening on {}", *port));
+  server_.setPort(*port);
+  resolve(Matter::server);
+  server_.refreshQR();
+  runLocalNetworkCheck();
+}
+
+// Its port is free at once; a request that is busy with a picture may take a while to notice, so it is waited
+// for elsewhere.
+void AppController::retireServer() {
+  if (!httpServer_)
+    return;
+  httpServer_->http.close();
+  if (!retirement_)
+    retirement_ = std::make_unique<fennick::SerialQueue>("fennick.http.end");
+  retirement_->post([last = std::exchange(httpServer_, nullptr)] { last->http.stop(); });
+}
+
+fennick::UploadRouter::Providers AppController::providers() {
+  return {.key = [this] { return routerConfig_.key(); },
+          .destination = [this] { return routerConfig_.destination(); },
+          .maxBytes = [this] { return routerConfig_.maxBytes(); },
+          .onUpload = [this](const auto &record) { handleUpload(record); },
+          .gallery = [this] { return routerConfig_.gallery(); },
+          .policy = [this] { return routerConfig_.policy(); }};
+}
+
+fs::path AppController::chosenFolder() {
+  if (options_.saveFolder)
+    return *options_.saveFolder;
+  const auto bookmark = settings_.settings().saveFolderBookmark;
+  if (!bookmark)
+    return defaultFolder();
+  const auto resolved = fennick::FolderBookmark::resolve(*bookmark);
+  if (resolved) {
+    resolve(Matter::chosenFolder);
+    return resolved->url;
+  }
+  report(Matter::chosenFolder, "之前选择的保存目录已不可用，已改回默认目录。");
+  settings_.update([](auto &settings) { settings.saveFolderBookmark.reset(); });
+  return defaultFolder();
+}
+
+void AppController::applySaveFolder() {
+  const fs::path folder = chosenFolder();
+  if (const auto made = files_.createDirectories(folder); made)
+    resolve(Matter::makingFolder);
+  else
+    report(Matter::makingFolder, "无法创建保存目录：" + made.error().message());
+  if (server_.saveFolder() == folder)
+    return;
+  server_.setSaveFolder(folder);
+  if (options_.hasPhotoWall)
+    library_.setFolder(folder);
+  watchSaveFolder();
+}
+
+// A drive may be unplugged and come back; a folder that could not be made is no news.
+void AppController::watchSaveFolder() {
+  resolve(Matter::missingFolder);
+  folderWatcher_ = std::make_unique<fennick::FolderWatcher>(
+      *server_.saveFolder(), [this] { mainQueue_.post(whileAlive([this] { checkSaveFolder(); })); });
+}
+
+void AppController::checkSaveFolder() {
+  if (!isDirectory(*server_.saveFolder())) {
+    if (stands(Matter::makingFolder))
+      return;
+    return report(Matter::missingFolder, "找不到保存目录，照片暂时存不进来。请检查它所在的磁盘是否已连接。");
+  }
+  resolve(Matter::missingFolder);
+  resolve(Matter::makingFolder);
+  updateSharedInfo();
+}
+
+fennick::SaveDestination AppController::makeDestination() const {
+  const auto &settings = settings_.settings();
+  return {.folder = server_.saveFolder().value_or(defaultFolder()),
+          .dateSubfolders = settings.dateSubfolders,
+          .naming = settings.naming,
+          .subfolder = settings.sessionSubfolder};
+}
+
+fs::path AppController::galleryURL() const {
+  return quarrow::galleryURL(settings_.settings().galleryFolder, makeDestination(), clock_.now());
+}
+
+void AppController::updateRouterConfig() {
+  const auto &settings = settings_.settings();
+  routerConfig_.update({.key = demoKey_.value_or(settings_.accessKey()),
+                        .destination = makeDestination(),
+                        .maxBytes = settings.maxUploadBytes,
+                        .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
+                        .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune}});
+  {
+    const Locked locked(imagingLock_);
+    imaging_ = settings.imaging;
+  }
+  updateSharedInfo();
+}
+
+void AppController::updateSharedInfo() {
+  const fs::path shared = galleryURL();
+  server_.setShared(shared.filename().string(), fennick::galleryCount(shared));
+}
+
+void AppController::settingsChanged(const fennick::AppSettings &settings) {
+  const auto before = server_.preferredAddress();
+  server_.setPreferredInterface(settings.preferredInterface);
+  registerHotKey(settings.hotKeyPreset);
+  if (lastPort_ != settings.preferredPort)
+    startServer();
+  applySaveFolder();
+  updateRouterConfig();
+  server_.refreshQR();
+  if (server_.preferredAddress() != before)
+    runLocalNetworkCheck();
+}
+
+void AppController::accessKeyChanged(const std::string &accessKey) {
+  server_.setAccessKey(accessKey);
+  updateRouterConfig();
+  server_.refreshQR();
+}
+
+void AppController::networkChanged(std::vector<fennick::LANAddress> addresses) {
+  server_.setAddresses(std::move(addresses));
+  server_.refreshQR();
+  runLocalNetworkCheck();
+}
+
+void AppController::registerHotKey(std::optional<std::int64_t> presetID) {
+  if (desktop_.registerHotKey(presetID, [this] { desktop_.showPanel(); }))
+    resolve(Matter::hotKey);
+  else
+    report(Matter::hotKey, "全局快捷键注册失败，可能被其他 App 占用");
+}
+
+void AppController::runLocalNetworkCheck() {
+  network_.cancel();
+  const auto address = server_.preferredAddress();
+  const auto port = server_.port();
+  if (port)
+    network_.findFirewall(*port, [this](auto finding) { server_.setFirewall(std::move(finding)); });
+  if (!address)
+    return server_.setLocalNetworkStatus(failedCheck("没有可用的局域网地址"));
+  if (!port)
+    return;
+  server_.setLocalNetworkStatus({});
+  network_.probe(address->address, *port, kProbeTimeout,
+                 [this](const Outcome &outcome) { server_.setLocalNetworkStatus(statusOf(outcome)); });
+}
+
+// On the upload's thread.
+void AppController::handleUpload(const fennick::UploadRecord &record) {
+  processingQueue_->post([this, record] {
+    fennick::ImagingOptions options;
+    {
+      const Locked locked(imagingLock_);
+      options = imaging_;
+    }
+    const auto result = fennick::ImagePipeline::process(record.url, options, kProcessingTimeout,
+                                                        {.decoder = decoder_, .files = files_});
+    mainQueue_.post(whileAlive([this, record, result] { finishUpload(record, result); }));
+  });
+}
+
+void AppController::finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
+  const fs::path &url = result.finalURL;
+  library_.noteAdded(url);
+  desktop_.flashTrayItem();
+  pruneIfNeeded();
+  updateRouterConfig(); // with the shared folder: a new day may have a new one
+  runWorkflow(url, record.bytes);
+  const std::string note = receivedNote(record, result);
+  server_.setLastNote(note);
+  emit received({.url = url, .bytes = record.bytes, .note = note});
+}
+
+void AppController::pruneIfNeeded() {
+  const auto &settings = settings_.settings();
+  if (settings.folderLimit.value_or(0) < 1 || !settings.autoPrune)
+    return;
+  const auto folder = makeDestination().directory(clock_.now());
+  const auto removed = fennick::FolderPruner::prune(folder, *settings.folderLimit, trash_);
+  for (const auto &file : removed)
+    log(fmt::format("moved {} to the trash, the folder is limited to {}", file.filename().string(),
+                    *settings.folderLimit));
+  if (removed.empty())
+    return;
+  library_.remove(removed);
+  selection_.remove(removed);
+}
+
+void AppController::runWorkflow(const fs::path &url, std::int64_t bytes) {
+  const auto &workflow = settings_.settings().workflow;
+  if (workflow.copyToClipboard)
+    desktop_.copyToClipboard(url);
+  if (workflow.openWithAppBookmark)
+    if (const auto application = fennick::FolderBookmark::resolve(*workflow.openWithAppBookmark))
+      desktop_.openWith(application->url, url, [](const std::string &reason) {
+        log(fmt::format("open with app failed {}", reason));
+      });
+  if (workflow.playSound)
+    desktop_.playSound();
+  if (workflow.notify)
+    desktop_.notify("收到照片", fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)));
+}
+
+} // namespace quarrow

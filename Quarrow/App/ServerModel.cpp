@@ -1,0 +1,181 @@
+#include "Quarrow/App/ServerModel.h"
+
+#include "Quarrow/App/AddressEntry.h"
+#include "Quarrow/App/ImageURL.h"
+#include "Quarrow/App/PhoneAddress.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace quarrow {
+
+namespace {
+
+// How large the QR code is drawn: a phone reads it from an arm's length on any screen, and the quiet zone is
+// the least that phones want.
+constexpr std::int64_t kModulePixels = 8;
+constexpr std::int64_t kQuietModules = 2;
+
+template <typename T>
+bool assign(T &field, T value) {
+  if (field == value)
+    return false;
+  field = std::move(value);
+  return true;
+}
+
+QString textOf(const std::string &text) { return QString::fromStdString(text); }
+QString textOf(const std::optional<std::string> &text) { return text ? textOf(*text) : QString(); }
+
+std::string_view nameOf(fennick::FirewallFinding::Kind kind) {
+  switch (kind) {
+  case fennick::FirewallFinding::Kind::ufw:
+    return "ufw";
+  case fennick::FirewallFinding::Kind::firewalld:
+    return "firewalld";
+  case fennick::FirewallFinding::Kind::nftables:
+    return "nftables";
+  case fennick::FirewallFinding::Kind::none:
+    break;
+  }
+  return {};
+}
+
+} // namespace
+
+std::optional<std::string> firewallAdvice(const fennick::FirewallFinding &finding) {
+  using Port = fennick::FirewallFinding::Port;
+  if (finding.kind == fennick::FirewallFinding::Kind::none || finding.port == Port::open)
+    return std::nullopt;
+  if (finding.port == Port::closed)
+    return fmt::format("这台电脑的防火墙（{}）挡住了手机。在终端运行下面的命令即可放行。",
+                       nameOf(finding.kind));
+  return fmt::format("这台电脑开着防火墙（{}）。如果手机连不上，在终端运行下面的命令放行。",
+                     nameOf(finding.kind));
+}
+
+std::optional<fennick::LANAddress> ServerModel::preferredAddress() const {
+  return quarrow::preferredAddress(addresses_, preferredInterface_);
+}
+
+std::optional<std::string> ServerModel::baseURL() const {
+  return quarrow::baseURL(preferredAddress(), port_);
+}
+
+std::optional<std::string> ServerModel::phoneURL() const {
+  const auto base = baseURL();
+  return base ? std::optional(quarrow::phoneURL(*base, accessKey_)) : std::nullopt;
+}
+
+std::optional<std::string> ServerModel::shortcutUploadURL() const {
+  const auto base = baseURL();
+  return base ? std::optional(quarrow::shortcutUploadURL(*base, accessKey_)) : std::nullopt;
+}
+
+void ServerModel::setPort(std::optional<std::uint16_t> port) {
+  if (!assign(port_, port))
+    return;
+  emit portChanged();
+  announcePhoneURL();
+}
+
+void ServerModel::setAddresses(std::vector<fennick::LANAddress> addresses) {
+  const bool first = assign(addressesKnown_, true);
+  if (!assign(addresses_, std::move(addresses)) && !first)
+    return;
+  emit addressesChanged();
+  announcePhoneURL();
+}
+
+void ServerModel::setPreferredInterface(std::optional<std::string> interface) {
+  if (!assign(preferredInterface_, std::move(interface)))
+    return;
+  emit preferredInterfaceChanged();
+  announcePhoneURL();
+}
+
+void ServerModel::setAccessKey(std::string accessKey) {
+  if (!assign(accessKey_, std::move(accessKey)))
+    return;
+  emit accessKeyChanged();
+  announcePhoneURL();
+}
+
+void ServerModel::setError(std::optional<std::string> error) {
+  if (assign(error_, std::move(error)))
+    emit errorChanged();
+}
+
+void ServerModel::setSaveFolder(std::optional<std::filesystem::path> saveFolder) {
+  if (assign(saveFolder_, std::move(saveFolder)))
+    emit saveFolderChanged();
+}
+
+void ServerModel::setLastNote(std::optional<std::string> note) {
+  if (assign(lastNote_, std::move(note)))
+    emit lastNoteChanged();
+}
+
+void ServerModel::setLocalNetworkStatus(LocalNetworkStatus status) {
+  if (assign(localNetworkStatus_, std::move(status)))
+    emit localNetworkStatusChanged();
+}
+
+void ServerModel::setShared(std::string folderName, std::int64_t count) {
+  if (assign(sharedFolderName_, std::move(folderName)))
+    emit sharedFolderNameChanged();
+  if (assign(sharedCount_, count))
+    emit sharedCountChanged();
+}
+
+void ServerModel::setFirewall(std::optional<fennick::FirewallFinding> finding) {
+  if (assign(firewall_, std::move(finding)))
+    emit firewallChanged();
+}
+
+void ServerModel::refreshQR() {
+  auto text = phoneURL();
+  if (!assign(qrText_, std::move(text)))
+    return;
+  qrImage_ = qrText_ ? fennick::QRCodeRenderer::image(*qrText_, kModulePixels, kQuietModules) : std::nullopt;
+  qrImageURL_ = qrImage_ ? imageURL(*qrImage_) : QUrl();
+  emit qrImageChanged();
+}
+
+void ServerModel::announcePhoneURL() {
+  if (assign(announcedURL_, phoneURL()))
+    emit phoneURLChanged();
+}
+
+QVariantList ServerModel::addressEntries() const {
+  QVariantList entries;
+  for (const auto &address : addresses_)
+    entries.append(QVariant::fromValue(
+        AddressEntry{.interface = textOf(address.interface),
+                     .address = textOf(address.address),
+                     .kind = QString::fromUtf8(std::string(rawValue(address.kind)).c_str())}));
+  return entries;
+}
+
+QString ServerModel::preferredInterfaceText() const { return textOf(preferredInterface_); }
+QString ServerModel::accessKeyText() const { return textOf(accessKey_); }
+QString ServerModel::errorText() const { return textOf(error_); }
+QString ServerModel::lastNoteText() const { return textOf(lastNote_); }
+QString ServerModel::sharedFolderNameText() const { return textOf(sharedFolderName_); }
+QString ServerModel::phoneURLText() const { return textOf(phoneURL()); }
+QString ServerModel::shortcutUploadURLText() const { return textOf(shortcutUploadURL()); }
+
+QString ServerModel::saveFolderText() const {
+  return saveFolder_ ? textOf(saveFolder_->string()) : QString();
+}
+
+QString ServerModel::firewallAdviceText() const {
+  return firewall_ ? textOf(firewallAdvice(*firewall_)) : QString();
+}
+
+QString ServerModel::firewallCommandText() const {
+  return firewall_ ? textOf(firewall_->command) : QString();
+}
+
+} // namespace quarrow

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "FennickCore/Network/FirewallFinder.h"
+#include "FennickCore/Network/LocalNetworkProbe.h"
+#include "FennickCore/Network/NetworkWatcher.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/SerialQueue.h"
+#include "Quarrow/App/LocalNetwork.h"
+
+#include <memory>
+#include <optional>
+
+namespace quarrow {
+
+// The network that this computer is in.
+class SystemNetwork final : public LocalNetwork {
+public:
+  explicit SystemNetwork(fennick::MainQueue &mainQueue) : mainQueue_(mainQueue) {} // outlives this
+  ~SystemNetwork() override;
+  SystemNetwork(const SystemNetwork &) = delete;
+  SystemNetwork &operator=(const SystemNetwork &) = delete;
+
+  void watch(std::function<void(std::vector<fennick::LANAddress>)> changed) override;
+  void unwatch() override { watcher_.reset(); }
+  void probe(const std::string &host, std::uint16_t port, fennick::Seconds timeout,
+             std::function<void(fennick::LocalNetworkProbe::Outcome)> done) override;
+  void findFirewall(std::uint16_t port, std::function<void(fennick::FirewallFinding)> done) override;
+  void cancel() override;
+
+private:
+  // Answers are heard for as long as the ticket of their question is kept.
+  using Ticket = std::shared_ptr<const int>;
+
+  fennick::MainQueue &mainQueue_;
+  std::optional<fennick::NetworkWatcher> watcher_;
+  Ticket probeTicket_;
+  std::unique_ptr<fennick::LocalNetworkProbe> probe_;
+  Ticket firewallTicket_;
+  const fennick::FirewallFinder firewall_{fennick::FirewallFinder::Sources::system()};
+  std::unique_ptr<fennick::SerialQueue> firewallQueue_; // made on first use
+};
+
+} // namespace quarrow

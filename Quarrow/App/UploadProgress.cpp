@@ -1,0 +1,46 @@
+#include "Quarrow/App/UploadProgress.h"
+
+namespace quarrow {
+
+namespace {
+constexpr fennick::Seconds kInterval{0.25}; // quick enough to look alive, slow enough to read
+constexpr double kNewShare = 0.3; // of the latest interval in the shown speed, so that it does not jump
+} // namespace
+
+UploadProgress::UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock)
+    : mainQueue_(mainQueue), clock_(clock),
+      counter_([this] { mainQueue_.post(whileAlive(&UploadProgress::begin)); }) {}
+
+std::function<void()> UploadProgress::whileAlive(void (UploadProgress::*task)()) {
+  return [this, task, alive = std::weak_ptr(alive_)] {
+    if (alive.lock())
+      (this->*task)();
+  };
+}
+
+void UploadProgress::begin() {
+  if (runs_ || !watched_)
+    return;
+  runs_ = true;
+  refresh();
+}
+
+// Goes on by itself only while uploads are under way, so that an idle program sleeps.
+void UploadProgress::refresh() {
+  activity_ = counter_.snapshot();
+  const auto now = clock_.uptime();
+  const double seconds = fennick::Seconds(now - refreshedAt_).count();
+  const auto arrived = static_cast<double>(activity_.totalBytes - refreshedBytes_);
+  if (seconds > 0 && seconds < 4 * kInterval.count())
+    bytesPerSecond_ += kNewShare * (arrived / seconds - bytesPerSecond_);
+  else
+    bytesPerSecond_ = 0; // a new burst
+  refreshedAt_ = now;
+  refreshedBytes_ = activity_.totalBytes;
+  runs_ = activity_.uploads > 0;
+  if (runs_)
+    mainQueue_.postAfter(kInterval, whileAlive(&UploadProgress::refresh));
+  emit changed();
+}
+
+} // namespace quarrow
