@@ -1,0 +1,81 @@
+#include "FennickCore/Network/NetworkWatcher.h"
+
+#include "FennickCore/Network/LANAddressResolver.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/RouteMonitor.h"
+#include "FennickCore/Platform/SerialQueue.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace fennick {
+
+namespace {
+
+using Woken = RouteMonitor::Woken;
+
+constexpr Seconds kQuiet{0.3}; // longer than what happens at once when a network is joined
+constexpr Seconds kLongest{2};
+
+// Waits until nothing has happened for a while, though not for ever; false when it was interrupted.
+bool letSettle(RouteMonitor &monitor) {
+  const SystemClock clock;
+  const Uptime end = after(clock.uptime(), kLongest);
+  auto woken = Woken::changes;
+  for (Uptime now = clock.uptime(); woken == Woken::changes && now < end; now = clock.uptime())
+    woken = monitor.awaitChanges(std::min(kQuiet, Seconds(end - now)));
+  return woken != Woken::interrupted;
+}
+
+} // namespace
+
+// From a start to a stop.
+struct NetworkWatcher::State {
+  State(MainQueue &queueOfMain, const OnChange &onChange)
+      : mainQueue(queueOfMain), listener(std::make_shared<const OnChange>(onChange)) {
+    queue.post([this] { run(); });
+  }
+  ~State() { monitor.interrupt(); }
+
+  void run();
+  void report();
+
+  MainQueue &mainQueue;
+  // Gone with this object, so that what is still posted then has nobody to call.
+  const std::shared_ptr<const OnChange> listener;
+  std::optional<std::vector<LANAddress>> reported; // of the queue's thread
+  RouteMonitor monitor;
+  SerialQueue queue{"fennick.network.watcher"}; // last: its task uses all of the above
+};
+
+void NetworkWatcher::State::run() {
+  report();
+  while (monitor.awaitChanges() == Woken::changes && letSettle(monitor))
+    report();
+}
+
+void NetworkWatcher::State::report() {
+  auto addresses = LANAddressResolver::snapshot();
+  if (reported == addresses)
+    return;
+  reported = addresses;
+  mainQueue.post([weak = std::weak_ptr(listener), addresses = std::move(addresses)] {
+    if (const auto onChange = weak.lock())
+      (*onChange)(addresses);
+  });
+}
+
+NetworkWatcher::NetworkWatcher(MainQueue &mainQueue, OnChange onChange)
+    : mainQueue_(mainQueue), onChange_(std::move(onChange)) {}
+
+NetworkWatcher::~NetworkWatcher() = default;
+
+void NetworkWatcher::start() {
+  if (!state_)
+    state_ = std::make_unique<State>(mainQueue_, onChange_);
+}
+
+void NetworkWatcher::stop() { state_.reset(); }
+
+} // namespace fennick
