@@ -1,6 +1,7 @@
 #include "FennickCore/Platform/Process.h"
 
 #include <malloc.h>
+#include <signal.h> // NOLINT(modernize-deprecated-headers): sigaction and its like are POSIX
 #include <unistd.h>
 
 #include <csignal>
@@ -18,5 +19,20 @@ void prepareProcess() {
 }
 
 bool standardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+void takeDefaultAction(int signal) {
+  struct sigaction usual{};
+  struct sigaction before{};
+  usual.sa_handler = SIG_DFL; // NOLINT(cppcoreguidelines-pro-type-union-access): how POSIX declares it
+  sigset_t only;
+  sigset_t blocked;
+  ::sigemptyset(&only);
+  ::sigaddset(&only, signal);
+  ::sigaction(signal, &usual, &before);
+  std::ignore = ::raise(signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &only, &blocked);
+  ::pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+  ::sigaction(signal, &before, nullptr);
+}
 
 } // namespace fennick

@@ -1,6 +1,6 @@
 #pragma once
 
-// Settings of the running process. Main thread, before any other thread is started.
+// Settings of the running process. Main thread, before any other thread is started, unless said otherwise.
 namespace fennick {
 
 // What every program of ours begins with: a peer that goes away is an error of the write, not the end of the
@@ -9,5 +9,9 @@ namespace fennick {
 void prepareProcess();
 
 [[nodiscard]] bool standardOutputIsTerminal();
+
+// Lets `signal` do to the program what it does when nobody handles it: end it, or stop it until it is
+// continued; then this returns, and the signal is handled as before. Main thread, at any time.
+void takeDefaultAction(int signal);
 
 } // namespace fennick
