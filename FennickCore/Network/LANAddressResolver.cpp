@@ -71,7 +71,7 @@ std::vector<LANAddress> rank(std::span<const InterfaceAddress> interfaces,
     if (!isExcluded(entry.name) && isUsable(entry.address) && seen.emplace(entry.name, entry.address).second)
       kept.push_back(entry);
 
-  std::ranges::sort(kept, {}, [&](const InterfaceAddress &entry) {
+  std::ranges::stable_sort(kept, {}, [&](const InterfaceAddress &entry) {
     // A name that is not found is at the end of the list: the largest position.
     const auto position = std::ranges::find(preferredOrder, entry.name) - preferredOrder.begin();
     return std::tuple(isLinkLocal(entry), position, std::string_view(entry.name));

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <ranges>
@@ -13,21 +15,36 @@ namespace fennick {
 namespace {
 
 constexpr int kEthernet = 1; // ARPHRD_ETHER
+constexpr std::uint32_t kNoRoute = std::numeric_limits<std::uint32_t>::max();
 
-// Cables and networks inside this computer, recognised by the names that container and virtual-machine
-// programs give them. Their bridges need no names: no hardware is at the bottom of them.
-constexpr std::array<std::string_view, 10> kVirtualPrefixes{"veth", "vnet", "tap",     "tun",   "lxc",
-                                                            "cali", "cni",  "flannel", "vmnet", "vbox"};
+// Cables and networks inside this computer, and those that lead out of it unseen, recognised by the names
+// that container, virtual-machine and VPN programs give them. What is no Ethernet, and bridges without
+// hardware at the bottom, need no names.
+constexpr std::array<std::string_view, 27> kVirtualPrefixes{
+    "cali", "cilium", "cni",      "docker", "dummy",  "flannel",   "ifb",   "incusbr", "kube",
+    "lxc",  "lxdbr",  "nordlynx", "ovs-",   "podman", "tailscale", "tap",   "tun",     "vbox",
+    "ve-",  "veth",   "virbr",    "vmnet",  "vnet",   "vz-",       "weave", "wg",      "zt"};
 
-bool hasVirtualName(const InterfaceFacts &facts) {
-  return std::ranges::any_of(kVirtualPrefixes,
-                             [&](std::string_view prefix) { return facts.name.starts_with(prefix); });
+// "br-" and twelve hexadecimal digits; "br-lan" is somebody's own bridge.
+bool isContainerNetwork(std::string_view name) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  return name.starts_with("br-") && name.size() == 15 &&
+         name.find_first_not_of(kDigits, 3) == std::string_view::npos;
 }
 
-bool isMobileBroadband(const InterfaceFacts &facts) { return facts.deviceType == "wwan"; }
+bool hasVirtualName(const InterfaceFacts &facts) {
+  const auto begins = [&](std::string_view prefix) { return facts.name.starts_with(prefix); };
+  return std::ranges::any_of(kVirtualPrefixes, begins) || isContainerNetwork(facts.name);
+}
+
+// What a phone could be at the other end of.
+bool isEthernet(const InterfaceFacts &facts) {
+  const bool isMobileBroadband = facts.deviceType == "wwan";
+  return facts.linkType == kEthernet && !facts.isTunnel && !isMobileBroadband;
+}
 
 bool isHardware(const InterfaceFacts &facts) {
-  return facts.hasDevice && facts.linkType == kEthernet && !facts.isTunnel && !isMobileBroadband(facts);
+  return (facts.hasDevice || facts.isWireless) && isEthernet(facts);
 }
 
 bool isStacked(const InterfaceFacts &facts) {
@@ -44,19 +61,17 @@ bool standsOnHardware(const InterfaceFacts &facts, std::span<const InterfaceFact
   });
 }
 
-enum class Group { defaultRoute, hardware, stacked };
+enum class Group { defaultRoute, hardware, stacked, unknown };
 
 std::optional<Group> groupOf(const InterfaceFacts &facts, std::span<const InterfaceFacts> all) {
-  const bool onHardware = isStacked(facts) && standsOnHardware(facts, all);
-  const bool isEthernet = facts.linkType == kEthernet && !facts.isTunnel && !isMobileBroadband(facts);
-  const bool isVirtual = facts.isBridge ? !onHardware : !facts.hasDevice && hasVirtualName(facts);
-  if (!isEthernet || isVirtual)
+  const bool hardware = isHardware(facts);
+  if (!isEthernet(facts) || (!hardware && hasVirtualName(facts)))
     return std::nullopt;
+  if (!hardware && !(isStacked(facts) && standsOnHardware(facts, all)))
+    return facts.isBridge ? std::nullopt : std::optional(Group::unknown);
   if (facts.defaultRouteMetric)
     return Group::defaultRoute;
-  if (facts.hasDevice)
-    return Group::hardware;
-  return onHardware ? std::optional(Group::stacked) : std::nullopt;
+  return hardware ? Group::hardware : Group::stacked;
 }
 
 InterfaceType typeOf(const InterfaceFacts &facts) {
@@ -72,7 +87,7 @@ NetworkPath networkPath(std::span<const InterfaceFacts> interfaces) {
   std::multimap<std::pair<Group, std::uint32_t>, PathInterface> placed; // equal keys stay in order
   for (const InterfaceFacts &facts : interfaces)
     if (const auto group = groupOf(facts, interfaces))
-      placed.emplace(std::pair(*group, facts.defaultRouteMetric.value_or(0)),
+      placed.emplace(std::pair(*group, facts.defaultRouteMetric.value_or(kNoRoute)),
                      PathInterface{facts.name, typeOf(facts)});
   const auto ordered = std::views::values(placed);
   return {.interfaces = {ordered.begin(), ordered.end()}};

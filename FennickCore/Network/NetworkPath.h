@@ -23,9 +23,11 @@ struct NetworkPath {
   bool operator==(const NetworkPath &) const = default;
 };
 
-// First what carries a default route, the smallest metric first; then other hardware; then bridges, bonds and
-// VLANs on hardware. Left out is what leads elsewhere: tunnels, mobile broadband, and the bridges and ports
-// of containers and virtual machines. Within a group the order of `interfaces` is kept. Any thread.
+// First hardware, and bridges, bonds and VLANs on hardware, that carry a default route, the smallest metric
+// first; then other hardware; then what else stands on hardware; then virtual Ethernet that no known program
+// made, which in a container is all there is. A default route lifts nothing over hardware that is not
+// hardware itself. Left out is what leads elsewhere: tunnels, mobile broadband, and the bridges and ports of
+// containers, virtual machines and VPNs. Within a group the order of `interfaces` is kept. Any thread.
 [[nodiscard]] NetworkPath networkPath(std::span<const InterfaceFacts> interfaces);
 
 // The same for this computer as it is now.

@@ -41,6 +41,9 @@ std::optional<std::string> numericText(const sockaddr &address) {
   return host.data();
 }
 
+// The system gives an address's label, which begins with the interface: "eth0:1".
+std::string interfaceName(std::string_view label) { return std::string(label.substr(0, label.find(':'))); }
+
 // Pieces between any of `separators`, empty ones left out.
 std::vector<std::string_view> pieces(std::string_view text, std::string_view separators) {
   std::vector<std::string_view> found;
@@ -135,7 +138,7 @@ std::vector<InterfaceAddress> systemIPv4Addresses() {
   for (const ifaddrs *entry = first; entry != nullptr; entry = entry->ifa_next)
     if (isUsable(*entry))
       if (auto text = numericText(*entry->ifa_addr))
-        addresses.push_back({.name = entry->ifa_name, .address = std::move(*text)});
+        addresses.push_back({.name = interfaceName(entry->ifa_name), .address = std::move(*text)});
   return addresses;
 }
 

@@ -85,7 +85,16 @@ TEST(NetworkPathTest, TheInterfacesThatPhonesReachComeInTheOrderOfTheirRoutes) {
        {card("eno1"), made("veth1"), routed(made("br0", "bridge", {"bond0", "veth1"}), 0),
         made("bond0", "bond", {"eno1"}), made("bond0.7", "vlan", {"bond0"})},
        {{"br0", kWired}, {"eno1", kWired}, {"bond0", kOther}, {"bond0.7", kOther}}},
-      {"inside a container", {routed(made("eth0"), 0)}, {{"eth0", kOther}}},
+      {"virtual Ethernet of whatever name never before hardware, whatever its route",
+       {routed(made("corp0"), 0), routed(made("br-0123456789ab", "bridge", {"eth1"}), 1),
+        routed(made("docker0", "bridge", {"veth1"}), 2), routed(made("wg0"), 3), made("acme0"), card("eth1"),
+        wifi, made("br-lan", "bridge", {"eth1"})},
+       {{"eth1", kWired},
+        {"wlp2s0", InterfaceType::wifi},
+        {"br-lan", kOther},
+        {"corp0", kOther},
+        {"acme0", kOther}}},
+      {"inside a container", {made("docker0", "bridge"), routed(made("eth0"), 0)}, {{"eth0", kOther}}},
       {"made of one another", {made("br0", "bridge", {"br1"}), made("br1", "bridge", {"br0", "gone"})}, {}},
   };
   for (const auto &[what, facts, path] : computers)
