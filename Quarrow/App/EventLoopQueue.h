@@ -1,0 +1,58 @@
+#pragma once
+
+#include "FennickCore/Platform/EventSources.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Mutex.h"
+
+#include <QSocketNotifier>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quarrow {
+
+// The main queue on Qt's event loop. Tasks run between the loop's other events, and a task that is posted
+// while tasks run waits for the loop's next turn, so that windows stay responsive. Loops that a task nests
+// (a dialogue that it shows) run the tasks behind it. While there is nothing to do, nothing wakes up.
+//
+// Made and destroyed on the main thread, while there is an application object; tasks that did not run by then
+// are dropped.
+class EventLoopQueue final : public fennick::MainQueue {
+public:
+  explicit EventLoopQueue(const fennick::Clock &clock); // `clock` outlives the queue
+
+  void post(std::function<void()> task) override;
+  void postAfter(fennick::Seconds delay, std::function<void()> task) override;
+
+  // Calls `handler` on the main thread whenever one of these signals arrives (see SignalSource). Once.
+  void onSignals(const std::vector<int> &numbers, std::function<void(int)> handler);
+
+  // Runs what is due now and what that posts in turn, until nothing is left; for the end of a program, when
+  // the loop runs no more. Main thread.
+  void drain();
+
+private:
+  bool runTurn();
+  [[nodiscard]] std::size_t collectDue();
+  [[nodiscard]] std::function<void()> takeTask();
+  void add(std::function<void()> task) REQUIRES(lock_);
+  void setTimer() REQUIRES(lock_);
+
+  const fennick::Clock &clock_;
+  fennick::WakeupFlag waiting_; // raised exactly while there are tasks
+  fennick::WakeupTimer timer_;  // armed to the earliest of `timers_`
+  std::optional<fennick::SignalSource> signals_;
+  QSocketNotifier waitingNotifier_;
+  QSocketNotifier timerNotifier_;
+  std::unique_ptr<QSocketNotifier> signalNotifier_;
+  fennick::Mutex lock_;
+  std::deque<std::function<void()>> tasks_ GUARDED_BY(lock_);
+  std::multimap<fennick::Uptime, std::function<void()>> timers_ GUARDED_BY(lock_);
+};
+
+} // namespace quarrow
