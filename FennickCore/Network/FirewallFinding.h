@@ -18,7 +18,7 @@ struct FirewallFinding {
   Port port = Port::unknown; // `open` when there is no firewall
   // What the person types to let phones in: "sudo ufw allow 8000/tcp". Empty without a firewall and where the
   // port is open.
-  std::string command;
+  std::string command{};
 
   bool operator==(const FirewallFinding &) const = default;
 };

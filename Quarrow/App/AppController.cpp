@@ -2,7 +2,6 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Settings/FolderBookmark.h"
 #include "FennickCore/Storage/FolderPruner.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
@@ -19,7 +18,6 @@ using fennick::fileSizeText;
 using fennick::Locked;
 using fennick::log;
 using fennick::Seconds;
-using fennick::FolderBookmark::defaultFolder;
 
 namespace fs = std::filesystem;
 
@@ -199,7 +197,7 @@ void AppController::startServer() {
 }
 
 void AppController::finishStart(Server &server) {
-  server.router.adoptSaveFolder(server_.saveFolder().value_or(defaultFolder()));
+  server.router.adoptSaveFolder(server_.saveFolder().value_or(options_.defaultFolder));
   log(fmt::format("starting server on {}", server.preferredPort));
   const auto port = server.http.start(server.preferredPort, kPortAttempts);
   if (!port) {
@@ -240,7 +238,7 @@ fs::path AppController::chosenFolder() {
     return *options_.saveFolder;
   const auto bookmark = settings_.settings().saveFolderBookmark;
   if (!bookmark)
-    return defaultFolder();
+    return options_.defaultFolder;
   const auto resolved = fennick::FolderBookmark::resolve(*bookmark);
   if (resolved) {
     resolve(Matter::chosenFolder);
@@ -248,7 +246,7 @@ fs::path AppController::chosenFolder() {
   }
   report(Matter::chosenFolder, "之前选择的保存目录已不可用，已改回默认目录。");
   settings_.update([](auto &settings) { settings.saveFolderBookmark.reset(); });
-  return defaultFolder();
+  return options_.defaultFolder;
 }
 
 void AppController::applySaveFolder() {
@@ -285,7 +283,7 @@ void AppController::checkSaveFolder() {
 
 fennick::SaveDestination AppController::makeDestination() const {
   const auto &settings = settings_.settings();
-  return {.folder = server_.saveFolder().value_or(defaultFolder()),
+  return {.folder = server_.saveFolder().value_or(options_.defaultFolder),
           .dateSubfolders = settings.dateSubfolders,
           .naming = settings.naming,
           .subfolder = settings.sessionSubfolder};

@@ -11,6 +11,7 @@
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Settings/FolderBookmark.h"
 #include "FennickCore/Settings/SettingsStore.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
@@ -65,7 +66,9 @@ public:
     std::filesystem::path cacheDirectory; // for thumbnails
     std::vector<std::string> arguments{}; // "--show-settings", "--show-panel"; others are not ours
     std::optional<std::filesystem::path> saveFolder{}; // for this run, in place of the settings'
-    bool hasPhotoWall = true;                          // without one nothing looks through the save folder
+    // The save folder of those who have chosen none.
+    std::filesystem::path defaultFolder = fennick::FolderBookmark::defaultFolder();
+    bool hasPhotoWall = true; // without one nothing looks through the save folder
     // Changes settings for this run; they are never stored.
     std::function<void(fennick::AppSettings &)> overrides{};
   };

@@ -46,6 +46,8 @@ public:
     clock_.advance(length);
     run();
   }
+  // The clock that the timers follow.
+  [[nodiscard]] FakeClock &clock() { return clock_; }
 
 private:
   std::function<void()> takeDue() {

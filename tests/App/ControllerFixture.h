@@ -1,0 +1,123 @@
+#pragma once
+
+#include "FennickCore/Platform/Log.h"
+#include "Quarrow/App/AppController.h"
+#include "tests/App/HandNetwork.h"
+#include "tests/App/RecordingDesktop.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/LoopbackClient.h"
+#include "tests/Support/ManualQueue.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace quarrow::test {
+
+// Takes whatever it is given.
+class RemovingTrash final : public fennick::Trash {
+public:
+  fennick::IOResult<void> moveToTrash(const std::filesystem::path &file) override {
+    std::filesystem::remove(file);
+    return {};
+  }
+};
+
+constexpr std::string_view kJPEG = "\xFF\xD8\xFF\xE0 a photo"; // 12 bytes
+
+inline fennick::LANAddress wifi(const std::string &address = "192.168.1.20") {
+  return {.interface = "wlan0", .address = address, .kind = fennick::LANAddress::Kind::wifi};
+}
+inline fennick::LANAddress wired(const std::string &address = "10.0.0.5") {
+  return {.interface = "eth0", .address = address, .kind = fennick::LANAddress::Kind::wired};
+}
+
+// A controller with a real server on this computer and a real save folder; everything else is in the test's
+// hands. Nothing happens on the main thread until the queue runs.
+class ControllerTest : public ::testing::Test {
+protected:
+  ControllerTest() {
+    fennick::logTo([this](std::string_view line) {
+      const fennick::Locked locked(logLock);
+      logged.emplace_back(line);
+    });
+    store.update([](auto &settings) { settings.preferredPort = 0; });
+    std::ignore = preferences.setFlag("onboardingDone", true);
+  }
+  ~ControllerTest() override {
+    controller.reset();
+    fennick::logTo({});
+  }
+
+  void make() {
+    controller.emplace(options, AppController::Services{.preferences = preferences,
+                                                        .mainQueue = queue,
+                                                        .files = files,
+                                                        .clock = queue.clock(),
+                                                        .decoder = decoder,
+                                                        .trash = trash,
+                                                        .desktop = desktop,
+                                                        .network = network});
+    QObject::connect(&*controller, &AppController::received,
+                     [this](const ReceivedFile &file) { received.push_back(file); });
+  }
+  // Made, started, and the server listens.
+  void start() {
+    make();
+    controller->start();
+    queue.run();
+  }
+  void change(const std::function<void(fennick::AppSettings &)> &change) {
+    controller->settings().update(change);
+    queue.run();
+  }
+
+  std::string ask(const std::string &target, std::optional<std::uint16_t> port = {}) {
+    fennick::test::LoopbackClient phone("127.0.0.1", port.value_or(controller->server().port().value_or(0)));
+    return phone.ask(fmt::format("GET {} HTTP/1.1\r\n\r\n", target));
+  }
+  std::string upload(std::string_view body = kJPEG) {
+    fennick::test::LoopbackClient phone("127.0.0.1", controller->server().port().value_or(0));
+    return phone.ask(fmt::format("POST /upload?k={} HTTP/1.1\r\nContent-Length: {}\r\n\r\n{}",
+                                 controller->settings().accessKey(), body.size(), body));
+  }
+  void runUntilReceived(std::size_t count) {
+    queue.runUntil([&] { return received.size() >= count; });
+  }
+  std::vector<std::string> notes() const {
+    std::vector<std::string> all;
+    for (const auto &file : received)
+      all.push_back(file.note);
+    return all;
+  }
+  std::vector<std::string> logLines(std::string_view containing) {
+    const fennick::Locked locked(logLock);
+    std::vector<std::string> found;
+    std::ranges::copy_if(logged, std::back_inserter(found),
+                         [&](const auto &line) { return line.contains(containing); });
+    return found;
+  }
+  // A port that is free, and was so a moment ago.
+  static std::uint16_t freePort() { return fennick::ListeningSocket::open(0)->port(); }
+
+  fennick::test::TemporaryFolder disk;
+  fennick::FilePreferences preferences{disk / "state/preferences.json"};
+  fennick::SettingsStore store{preferences}; // for what is stored before the start
+  fennick::test::FaultyFileSystem files;
+  fennick::test::ManualQueue queue;
+  fennick::test::FakeDecoder decoder;
+  RemovingTrash trash;
+  RecordingDesktop desktop;
+  HandNetwork network;
+  AppController::Options options{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"};
+  std::vector<ReceivedFile> received;
+  std::optional<AppController> controller;
+
+  fennick::Mutex logLock;
+  std::vector<std::string> logged GUARDED_BY(logLock);
+};
+
+} // namespace quarrow::test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Quarrow/App/LocalNetwork.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quarrow::test {
+
+// A network that the test moves by hand: it answers when told to.
+class HandNetwork final : public LocalNetwork {
+public:
+  void watch(std::function<void(std::vector<fennick::LANAddress>)> changed) override {
+    change = std::move(changed);
+  }
+  void unwatch() override { change = {}; }
+  void probe(const std::string &host, std::uint16_t port, fennick::Seconds,
+             std::function<void(fennick::LocalNetworkProbe::Outcome)> done) override {
+    probes.push_back(fmt::format("{}:{}", host, port));
+    answer = std::move(done);
+  }
+  void findFirewall(std::uint16_t, std::function<void(fennick::FirewallFinding)> done) override {
+    done(firewall);
+  }
+  void cancel() override { answer = {}; }
+
+  std::function<void(std::vector<fennick::LANAddress>)> change;    // none: nobody watches
+  std::function<void(fennick::LocalNetworkProbe::Outcome)> answer; // none: no probe is under way
+  std::vector<std::string> probes;
+  fennick::FirewallFinding firewall{.port = fennick::FirewallFinding::Port::open};
+};
+
+} // namespace quarrow::test

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Quarrow/App/Desktop.h"
+
+#include <fmt/format.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quarrow::test {
+
+// A desktop that writes down what is asked of it, in words.
+class RecordingDesktop final : public Desktop {
+public:
+  void makeTrayItem() override { asked.emplace_back("tray item"); }
+  void flashTrayItem() override { asked.emplace_back("flash"); }
+  void showPanel() override { asked.emplace_back("panel"); }
+  void closePanel() override { asked.emplace_back("close panel"); }
+  void show(Window window) override {
+    constexpr const char *kNames[] = {"main", "settings", "onboarding", "help"};
+    asked.emplace_back(kNames[static_cast<int>(window)]);
+  }
+  void copyToClipboard(const std::filesystem::path &file) override {
+    asked.push_back("copy " + file.filename().string());
+  }
+  void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
+                std::function<void(const std::string &)> failed) override {
+    asked.push_back(
+        fmt::format("open {} with {}", file.filename().string(), application.filename().string()));
+    failed("no such program");
+  }
+  void playSound() override { asked.emplace_back("sound"); }
+  void notify(const std::string &title, const std::string &body) override {
+    asked.push_back(fmt::format("notify {}: {}", title, body));
+  }
+  bool registerHotKey(std::optional<std::int64_t> presetID, std::function<void()> action) override {
+    asked.push_back(presetID ? fmt::format("hot key {}", *presetID) : "no hot key");
+    pressed = std::move(action);
+    return grantsHotKey || !presetID;
+  }
+  [[nodiscard]] bool launchedAsLoginItem() const override { return isLoginItem; }
+
+  // What was asked since the last time.
+  std::vector<std::string> take() { return std::exchange(asked, {}); }
+
+  std::vector<std::string> asked;
+  std::function<void()> pressed;
+  bool grantsHotKey = true;
+  bool isLoginItem = false;
+};
+
+} // namespace quarrow::test
