@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <tuple>
 
 namespace fennick {
 
@@ -32,7 +33,7 @@ void WakeupTimer::set(Uptime::duration delay) const {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(delay);
   const itimerspec time{.it_interval = {},
                         .it_value = {.tv_sec = seconds.count(), .tv_nsec = (delay - seconds).count()}};
-  ::timerfd_settime(fd_.get(), 0, &time, nullptr);
+  std::ignore = ::timerfd_settime(fd_.get(), 0, &time, nullptr); // cannot fail on a timer
 }
 
 SignalSource::SignalSource(const std::vector<int> &numbers) {

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "FennickCore/Platform/InstanceGuard.h"
+
+#include <QSocketNotifier>
+
+#include <functional>
+
+namespace quarrow {
+
+// Being the one program that runs, for as long as it lives: what later launches hand over comes in on Qt's
+// event loop. Main thread, while there is an application object.
+class SingleInstance {
+public:
+  // Called once for each launch, in order; must not destroy this object.
+  using Handler = std::function<void(const fennick::InstanceGuard::Arguments &)>;
+
+  SingleInstance(fennick::InstanceGuard guard, Handler handler);
+
+private:
+  fennick::InstanceGuard guard_;
+  QSocketNotifier notifier_;
+};
+
+} // namespace quarrow
