@@ -20,8 +20,8 @@ constexpr Seconds kRescanDelay{0.3};
 // A folder that never rests is looked through all the same, every few seconds.
 constexpr int kMostPostponements = 10;
 
-bool liesIn(const fs::path &file, const fs::path &folder) {
-  return std::ranges::mismatch(folder, file).in1 == folder.end();
+bool liesIn(const fs::path &file, const std::optional<fs::path> &folder) {
+  return folder && std::ranges::mismatch(*folder, file).in1 == folder->end();
 }
 
 // The items in the places that their folders have by date, each folder's in the order in which they come.
@@ -139,6 +139,8 @@ void PhotoLibrary::rescanSoon() {
 
 // On the same queue as the scans: one that is posted later sees the file, and is published later.
 void PhotoLibrary::noteAdded(const fs::path &file) {
+  if (!liesIn(file, folder_))
+    return;
   queue_.post([this, file] {
     if (auto item = PhotoScan::item(file, sizes_))
       mainQueue_.post(whileAlive([this, added = std::move(*item)] { insert(added); }));
@@ -146,7 +148,7 @@ void PhotoLibrary::noteAdded(const fs::path &file) {
 }
 
 void PhotoLibrary::insert(PhotoItem item) {
-  if (!folder_ || !liesIn(item.url, *folder_))
+  if (!liesIn(item.url, folder_)) // the folder may have changed meanwhile
     return;
   const fs::path url = item.url;
   Items changed = items_;

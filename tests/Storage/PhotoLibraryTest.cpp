@@ -167,6 +167,7 @@ TEST_F(PhotoLibraryTest, AnAddedFileComesToTheFrontAndShinesForAMoment) {
     library->noteAdded(other);
   queue.runUntil([&] { return library->recentlyAdded().size() == 1; });
   EXPECT_THAT(shown(), ElementsAre("b.jpg", "a.jpg"));
+  EXPECT_EQ(decoder.calls(), 2); // nothing looks into what lies elsewhere
   queue.advance(Seconds(1));
   library->noteAdded(added); // processed, and saved again
   settle();
