@@ -1,5 +1,6 @@
 #include "FennickCore/Platform/DirectoryWatch.h"
 
+#include <fcntl.h>
 #include <linux/magic.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -109,22 +110,32 @@ std::vector<DirectoryChange> DirectoryWatch::drain() {
   }
 }
 
-DirectoryWatch::Woken DirectoryWatch::awaitChanges() { return sleep(inotify_.get(), std::nullopt); }
+void DirectoryWatch::watchMounts() {
+  mounts_ = FileDescriptor(::open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC));
+}
 
-DirectoryWatch::Woken DirectoryWatch::pause(Seconds length) { return sleep(-1, length); }
+DirectoryWatch::Woken DirectoryWatch::awaitChanges() { return sleep(Until::changes); }
+
+DirectoryWatch::Woken DirectoryWatch::pause(Seconds length) { return sleep(Until::timeout, length); }
 
 void DirectoryWatch::interrupt() { ::eventfd_write(wakeup_.get(), 1); }
 
-DirectoryWatch::Woken DirectoryWatch::sleep(int descriptor, std::optional<Seconds> most) {
-  std::array<pollfd, 2> waiting{pollfd{.fd = wakeup_.get(), .events = POLLIN, .revents = 0},
-                                pollfd{.fd = descriptor, .events = POLLIN, .revents = 0}};
+DirectoryWatch::Woken DirectoryWatch::sleep(Until until, Seconds most) {
+  const bool isPause = until == Until::timeout;
+  std::array<pollfd, 3> waiting{
+      pollfd{.fd = wakeup_.get(), .events = POLLIN, .revents = 0},
+      pollfd{.fd = isPause ? -1 : mounts_.get(), .events = POLLPRI, .revents = 0},
+      pollfd{.fd = isPause ? -1 : inotify_.get(), .events = POLLIN, .revents = 0},
+  };
   const int timeout =
-      most ? static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(*most).count()) : -1;
+      isPause ? static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(most).count()) : -1;
   while (::poll(waiting.data(), waiting.size(), timeout) < 0 && errno == EINTR) {
   }
   if (waiting[0].revents != 0)
     return Woken::interrupted;
-  return waiting[1].revents != 0 ? Woken::changes : Woken::timeout;
+  if (waiting[1].revents != 0)
+    return Woken::mounts; // before the changes: the kernel tells this once, and those until they are drained
+  return waiting[2].revents != 0 ? Woken::changes : Woken::timeout;
 }
 
 } // namespace fennick

@@ -4,7 +4,6 @@
 #include "FennickCore/Platform/FileSystem.h"
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,7 +32,7 @@ public:
   // What to do with folders that other computers may change unseen.
   enum class Shared { refuse, accept };
   enum class Scope { names, content };
-  enum class Woken { changes, interrupted, timeout };
+  enum class Woken { changes, mounts, interrupted, timeout };
 
   // An object that can watch nothing when the system grants no inotify instance.
   explicit DirectoryWatch(Shared shared = Shared::refuse);
@@ -45,7 +44,12 @@ public:
   void remove(int watch);
   [[nodiscard]] std::vector<DirectoryChange> drain();
 
-  // Sleeps until there is something to drain.
+  // From here on `awaitChanges` also tells (`mounts`) when file systems were mounted or unmounted, wherever
+  // that was. A folder's watch says nothing of one that is mounted over the folder: it stays with what the
+  // path led to before.
+  void watchMounts();
+
+  // Sleeps until there is something to drain, or file systems come or go.
   [[nodiscard]] Woken awaitChanges();
   // Sleeps for `length`, whatever happens in the folders meanwhile.
   [[nodiscard]] Woken pause(Seconds length);
@@ -53,11 +57,13 @@ public:
   void interrupt();
 
 private:
-  [[nodiscard]] Woken sleep(int descriptor, std::optional<Seconds> most);
+  enum class Until { changes, timeout };
+  [[nodiscard]] Woken sleep(Until until, Seconds most = {});
 
   Shared shared_;
   FileDescriptor inotify_;
   FileDescriptor wakeup_;
+  FileDescriptor mounts_;
 };
 
 } // namespace fennick

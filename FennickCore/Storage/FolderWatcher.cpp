@@ -15,6 +15,11 @@ namespace {
 constexpr Seconds kLatency{0.2};
 constexpr int kOnTheWay = -1;
 
+std::optional<FileIdentity> identityOf(const fs::path &folder) {
+  const auto identity = fileIdentity(folder);
+  return identity ? std::optional(*identity) : std::nullopt;
+}
+
 } // namespace
 
 FolderWatcher::FolderWatcher(const fs::path &folder, std::function<void()> onChange)
@@ -25,15 +30,17 @@ FolderWatcher::FolderWatcher(const fs::path &folder, std::function<void()> onCha
 FolderWatcher::~FolderWatcher() { watch_.interrupt(); }
 
 void FolderWatcher::run() {
+  using Woken = DirectoryWatch::Woken;
+  watch_.watchMounts();
   watchEverything();
   onChange_();
-  while (watch_.awaitChanges() == DirectoryWatch::Woken::changes) {
-    const Meaning meaning = readChanges();
+  for (auto woken = watch_.awaitChanges(); woken != Woken::interrupted; woken = watch_.awaitChanges()) {
+    const Meaning meaning = woken == Woken::mounts ? readMounts() : readChanges();
     if (meaning == Meaning::folders)
       watchEverything(); // before telling: who looks now sees all that came before the new watches
     if (meaning != Meaning::nothing)
       onChange_();
-    if (watch_.pause(kLatency) == DirectoryWatch::Woken::interrupted)
+    if (watch_.pause(kLatency) == Woken::interrupted)
       return;
   }
 }
@@ -43,6 +50,13 @@ FolderWatcher::Meaning FolderWatcher::readChanges() {
   for (const auto &change : watch_.drain())
     all = std::max(all, meaningOf(change));
   return all;
+}
+
+// Programs mount a lot elsewhere: containers, packages, pictures of disks.
+FolderWatcher::Meaning FolderWatcher::readMounts() const {
+  const bool isElsewhere = std::ranges::all_of(
+      places_, [](const Place &place) { return identityOf(place.path) == place.identity; });
+  return isElsewhere ? Meaning::nothing : Meaning::folders;
 }
 
 FolderWatcher::Meaning FolderWatcher::meaningOf(const DirectoryChange &change) const {
@@ -65,6 +79,7 @@ FolderWatcher::Meaning FolderWatcher::meaningOf(const DirectoryChange &change) c
 // Watches what there is now and nothing else; what is watched already keeps its number.
 void FolderWatcher::watchEverything() {
   const auto before = std::exchange(watched_, {});
+  places_.clear();
   watchWayTo(folder_);
   watchFolder(folder_, 0);
   for (const auto &[watch, watched] : before)
@@ -75,15 +90,15 @@ void FolderWatcher::watchEverything() {
 // Every folder above, so that the watcher notices when the path begins to lead elsewhere.
 void FolderWatcher::watchWayTo(const fs::path &folder) {
   for (fs::path below = folder; below.has_relative_path(); below = below.parent_path())
-    if (const auto watch = watch_.add(below.parent_path()))
-      watched_[*watch] = {.level = kOnTheWay, .next = below.filename().string()};
+    if (const auto number = watch(below.parent_path(), DirectoryWatch::Scope::names))
+      watched_[*number] = {.level = kOnTheWay, .next = below.filename().string()};
 }
 
 void FolderWatcher::watchFolder(const fs::path &folder, int level) {
-  const auto watch = watch_.add(folder, DirectoryWatch::Scope::content);
-  if (!watch)
+  const auto number = watch(folder, DirectoryWatch::Scope::content);
+  if (!number)
     return;
-  watched_[*watch] = {.level = level, .next = {}};
+  watched_[*number] = {.level = level, .next = {}};
   if (level == kDeepestPhotoLevel)
     return;
   const auto isInside = [](std::string_view name, FileKind kind) {
@@ -93,6 +108,13 @@ void FolderWatcher::watchFolder(const fs::path &folder, int level) {
   if (inside)
     for (const auto &entry : *inside)
       watchFolder(folder / entry.name, level + 1);
+}
+
+// The place is noted first: what is mounted between the two is noticed as a change of it.
+std::optional<int> FolderWatcher::watch(const fs::path &folder, DirectoryWatch::Scope scope) {
+  places_.push_back({.path = folder, .identity = identityOf(folder)});
+  const auto number = watch_.add(folder, scope);
+  return number ? std::optional(*number) : std::nullopt;
 }
 
 } // namespace fennick

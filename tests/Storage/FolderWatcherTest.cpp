@@ -1,56 +1,12 @@
-#include "FennickCore/Storage/FolderWatcher.h"
-
-#include "FennickCore/Platform/Mutex.h"
-#include "tests/Support/TemporaryFolder.h"
+#include "tests/Storage/WatchedFolder.h"
 
 #include <fmt/format.h>
-#include <gtest/gtest.h>
-
-#include <condition_variable>
-#include <functional>
-#include <optional>
 
 namespace fennick {
 namespace {
 
 namespace fs = std::filesystem;
-
-class FolderWatcherTest : public ::testing::Test {
-protected:
-  void watch() {
-    watcher.emplace(photos, [this] {
-      const Locked locked(lock);
-      ++calls;
-      called.notify_all();
-    });
-    await(1);
-  }
-  // A test that waits in vain is ended by its time limit.
-  void await(int count) {
-    Locked locked(lock);
-    while (calls < count)
-      locked.wait(called);
-  }
-  int callsSoFar() {
-    const Locked locked(lock);
-    return calls;
-  }
-  // Each action is one event, so that nothing of it is left for the next.
-  void expectNoticed(const std::string &name, const std::function<void()> &action) {
-    SCOPED_TRACE(name);
-    const int before = callsSoFar();
-    action();
-    await(before + 1);
-  }
-  void arrive(const std::string &name) { fs::rename(disk.write("elsewhere/photo"), photos / name); }
-
-  test::TemporaryFolder disk;
-  const fs::path photos = disk.makeFolder("home/photos");
-  Mutex lock;
-  std::condition_variable called;
-  int calls GUARDED_BY(lock) = 0;
-  std::optional<FolderWatcher> watcher;
-};
+using FolderWatcherTest = test::WatchedFolder;
 
 TEST_F(FolderWatcherTest, ChangesAreNoticedDownToTheSecondLevelAlsoInFoldersThatAppear) {
   disk.makeFolder("home/photos/2024-05-01/trip");
@@ -78,10 +34,7 @@ TEST_F(FolderWatcherTest, WhatIsNotShownIsNoChange) {
                            "link/a.jpg", ".rotate-1.tmp", "notes.txt"})
     arrive(name);
   disk.write("home/other/a.jpg");
-  arrive("a.jpg");
-  await(2);
-  watcher.reset();
-  EXPECT_EQ(callsSoFar(), 2);
+  expectNothingNoticedSoFar();
 }
 
 TEST_F(FolderWatcherTest, TheWatcherKeepsToThePathWhateverBecomesOfTheFolder) {

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Storage/FolderWatcher.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace fennick::test {
+
+// A save folder that is watched, and a watcher whose calls are counted.
+class WatchedFolder : public ::testing::Test {
+protected:
+  void watch() {
+    watcher.emplace(photos, [this] {
+      const Locked locked(lock);
+      ++calls;
+      early += std::filesystem::exists(photos / kLast) ? 0 : 1;
+      called.notify_all();
+    });
+    await(1);
+  }
+  // A test that waits in vain is ended by its time limit.
+  void await(int count) {
+    Locked locked(lock);
+    while (calls < count)
+      locked.wait(called);
+  }
+  int callsSoFar() {
+    const Locked locked(lock);
+    return calls;
+  }
+  // Each action is one event, so that nothing of it is left for the next.
+  void expectNoticed(const std::string &name, const std::function<void()> &action) {
+    SCOPED_TRACE(name);
+    const int before = callsSoFar();
+    action();
+    await(before + 1);
+  }
+  // That nothing since `watch` was told.
+  void expectNothingNoticedSoFar() {
+    arrive(kLast);
+    await(2);
+    watcher.reset();
+    const Locked locked(lock);
+    EXPECT_EQ(early, 1);
+  }
+  void arrive(const std::string &name) {
+    std::filesystem::rename(disk.write("elsewhere/photo"), photos / name);
+  }
+
+  static constexpr const char *kLast = "last.jpg";
+
+  TemporaryFolder disk;
+  const std::filesystem::path photos = disk.makeFolder("home/photos");
+  Mutex lock;
+  std::condition_variable called;
+  int calls GUARDED_BY(lock) = 0;
+  int early GUARDED_BY(lock) = 0; // of them those before `kLast` arrived
+  std::optional<FolderWatcher> watcher;
+};
+
+} // namespace fennick::test
