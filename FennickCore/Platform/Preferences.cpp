@@ -10,19 +10,59 @@ namespace fennick {
 
 using Json = nlohmann::ordered_json;
 
-FilePreferences::FilePreferences(std::filesystem::path file)
-    : file_(std::move(file)), values_(std::make_unique<Json>(Json::object())) {
-  const auto stored = readFile(file_);
-  if (!stored && stored.error() == std::errc::no_such_file_or_directory)
-    return;
-  Json parsed = Json::parse(stored.value_or(""), nullptr, false);
-  if (parsed.is_object()) {
-    *values_ = std::move(parsed);
-    return;
+namespace fs = std::filesystem;
+
+namespace {
+
+// Fails with EBADMSG when the file is no JSON object.
+IOResult<Json> readObject(const fs::path &file) {
+  const auto stored = readFile(file);
+  if (!stored)
+    return std::unexpected(stored.error());
+  Json parsed = Json::parse(*stored, nullptr, false);
+  if (!parsed.is_object())
+    return std::unexpected(std::make_error_code(std::errc::bad_message));
+  return parsed;
+}
+
+// Whether what is there will never be preferences; a disk or a system that fails to give them may do so
+// later.
+bool isUnusable(const std::error_code &error) {
+  return error == std::errc::bad_message || error == std::errc::invalid_argument || // no regular file
+         error == std::errc::permission_denied || error == std::errc::too_many_symbolic_link_levels;
+}
+
+fs::path withoutLinks(const fs::path &file) {
+  std::error_code missing;
+  const fs::path target = fs::canonical(file, missing);
+  return missing ? file : target;
+}
+
+IOResult<void> putAside(FileSystem &files, const fs::path &file) {
+  fs::path aside = file;
+  aside += ".damaged";
+  auto moved = files.moveNoReplace(file, aside);
+  for (int number = 2; !moved && moved.error() == std::errc::file_exists; ++number) {
+    aside = file;
+    aside += fmt::format(".damaged-{}", number);
+    moved = files.moveNoReplace(file, aside);
   }
-  damaged_ = true;
-  log(fmt::format("preferences cannot be read ({}), starting with defaults: {}",
-                  stored ? "damaged" : stored.error().message(), file_.string()));
+  if (moved)
+    log(fmt::format("preferences cannot be used, kept as {}", aside.string()));
+  return moved;
+}
+
+} // namespace
+
+FilePreferences::FilePreferences(fs::path file)
+    : file_(std::move(file)), values_(std::make_unique<Json>(Json::object())),
+      pending_(std::make_unique<Json>(Json::object())) {
+  auto stored = readObject(file_);
+  if (stored)
+    *values_ = std::move(*stored);
+  else if (stored.error() != std::errc::no_such_file_or_directory)
+    log(fmt::format("preferences cannot be read ({}), starting with defaults: {}", stored.error().message(),
+                    file_.string()));
 }
 
 FilePreferences::~FilePreferences() = default;
@@ -40,16 +80,16 @@ bool FilePreferences::flag(std::string_view key) const {
 }
 
 std::expected<void, std::error_code> FilePreferences::setText(std::string_view key, std::string_view value) {
-  (*values_)[std::string(key)] = std::string(value);
-  return save();
+  return set(key, std::string(value));
 }
 
 std::expected<void, std::error_code> FilePreferences::setFlag(std::string_view key, bool value) {
-  (*values_)[std::string(key)] = value;
-  return save();
+  return set(key, value);
 }
 
-std::expected<void, std::error_code> FilePreferences::save() {
+std::expected<void, std::error_code> FilePreferences::set(std::string_view key, Json value) {
+  (*values_)[std::string(key)] = value;
+  (*pending_)[std::string(key)] = std::move(value);
   auto saved = write();
   if (!saved)
     log(fmt::format("preferences could not be saved: {}", saved.error().message()));
@@ -60,14 +100,26 @@ std::expected<void, std::error_code> FilePreferences::write() {
   SystemFileSystem files;
   if (auto made = files.createDirectories(file_.parent_path()); !made)
     return made;
-  if (damaged_) {
-    auto aside = file_;
-    aside += ".damaged";
-    if (auto kept = files.replace(file_, aside); !kept)
+  const fs::path target = withoutLinks(file_);
+  // Keeps other programs of ours from writing between our reading and our writing. Where there are no locks
+  // it goes without.
+  const auto lock = DirectoryLock::lock(withoutLinks(target.parent_path()), DirectoryLock::Mode::exclusive);
+  Json written = *values_;
+  if (auto stored = readObject(target)) {
+    written = std::move(*stored);
+    written.update(*pending_);
+  } else if (isUnusable(stored.error())) {
+    if (auto kept = putAside(files, target); !kept)
       return kept;
-    damaged_ = false;
+  } else if (stored.error() != std::errc::no_such_file_or_directory) {
+    return std::unexpected(stored.error());
   }
-  return replaceFile(file_, values_->dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+  if (auto saved = replaceFile(target, written.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+      !saved)
+    return saved;
+  *values_ = std::move(written);
+  pending_->clear();
+  return {};
 }
 
 } // namespace fennick

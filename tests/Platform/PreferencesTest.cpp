@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <functional>
+#include <thread>
 
 namespace fennick {
 namespace {
@@ -31,7 +35,40 @@ TEST_F(FilePreferencesTest, ValuesSurviveARestartBesideThoseOfOtherVersionsBehin
   EXPECT_THAT(folder.read("elsewhere.json"), HasSubstr("\"later\""));
 }
 
+TEST_F(FilePreferencesTest, WhatOtherProgramsStoredMeanwhileStays) {
+  auto one = reopened();
+  auto other = reopened();
+  ASSERT_TRUE(one.setText("mine", "1"));
+  ASSERT_TRUE(other.setText("yours", "2"));
+  ASSERT_TRUE(other.setText("mine", "3"));
+  ASSERT_TRUE(one.setFlag("seen", true));
+  const auto next = reopened();
+  for (const FilePreferences *preferences : {&std::as_const(one), &next}) {
+    EXPECT_EQ(preferences->text("mine"), "3");
+    EXPECT_EQ(preferences->text("yours"), "2");
+    EXPECT_TRUE(preferences->flag("seen"));
+  }
+}
+
+TEST_F(FilePreferencesTest, ProgramsThatWriteAtTheSameMomentLoseNothing) {
+  constexpr int kKeys = 20;
+  const auto writeKeys = [this](const std::string &prefix) {
+    auto preferences = reopened();
+    for (int i = 0; i < kKeys; ++i)
+      EXPECT_TRUE(preferences.setFlag(prefix + std::to_string(i), true));
+  };
+  {
+    const std::jthread one(writeKeys, "a");
+    const std::jthread other(writeKeys, "b");
+  }
+  const auto all = reopened();
+  for (int i = 0; i < kKeys; ++i)
+    EXPECT_TRUE(all.flag("a" + std::to_string(i)) && all.flag("b" + std::to_string(i))) << i;
+}
+
 TEST_F(FilePreferencesTest, ADamagedFileIsKeptAsideBeforeTheFirstWrite) {
+  std::string kept = "tevrin/preferences.json.damaged";
+  int number = 1;
   for (const std::string_view damaged : {"{\"text\": \"cut sho", "[1, 2]", "", "\xFF\xFE"}) {
     folder.write("tevrin/preferences.json", damaged);
     auto preferences = reopened();
@@ -39,17 +76,50 @@ TEST_F(FilePreferencesTest, ADamagedFileIsKeptAsideBeforeTheFirstWrite) {
     EXPECT_EQ(folder.read("tevrin/preferences.json"), damaged); // reading changes nothing
     ASSERT_TRUE(preferences.setText("text", "1"));
     ASSERT_TRUE(preferences.setText("text", "2"));
-    EXPECT_EQ(folder.read("tevrin/preferences.json.damaged"), damaged);
+    EXPECT_EQ(folder.read(kept), damaged);
     EXPECT_EQ(reopened().text("text"), "2");
+    kept = "tevrin/preferences.json.damaged-" + std::to_string(++number);
   }
 }
 
-TEST_F(FilePreferencesTest, AValueThatCannotBeStoredHoldsForTheRestOfTheRun) {
+TEST_F(FilePreferencesTest, WhateverComesIntoTheFilesPlaceWhileItIsInUseIsKeptAsideAndNoValueIsLost) {
+  folder.write("tevrin/preferences.json.damaged/file"); // a folder under the first name
+  folder.write("tevrin/preferences.json.damaged-2");
+  auto preferences = reopened();
+  ASSERT_TRUE(preferences.setText("text", "1"));
+  const std::function<void()> intruders[] = {
+      [&] { fs::create_directory(file); },
+      [&] { folder.write("tevrin/preferences.json/file", "theirs"); },
+      [&] { folder.write("tevrin/preferences.json", "cut sho"); },
+      [&] { ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); },
+      [&] { fs::create_symlink(file, file); },
+      [] {}, // nothing is there any more
+  };
+  for (const auto &intrude : intruders) {
+    fs::remove(file);
+    intrude();
+    ASSERT_TRUE(preferences.setFlag("on", true));
+    EXPECT_TRUE(reopened().flag("on"));
+    EXPECT_EQ(reopened().text("text"), "1");
+  }
+  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged-4/file"), "theirs");
+  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged-5"), "cut sho");
+  EXPECT_TRUE(fs::is_symlink(folder / "tevrin/preferences.json.damaged-7"));
+  EXPECT_EQ(folder.names("tevrin").size(), 8U);
+}
+
+TEST_F(FilePreferencesTest, AValueThatCannotBeStoredHoldsForTheRunAndIsStoredWithTheNextThatCan) {
   folder.write("tevrin", "a file where the folder should be");
   auto preferences = reopened();
   EXPECT_FALSE(preferences.setText("text", "new"));
   EXPECT_EQ(preferences.text("text"), "new");
   EXPECT_EQ(folder.read("tevrin"), "a file where the folder should be");
+
+  fs::remove(folder / "tevrin");
+  folder.write("tevrin/preferences.json", R"({"text": "old", "other": "kept"})");
+  ASSERT_TRUE(preferences.setFlag("on", true));
+  EXPECT_EQ(reopened().text("text"), "new");
+  EXPECT_EQ(reopened().text("other"), "kept");
 }
 
 } // namespace
