@@ -23,6 +23,11 @@ struct Release {
 template <typename T>
 using Owned = std::unique_ptr<T, Release>;
 
+bool isSet(const char *variable) {
+  const char *value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
 // Between fork and exec: the program does not inherit which signals we block.
 void leaveTerminal(void *) {
   sigset_t none;
@@ -56,9 +61,9 @@ std::expected<void, std::string> openWith(const std::filesystem::path &entry,
 }
 
 std::expected<void, std::string> openFolder(const std::filesystem::path &folder) {
-  if (std::getenv("DISPLAY") == nullptr && std::getenv("WAYLAND_DISPLAY") == nullptr)
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY"))
     return std::unexpected("这里没有桌面 / there is no desktop here");
-  GAppInfo *manager = ::g_app_info_get_default_for_type("inode/directory", TRUE);
+  GAppInfo *manager = ::g_app_info_get_default_for_type("inode/directory", FALSE);
   if (manager == nullptr)
     return std::unexpected("没有文件管理器 / there is no file manager");
   const Owned<GDesktopAppInfo> owned(G_DESKTOP_APP_INFO(manager));

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdio>
+#include <string_view>
 #include <tuple>
 
 namespace quarrow {
@@ -20,9 +21,24 @@ void printLine(const Json &event) {
 
 Json textOrNull(const std::optional<std::string> &text) { return text ? Json(*text) : Json(nullptr); }
 
+std::string_view nameOf(fennick::FirewallFinding::Kind kind) {
+  using Kind = fennick::FirewallFinding::Kind;
+  switch (kind) {
+  case Kind::ufw:
+    return "ufw";
+  case Kind::firewalld:
+    return "firewalld";
+  case Kind::nftables:
+    return "nftables";
+  case Kind::none:
+    break;
+  }
+  return "none";
+}
+
 } // namespace
 
-void JsonReport::listening(const Listening &state) {
+void JsonReport::listening(const Listening &state, Reason) {
   printLine({{"event", "listening"},
              {"port", state.port},
              {"accessKey", state.accessKey},
@@ -40,5 +56,18 @@ void JsonReport::received(const Received &file) {
 }
 
 void JsonReport::error(const std::string &message) { printLine({{"event", "error"}, {"message", message}}); }
+
+void JsonReport::check(const Check &result) {
+  printLine({{"event", "check"},
+             {"status", result.passed ? "ok" : "failed"},
+             {"message", result.passed ? Json(nullptr) : Json(result.message)}});
+}
+
+void JsonReport::firewall(const fennick::FirewallFinding &finding) {
+  printLine({{"event", "firewall"},
+             {"kind", nameOf(finding.kind)},
+             {"port", finding.port == fennick::FirewallFinding::Port::closed ? "closed" : "unknown"},
+             {"command", finding.command}});
+}
 
 } // namespace quarrow

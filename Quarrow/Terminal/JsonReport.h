@@ -8,9 +8,13 @@ namespace quarrow {
 // docs/headless.md.
 class JsonReport final : public Report {
 public:
-  void listening(const Listening &state) override;
+  void listening(const Listening &state, Reason reason) override;
   void received(const Received &file) override;
   void error(const std::string &message) override;
+  void check(const Check &result) override;
+  void firewall(const fennick::FirewallFinding &finding) override;
+  void notice(const std::string &) override {}
+  void bell() override {}
   [[nodiscard]] bool showsProgress() const override { return false; }
   void progress(const fennick::UploadActivity::Snapshot &, double) override {}
 };

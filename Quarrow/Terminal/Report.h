@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Network/FirewallFinding.h"
 #include "FennickCore/Upload/UploadActivity.h"
 
 #include <cstdint>
@@ -9,7 +10,7 @@
 
 namespace quarrow {
 
-// What the receiver tells the outside. Main thread.
+// What the terminal program tells the outside, as words or as events. Main thread.
 class Report {
 public:
   struct Listening {
@@ -19,7 +20,11 @@ public:
     std::optional<std::string> phoneURL;  // none without a usable address
     std::optional<std::string> uploadURL; // none without a usable address
     std::filesystem::path saveFolder;
+
+    bool operator==(const Listening &) const = default;
   };
+  // Why phones are told anew where to go.
+  enum class Reason { started, address, port, key, folder, asked };
 
   struct Received {
     std::string name;
@@ -28,10 +33,24 @@ public:
     std::string note; // one line about the file
   };
 
+  // Whether the service answers under its address.
+  struct Check {
+    bool passed;
+    std::string message; // why not
+    bool operator==(const Check &) const = default;
+  };
+
   virtual ~Report() = default;
-  virtual void listening(const Listening &state) = 0;
+  // The latest call counts.
+  virtual void listening(const Listening &state, Reason reason) = 0;
   virtual void received(const Received &file) = 0;
   virtual void error(const std::string &message) = 0;
+  virtual void check(const Check &result) = 0;
+  // A firewall that may keep phones out.
+  virtual void firewall(const fennick::FirewallFinding &finding) = 0;
+  // Lines that only a person in front of the terminal needs.
+  virtual void notice(const std::string &lines) = 0;
+  virtual void bell() = 0;
   // Whether `progress` should be called while uploads are under way.
   [[nodiscard]] virtual bool showsProgress() const = 0;
   // `bytesPerSecond` over the last moments. No uploads under way: take the line away.

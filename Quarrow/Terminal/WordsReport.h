@@ -12,19 +12,27 @@ public:
     bool qr = true;
     bool terminal = false; // standard output is one
     bool colour = true;    // escape sequences for the QR code's colours
+    bool keys = false;     // single keys are obeyed: the start mentions them
   };
   explicit WordsReport(Options options) : options_(options) {}
 
-  void listening(const Listening &state) override;
+  void listening(const Listening &state, Reason reason) override;
   void received(const Received &file) override;
   void error(const std::string &message) override;
+  // Says that all is well only after it was not.
+  void check(const Check &result) override;
+  void firewall(const fennick::FirewallFinding &finding) override;
+  void notice(const std::string &lines) override { printLine(lines); }
+  void bell() override;
   [[nodiscard]] bool showsProgress() const override { return options_.terminal; }
   void progress(const fennick::UploadActivity::Snapshot &activity, double bytesPerSecond) override;
 
 private:
   void printLine(const std::string &line) const;
+  void printAddress(const Listening &state) const;
 
   const Options options_;
+  bool checkFailed_ = false; // the latest one
 };
 
 } // namespace quarrow

@@ -8,6 +8,7 @@ namespace quarrow {
 namespace {
 
 using ::testing::AllOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -26,17 +27,49 @@ const Report::Listening kListening{.port = 8001,
                                    .saveFolder = "/photos"};
 
 TEST(WordsReportTest, TheStartSaysWhereToGoAndWhatIsUnusual) {
-  WordsReport report({.qr = true, .terminal = false, .colour = true});
-  EXPECT_THAT(printedBy([&] { report.listening(kListening); }),
+  WordsReport report({.qr = true, .terminal = false, .colour = true, .keys = true});
+  EXPECT_THAT(printedBy([&] { report.listening(kListening, Report::Reason::started); }),
               AllOf(HasSubstr("http://192.168.1.20:8001/?k=key"), HasSubstr("▀"), HasSubstr("/photos"),
-                    HasSubstr("首选端口被占用，实际使用 8001")));
+                    HasSubstr("首选端口被占用，实际使用 8001"), HasSubstr("press ?")));
 
   Report::Listening alone = kListening;
   alone.phoneURL.reset();
   alone.preferredPort = alone.port;
-  EXPECT_THAT(printedBy([&] { report.listening(alone); }),
+  EXPECT_THAT(printedBy([&] { report.listening(alone, Report::Reason::started); }),
               AllOf(HasSubstr("没有可用的局域网地址"), HasSubstr("http://127.0.0.1:8001/?k=key"),
                     Not(HasSubstr("首选端口")), Not(HasSubstr("▀"))));
+}
+
+TEST(WordsReportTest, WhatChangedIsSaidBeforeTheCodeAndTheRestIsNotRepeated) {
+  using Reason = Report::Reason;
+  WordsReport report({.qr = true, .terminal = false, .colour = false, .keys = true});
+  for (const auto &[reason, why] :
+       {std::pair(Reason::address, "The address has changed"), std::pair(Reason::key, "The key was reset"),
+        std::pair(Reason::asked, "")})
+    EXPECT_THAT(printedBy([&] { report.listening(kListening, reason); }),
+                AllOf(ContainsRegex(std::string(why) + "(.|\n)*▀(.|\n)*8001/[?]k=key"),
+                      Not(HasSubstr("首选端口")), Not(HasSubstr("/photos")), Not(HasSubstr("press ?"))));
+  EXPECT_THAT(printedBy([&] { report.listening(kListening, Reason::folder); }),
+              AllOf(HasSubstr("The save folder has changed"), HasSubstr("/photos"), Not(HasSubstr("▀"))));
+}
+
+TEST(WordsReportTest, WhatKeepsPhonesOutIsSaidWithWhatHelps) {
+  WordsReport report({.qr = false, .terminal = false, .colour = false});
+  const Report::Check passed{.passed = true, .message = ""};
+  EXPECT_EQ(printedBy([&] { report.check(passed); }), "");
+  EXPECT_THAT(printedBy([&] { report.check({.passed = false, .message = "no route"}); }),
+              HasSubstr("no route\n"));
+  EXPECT_THAT(printedBy([&] { report.check(passed); }), HasSubstr("answers again"));
+  EXPECT_EQ(printedBy([&] { report.check(passed); }), "");
+
+  fennick::FirewallFinding finding{.kind = fennick::FirewallFinding::Kind::ufw,
+                                   .port = fennick::FirewallFinding::Port::closed,
+                                   .command = "sudo ufw allow 8001/tcp"};
+  EXPECT_THAT(printedBy([&] { report.firewall(finding); }),
+              AllOf(HasSubstr("keeps phones out"), HasSubstr("\n  sudo ufw allow 8001/tcp\n")));
+  finding.port = fennick::FirewallFinding::Port::unknown;
+  EXPECT_THAT(printedBy([&] { report.firewall(finding); }),
+              AllOf(HasSubstr("If phones cannot connect"), HasSubstr("\n  sudo ufw allow 8001/tcp\n")));
 }
 
 TEST(WordsReportTest, ProgressIsDrawnOverItselfAndOnlyOnATerminal) {
