@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <ranges>
 #include <set>
@@ -65,23 +66,18 @@ std::vector<InterfaceAddress> systemIPv4Interfaces() { return systemIPv4Addresse
 std::vector<LANAddress> rank(std::span<const InterfaceAddress> interfaces,
                              std::span<const std::string> preferredOrder,
                              const std::map<std::string, LANAddress::Kind> &kinds) {
-  std::vector<InterfaceAddress> kept;
+  std::multimap<std::tuple<bool, std::ptrdiff_t, std::string_view>, LANAddress> placed; // equal keys in order
   std::set<std::pair<std::string_view, std::string_view>> seen;
-  for (const InterfaceAddress &entry : interfaces)
-    if (!isExcluded(entry.name) && isUsable(entry.address) && seen.emplace(entry.name, entry.address).second)
-      kept.push_back(entry);
-
-  std::ranges::stable_sort(kept, {}, [&](const InterfaceAddress &entry) {
+  for (const InterfaceAddress &entry : interfaces) {
+    if (isExcluded(entry.name) || !isUsable(entry.address) || !seen.emplace(entry.name, entry.address).second)
+      continue;
     // A name that is not found is at the end of the list: the largest position.
     const auto position = std::ranges::find(preferredOrder, entry.name) - preferredOrder.begin();
-    return std::tuple(isLinkLocal(entry), position, std::string_view(entry.name));
-  });
-
-  std::vector<LANAddress> addresses;
-  addresses.reserve(kept.size());
-  for (const InterfaceAddress &entry : kept)
-    addresses.push_back({entry.name, entry.address, kindOf(entry.name, kinds)});
-  return addresses;
+    placed.emplace(std::tuple(isLinkLocal(entry), position, std::string_view(entry.name)),
+                   LANAddress{entry.name, entry.address, kindOf(entry.name, kinds)});
+  }
+  const auto ordered = std::views::values(placed);
+  return {ordered.begin(), ordered.end()};
 }
 
 std::vector<LANAddress> resolve(const NetworkPath &path) {
