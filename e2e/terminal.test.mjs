@@ -2,34 +2,14 @@
 // program at a time.
 
 import assert from 'node:assert/strict';
-import { spawn, spawnSync } from 'node:child_process';
+import { spawnSync } from 'node:child_process';
 import fs from 'node:fs';
 import path from 'node:path';
 import { test } from 'node:test';
 import { Program, binary, scratch, until } from './lib/program.mjs';
+import { Terminal } from './lib/terminal.mjs';
 
 const anyPort = () => String(20000 + Math.floor(Math.random() * 20000));
-
-// A shell command in a terminal of its own.
-class Terminal {
-  constructor(t, command, env = {}) {
-    this.screen = '';
-    this.seen = 0;
-    this.child = spawn('script', ['-qfec', command, '/dev/null'], { env: { ...process.env, TERM: 'xterm', ...env } });
-    this.child.stdout.on('data', (data) => { this.screen += data; });
-    this.exited = new Promise((resolve) => { this.child.once('exit', resolve); });
-    t.after(() => this.child.kill('SIGKILL'));
-  }
-
-  press(keys) { this.child.stdin.write(keys); }
-
-  // What `pattern` matches in what was written since the last match.
-  async sees(pattern) {
-    const match = await until(() => pattern.exec(this.screen.slice(this.seen)), `${pattern} in the terminal`);
-    this.seen += match.index + match[0].length;
-    return match;
-  }
-}
 
 // The receiver's own command line in such a terminal.
 function command(home, ...more) {

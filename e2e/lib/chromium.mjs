@@ -1,7 +1,10 @@
 // Chromium as a phone (or as a desktop browser), driven by playwright-core.
 
+import fs from 'node:fs';
+import path from 'node:path';
 import { chromium } from 'playwright-core';
 import { PhonePage } from './page.mjs';
+import { scratch } from './program.mjs';
 
 const flags = [
   '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
@@ -45,9 +48,13 @@ class ChromiumPage extends PhonePage {
 export class Chromium {
   static name = 'Chromium';
 
-  static async launch() {
+  // `through` are words before the browser's command line.
+  static async launch({ through = [] } = {}) {
     const browser = new Chromium();
-    browser.browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: flags });
+    const program = process.env.CHROMIUM ?? '/usr/bin/chromium';
+    const start = path.join(scratch(), 'browser');
+    fs.writeFileSync(start, `#!/bin/sh\nexec ${[...through, program].join(' ')} "$@"\n`, { mode: 0o755 });
+    browser.browser = await chromium.launch({ executablePath: start, args: flags });
     return browser;
   }
 
