@@ -14,6 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The library that is asked for the trash reads this once in a program's life, for whichever test comes
+// first.
+const test::TemporaryFolder kDataHome;
+const int kDataHomeIsSet = ::setenv("XDG_DATA_HOME", kDataHome.path().c_str(), 1);
+
 class FileStatusTest : public ::testing::Test {
 protected:
   test::TemporaryFolder folder;
@@ -34,7 +39,7 @@ TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
 }
 
 TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBack) {
-  ::setenv("XDG_DATA_HOME", folder.makeFolder("data").c_str(), 1); // read once by the library that is asked
+  ASSERT_EQ(kDataHomeIsSet, 0);
   const auto photo = folder.write("photos/a.jpg", "photo");
   SystemTrash trash;
   const auto moved = trash.moveToTrash(photo);
@@ -42,8 +47,8 @@ TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBack) {
     GTEST_SKIP() << "no trash for temporary files here";
   ASSERT_TRUE(moved) << moved.error().message();
   EXPECT_FALSE(fs::exists(photo));
-  EXPECT_EQ(folder.read("data/Trash/files/a.jpg"), "photo");
-  EXPECT_THAT(folder.read("data/Trash/info/a.jpg.trashinfo"), ::testing::HasSubstr(photo.string()));
+  EXPECT_EQ(kDataHome.read("Trash/files/a.jpg"), "photo");
+  EXPECT_THAT(kDataHome.read("Trash/info/a.jpg.trashinfo"), ::testing::HasSubstr(photo.string()));
   EXPECT_EQ(trash.moveToTrash(photo).error(), std::errc::no_such_file_or_directory);
 }
 
