@@ -21,7 +21,8 @@ FileDescriptor openRouting() {
   sockaddr_nl address{};
   address.nl_family = AF_NETLINK;
   address.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR | RTMGRP_IPV4_ROUTE;
-  if (::bind(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+  if (socket.isOpen() &&
+      ::bind(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
     socket.reset();
   return socket;
 }
