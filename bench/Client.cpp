@@ -31,6 +31,14 @@ const std::vector<char> &bodyChunk() {
   std::exit(EXIT_FAILURE);
 }
 
+sockaddr_in loopback(std::uint32_t address, std::uint16_t port) {
+  sockaddr_in result{};
+  result.sin_family = AF_INET;
+  result.sin_port = htons(port);
+  result.sin_addr.s_addr = htonl(address);
+  return result;
+}
+
 void sendAll(int socket, const char *data, std::size_t size) {
   while (size > 0) {
     const ssize_t count = ::send(socket, data, size, MSG_NOSIGNAL);
@@ -55,13 +63,14 @@ std::string readAll(const fennick::FileDescriptor &socket) {
 
 } // namespace
 
-fennick::FileDescriptor connectTo(std::uint16_t port) {
+fennick::FileDescriptor connectTo(std::uint16_t port) { return connectAs(0, port); }
+
+fennick::FileDescriptor connectAs(int phone, std::uint16_t port) {
   fennick::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  if (::connect(socket.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
+  const sockaddr_in own = loopback(INADDR_LOOPBACK + static_cast<std::uint32_t>(phone), 0);
+  const sockaddr_in server = loopback(INADDR_LOOPBACK, port);
+  if (::bind(socket.get(), reinterpret_cast<const sockaddr *>(&own), sizeof own) != 0 ||
+      ::connect(socket.get(), reinterpret_cast<const sockaddr *>(&server), sizeof server) != 0)
     fail(fmt::format("nothing listens on port {}", port));
   return socket;
 }

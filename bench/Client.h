@@ -10,6 +10,8 @@ namespace bench {
 // A phone reduced to what costs time: one connection over loopback that sends a request and reads the answer.
 // Ends the program with a message when the server is not there.
 [[nodiscard]] fennick::FileDescriptor connectTo(std::uint16_t port);
+// The same as the phone number `phone` of many, each with an address of its own.
+[[nodiscard]] fennick::FileDescriptor connectAs(int phone, std::uint16_t port);
 void sendText(const fennick::FileDescriptor &socket, const std::string &text);
 // Sends `bytes` of a body that begins like a JPEG.
 void sendBody(const fennick::FileDescriptor &socket, std::int64_t bytes);

@@ -1,7 +1,7 @@
-// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, peak
-// memory with 64 uploads under way.
+// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, from
+// an upload's last byte to its event, memory with 64 uploads under way and after 10,000.
 //
-//   footprint_bench MEMORY_FOLDER
+//   footprint_bench MEMORY_FOLDER DISK_FOLDER
 
 #include "bench/Client.h"
 #include "bench/Measure.h"
@@ -44,10 +44,7 @@ public:
     ::posix_spawn(&process_, TEVRIN_HEADLESS, &actions, nullptr, arguments.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     ::close(ends[1]);
-    std::array<char, 4096> line{};
-    if (std::fgets(line.data(), line.size(), output_) == nullptr)
-      std::abort();
-    listening_ = nlohmann::json::parse(line.data());
+    listening_ = awaitEvent("listening");
   }
   ~Receiver() {
     ::kill(process_, SIGTERM);
@@ -60,6 +57,15 @@ public:
   [[nodiscard]] std::uint16_t port() const { return listening_["port"]; }
   [[nodiscard]] std::string target() const {
     return "/upload?k=" + listening_["accessKey"].get<std::string>();
+  }
+  // The next event of this kind; others are passed over.
+  nlohmann::json awaitEvent(const std::string &kind) {
+    std::array<char, 4096> line{};
+    while (std::fgets(line.data(), line.size(), output_) != nullptr)
+      if (auto event = nlohmann::json::parse(line.data()); event["event"] == kind)
+        return event;
+    fmt::print(stderr, "bench: the receiver ended\n");
+    std::exit(EXIT_FAILURE);
   }
   // A number of /proc/<pid>/status, in the unit it has there.
   [[nodiscard]] long status(const std::string &field) const {
@@ -87,6 +93,14 @@ private:
   nlohmann::json listening_;
 };
 
+// Each from one of a hundred phones: an address is admitted 120 uploads a minute.
+fennick::FileDescriptor beginUpload(const Receiver &receiver, int number, std::int64_t bytes) {
+  auto socket = bench::connectAs(1 + number % 100, receiver.port());
+  bench::sendText(socket,
+                  fmt::format("POST {} HTTP/1.1\r\nContent-Length: {}\r\n\r\n", receiver.target(), bytes));
+  return socket;
+}
+
 void startUp(const std::filesystem::path &scratch) {
   std::vector<double> times;
   for (int i = 0; i < 11; ++i) {
@@ -97,7 +111,7 @@ void startUp(const std::filesystem::path &scratch) {
 }
 
 void idle(const Receiver &receiver) {
-  constexpr int kSeconds = 10;
+  constexpr int kSeconds = 60;
   std::this_thread::sleep_for(std::chrono::seconds(1)); // the start has settled
   const long before = receiver.switches();
   std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
@@ -106,15 +120,46 @@ void idle(const Receiver &receiver) {
   fmt::print("  wake-ups in {} s idle     {:>6}      (aim: none)\n", kSeconds, receiver.switches() - before);
 }
 
+// One photo after another: from its last byte to the answer, which waits for the disk, and on to the event.
+void latency(Receiver &receiver, const char *where) {
+  constexpr int kPhotos = 100;
+  constexpr std::int64_t kBytes = 2'000'000;
+  std::vector<double> toAnswer;
+  std::vector<double> toEvent;
+  for (int i = 0; i < kPhotos; ++i) {
+    const auto socket = beginUpload(receiver, i, kBytes);
+    bench::sendBody(socket, kBytes);
+    toAnswer.push_back(bench::secondsOf([&] { std::ignore = bench::readStatusLine(socket); }));
+    toEvent.push_back(bench::secondsOf([&] { receiver.awaitEvent("received"); }));
+  }
+  fmt::print("  last byte to the answer   {:>6.2f} ms   (2 MB, {}; with its sync)\n",
+             bench::median(toAnswer) * 1e3, where);
+  fmt::print("  from there to the event   {:>6.2f} ms   (aim: below 5)\n", bench::median(toEvent) * 1e3);
+}
+
+void tenThousand(Receiver &receiver) {
+  constexpr int kUploads = 10'000;
+  constexpr std::int64_t kBytes = 20'000;
+  const auto memory = [&] { return static_cast<double>(receiver.status("VmRSS")) / 1024; };
+  fmt::print("  memory after uploads     ");
+  for (int i = 1; i <= kUploads; ++i) {
+    const auto socket = beginUpload(receiver, i, kBytes);
+    bench::sendBody(socket, kBytes);
+    if (!bench::readStatusLine(socket).starts_with("HTTP/1.1 200"))
+      std::exit(EXIT_FAILURE);
+    receiver.awaitEvent("received");
+    if (i == 100 || i == 1000 || i == 5000 || i == kUploads)
+      fmt::print(" {:.1f} MiB ({})", memory(), i);
+  }
+  fmt::print("  (aim: flat)\n");
+}
+
 void manyUploads(const Receiver &receiver) {
   constexpr int kUploads = 64;
   constexpr std::int64_t kBytes = 8 << 20;
   std::vector<fennick::FileDescriptor> sockets;
-  for (int i = 0; i < kUploads; ++i) {
-    sockets.push_back(bench::connectTo(receiver.port()));
-    bench::sendText(sockets.back(),
-                    fmt::format("POST {} HTTP/1.1\r\nContent-Length: {}\r\n\r\n", receiver.target(), kBytes));
-  }
+  for (int i = 0; i < kUploads; ++i)
+    sockets.push_back(beginUpload(receiver, i, kBytes));
   // All of them half-way at the same time, then all of them to the end.
   bench::runMany(kUploads, kUploads,
                  [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
@@ -133,14 +178,25 @@ void manyUploads(const Receiver &receiver) {
 } // namespace
 
 int main(int argc, char *argv[]) {
-  if (argc < 2) {
-    fmt::print(stderr, "usage: footprint_bench MEMORY_FOLDER\n");
+  if (argc < 3) {
+    fmt::print(stderr, "usage: footprint_bench MEMORY_FOLDER DISK_FOLDER\n");
     return 2;
   }
-  const bench::Scratch scratch(argv[1]);
+  const bench::Scratch memory(argv[1]);
+  const bench::Scratch disk(argv[2]);
   fmt::print("The terminal receiver\n");
-  startUp(scratch.path());
-  const Receiver receiver(scratch.path());
-  idle(receiver);
-  manyUploads(receiver);
+  startUp(memory.path());
+  {
+    Receiver receiver(memory.path());
+    idle(receiver);
+    latency(receiver, "memory");
+    tenThousand(receiver);
+    latency(receiver, "memory, folder of 10,000");
+  }
+  {
+    Receiver receiver(disk.path());
+    latency(receiver, "disk");
+  }
+  memory.empty();
+  manyUploads(Receiver(memory.path()));
 }
