@@ -40,7 +40,7 @@ std::expected<void, std::string> launch(GDesktopAppInfo *entry, const std::files
   GError *raw = nullptr;
   const Owned<char> uri(::g_filename_to_uri(file.c_str(), nullptr, &raw));
   const Owned<GList> uris(uri ? ::g_list_append(nullptr, uri.get()) : nullptr);
-  constexpr auto kFlags =
+  constexpr auto kFlags = // NOLINTNEXTLINE(clang-analyzer-optin.core.EnumCastOutOfRange): C joins flags
       static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
   if (uri && ::g_desktop_app_info_launch_uris_as_manager(entry, uris.get(), nullptr, kFlags, leaveTerminal,
                                                          nullptr, nullptr, nullptr, &raw) != FALSE)

@@ -43,9 +43,10 @@ void TerminalView::showAgain() {
 }
 
 std::optional<Report::Listening> TerminalView::present() const {
-  if (!server_.port() || !server_.addressesKnown())
+  const auto port = server_.port();
+  if (!port || !server_.addressesKnown())
     return std::nullopt;
-  return Report::Listening{.port = *server_.port(),
+  return Report::Listening{.port = *port,
                            .preferredPort = preferredPort_,
                            .accessKey = server_.accessKey(),
                            .phoneURL = server_.phoneURL(),
@@ -66,8 +67,8 @@ void TerminalView::update() {
 }
 
 void TerminalView::reportError() {
-  if (server_.error())
-    report_.error(*server_.error());
+  if (const auto &error = server_.error())
+    report_.error(*error);
 }
 
 // A check that is repeated without news is not worth a line, and without an address there is nothing to
