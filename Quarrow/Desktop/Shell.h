@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Quarrow/App/AppController.h"
+#include "Quarrow/Desktop/LoginItem.h"
+
+#include <QObject>
+#include <QString>
+#include <QUrl>
+#include <QVariantList>
+
+#include <functional>
+
+namespace quarrow {
+
+// What the windows let people do, and the settings that they show: the face of the coordinator towards QML.
+// Main thread.
+class Shell : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(bool galleryEnabled READ galleryEnabled WRITE setGalleryEnabled NOTIFY settingsChanged)
+  // An interface's name; empty: chosen automatically.
+  Q_PROPERTY(
+      QString preferredInterface READ preferredInterface WRITE setPreferredInterface NOTIFY settingsChanged)
+  // The number of a preset; -1: none.
+  Q_PROPERTY(int hotKeyPreset READ hotKeyPreset WRITE setHotKeyPreset NOTIFY settingsChanged)
+  // Each with `id` and `title`.
+  Q_PROPERTY(QVariantList hotKeyPresets READ hotKeyPresets CONSTANT)
+  Q_PROPERTY(int preferredPort READ preferredPort NOTIFY settingsChanged)
+  Q_PROPERTY(bool startsAtLogin READ startsAtLogin WRITE setStartsAtLogin NOTIFY startsAtLoginChanged)
+  // Files received since the program was started.
+  Q_PROPERTY(int receivedCount READ receivedCount NOTIFY receivedCountChanged)
+  Q_PROPERTY(QString resetKeyWarning READ resetKeyWarning CONSTANT)
+  // Whether the tray icon is there to come back through when the last window closes.
+  Q_PROPERTY(bool hasTray READ hasTray WRITE setHasTray NOTIFY hasTrayChanged)
+
+public:
+  // Both outlive the object.
+  Shell(AppController &controller, LoginItem &loginItem);
+
+  [[nodiscard]] bool galleryEnabled() const;
+  void setGalleryEnabled(bool enabled);
+  [[nodiscard]] QString preferredInterface() const;
+  void setPreferredInterface(const QString &interface);
+  [[nodiscard]] int hotKeyPreset() const;
+  void setHotKeyPreset(int preset);
+  [[nodiscard]] static QVariantList hotKeyPresets();
+  [[nodiscard]] int preferredPort() const;
+  [[nodiscard]] bool startsAtLogin() const;
+  void setStartsAtLogin(bool starts);
+  [[nodiscard]] int receivedCount() const { return receivedCount_; }
+  [[nodiscard]] static QString resetKeyWarning();
+  [[nodiscard]] bool hasTray() const { return hasTray_; }
+  void setHasTray(bool hasTray);
+
+  Q_INVOKABLE void copyText(const QString &text);
+  Q_INVOKABLE void openSaveFolder();
+  // Stores the folder as the save folder; an error goes to the model.
+  Q_INVOKABLE void chooseSaveFolder(const QUrl &folder);
+  Q_INVOKABLE void showMainWindow();
+  Q_INVOKABLE void showSettings();
+  Q_INVOKABLE void showHelp();
+  Q_INVOKABLE void finishOnboarding();
+  Q_INVOKABLE void resetKey();
+  Q_INVOKABLE void checkAgain();
+  Q_INVOKABLE void dismissError();
+  Q_INVOKABLE void quit();
+
+signals:
+  void settingsChanged();
+  void startsAtLoginChanged();
+  void receivedCountChanged();
+  void hasTrayChanged();
+
+private:
+  AppController &controller_;
+  LoginItem &loginItem_;
+  fennick::Subscription subscription_;
+  int receivedCount_ = 0;
+  bool hasTray_ = false;
+};
+
+} // namespace quarrow
