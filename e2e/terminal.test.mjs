@@ -6,6 +6,7 @@ import { spawnSync } from 'node:child_process';
 import fs from 'node:fs';
 import path from 'node:path';
 import { test } from 'node:test';
+import { twoHosts } from './lib/networks.mjs';
 import { Program, binary, scratch, until } from './lib/program.mjs';
 import { Terminal } from './lib/terminal.mjs';
 
@@ -49,6 +50,34 @@ test('keys show the code again, reset the key after a yes, and end the program',
   await terminal.sees(/status 0\r\n/);
   assert.equal((await terminal.sees(/^([\w:]+)\r\n/))[1], modes);
   assert.ok(!terminal.screen.includes('#'), 'keys are not echoed');
+});
+
+test('the address of the next interface is shown, around and around, and only for this run', async (t) => {
+  const home = scratch();
+  const { computer } = await twoHosts(t);
+  computer.ip('link add eth1 type veth peer name far');
+  for (const name of ['eth1', 'far']) computer.ip(`link set ${name} up`);
+  const terminal = new Terminal(t, [...computer.prefix, command(home, '--no-qr')].join(' '));
+  await terminal.sees(/http:\/\/192\.168\.77\.1:/);
+  await terminal.sees(/press \?/);
+  terminal.press('n');
+  await terminal.sees(/no other network/);
+  computer.ip('addr add 192.168.78.1/24 dev eth1');
+  const next = async () => {
+    terminal.press('n');
+    await terminal.sees(/The address has changed/);
+    return (await terminal.sees(/http:\/\/(192\.168\.7\d\.1):/))[1];
+  };
+  // Until the program has noticed, there is still one only.
+  await until(async () => {
+    terminal.press('n');
+    return (await terminal.sees(/no other network|http:\/\/192\.168\.78\.1:/))[0].startsWith('http');
+  }, 'the second interface');
+  assert.equal(await next(), '192.168.77.1');
+  assert.equal(await next(), '192.168.78.1');
+  terminal.press('q');
+  assert.equal(await terminal.exited, 0);
+  assert.doesNotMatch(fs.readFileSync(path.join(home, 'state', 'preferences.json'), 'utf8'), /eth[01]/);
 });
 
 test('the save folder is opened in the file manager', async (t) => {
