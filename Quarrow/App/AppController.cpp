@@ -249,6 +249,13 @@ fs::path AppController::chosenFolder() {
   return options_.defaultFolder;
 }
 
+void AppController::chooseSaveFolder(const fs::path &folder) {
+  auto bookmark = fennick::FolderBookmark::make(folder);
+  if (!bookmark)
+    return report(Matter::chosenFolder, "无法记住该目录：" + bookmark.error().description());
+  settings_.update([&](auto &settings) { settings.saveFolderBookmark = std::move(*bookmark); });
+}
+
 void AppController::applySaveFolder() {
   const fs::path folder = chosenFolder();
   if (const auto made = files_.createDirectories(folder); made)

@@ -105,6 +105,10 @@ public:
 
   // The folder that the gallery shows, or would show.
   [[nodiscard]] std::filesystem::path galleryURL() const;
+  // From now on files are saved in `folder`, which exists. The model's error says why not.
+  void chooseSaveFolder(const std::filesystem::path &folder);
+  // Shows the error of something else that the person asked for.
+  void reportProblem(std::string problem) { report(Matter::request, std::move(problem)); }
   // Takes the error that is shown away; the person has read it.
   void dismissError();
   // Checks anew whether phones can reach the service, and what stands in their way.
@@ -119,7 +123,7 @@ signals:
 private:
   struct Server;
   // What errors are about: a later success of the same thing takes them away.
-  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey };
+  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey, request };
 
   void applySaveFolder();
   void updateRouterConfig();

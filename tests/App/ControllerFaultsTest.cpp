@@ -45,7 +45,10 @@ TEST_F(ControllerFaults, AChosenFolderThatIsGoneGivesWayToTheDefaultOneAndThePer
   EXPECT_THAT(disk.names("default/fennick"), SizeIs(2));
 
   const auto next = disk.makeFolder("next");
-  change([&](auto &settings) { settings.saveFolderBookmark = bookmarkOf(next); });
+  controller->chooseSaveFolder(disk / "nowhere");
+  EXPECT_EQ(error(), "无法记住该目录：该位置已不存在");
+  controller->chooseSaveFolder(next);
+  queue.run();
   EXPECT_EQ(error(), "none");
   upload();
   EXPECT_THAT(disk.names("next"), SizeIs(2));
