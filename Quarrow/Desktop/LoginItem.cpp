@@ -1,0 +1,95 @@
+#include "Quarrow/Desktop/LoginItem.h"
+
+#include "FennickCore/Platform/Directories.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Text.h"
+
+#include <fmt/format.h>
+
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace quarrow {
+
+namespace {
+
+constexpr std::string_view kGroup = "[Desktop Entry]";
+
+// `text` as one quoted argument of an Exec line. The line is read twice: as a string, where a backslash
+// begins an escape, and as a command, where inside quotes these four characters need one of their own.
+std::string execArgument(std::string_view text) {
+  std::string argument = "\"";
+  for (const char c : text) {
+    if (c == '\\')
+      argument += R"(\\\\)";
+    else if (c == '"' || c == '`' || c == '$')
+      argument.append(R"(\\)").push_back(c);
+    else if (c == '%')
+      argument += "%%";
+    else if (c == '\n')
+      argument += "\\n";
+    else
+      argument += c;
+  }
+  return argument + "\"";
+}
+
+// The value of `key` in the entry's main group; empty when it is not there.
+std::string_view valueOf(std::string_view entry, std::string_view key) {
+  bool inside = false;
+  while (!entry.empty()) {
+    const auto end = entry.find('\n');
+    const std::string_view line = fennick::trimmed(entry.substr(0, end));
+    entry.remove_prefix(end == std::string_view::npos ? entry.size() : end + 1);
+    if (line.starts_with('['))
+      inside = line == kGroup;
+    const auto equals = line.find('=');
+    if (inside && equals != std::string_view::npos && fennick::trimmed(line.substr(0, equals)) == key)
+      return fennick::trimmed(line.substr(equals + 1));
+  }
+  return {};
+}
+
+std::string failure(const std::error_code &error) {
+  return fmt::format("无法更改登录时启动：{}", error.message());
+}
+
+} // namespace
+
+LoginItem::LoginItem(std::filesystem::path folder, std::filesystem::path program)
+    : entry_(std::move(folder) / "tevrin.desktop"), program_(std::move(program)) {}
+
+bool LoginItem::isEnabled() const {
+  const auto entry = fennick::readFile(entry_);
+  return entry && !valueOf(*entry, "Exec").empty() && valueOf(*entry, "Hidden") != "true" &&
+         valueOf(*entry, "X-GNOME-Autostart-enabled") != "false";
+}
+
+std::expected<void, std::string> LoginItem::setEnabled(bool enabled) {
+  if (enabled)
+    return write();
+  if (!isEnabled())
+    return {};
+  if (const auto removed = fennick::SystemFileSystem().remove(entry_); !removed)
+    return std::unexpected(failure(removed.error()));
+  return {};
+}
+
+std::expected<void, std::string> LoginItem::write() const {
+  const std::string entry =
+      fmt::format("{}\nType=Application\nName=Tevrin\nComment=从手机接收照片\nExec={} --login-item\n"
+                  "Icon=tevrin\nTerminal=false\n",
+                  kGroup, execArgument(program_.native()));
+  if (const auto made = fennick::SystemFileSystem().createDirectories(entry_.parent_path()); !made)
+    return std::unexpected(failure(made.error()));
+  if (const auto written = fennick::replaceFile(entry_, entry); !written)
+    return std::unexpected(failure(written.error()));
+  return {};
+}
+
+std::filesystem::path autostartFolder() {
+  return fennick::configurationDirectory().parent_path() / "autostart";
+}
+
+} // namespace quarrow
