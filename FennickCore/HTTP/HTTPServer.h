@@ -41,8 +41,8 @@ using HTTPServerError = std::variant<NoFreePort, ListenerFailed>;
 // Owns the listening socket, admits or refuses each connection and keeps the table of live ones. The listener
 // has a thread of its own, each connection one from a small cache.
 //
-// `start`, `stop`, `close` and the destructor: one thread at a time, never a connection's own. `port`: any thread. Handler,
-// limiter and clock are borrowed and outlive the server.
+// `start`, `stop`, `close` and the destructor: one thread at a time, never a connection's own. `port`: any
+// thread. Handler, limiter and clock are borrowed and outlive the server.
 class HTTPServer {
 public:
   HTTPServer(HTTPRequestHandler &handler, const HTTPLimits &limits, RateLimiter &rateLimiter,

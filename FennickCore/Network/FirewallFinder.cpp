@@ -2,7 +2,6 @@
 
 #include "FennickCore/Network/FirewallNftables.h"
 #include "FennickCore/Network/FirewallUfw.h"
-#include "FennickCore/Network/NetworkPath.h"
 #include "FennickCore/Platform/FileSystem.h"
 
 #include <fmt/format.h>
@@ -55,18 +54,13 @@ bool isServiceEnabled(const fs::path &root) {
 } // namespace
 
 FirewallFinder::Sources FirewallFinder::Sources::system() {
-  return {.root = "/",
-          .firewalld = [](std::uint16_t port,
-                          const std::string &interface) { return askFirewalld(port, interface); },
-          .interface =
-              [] {
-                const auto interfaces = currentNetworkPath().interfaces;
-                return interfaces.empty() ? std::string() : interfaces.front().name;
-              }};
+  return {.root = "/", .firewalld = [](std::uint16_t port, const std::string &interface) {
+            return askFirewalld(port, interface);
+          }};
 }
 
-FirewallFinding FirewallFinder::find(std::uint16_t port) const {
-  const Arrival arrival{.port = port, .interface = sources_.interface()};
+FirewallFinding FirewallFinder::find(std::uint16_t port, const std::string &interface) const {
+  const Arrival arrival{.port = port, .interface = interface};
   auto found = firewalld(arrival);
   if (!found)
     found = ufw(arrival);

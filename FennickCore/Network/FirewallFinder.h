@@ -25,15 +25,14 @@ public:
     std::filesystem::path root; // what "/" is
     std::function<std::optional<FirewalldAnswers>(std::uint16_t port, const std::string &interface)>
         firewalld;
-    std::function<std::string()> interface; // that phones most likely come by; empty when none is known
 
     [[nodiscard]] static Sources system();
   };
 
   explicit FirewallFinder(Sources sources) : sources_(std::move(sources)) {}
 
-  // With regard to TCP over IPv4 to `port`.
-  [[nodiscard]] FirewallFinding find(std::uint16_t port) const;
+  // With regard to TCP over IPv4 that comes to `port` by `interface`.
+  [[nodiscard]] FirewallFinding find(std::uint16_t port, const std::string &interface) const;
 
 private:
   [[nodiscard]] std::optional<FirewallFinding> firewalld(const Arrival &arrival) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace fennick {
 
@@ -20,7 +21,13 @@ struct FirewallFinding {
   // port is open.
   std::string command{};
 
+  // Whether it keeps phones out, or perhaps does.
+  [[nodiscard]] bool mayBlock() const { return kind != Kind::none && port != Port::open; }
   bool operator==(const FirewallFinding &) const = default;
 };
+
+// The names of the cases: "ufw", "closed".
+[[nodiscard]] std::string_view rawValue(FirewallFinding::Kind kind);
+[[nodiscard]] std::string_view rawValue(FirewallFinding::Port port);
 
 } // namespace fennick

@@ -27,7 +27,7 @@ SettingsStore::SettingsStore(Preferences &defaults)
   if (!accessKey_.empty())
     return;
   accessKey_ = AccessKey::generate(AccessKey::kLength);
-  std::ignore = defaults_.setText(kAccessKeyKey, accessKey_);
+  saveText(kAccessKeyKey, accessKey_);
 }
 
 void SettingsStore::setSettings(AppSettings settings) {
@@ -66,8 +66,8 @@ Subscription SettingsStore::observeAccessKey(std::function<void(const std::strin
   return accessKeyObservers_.add(std::move(observer));
 }
 
-Subscription SettingsStore::observeSaveFailures(std::function<void(const std::error_code &)> observer) {
-  return failureObservers_.add(std::move(observer));
+Subscription SettingsStore::observeSaves(std::function<void(const std::error_code &)> observer) {
+  return saveObservers_.add(std::move(observer));
 }
 
 void SettingsStore::adopt(AppSettings settings, AppSettings stored) {
@@ -81,12 +81,17 @@ void SettingsStore::save() {
   if (const auto text = encode(stored_))
     saveText(kSettingsKey, *text);
   else
-    failureObservers_.publish(std::make_error_code(std::errc::invalid_argument));
+    told(std::make_error_code(std::errc::invalid_argument));
 }
 
 void SettingsStore::saveText(std::string_view key, std::string_view text) {
-  if (const auto saved = defaults_.setText(key, text); !saved)
-    failureObservers_.publish(saved.error());
+  const auto saved = defaults_.setText(key, text);
+  told(saved ? std::error_code() : saved.error());
+}
+
+void SettingsStore::told(const std::error_code &result) {
+  lastSave_ = result;
+  saveObservers_.publish(result);
 }
 
 } // namespace fennick

@@ -23,6 +23,8 @@ public:
 
   // What holds for this run.
   [[nodiscard]] const AppSettings &settings() const { return settings_; }
+  // What holds from the next run on.
+  [[nodiscard]] const AppSettings &stored() const { return stored_; }
   // Tells the observers, then stores the fields that differ from the present record. A record that cannot be
   // encoded is not stored; one that the disk refuses holds for this run (the preferences log it).
   void setSettings(AppSettings settings);
@@ -41,14 +43,17 @@ public:
   // `observer` is called within each later change, before it is stored; not for the present value.
   [[nodiscard]] Subscription observeSettings(std::function<void(const AppSettings &)> observer);
   [[nodiscard]] Subscription observeAccessKey(std::function<void(const std::string &)> observer);
-  // `observer` is called once for each later change, of settings or key, that could not be stored, after the
-  // observers of the change.
-  [[nodiscard]] Subscription observeSaveFailures(std::function<void(const std::error_code &)> observer);
+  // `observer` is called after each later change of settings or key was stored, or was refused by the disk,
+  // and after the observers of the change. No error: it is stored, and all that was refused before with it.
+  [[nodiscard]] Subscription observeSaves(std::function<void(const std::error_code &)> observer);
+  // How the latest of them, that of a key made for a new installation included, went.
+  [[nodiscard]] const std::error_code &lastSave() const { return lastSave_; }
 
 private:
   void adopt(AppSettings settings, AppSettings stored);
   void save();
   void saveText(std::string_view key, std::string_view text);
+  void told(const std::error_code &result);
 
   Preferences &defaults_;
   AppSettings stored_;   // without what is overridden
@@ -56,7 +61,8 @@ private:
   std::string accessKey_;
   ObserverList<AppSettings> settingsObservers_;
   ObserverList<std::string> accessKeyObservers_;
-  ObserverList<std::error_code> failureObservers_;
+  ObserverList<std::error_code> saveObservers_;
+  std::error_code lastSave_;
 };
 
 } // namespace fennick

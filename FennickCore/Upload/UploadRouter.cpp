@@ -186,7 +186,8 @@ HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::s
 HTTPRouteDecision UploadRouter::receive(const HTTPRequestHead &head, const std::string &remote,
                                         std::int64_t length) {
   SaveDestination destination = providers_.destination();
-  auto part = incoming_.createPart(destination.folder);
+  auto part = providers_.canSave() ? incoming_.createPart(destination.folder)
+                                   : std::unexpected(std::make_error_code(std::errc::no_such_device));
   if (!part) {
     log(fmt::format("cannot write to {}: {}", destination.folder.string(), part.error().message()));
     return respond(500, "无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder");

@@ -43,6 +43,7 @@ public:
     // The folder whose photos phones may see; nothing while the gallery is off.
     std::function<std::optional<std::filesystem::path>()> gallery = [] { return std::nullopt; };
     std::function<UploadPolicy()> policy;
+    std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is there
   };
 
   // Where the gallery's thumbnails come from and where they are kept.

@@ -6,10 +6,12 @@
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/ReceivedNote.h"
+#include "Quarrow/App/SaveFolderDrive.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <tuple>
 
 namespace quarrow {
@@ -27,6 +29,7 @@ constexpr int kPortAttempts = 20;
 constexpr Seconds kProcessingTimeout{90};
 constexpr Seconds kProbeTimeout{3};
 constexpr Seconds kPanelDelay{0.5}; // until the tray has found its place for the icon
+constexpr Seconds kRecountDelay{1};
 constexpr std::string_view kOnboardingDone = "onboardingDone";
 
 using Outcome = fennick::LocalNetworkProbe::Outcome;
@@ -45,6 +48,11 @@ LocalNetworkStatus statusOf(const Outcome &outcome) {
     break;
   }
   return failedCheck(outcome.message);
+}
+
+fennick::BookmarkData bytesOf(const fs::path &path) {
+  const auto bytes = std::as_bytes(std::span(path.native()));
+  return {bytes.begin(), bytes.end()};
 }
 
 bool isDirectory(const fs::path &folder) {
@@ -98,13 +106,11 @@ void AppController::start() {
   network_.watch([this](auto addresses) { networkChanged(std::move(addresses)); });
   knownSettings_ = settings_.settings();
   subscriptions_.push_back(settings_.observeSettings([this](const auto &settings) {
-    resolve(Matter::settings); // unless it cannot be stored either
     if (settings != std::exchange(knownSettings_, settings))
       mainQueue_.post(whileAlive([this, settings] { settingsChanged(settings); }));
   }));
-  subscriptions_.push_back(settings_.observeSaveFailures([this](const std::error_code &error) {
-    report(Matter::settings, "无法保存设置，退出后会丢失：" + error.message());
-  }));
+  saved(settings_.lastSave());
+  subscriptions_.push_back(settings_.observeSaves([this](const auto &result) { saved(result); }));
   registerHotKey(settings_.settings().hotKeyPreset);
   openFirstWindow();
   openAskedFor(kPanelDelay, options_.arguments);
@@ -114,7 +120,9 @@ void AppController::start() {
 }
 
 void AppController::stop() {
-  stopped_ = true;
+  if (std::exchange(stopped_, true))
+    return;
+  std::ignore = desktop_.registerHotKey(std::nullopt, {});
   network_.unwatch();
   network_.cancel();
   folderWatcher_.reset();
@@ -172,6 +180,13 @@ bool AppController::stands(Matter matter) const {
   return std::ranges::any_of(errors_, [&](const auto &each) { return each.first == matter; });
 }
 
+void AppController::saved(const std::error_code &result) {
+  if (result)
+    report(Matter::settings, "无法保存设置，退出后会丢失：" + result.message());
+  else
+    resolve(Matter::settings);
+}
+
 void AppController::showLatestError() {
   server_.setError(errors_.empty() ? std::nullopt : std::optional(errors_.back().second));
 }
@@ -190,6 +205,9 @@ void AppController::startServer() {
   httpServer_ = std::make_shared<Server>(*this, preferred);
   lastPort_ = preferred;
   server_.setPort(std::nullopt);
+  network_.cancel(); // what is under way is about the old one
+  server_.setLocalNetworkStatus({});
+  server_.setFirewall(std::nullopt);
   mainQueue_.post(whileAlive([this, server = std::weak_ptr(httpServer_)] {
     if (const auto still = server.lock(); still && still == httpServer_)
       finishStart(*still);
@@ -230,7 +248,8 @@ fennick::UploadRouter::Providers AppController::providers() {
           .maxBytes = [this] { return routerConfig_.maxBytes(); },
           .onUpload = [this](const auto &record) { handleUpload(record); },
           .gallery = [this] { return routerConfig_.gallery(); },
-          .policy = [this] { return routerConfig_.policy(); }};
+          .policy = [this] { return routerConfig_.policy(); },
+          .canSave = [this] { return routerConfig_.canSave(); }};
 }
 
 fs::path AppController::chosenFolder() {
@@ -244,8 +263,15 @@ fs::path AppController::chosenFolder() {
     resolve(Matter::chosenFolder);
     return resolved->url;
   }
+  // Once it has been served, its drive may come back.
+  if (const auto &served = server_.saveFolder(); served && bookmark == bytesOf(*served))
+    return *served;
   report(Matter::chosenFolder, "之前选择的保存目录已不可用，已改回默认目录。");
-  settings_.update([](auto &settings) { settings.saveFolderBookmark.reset(); });
+  const auto forget = [](auto &settings) { settings.saveFolderBookmark.reset(); };
+  if (settings_.stored().saveFolderBookmark == bookmark)
+    settings_.update(forget);
+  else
+    settings_.overrideForRun(forget);
   return options_.defaultFolder;
 }
 
@@ -258,11 +284,15 @@ void AppController::chooseSaveFolder(const fs::path &folder) {
 
 void AppController::applySaveFolder() {
   const fs::path folder = chosenFolder();
+  const bool isNew = server_.saveFolder() != folder;
+  if (!isNew && isUnplugged(folder, drive_))
+    return;
   if (const auto made = files_.createDirectories(folder); made)
     resolve(Matter::makingFolder);
   else
     report(Matter::makingFolder, "无法创建保存目录：" + made.error().message());
-  if (server_.saveFolder() == folder)
+  drive_ = driveOf(folder);
+  if (!isNew)
     return;
   server_.setSaveFolder(folder);
   if (options_.hasPhotoWall)
@@ -278,14 +308,20 @@ void AppController::watchSaveFolder() {
 }
 
 void AppController::checkSaveFolder() {
-  if (!isDirectory(*server_.saveFolder())) {
-    if (stands(Matter::makingFolder))
-      return;
-    return report(Matter::missingFolder, "找不到保存目录，照片暂时存不进来。请检查它所在的磁盘是否已连接。");
+  const fs::path &folder = *server_.saveFolder();
+  if (isUnplugged(folder, drive_))
+    return report(Matter::missingFolder, "保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。");
+  drive_ = driveOf(folder);
+  if (isDirectory(folder)) {
+    resolve(Matter::missingFolder);
+    resolve(Matter::makingFolder);
+  } else if (!stands(Matter::makingFolder)) {
+    report(Matter::missingFolder, "保存目录不见了，收到下一张照片时会重新创建。");
   }
-  resolve(Matter::missingFolder);
-  resolve(Matter::makingFolder);
-  updateSharedInfo();
+  if (galleryURL() != shared_)
+    updateRouterConfig(); // the gallery's folder has come or gone
+  else
+    recountSoon();
 }
 
 fennick::SaveDestination AppController::makeDestination() const {
@@ -306,7 +342,8 @@ void AppController::updateRouterConfig() {
                         .destination = makeDestination(),
                         .maxBytes = settings.maxUploadBytes,
                         .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
-                        .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune}});
+                        .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune},
+                        .drive = drive_});
   {
     const Locked locked(imagingLock_);
     imaging_ = settings.imaging;
@@ -315,8 +352,18 @@ void AppController::updateRouterConfig() {
 }
 
 void AppController::updateSharedInfo() {
-  const fs::path shared = galleryURL();
-  server_.setShared(shared.filename().string(), fennick::galleryCount(shared));
+  shared_ = galleryURL();
+  server_.setShared(shared_.filename().string(), fennick::galleryCount(shared_));
+}
+
+// A burst of changes in the folder costs one count.
+void AppController::recountSoon() {
+  if (std::exchange(recounts_, true))
+    return;
+  mainQueue_.postAfter(kRecountDelay, whileAlive([this] {
+                         recounts_ = false;
+                         updateSharedInfo();
+                       }));
 }
 
 void AppController::settingsChanged(const fennick::AppSettings &settings) {
@@ -355,12 +402,12 @@ void AppController::runLocalNetworkCheck() {
   network_.cancel();
   const auto address = server_.preferredAddress();
   const auto port = server_.port();
-  if (port)
-    network_.findFirewall(*port, [this](auto finding) { server_.setFirewall(std::move(finding)); });
   if (!address)
     return server_.setLocalNetworkStatus(failedCheck("没有可用的局域网地址"));
   if (!port)
     return;
+  network_.findFirewall(address->interface, *port,
+                        [this](auto finding) { server_.setFirewall(std::move(finding)); });
   server_.setLocalNetworkStatus({});
   network_.probe(address->address, *port, kProbeTimeout,
                  [this](const Outcome &outcome) { server_.setLocalNetworkStatus(statusOf(outcome)); });

@@ -133,6 +133,7 @@ private:
   void runWorkflow(const std::filesystem::path &url, std::int64_t bytes);
   void pruneIfNeeded();
   void updateSharedInfo();
+  void recountSoon();
   void registerHotKey(std::optional<std::int64_t> presetID);
   void settingsChanged(const fennick::AppSettings &settings);
   void accessKeyChanged(const std::string &accessKey);
@@ -142,6 +143,7 @@ private:
   void report(Matter matter, std::string error);
   void resolve(Matter matter);
   [[nodiscard]] bool stands(Matter matter) const;
+  void saved(const std::error_code &result);
   void showLatestError();
   void watchSaveFolder();
   void checkSaveFolder();
@@ -174,6 +176,9 @@ private:
   std::optional<std::uint16_t> lastPort_;              // preferred when the server was last started
   fennick::AppSettings knownSettings_;                 // what followed from settings so far
   std::vector<fennick::Subscription> subscriptions_;
+  std::filesystem::path shared_; // the folder that the gallery shows, or would show
+  bool recounts_ = false;        // the pictures in it are to be counted soon
+  std::filesystem::path drive_;  // that the save folder lies on
   std::unique_ptr<fennick::FolderWatcher> folderWatcher_;
   std::shared_ptr<Server> httpServer_;
   bool stopped_ = false;

@@ -25,8 +25,10 @@ public:
   // Asks for the service's health at an address; a probe under way is given up, unheard.
   virtual void probe(const std::string &host, std::uint16_t port, fennick::Seconds timeout,
                      std::function<void(fennick::LocalNetworkProbe::Outcome)> done) = 0;
-  // Looks for a firewall in the way of phones to `port`; a search under way is given up, unheard.
-  virtual void findFirewall(std::uint16_t port, std::function<void(fennick::FirewallFinding)> done) = 0;
+  // Looks for a firewall in the way of phones that come to `port` by `interface`; a search under way is given
+  // up, unheard.
+  virtual void findFirewall(const std::string &interface, std::uint16_t port,
+                            std::function<void(fennick::FirewallFinding)> done) = 0;
   // Gives up both.
   virtual void cancel() = 0;
 };

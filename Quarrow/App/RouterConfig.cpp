@@ -1,5 +1,7 @@
 #include "Quarrow/App/RouterConfig.h"
 
+#include "Quarrow/App/SaveFolderDrive.h"
+
 #include <utility>
 
 namespace quarrow {
@@ -34,6 +36,17 @@ std::optional<std::filesystem::path> RouterConfig::gallery() const {
 fennick::UploadRouter::UploadPolicy RouterConfig::policy() const {
   const Locked locked(lock_);
   return values_.policy;
+}
+
+bool RouterConfig::canSave() const {
+  std::filesystem::path folder;
+  std::filesystem::path drive;
+  {
+    const Locked locked(lock_);
+    folder = values_.destination.folder;
+    drive = values_.drive;
+  }
+  return !isUnplugged(folder, drive);
 }
 
 } // namespace quarrow

@@ -21,6 +21,7 @@ public:
     std::int64_t maxBytes = 0;                    // most bytes of one upload
     std::optional<std::filesystem::path> gallery; // the folder the gallery shows; absent while it is off
     fennick::UploadRouter::UploadPolicy policy;
+    std::filesystem::path drive{}; // that the save folder lies on (see SaveFolderDrive.h); empty: unknown
   };
 
   // All values change in one step; a request under way may have read some of them before it.
@@ -31,6 +32,8 @@ public:
   [[nodiscard]] std::int64_t maxBytes() const;
   [[nodiscard]] std::optional<std::filesystem::path> gallery() const;
   [[nodiscard]] fennick::UploadRouter::UploadPolicy policy() const;
+  // False while the drive of the save folder is unplugged. Looks at the file system.
+  [[nodiscard]] bool canSave() const;
 
 private:
   mutable fennick::Mutex lock_;

@@ -28,31 +28,17 @@ bool assign(T &field, T value) {
 QString textOf(const std::string &text) { return QString::fromStdString(text); }
 QString textOf(const std::optional<std::string> &text) { return text ? textOf(*text) : QString(); }
 
-std::string_view nameOf(fennick::FirewallFinding::Kind kind) {
-  switch (kind) {
-  case fennick::FirewallFinding::Kind::ufw:
-    return "ufw";
-  case fennick::FirewallFinding::Kind::firewalld:
-    return "firewalld";
-  case fennick::FirewallFinding::Kind::nftables:
-    return "nftables";
-  case fennick::FirewallFinding::Kind::none:
-    break;
-  }
-  return {};
-}
-
 } // namespace
 
 std::optional<std::string> firewallAdvice(const fennick::FirewallFinding &finding) {
   using Port = fennick::FirewallFinding::Port;
-  if (finding.kind == fennick::FirewallFinding::Kind::none || finding.port == Port::open)
+  if (!finding.mayBlock())
     return std::nullopt;
   if (finding.port == Port::closed)
     return fmt::format("这台电脑的防火墙（{}）挡住了手机。在终端运行下面的命令即可放行。",
-                       nameOf(finding.kind));
+                       rawValue(finding.kind));
   return fmt::format("这台电脑开着防火墙（{}）。如果手机连不上，在终端运行下面的命令放行。",
-                     nameOf(finding.kind));
+                     rawValue(finding.kind));
 }
 
 std::optional<fennick::LANAddress> ServerModel::preferredAddress() const {
@@ -168,6 +154,13 @@ QString ServerModel::shortcutUploadURLText() const { return textOf(shortcutUploa
 
 QString ServerModel::saveFolderText() const {
   return saveFolder_ ? textOf(saveFolder_->string()) : QString();
+}
+
+QString ServerModel::checkAdvice() const {
+  if (localNetworkStatus_.kind != LocalNetworkStatus::Kind::failed)
+    return {};
+  return addresses_.empty() ? QStringLiteral("请把电脑连上 Wi-Fi 或网线，然后再检查一次。")
+                            : QStringLiteral("换一个网络地址再试；如果开着 VPN，请先关掉。");
 }
 
 QString ServerModel::firewallAdviceText() const {

@@ -36,6 +36,8 @@ class ServerModel : public QObject {
   Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
   Q_PROPERTY(
       quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY localNetworkStatusChanged)
+  // What to try when the self-check has failed.
+  Q_PROPERTY(QString checkAdvice READ checkAdvice NOTIFY localNetworkStatusChanged)
   Q_PROPERTY(QString sharedFolderName READ sharedFolderNameText NOTIFY sharedFolderNameChanged)
   Q_PROPERTY(int sharedCount READ sharedCountNumber NOTIFY sharedCountChanged)
   Q_PROPERTY(QString phoneURL READ phoneURLText NOTIFY phoneURLChanged)
@@ -64,6 +66,7 @@ public:
   // The last component of the folder that the gallery shows or would show, and the pictures directly in it.
   [[nodiscard]] const std::string &sharedFolderName() const { return sharedFolderName_; }
   [[nodiscard]] std::int64_t sharedCount() const { return sharedCount_; }
+  [[nodiscard]] QString checkAdvice() const;
   // Absent until it was looked for.
   [[nodiscard]] const std::optional<fennick::FirewallFinding> &firewall() const { return firewall_; }
 

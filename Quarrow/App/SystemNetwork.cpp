@@ -23,18 +23,20 @@ void SystemNetwork::probe(const std::string &host, std::uint16_t port, fennick::
   probe_ = fennick::LocalNetworkProbe::probe(host, port, timeout, answer);
 }
 
-void SystemNetwork::findFirewall(std::uint16_t port, std::function<void(fennick::FirewallFinding)> done) {
+void SystemNetwork::findFirewall(const std::string &interface, std::uint16_t port,
+                                 std::function<void(fennick::FirewallFinding)> done) {
   firewallTicket_ = std::make_shared<const int>();
   if (!firewallQueue_)
     firewallQueue_ = std::make_unique<fennick::SerialQueue>("fennick.firewall");
-  firewallQueue_->post([this, port, ticket = std::weak_ptr(firewallTicket_), done = std::move(done)] {
-    if (ticket.expired())
-      return;
-    mainQueue_.post([ticket, done, finding = firewall_.find(port)] {
-      if (ticket.lock())
-        done(finding);
-    });
-  });
+  firewallQueue_->post(
+      [this, interface, port, ticket = std::weak_ptr(firewallTicket_), done = std::move(done)] {
+        if (ticket.expired())
+          return;
+        mainQueue_.post([ticket, done, finding = firewall_.find(port, interface)] {
+          if (ticket.lock())
+            done(finding);
+        });
+      });
 }
 
 void SystemNetwork::cancel() {

@@ -24,7 +24,8 @@ public:
   void unwatch() override { watcher_.reset(); }
   void probe(const std::string &host, std::uint16_t port, fennick::Seconds timeout,
              std::function<void(fennick::LocalNetworkProbe::Outcome)> done) override;
-  void findFirewall(std::uint16_t port, std::function<void(fennick::FirewallFinding)> done) override;
+  void findFirewall(const std::string &interface, std::uint16_t port,
+                    std::function<void(fennick::FirewallFinding)> done) override;
   void cancel() override;
 
 private:

@@ -18,6 +18,12 @@ std::function<void()> UploadProgress::whileAlive(void (UploadProgress::*task)())
   };
 }
 
+void UploadProgress::setWatched(bool watched) {
+  watched_ = watched;
+  if (counter_.snapshot().uploads > 0)
+    begin();
+}
+
 void UploadProgress::begin() {
   if (runs_ || !watched_)
     return;
@@ -37,7 +43,7 @@ void UploadProgress::refresh() {
     bytesPerSecond_ = 0; // a new burst
   refreshedAt_ = now;
   refreshedBytes_ = activity_.totalBytes;
-  runs_ = activity_.uploads > 0;
+  runs_ = watched_ && activity_.uploads > 0;
   if (runs_)
     mainQueue_.postAfter(kInterval, whileAlive(&UploadProgress::refresh));
   emit changed();

@@ -23,7 +23,7 @@ public:
   UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock);
 
   // Nothing is refreshed until somebody looks.
-  void setWatched(bool watched) { watched_ = watched; }
+  void setWatched(bool watched);
 
   [[nodiscard]] qint64 uploads() const { return activity_.uploads; }
   [[nodiscard]] qint64 receivedBytes() const { return activity_.receivedBytes; }

@@ -21,21 +21,6 @@ void printLine(const Json &event) {
 
 Json textOrNull(const std::optional<std::string> &text) { return text ? Json(*text) : Json(nullptr); }
 
-std::string_view nameOf(fennick::FirewallFinding::Kind kind) {
-  using Kind = fennick::FirewallFinding::Kind;
-  switch (kind) {
-  case Kind::ufw:
-    return "ufw";
-  case Kind::firewalld:
-    return "firewalld";
-  case Kind::nftables:
-    return "nftables";
-  case Kind::none:
-    break;
-  }
-  return "none";
-}
-
 } // namespace
 
 void JsonReport::listening(const Listening &state, Reason) {
@@ -57,6 +42,8 @@ void JsonReport::received(const Received &file) {
 
 void JsonReport::error(const std::string &message) { printLine({{"event", "error"}, {"message", message}}); }
 
+void JsonReport::errorsSolved() { printLine({{"event", "error"}, {"message", nullptr}}); }
+
 void JsonReport::check(const Check &result) {
   printLine({{"event", "check"},
              {"status", result.passed ? "ok" : "failed"},
@@ -65,8 +52,8 @@ void JsonReport::check(const Check &result) {
 
 void JsonReport::firewall(const fennick::FirewallFinding &finding) {
   printLine({{"event", "firewall"},
-             {"kind", nameOf(finding.kind)},
-             {"port", finding.port == fennick::FirewallFinding::Port::closed ? "closed" : "unknown"},
+             {"kind", rawValue(finding.kind)},
+             {"port", rawValue(finding.port)},
              {"command", finding.command}});
 }
 

@@ -11,6 +11,7 @@ public:
   void listening(const Listening &state, Reason reason) override;
   void received(const Received &file) override;
   void error(const std::string &message) override;
+  void errorsSolved() override;
   void check(const Check &result) override;
   void firewall(const fennick::FirewallFinding &finding) override;
   void notice(const std::string &) override {}

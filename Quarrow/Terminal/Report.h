@@ -45,6 +45,8 @@ public:
   virtual void listening(const Listening &state, Reason reason) = 0;
   virtual void received(const Received &file) = 0;
   virtual void error(const std::string &message) = 0;
+  // Nothing is wrong any more.
+  virtual void errorsSolved() = 0;
   virtual void check(const Check &result) = 0;
   // A firewall that may keep phones out.
   virtual void firewall(const fennick::FirewallFinding &finding) = 0;

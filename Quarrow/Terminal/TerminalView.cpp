@@ -60,6 +60,8 @@ void TerminalView::update() {
   if (!now || now == shown_)
     return;
   const auto reason = shown_ ? difference(*shown_, *now) : Report::Reason::started;
+  if (shown_ && shown_->phoneURL != now->phoneURL)
+    check_.reset(); // it was about another address
   shown_ = std::move(now);
   report_.listening(*shown_, reason);
   if (reason == Report::Reason::started)
@@ -69,6 +71,8 @@ void TerminalView::update() {
 void TerminalView::reportError() {
   if (const auto &error = server_.error())
     report_.error(*error);
+  else
+    report_.errorsSolved();
 }
 
 // A check that is repeated without news is not worth a line, and without an address there is nothing to
@@ -85,8 +89,7 @@ void TerminalView::reportCheck() {
 
 void TerminalView::reportFirewall() {
   const auto &finding = server_.firewall();
-  if (shown_ && finding && finding->kind != fennick::FirewallFinding::Kind::none &&
-      finding->port != fennick::FirewallFinding::Port::open)
+  if (shown_ && finding && finding->mayBlock())
     report_.firewall(*finding);
 }
 

@@ -51,7 +51,7 @@ void WordsReport::printLine(const std::string &line) const {
 }
 
 void WordsReport::listening(const Listening &state, Reason reason) {
-  if (const auto why = explanation(reason); !why.empty())
+  if (const auto why = explanation(reason); !why.empty() && state.phoneURL)
     printLine(fmt::format("\n{}", why));
   const bool first = reason == Reason::started;
   if ((first || reason == Reason::port) && state.preferredPort != 0 && state.port != state.preferredPort)
@@ -88,11 +88,14 @@ void WordsReport::error(const std::string &message) {
   std::ignore = std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+void WordsReport::errorsSolved() { printLine("✓ 问题已经解决 / The problem is solved"); }
+
 void WordsReport::check(const Check &result) {
   if (!result.passed)
-    printLine(
-        fmt::format("✗ 自检没有通过，手机可能连不上 / The service does not answer under its address: {}",
-                    withoutControls(result.message)));
+    printLine(fmt::format("✗ 自检没有通过，手机可能连不上：{}。换一个网络，或先关掉 VPN\n"
+                          "  The service does not answer under its address. Try another network, or turn "
+                          "the VPN off",
+                          withoutControls(result.message)));
   else if (checkFailed_)
     printLine("✓ 自检通过了 / The service answers again");
   checkFailed_ = !result.passed;

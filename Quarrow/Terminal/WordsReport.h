@@ -19,6 +19,7 @@ public:
   void listening(const Listening &state, Reason reason) override;
   void received(const Received &file) override;
   void error(const std::string &message) override;
+  void errorsSolved() override;
   // Says that all is well only after it was not.
   void check(const Check &result) override;
   void firewall(const fennick::FirewallFinding &finding) override;

@@ -129,7 +129,7 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
   std::optional<quarrow::TerminalKeyboard> keyboard;
   mainQueue.onSignals({SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT},
                       [&](int signal) { handleSignal(signal, keyboard ? &*keyboard : nullptr); });
-  if (!options.json)
+  if (!options.json && fennick::standardOutputIsTerminal())
     keyboard.emplace();
   const auto report = makeReport(options, keyboard && keyboard->isOn());
   fennick::DecoderPool decoder({.program = fennick::imagingProgram()});
@@ -175,15 +175,15 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
 
 int run(int argc, char *argv[], const quarrow::CommandLine &options) {
   const auto stateDirectory = options.stateDirectory.value_or(fennick::configurationDirectory());
-  fennick::FilePreferences preferences(stateDirectory / "preferences.json");
-  AppSettings settings = fennick::SettingsStore(preferences).settings();
-  if (const auto applied = applyCommandLine(settings, options); !applied)
-    return refuse(kBadUsage, applied.error());
   auto guard = fennick::InstanceGuard::claim(stateDirectory, instanceName(options));
   if (guard && !*guard)
     return refuse(kRunsAlready, kRunsAlreadyText);
   if (!guard)
     fennick::log(fmt::format("cannot tell whether another one is running: {}", guard.error().message()));
+  fennick::FilePreferences preferences(stateDirectory / "preferences.json");
+  AppSettings settings = fennick::SettingsStore(preferences).settings();
+  if (const auto applied = applyCommandLine(settings, options); !applied)
+    return refuse(kBadUsage, applied.error());
   return serve(argc, argv, options, preferences, settings,
                guard ? std::move(*guard) : std::optional<fennick::InstanceGuard>());
 }

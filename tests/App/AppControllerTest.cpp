@@ -51,8 +51,8 @@ TEST_F(ControllerTest, WhichWindowOpensDependsOnTheOnboardingAndOnHowItWasStarte
                            Case{false, false, {"onboarding"}}, Case{false, true, {"onboarding"}}}) {
     std::ignore = preferences.setFlag("onboardingDone", each.onboardingDone);
     desktop.isLoginItem = each.isLoginItem;
-    desktop.asked.clear();
     make();
+    desktop.take();
     controller->start();
     EXPECT_EQ(std::vector(desktop.asked.begin() + 2, desktop.asked.end()), each.shown);
   }
@@ -70,8 +70,7 @@ TEST_F(ControllerTest, WhichWindowOpensDependsOnTheOnboardingAndOnHowItWasStarte
 TEST_F(ControllerTest, OfTwoQuickPortChangesOnlyTheNewestServerListens) {
   start();
   const auto first = *controller->server().port();
-  const auto second = freePort();
-  const auto third = freePort();
+  const auto [second, third] = twoFreePorts();
   controller->settings().update([&](auto &settings) { settings.preferredPort = second; });
   controller->settings().update([&](auto &settings) { settings.preferredPort = third; });
   queue.run();
@@ -145,6 +144,15 @@ TEST_F(ControllerTest, TheGalleryShowsTheChosenFolderInsideTheSaveFolderOrWhereU
     EXPECT_EQ(controller->server().sharedFolderName(), shown) << chosen.value_or("none");
     EXPECT_EQ(controller->server().sharedCount(), count);
   }
+  change([&](auto &settings) { settings.galleryFolder = "later"; });
+  disk.write("photos/later/g.jpg");
+  queue.runUntil([&] { return controller->server().sharedFolderName() == "later"; });
+  disk.write("photos/later/h.jpg");
+  queue.runUntil([&] {
+    queue.advance(fennick::Seconds(1));
+    return controller->server().sharedCount() == 2;
+  });
+  change([&](auto &settings) { settings.galleryFolder.reset(); });
   EXPECT_THAT(ask("/gallery?k=" + store.accessKey()), Not(HasSubstr("d.png")));
   change([](auto &settings) { settings.galleryEnabled = true; });
   EXPECT_THAT(ask("/gallery?k=" + store.accessKey()), HasSubstr("d.png"));
@@ -195,6 +203,13 @@ TEST_F(ControllerTest, EachChangeOfTheNetworkIsCheckedAndOnlyTheLatestCheckCount
   network.change({});
   EXPECT_EQ(server.qrImage(), std::nullopt);
   EXPECT_FALSE(network.answer);
+  EXPECT_EQ(server.property("checkAdvice").toString(), "请把电脑连上 Wi-Fi 或网线，然后再检查一次。");
+
+  network.change({wifi()}); // a check of the old server says nothing of the new one
+  controller->settings().update([](auto &settings) { settings.preferredPort = freePort(); });
+  queue.runUntil(
+      [&] { return !network.answer || server.port() == controller->settings().settings().preferredPort; });
+  EXPECT_EQ(network.probes.back(), at("192.168.1.20"));
   controller->stop();
   EXPECT_FALSE(network.change);
 }
@@ -204,6 +219,8 @@ TEST_F(ControllerTest, AFirewallInTheWayIsSaidWithTheCommandThatHelps) {
   using Port = FirewallFinding::Port;
   network.firewall = {.kind = Kind::ufw, .port = Port::closed, .command = "sudo ufw allow 8000/tcp"};
   start();
+  network.change({wired()});
+  EXPECT_EQ(network.asked, "eth0");
   EXPECT_EQ(controller->server().property("firewallCommand").toString(), "sudo ufw allow 8000/tcp");
   EXPECT_THAT(controller->server().property("firewallAdvice").toString().toStdString(),
               AllOf(HasSubstr("ufw"), HasSubstr("挡住")));

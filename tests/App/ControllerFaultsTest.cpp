@@ -7,6 +7,7 @@ namespace {
 
 using Operation = fennick::test::FaultyFileSystem::Operation;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -65,29 +66,46 @@ TEST_F(ControllerFaults, AFolderThatCannotBeMadeIsSaidAndComesBackWithoutARestar
   queue.runUntil([&] { return !controller->server().error(); });
 }
 
+// A drive is a link to a folder of another file system here: without it the way leads to the system's disk,
+// as with the empty folder of a mount point.
 TEST_F(ControllerFaults, AnUnpluggedDriveIsSaidAndServedAgainWhenItIsBack) {
-  options.saveFolder = disk / "media/drive/photos";
+  const std::filesystem::path drive = std::filesystem::path("/dev/shm") / disk.path().filename();
+  std::filesystem::create_directories(drive / "photos");
+  if (fennick::fileIdentity(drive)->device == fennick::fileIdentity(disk.path())->device)
+    GTEST_SKIP() << "there is only one file system here";
+  const auto plugIn = [&] {
+    std::filesystem::create_directory_symlink(drive, disk.makeFolder("media") / "drive");
+  };
+  plugIn();
+  options.saveFolder.reset();
+  options.defaultFolder = disk / "default";
+  store.update(
+      [&](auto &settings) { settings.saveFolderBookmark = bookmarkOf(disk / "media/drive/photos"); });
   start();
   upload();
   queue.runUntil([&] { return controller->library().items().size() == 1; });
 
-  std::filesystem::rename(disk / "media/drive", disk / "unplugged");
-  files.failAlways(Operation::createDirectories, EACCES); // a mount point's folder is not the person's
+  std::filesystem::remove(disk / "media/drive");
+  EXPECT_THAT(upload(), StartsWith("HTTP/1.1 500")); // at once, whether it was noticed or not
   queue.runUntil([&] { return controller->server().error().has_value(); });
-  EXPECT_THAT(error(), HasSubstr("找不到保存目录"));
+  EXPECT_THAT(error(), HasSubstr("磁盘不见了"));
+  change([](auto &settings) { settings.maxUploadBytes = 1000; }); // forgets nothing and makes nothing
   EXPECT_THAT(upload(), StartsWith("HTTP/1.1 500"));
+  EXPECT_THAT(disk.names("media"), IsEmpty());
+  EXPECT_TRUE(stored().saveFolderBookmark);
   queue.runUntil([&] {
     queue.advance(fennick::Seconds(1));
     return controller->library().items().empty();
   });
 
-  files.mend(Operation::createDirectories);
-  std::filesystem::rename(disk / "unplugged", disk / "media/drive");
+  plugIn();
   queue.runUntil([&] {
     queue.advance(fennick::Seconds(1));
     return !controller->server().error() && controller->library().items().size() == 1;
   });
   EXPECT_THAT(upload(), StartsWith("HTTP/1.1 200"));
+  EXPECT_THAT(disk.names("media/drive/photos"), SizeIs(3));
+  std::filesystem::remove_all(drive);
 }
 
 TEST_F(ControllerFaults, AClockSetBackAnHourCostsNoPhotoItsNameOrItsTurn) {
@@ -135,8 +153,18 @@ TEST_F(ControllerFaults, SettingsThatCannotBeStoredHoldForTheRunAndThePersonIsTo
 }
 
 TEST_F(ControllerFaults, WhatIsOverriddenForTheRunIsNeverStored) {
-  options.overrides = [](auto &settings) { settings.maxUploadBytes = 20; };
+  const auto chosen = disk.makeFolder("chosen");
+  store.update([&](auto &settings) { settings.saveFolderBookmark = bookmarkOf(chosen); });
+  options.saveFolder.reset();
+  options.defaultFolder = disk / "photos";
+  options.overrides = [gone = bookmarkOf(disk.makeFolder("gone"))](auto &settings) {
+    settings.maxUploadBytes = 20;
+    settings.saveFolderBookmark = gone;
+  };
+  std::filesystem::remove(disk / "gone");
   start();
+  EXPECT_EQ(error(), kGoneNotice);
+  EXPECT_EQ(stored().saveFolderBookmark, bookmarkOf(chosen));
   EXPECT_THAT(upload(std::string(kJPEG) + std::string(20, 'x')), StartsWith("HTTP/1.1 413"));
   change([](auto &settings) { settings.naming = fennick::PrefixSequenceNaming{}; });
   EXPECT_EQ(stored().maxUploadBytes, fennick::AppSettings().maxUploadBytes);

@@ -100,8 +100,13 @@ protected:
                          [&](const auto &line) { return line.contains(containing); });
     return found;
   }
-  // A port that is free, and was so a moment ago.
-  static std::uint16_t freePort() { return fennick::ListeningSocket::open(0)->port(); }
+  // Ports that were free a moment ago.
+  static std::uint16_t freePort() { return twoFreePorts().first; }
+  static std::pair<std::uint16_t, std::uint16_t> twoFreePorts() {
+    const auto first = fennick::ListeningSocket::open(0);
+    const auto second = fennick::ListeningSocket::open(0);
+    return {first->port(), second->port()};
+  }
 
   fennick::test::TemporaryFolder disk;
   fennick::FilePreferences preferences{disk / "state/preferences.json"};

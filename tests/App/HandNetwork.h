@@ -22,7 +22,9 @@ public:
     probes.push_back(fmt::format("{}:{}", host, port));
     answer = std::move(done);
   }
-  void findFirewall(std::uint16_t, std::function<void(fennick::FirewallFinding)> done) override {
+  void findFirewall(const std::string &interface, std::uint16_t,
+                    std::function<void(fennick::FirewallFinding)> done) override {
+    asked = interface;
     done(firewall);
   }
   void cancel() override { answer = {}; }
@@ -30,6 +32,7 @@ public:
   std::function<void(std::vector<fennick::LANAddress>)> change;    // none: nobody watches
   std::function<void(fennick::LocalNetworkProbe::Outcome)> answer; // none: no probe is under way
   std::vector<std::string> probes;
+  std::string asked; // the interface of the latest search
   fennick::FirewallFinding firewall{.port = fennick::FirewallFinding::Port::open};
 };
 

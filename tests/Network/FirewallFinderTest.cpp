@@ -20,10 +20,8 @@ class FirewallFinderTest : public ::testing::Test {
 protected:
   // Phones come to port 8000 by wlan0.
   FirewallFinding found() const {
-    return FirewallFinder({.root = disk.path(),
-                           .firewalld = [&](auto, const auto &) { return firewalld; },
-                           .interface = [] { return "wlan0"; }})
-        .find(8000);
+    return FirewallFinder({.root = disk.path(), .firewalld = [&](auto, const auto &) { return firewalld; }})
+        .find(8000, "wlan0");
   }
   void enableUfw(std::string_view policy, std::string_view rules) {
     disk.write("etc/ufw/ufw.conf", "# Set to yes\nENABLED=yes\nLOGLEVEL=low\n");

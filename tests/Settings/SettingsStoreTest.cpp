@@ -162,8 +162,8 @@ TEST_F(SettingsStoreTest, AChangeThatCannotBeStoredHoldsForTheRunAndIsToldOnceAf
   std::string told;
   const auto settings = store.observeSettings([&](const AppSettings &) { told += "settings "; });
   const auto key = store.observeAccessKey([&](const std::string &) { told += "key "; });
-  const auto failures =
-      store.observeSaveFailures([&](const std::error_code &why) { told += why.message() + "; "; });
+  const auto saves = store.observeSaves(
+      [&](const std::error_code &why) { told += why ? why.message() + "; " : std::string("stored; "); });
   preferences.refusal = std::make_error_code(std::errc::no_space_on_device);
   store.update(portTo(9000));
   store.resetAccessKey();
@@ -173,7 +173,9 @@ TEST_F(SettingsStoreTest, AChangeThatCannotBeStoredHoldsForTheRunAndIsToldOnceAf
   EXPECT_EQ(told, "settings No space left on device; key No space left on device; settings "
                   "settings Invalid argument; ");
   EXPECT_EQ(store.settings().preferredPort, 9001);
+  told.clear();
   store.update([](AppSettings &s) { s.sessionSubfolder = std::nullopt; });
+  EXPECT_EQ(told, "settings stored; ");
   EXPECT_EQ(storedSettings().preferredPort, 9000);
 }
 

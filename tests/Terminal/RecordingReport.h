@@ -23,6 +23,7 @@ public:
     add(fmt::format("received {} ({}, {}): {}", file.name, file.path.string(), file.bytes, file.note));
   }
   void error(const std::string &message) override { add("error " + message); }
+  void errorsSolved() override { add("solved"); }
   void check(const Check &result) override {
     add(result.passed ? "check passed" : "check failed: " + result.message);
   }

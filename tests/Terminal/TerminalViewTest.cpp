@@ -98,7 +98,7 @@ TEST_F(TerminalViewTest, WhatIsWrongIsToldWhenItIsNews) {
 
   server.setError("the folder is gone");
   server.setError(std::nullopt);
-  EXPECT_THAT(report.take(), ElementsAre("error the folder is gone"));
+  EXPECT_THAT(report.take(), ElementsAre("error the folder is gone", "solved"));
 }
 
 TEST_F(TerminalViewTest, ProgressIsShownUntilNothingIsUnderWayAndTheFileFollows) {
