@@ -51,10 +51,6 @@ std::string_view valueOf(std::string_view entry, std::string_view key) {
   return {};
 }
 
-std::string failure(const std::error_code &error) {
-  return fmt::format("无法更改登录时启动：{}", error.message());
-}
-
 } // namespace
 
 LoginItem::LoginItem(std::filesystem::path folder, std::filesystem::path program)
@@ -72,7 +68,7 @@ std::expected<void, std::string> LoginItem::setEnabled(bool enabled) {
   if (!isEnabled())
     return {};
   if (const auto removed = fennick::SystemFileSystem().remove(entry_); !removed)
-    return std::unexpected(failure(removed.error()));
+    return std::unexpected(removed.error().message());
   return {};
 }
 
@@ -82,9 +78,9 @@ std::expected<void, std::string> LoginItem::write() const {
                   "Icon=tevrin\nTerminal=false\n",
                   kGroup, execArgument(program_.native()));
   if (const auto made = fennick::SystemFileSystem().createDirectories(entry_.parent_path()); !made)
-    return std::unexpected(failure(made.error()));
+    return std::unexpected(made.error().message());
   if (const auto written = fennick::replaceFile(entry_, entry); !written)
-    return std::unexpected(failure(written.error()));
+    return std::unexpected(written.error().message());
   return {};
 }
 

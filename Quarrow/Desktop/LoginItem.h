@@ -18,7 +18,7 @@ public:
   // Read anew each time.
   [[nodiscard]] bool isEnabled() const;
   // Writes the entry, in place of whatever stood there, or takes it away; one that starts nothing stays as
-  // the person left it. On failure nothing has changed and the error is a sentence to show.
+  // the person left it. On failure nothing has changed and the error says why in words.
   [[nodiscard]] std::expected<void, std::string> setEnabled(bool enabled);
 
 private:

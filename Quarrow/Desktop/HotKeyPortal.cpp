@@ -1,0 +1,171 @@
+#include "Quarrow/Desktop/HotKeyPortal.h"
+
+#include "Quarrow/Desktop/DBusCall.h"
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QList>
+#include <QMetaObject>
+#include <QMetaType>
+#include <QPointer>
+#include <QStringList>
+
+#include <utility>
+
+namespace quarrow {
+
+// A shortcut as the portal writes it, (sa{sv}).
+struct PortalShortcut {
+  QString id;
+  QVariantMap properties;
+};
+
+// Qt finds these two by their names.
+QDBusArgument &operator<<(QDBusArgument &argument, const PortalShortcut &shortcut);
+const QDBusArgument &operator>>(const QDBusArgument &argument, PortalShortcut &shortcut);
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PortalShortcut &shortcut) {
+  argument.beginStructure();
+  argument << shortcut.id << shortcut.properties;
+  argument.endStructure();
+  return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PortalShortcut &shortcut) {
+  argument.beginStructure();
+  argument >> shortcut.id >> shortcut.properties;
+  argument.endStructure();
+  return argument;
+}
+
+namespace {
+
+const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString kShortcuts = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
+const QString kRequest = QStringLiteral("org.freedesktop.portal.Request");
+const QString kSession = QStringLiteral("org.freedesktop.portal.Session");
+
+// A name that no other question or session of ours has.
+QString nextToken() {
+  static int count = 0; // main thread
+  return QStringLiteral("tevrin%1").arg(++count);
+}
+
+// "CTRL+ALT+LOGO+p": how the desktops write shortcuts to each other.
+QString triggerOf(const HotKeyPreset &preset) {
+  QStringList keys;
+  for (const auto &[modifier, name] :
+       {std::pair(HotKeyPreset::kControl, "CTRL"), std::pair(HotKeyPreset::kOption, "ALT"),
+        std::pair(HotKeyPreset::kShift, "SHIFT"), std::pair(HotKeyPreset::kCommand, "LOGO")})
+    if ((preset.modifiers & modifier) != 0)
+      keys.append(QString::fromLatin1(name));
+  keys.append(QString::fromLatin1(hotKeySymbol(preset.keyCode).name));
+  return keys.join(QLatin1Char('+'));
+}
+
+} // namespace
+
+PortalSession::PortalSession(QDBusConnection bus, const HotKeyPreset &preset)
+    : bus_(std::move(bus)), preset_(preset) {
+  qDBusRegisterMetaType<PortalShortcut>();
+  qDBusRegisterMetaType<QList<PortalShortcut>>();
+  bus_.connect(kService, kPath, kShortcuts, QStringLiteral("Activated"), this,
+               SLOT(activated(QDBusObjectPath, QString)));
+  ask(QStringLiteral("CreateSession"), {}, {{QStringLiteral("session_handle_token"), nextToken()}},
+      SLOT(created(uint, QVariantMap)));
+}
+
+PortalSession::~PortalSession() {
+  const auto close = [this](const QString &path, const QString &interface) {
+    if (!path.isEmpty())
+      bus_.send(QDBusMessage::createMethodCall(kService, path, interface, QStringLiteral("Close")));
+  };
+  close(request_, kRequest);
+  close(session_, kSession);
+}
+
+QString PortalSession::shortcutID() const { return QStringLiteral("fnck-%1").arg(preset_.id); }
+
+// The answer comes as a signal of an object whose path is known before the question is asked.
+void PortalSession::ask(const QString &method, QVariantList arguments, QVariantMap options,
+                        const char *answered) {
+  const QString token = nextToken();
+  const QString sender = bus_.baseService().mid(1).replace(QLatin1Char('.'), QLatin1Char('_'));
+  request_ = QStringLiteral("%1/request/%2/%3").arg(kPath, sender, token);
+  bus_.connect(kService, request_, kRequest, QStringLiteral("Response"), this, answered);
+  options.insert(QStringLiteral("handle_token"), token);
+  arguments.append(options);
+  auto call = QDBusMessage::createMethodCall(kService, kPath, kShortcuts, method);
+  call.setArguments(arguments);
+  callAsync(bus_, call, *this, [this](const QDBusMessage &reply) {
+    if (reply.type() == QDBusMessage::ErrorMessage)
+      emit refused();
+  });
+}
+
+void PortalSession::created(uint response, const QVariantMap &results) {
+  request_.clear();
+  session_ = results.value(QStringLiteral("session_handle")).toString();
+  if (response != 0 || session_.isEmpty())
+    return emit refused();
+  bus_.connect(kService, session_, kSession, QStringLiteral("Closed"), this, SIGNAL(refused()));
+  const PortalShortcut shortcut{shortcutID(),
+                                {{QStringLiteral("description"), tr("打开接收照片的面板")},
+                                 {QStringLiteral("preferred_trigger"), triggerOf(preset_)}}};
+  ask(QStringLiteral("BindShortcuts"),
+      {QVariant::fromValue(QDBusObjectPath(session_)), QVariant::fromValue(QList{shortcut}), QString()}, {},
+      SLOT(bound(uint, QVariantMap)));
+}
+
+void PortalSession::bound(uint response, const QVariantMap &results) {
+  request_.clear();
+  const auto granted = qdbus_cast<QList<PortalShortcut>>(results.value(QStringLiteral("shortcuts")));
+  if (response != 0 || granted.isEmpty())
+    emit refused();
+}
+
+void PortalSession::activated(const QDBusObjectPath &session, const QString &shortcut) {
+  if (!session_.isEmpty() && session.path() == session_ && shortcut == shortcutID())
+    emit pressed();
+}
+
+bool HotKeyPortal::take(const HotKeyPreset &preset) {
+  wanted_ = preset;
+  if (asked_ == wanted_)
+    return session_ != nullptr;
+  settle();
+  return true;
+}
+
+void HotKeyPortal::release() {
+  wanted_.reset();
+  QMetaObject::invokeMethod(this, &HotKeyPortal::settle, Qt::QueuedConnection);
+}
+
+void HotKeyPortal::settle() {
+  if (asked_ == wanted_)
+    return;
+  asked_ = wanted_;
+  session_ = wanted_ ? std::make_unique<PortalSession>(bus_, *wanted_) : nullptr;
+  if (!session_)
+    return;
+  connect(session_.get(), &PortalSession::pressed, this, [this] {
+    if (wanted_)
+      events().pressed();
+  });
+  // Queued: a session does not end inside its own signal.
+  const auto refused = [this, session = QPointer(session_.get())] {
+    if (session)
+      refuse();
+  };
+  connect(session_.get(), &PortalSession::refused, this, refused, Qt::QueuedConnection);
+}
+
+void HotKeyPortal::refuse() {
+  session_.reset();
+  if (wanted_)
+    events().refused();
+}
+
+} // namespace quarrow

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Quarrow/Desktop/HotKeyBackend.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace quarrow {
+
+// One shortcut that was asked for at the desktop portal, from the question to the end of its session. It is
+// the person who decides there, and may choose other keys than those proposed. Main thread.
+class PortalSession final : public QObject {
+  Q_OBJECT
+
+public:
+  PortalSession(QDBusConnection bus, const HotKeyPreset &preset);
+  ~PortalSession() override;
+  PortalSession(const PortalSession &) = delete;
+  PortalSession &operator=(const PortalSession &) = delete;
+
+signals:
+  void pressed();
+  void refused(); // or taken away, or there is no such portal
+
+private slots:
+  void created(uint response, const QVariantMap &results);
+  void bound(uint response, const QVariantMap &results);
+  void activated(const QDBusObjectPath &session, const QString &shortcut);
+
+private:
+  void ask(const QString &method, QVariantList arguments, QVariantMap options, const char *answered);
+  [[nodiscard]] QString shortcutID() const;
+
+  QDBusConnection bus_;
+  const HotKeyPreset preset_;
+  QString request_; // the object that answers the question under way
+  QString session_; // empty until it was granted
+};
+
+// Shortcuts through org.freedesktop.portal.GlobalShortcuts, for Wayland. The portal may ask the person, so a
+// key is first taken to be ours and its refusal told later. What is released and taken again in one turn of
+// the event loop keeps its session, and what was refused is refused again until it was released for a while:
+// nobody is asked twice.
+class HotKeyPortal final : public QObject, public HotKeyBackend {
+public:
+  explicit HotKeyPortal(QDBusConnection bus) : bus_(std::move(bus)) {}
+
+  bool take(const HotKeyPreset &preset) override;
+  void release() override;
+
+private:
+  void settle();
+  void refuse();
+
+  const QDBusConnection bus_;
+  std::optional<HotKeyPreset> wanted_;
+  std::optional<HotKeyPreset> asked_; // what the session is for, or was before it was refused
+  std::unique_ptr<PortalSession> session_;
+};
+
+} // namespace quarrow
