@@ -1,0 +1,24 @@
+import QtQuick
+
+// Copies `copied` and says so for a moment.
+IconButton {
+    id: control
+
+    property string copied
+    property string what
+
+    text: said.running ? qsTr("已复制") : qsTr("复制%1").arg(what)
+    icon.name: said.running ? "check" : "copy"
+    ink: said.running ? Theme.success : Theme.quiet
+    enabled: copied
+    onClicked: {
+        Shell.copyText(copied);
+        said.restart();
+    }
+
+    Timer {
+        id: said
+
+        interval: 1600
+    }
+}

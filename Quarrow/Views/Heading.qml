@@ -1,0 +1,7 @@
+import QtQuick
+
+Words {
+    font.pixelSize: Theme.title
+    font.weight: Font.DemiBold
+    Accessible.role: Accessible.Heading
+}

@@ -1,0 +1,16 @@
+import QtQuick
+
+Rectangle {
+    property int tone: Status.Pending
+
+    implicitWidth: 8
+    implicitHeight: 8
+    radius: 4
+    color: tone === Status.Good ? Theme.success : tone === Status.Warning ? Theme.warning : tone === Status.Bad ? Theme.danger : Theme.quiet
+
+    Behavior on color {
+        ColorAnimation {
+            duration: Theme.motion
+        }
+    }
+}

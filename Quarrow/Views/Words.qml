@@ -1,0 +1,13 @@
+import QtQuick
+
+// Text as it is, never as markup: names come from phones and disks.
+Text {
+    property bool quiet: false
+
+    color: quiet ? Theme.quiet : Theme.text
+    font.pixelSize: Theme.body
+    wrapMode: Text.Wrap
+    textFormat: Text.PlainText
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+}
