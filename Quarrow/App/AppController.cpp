@@ -392,10 +392,11 @@ void AppController::networkChanged(std::vector<fennick::LANAddress> addresses) {
 }
 
 void AppController::registerHotKey(std::optional<std::int64_t> presetID) {
-  if (desktop_.registerHotKey(presetID, [this] { desktop_.showPanel(); }))
+  const auto refused = [this] { report(Matter::hotKey, "全局快捷键注册失败，可能被其他 App 占用"); };
+  if (desktop_.registerHotKey(presetID, {.pressed = [this] { desktop_.showPanel(); }, .refused = refused}))
     resolve(Matter::hotKey);
   else
-    report(Matter::hotKey, "全局快捷键注册失败，可能被其他 App 占用");
+    refused();
 }
 
 void AppController::runLocalNetworkCheck() {

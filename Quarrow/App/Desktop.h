@@ -36,10 +36,13 @@ public:
   // Shows a notification now; one that the desktop refuses is dropped.
   virtual void notify(const std::string &title, const std::string &body) = 0;
 
-  // Replaces the global shortcut by the preset with this number, or by none; `pressed` is called on the main
-  // thread. False when the shortcut is not to be had, and there is none then.
-  [[nodiscard]] virtual bool registerHotKey(std::optional<std::int64_t> presetID,
-                                            std::function<void()> pressed) = 0;
+  struct HotKeyActions {
+    std::function<void()> pressed{};
+    std::function<void()> refused{}; // by a desktop that answers late, or takes the shortcut away again
+  };
+  // Replaces the global shortcut by the preset with this number, or by none; the actions are called on the
+  // main thread. False when the shortcut is not to be had, and there is none then.
+  [[nodiscard]] virtual bool registerHotKey(std::optional<std::int64_t> presetID, HotKeyActions actions) = 0;
 
   // Whether the session started the program at login: it waits in the tray then and opens no window.
   [[nodiscard]] virtual bool launchedAsLoginItem() const = 0;

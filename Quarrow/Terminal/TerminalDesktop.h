@@ -27,9 +27,7 @@ public:
                 std::function<void(const std::string &)> failed) override;
   void playSound() override { report_.bell(); }
   void notify(const std::string &, const std::string &) override {}
-  [[nodiscard]] bool registerHotKey(std::optional<std::int64_t>, std::function<void()>) override {
-    return true;
-  }
+  [[nodiscard]] bool registerHotKey(std::optional<std::int64_t>, HotKeyActions) override { return true; }
   [[nodiscard]] bool launchedAsLoginItem() const override { return false; }
 
 private:

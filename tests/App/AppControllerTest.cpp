@@ -37,7 +37,7 @@ TEST_F(ControllerTest, TheStartGoesInOrderAndTheServerListensOnTheNextTurn) {
   EXPECT_THAT(desktop.take(), IsEmpty());
   queue.advance(fennick::Seconds(0.1));
   EXPECT_THAT(desktop.take(), ElementsAre("panel"));
-  desktop.pressed();
+  desktop.hotKey.pressed();
   EXPECT_THAT(desktop.take(), ElementsAre("panel"));
 }
 
@@ -234,6 +234,11 @@ TEST_F(ControllerTest, AShortcutThatAnotherProgramHasIsSaidUntilOneWorks) {
   desktop.grantsHotKey = false;
   change([](auto &settings) { settings.hotKeyPreset = 1; });
   EXPECT_EQ(controller->server().error(), "全局快捷键注册失败，可能被其他 App 占用");
+  desktop.grantsHotKey = true;
+  change([](auto &settings) { settings.hotKeyPreset = 2; });
+  EXPECT_EQ(controller->server().error(), std::nullopt);
+  desktop.hotKey.refused();
+  EXPECT_TRUE(controller->server().error());
   change([](auto &settings) { settings.hotKeyPreset.reset(); });
   EXPECT_EQ(controller->server().error(), std::nullopt);
 }

@@ -34,9 +34,9 @@ public:
   void notify(const std::string &title, const std::string &body) override {
     asked.push_back(fmt::format("notify {}: {}", title, body));
   }
-  bool registerHotKey(std::optional<std::int64_t> presetID, std::function<void()> action) override {
+  bool registerHotKey(std::optional<std::int64_t> presetID, HotKeyActions actions) override {
     asked.push_back(presetID ? fmt::format("hot key {}", *presetID) : "no hot key");
-    pressed = std::move(action);
+    hotKey = std::move(actions);
     return grantsHotKey || !presetID;
   }
   [[nodiscard]] bool launchedAsLoginItem() const override { return isLoginItem; }
@@ -45,7 +45,7 @@ public:
   std::vector<std::string> take() { return std::exchange(asked, {}); }
 
   std::vector<std::string> asked;
-  std::function<void()> pressed;
+  HotKeyActions hotKey;
   bool grantsHotKey = true;
   bool isLoginItem = false;
 };

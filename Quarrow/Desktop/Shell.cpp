@@ -1,0 +1,96 @@
+#include "Quarrow/Desktop/Shell.h"
+
+#include "FennickCore/Platform/Applications.h"
+#include "Quarrow/Desktop/HotKeyManager.h"
+
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QVariantMap>
+
+namespace quarrow {
+
+Shell::Shell(AppController &controller, LoginItem &loginItem)
+    : controller_(controller), loginItem_(loginItem),
+      subscription_(controller.settings().observeSettings([this](const auto &) { emit settingsChanged(); })) {
+  connect(&controller_, &AppController::received, this, [this] {
+    ++receivedCount_;
+    emit receivedCountChanged();
+  });
+}
+
+bool Shell::galleryEnabled() const { return controller_.settings().settings().galleryEnabled; }
+
+void Shell::setGalleryEnabled(bool enabled) {
+  controller_.settings().update([&](auto &settings) { settings.galleryEnabled = enabled; });
+}
+
+QString Shell::preferredInterface() const {
+  return QString::fromStdString(controller_.settings().settings().preferredInterface.value_or(""));
+}
+
+void Shell::setPreferredInterface(const QString &interface) {
+  controller_.settings().update([&](auto &settings) {
+    settings.preferredInterface = interface.isEmpty() ? std::nullopt : std::optional(interface.toStdString());
+  });
+}
+
+int Shell::hotKeyPreset() const {
+  return static_cast<int>(controller_.settings().settings().hotKeyPreset.value_or(-1));
+}
+
+void Shell::setHotKeyPreset(int preset) {
+  controller_.settings().update([&](auto &settings) {
+    settings.hotKeyPreset = preset < 0 ? std::nullopt : std::optional<std::int64_t>(preset);
+  });
+}
+
+QVariantList Shell::hotKeyPresets() {
+  QVariantList presets;
+  for (const auto &preset : HotKeyManager::presets())
+    presets.append(
+        QVariantMap{{"id", static_cast<int>(preset.id)}, {"title", QString::fromUtf8(preset.title)}});
+  return presets;
+}
+
+int Shell::preferredPort() const { return controller_.settings().settings().preferredPort; }
+
+bool Shell::startsAtLogin() const { return loginItem_.isEnabled(); }
+
+void Shell::setStartsAtLogin(bool starts) {
+  if (const auto done = loginItem_.setEnabled(starts); !done)
+    controller_.reportProblem(
+        tr("无法设置登录时启动：%1").arg(QString::fromStdString(done.error())).toStdString());
+  emit startsAtLoginChanged();
+}
+
+QString Shell::resetKeyWarning() { return QString::fromUtf8(AppController::kResetKeyWarning); }
+
+void Shell::setHasTray(bool hasTray) {
+  if (hasTray_ == hasTray)
+    return;
+  hasTray_ = hasTray;
+  emit hasTrayChanged();
+}
+
+void Shell::copyText(const QString &text) { QGuiApplication::clipboard()->setText(text); }
+
+void Shell::openSaveFolder() {
+  const auto folder = controller_.server().saveFolder().value_or("");
+  if (const auto opened = fennick::openFolder(folder); !opened)
+    controller_.reportProblem(opened.error());
+}
+
+void Shell::chooseSaveFolder(const QUrl &folder) {
+  controller_.chooseSaveFolder(folder.toLocalFile().toStdString());
+}
+void Shell::showMainWindow() { controller_.handleArguments({}); }
+void Shell::showSettings() { controller_.showSettingsAction(); }
+void Shell::showHelp() { controller_.showHelpAction(); }
+void Shell::finishOnboarding() { controller_.finishOnboarding(); }
+void Shell::resetKey() { controller_.settings().resetAccessKey(); }
+void Shell::checkAgain() { controller_.runLocalNetworkCheck(); }
+void Shell::dismissError() { controller_.dismissError(); }
+void Shell::quit() { QCoreApplication::quit(); }
+
+} // namespace quarrow
