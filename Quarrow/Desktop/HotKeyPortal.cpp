@@ -68,6 +68,7 @@ QString triggerOf(const HotKeyPreset &preset) {
 
 PortalSession::PortalSession(QDBusConnection bus, const HotKeyPreset &preset)
     : bus_(std::move(bus)), preset_(preset) {
+  qRegisterMetaType<QDBusObjectPath>(); // Qt connects no slot whose types it has not met
   qDBusRegisterMetaType<PortalShortcut>();
   qDBusRegisterMetaType<QList<PortalShortcut>>();
   bus_.connect(kService, kPath, kShortcuts, QStringLiteral("Activated"), this,
@@ -99,8 +100,10 @@ void PortalSession::ask(const QString &method, QVariantList arguments, QVariantM
   auto call = QDBusMessage::createMethodCall(kService, kPath, kShortcuts, method);
   call.setArguments(arguments);
   callAsync(bus_, call, *this, [this](const QDBusMessage &reply) {
-    if (reply.type() == QDBusMessage::ErrorMessage)
-      emit refused();
+    if (reply.type() != QDBusMessage::ErrorMessage)
+      return;
+    request_.clear();
+    emit refused();
   });
 }
 
@@ -146,10 +149,11 @@ void HotKeyPortal::release() {
 void HotKeyPortal::settle() {
   if (asked_ == wanted_)
     return;
+  session_.reset();
   asked_ = wanted_;
-  session_ = wanted_ ? std::make_unique<PortalSession>(bus_, *wanted_) : nullptr;
-  if (!session_)
+  if (!wanted_)
     return;
+  session_ = std::make_unique<PortalSession>(bus_, *wanted_);
   connect(session_.get(), &PortalSession::pressed, this, [this] {
     if (wanted_)
       events().pressed();

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QString>
+#include <QVariantList>
+
+#include <functional>
+#include <utility>
+
+namespace quarrow::test {
+
+// A service on the session bus, with a connection of its own, for as long as it lives.
+class FakeService final : public QDBusVirtualObject {
+public:
+  // The message to send back: a reply or an error.
+  using Answer = std::function<QDBusMessage(const QDBusMessage &call)>;
+
+  FakeService(QString name, Answer answer)
+      : name_(std::move(name)), answer_(std::move(answer)),
+        bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("fake ") + name_)) {
+    bus_.registerVirtualObject(QStringLiteral("/"), this, QDBusConnection::SubPath);
+    bus_.registerService(name_);
+  }
+  ~FakeService() override {
+    bus_.unregisterService(name_);
+    QDBusConnection::disconnectFromBus(bus_.name());
+  }
+  FakeService(const FakeService &) = delete;
+  FakeService &operator=(const FakeService &) = delete;
+
+  void tell(const QString &path, const QString &interface, const QString &signal,
+            const QVariantList &arguments) {
+    auto message = QDBusMessage::createSignal(path, interface, signal);
+    message.setArguments(arguments);
+    bus_.send(message);
+  }
+
+  [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+  bool handleMessage(const QDBusMessage &call, const QDBusConnection &) override {
+    bus_.send(answer_(call));
+    return true;
+  }
+
+private:
+  const QString name_;
+  const Answer answer_;
+  QDBusConnection bus_;
+};
+
+} // namespace quarrow::test
