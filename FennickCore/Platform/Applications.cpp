@@ -49,6 +49,17 @@ std::expected<void, std::string> launch(GDesktopAppInfo *entry, const std::files
   return std::unexpected(std::string(error->message));
 }
 
+std::expected<void, std::string> openAs(const char *type, const std::filesystem::path &file,
+                                        const char *otherwise) {
+  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY"))
+    return std::unexpected("这里没有桌面 / there is no desktop here");
+  GAppInfo *application = ::g_app_info_get_default_for_type(type, FALSE);
+  if (application == nullptr)
+    return std::unexpected(otherwise);
+  const Owned<GDesktopAppInfo> owned(G_DESKTOP_APP_INFO(application));
+  return launch(owned.get(), file);
+}
+
 } // namespace
 
 std::expected<void, std::string> openWith(const std::filesystem::path &entry,
@@ -60,14 +71,13 @@ std::expected<void, std::string> openWith(const std::filesystem::path &entry,
   return launch(application.get(), file);
 }
 
+std::expected<void, std::string> openFile(const std::filesystem::path &file) {
+  const Owned<char> type(::g_content_type_guess(file.c_str(), nullptr, 0, nullptr));
+  return openAs(type.get(), file, "没有能打开它的应用 / no application opens it");
+}
+
 std::expected<void, std::string> openFolder(const std::filesystem::path &folder) {
-  if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY"))
-    return std::unexpected("这里没有桌面 / there is no desktop here");
-  GAppInfo *manager = ::g_app_info_get_default_for_type("inode/directory", FALSE);
-  if (manager == nullptr)
-    return std::unexpected("没有文件管理器 / there is no file manager");
-  const Owned<GDesktopAppInfo> owned(G_DESKTOP_APP_INFO(manager));
-  return launch(owned.get(), folder);
+  return openAs("inode/directory", folder, "没有文件管理器 / there is no file manager");
 }
 
 } // namespace fennick

@@ -13,6 +13,9 @@ namespace fennick {
 [[nodiscard]] std::expected<void, std::string> openWith(const std::filesystem::path &entry,
                                                         const std::filesystem::path &file);
 
+// Opens `file` with the application that people use for files of its kind, which its name tells.
+[[nodiscard]] std::expected<void, std::string> openFile(const std::filesystem::path &file);
+
 // Shows `folder` in the desktop's file manager.
 [[nodiscard]] std::expected<void, std::string> openFolder(const std::filesystem::path &folder);
 

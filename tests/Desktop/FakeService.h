@@ -39,7 +39,9 @@ public:
 
   [[nodiscard]] QString introspect(const QString &) const override { return {}; }
   bool handleMessage(const QDBusMessage &call, const QDBusConnection &) override {
-    bus_.send(answer_(call));
+    const auto reply = answer_(call);
+    if (call.isReplyRequired())
+      bus_.send(reply);
     return true;
   }
 
