@@ -7,6 +7,7 @@ Rectangle {
 
     property string text
     property string what
+    property string placeholder
 
     implicitWidth: 240
     implicitHeight: Math.max(40, words.implicitHeight + 16)
@@ -24,6 +25,7 @@ Rectangle {
         TextEdit {
             id: words
 
+            visible: field.text
             text: field.text
             readOnly: true
             selectByMouse: true
@@ -39,6 +41,13 @@ Rectangle {
             Accessible.role: Accessible.EditableText
             Accessible.readOnly: true
             Accessible.name: field.what
+        }
+        Words {
+            visible: !field.text
+            text: field.placeholder
+            quiet: true
+            font.pixelSize: Theme.caption
+            Layout.fillWidth: true
         }
         CopyButton {
             copied: field.text

@@ -1,6 +1,5 @@
 #include "Quarrow/Views/Phrases.h"
 
-#include "FennickCore/Platform/Text.h"
 #include "Quarrow/App/AddressEntry.h"
 
 #include <QDir>
@@ -20,15 +19,9 @@ QString nameOf(const AddressEntry &entry) {
   return entry.interface;
 }
 
-QVariantMap choice(const QString &text, const QString &interface) {
-  return {{"text", text}, {"value", interface}};
-}
+QVariantMap choice(const QString &text, const QVariant &value) { return {{"text", text}, {"value", value}}; }
 
 } // namespace
-
-QString Phrases::size(double bytes) {
-  return QString::fromStdString(fennick::fileSizeText(static_cast<std::int64_t>(bytes)));
-}
 
 QString Phrases::folder(const QString &path) {
   const QString home = QDir::homePath();
@@ -38,7 +31,7 @@ QString Phrases::folder(const QString &path) {
 }
 
 QVariantList Phrases::addressChoices(const QVariantList &addresses, const QString &preferred) {
-  QVariantList choices{choice(tr("自动选择地址"), {})};
+  QVariantList choices{choice(tr("自动选择地址"), QString())};
   QSet<QString> seen;
   for (const auto &each : addresses) {
     const auto entry = each.value<AddressEntry>();
@@ -51,6 +44,13 @@ QVariantList Phrases::addressChoices(const QVariantList &addresses, const QStrin
     return {};
   if (!preferred.isEmpty() && !seen.contains(preferred))
     choices.append(choice(tr("%1（未连接）").arg(preferred), preferred));
+  return choices;
+}
+
+QVariantList Phrases::hotKeyChoices(const QVariantList &presets) {
+  QVariantList choices{choice(tr("不使用"), -1)};
+  for (const auto &each : presets)
+    choices.append(choice(each.toMap().value("title").toString(), each.toMap().value("id")));
   return choices;
 }
 

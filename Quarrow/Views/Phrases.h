@@ -16,8 +16,6 @@ class Phrases : public QObject {
 public:
   using QObject::QObject;
 
-  // "2.4 MB".
-  Q_INVOKABLE [[nodiscard]] static QString size(double bytes);
   // The folder as people write it: "~" for the home folder.
   Q_INVOKABLE [[nodiscard]] static QString folder(const QString &path);
   // What an address picker offers, each with `text` and `value` (the interface, empty for the automatic
@@ -25,6 +23,8 @@ public:
   // Nothing where there is nothing to choose from.
   Q_INVOKABLE [[nodiscard]] static QVariantList addressChoices(const QVariantList &addresses,
                                                                const QString &preferred);
+  // No shortcut, and each of `presets` (Shell's), with `text` and `value`.
+  Q_INVOKABLE [[nodiscard]] static QVariantList hotKeyChoices(const QVariantList &presets);
   // What a terminal is given to send a photo to `uploadURL`; empty without an address.
   Q_INVOKABLE [[nodiscard]] static QString curlCommand(const QString &uploadURL);
 };

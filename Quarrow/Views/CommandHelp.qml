@@ -1,0 +1,18 @@
+import QtQuick
+import QtQuick.Layouts
+
+Section {
+    title: qsTr("命令行")
+
+    Words {
+        text: qsTr("别的电脑或脚本也能传，请求体就是文件本身：")
+        quiet: true
+        Layout.fillWidth: true
+    }
+    CopyField {
+        text: Phrases.curlCommand(Server.shortcutUploadURL)
+        what: qsTr("上传命令")
+        placeholder: qsTr("连上局域网后，这里会显示命令")
+        Layout.fillWidth: true
+    }
+}

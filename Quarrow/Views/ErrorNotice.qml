@@ -1,0 +1,7 @@
+Notice {
+    visible: Server.error
+    text: Server.error
+    grave: true
+    dismissable: true
+    onDismissed: Shell.dismissError()
+}

@@ -1,0 +1,7 @@
+import QtQuick
+import QtQuick.Dialogs
+
+FolderDialog {
+    title: qsTr("照片存到哪里")
+    onAccepted: Shell.chooseSaveFolder(selectedFolder)
+}

@@ -1,0 +1,23 @@
+import QtQuick
+import QtQuick.Layouts
+
+// The line about the file received last.
+RowLayout {
+    visible: Server.lastNote
+    spacing: 8
+
+    Icon {
+        name: "check"
+        color: Theme.success
+        Layout.preferredWidth: 18
+        Layout.preferredHeight: 18
+        Layout.alignment: Qt.AlignTop
+    }
+    Words {
+        text: Server.lastNote
+        quiet: true
+        maximumLineCount: 3
+        elide: Text.ElideRight
+        Layout.fillWidth: true
+    }
+}

@@ -1,0 +1,44 @@
+import QtQuick
+import QtQuick.Layouts
+
+// What is arriving right now.
+ColumnLayout {
+    visible: Arrivals.busy
+    spacing: 8
+
+    RowLayout {
+        spacing: 8
+
+        Words {
+            text: Arrivals.sentence
+            Layout.fillWidth: true
+        }
+        Words {
+            text: Arrivals.pace
+            quiet: true
+            font.pixelSize: Theme.caption
+        }
+    }
+    Rectangle {
+        color: Theme.track
+        radius: 2
+        Layout.fillWidth: true
+        Layout.preferredHeight: 4
+        Accessible.role: Accessible.ProgressBar
+        Accessible.name: qsTr("接收进度")
+
+        Rectangle {
+            width: Math.max(height, parent.width * Arrivals.share)
+            height: parent.height
+            radius: 2
+            color: Theme.accent
+
+            Behavior on width {
+                NumberAnimation {
+                    duration: Theme.motion
+                    easing.type: Easing.OutCubic
+                }
+            }
+        }
+    }
+}

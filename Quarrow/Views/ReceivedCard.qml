@@ -1,0 +1,18 @@
+import QtQuick
+import QtQuick.Layouts
+
+// What has arrived, and what is arriving.
+Card {
+    visible: Server.lastNote || Arrivals.busy
+
+    ProgressLine {}
+    LastNote {}
+    Words {
+        visible: Shell.receivedCount > 1
+        text: qsTr("这次打开以来共收到 %1 个文件").arg(Shell.receivedCount)
+        quiet: true
+        font.pixelSize: Theme.caption
+        Layout.leftMargin: 26
+        Layout.topMargin: -8
+    }
+}

@@ -1,0 +1,53 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+
+// A column that scrolls when it does not fit, and brings what the keyboard reaches into view.
+Flickable {
+    id: page
+
+    default property alias content: column.data
+    property int padding: 24
+    property alias spacing: column.spacing
+    property real widest: Infinity
+    readonly property real fittingHeight: column.implicitHeight + 2 * padding
+    readonly property Item reached: Window.activeFocusItem
+
+    function reveal(item) {
+        const top = item.mapToItem(column, 0, 0).y + padding;
+        contentY = Math.max(0, Math.min(Math.max(contentY, top + item.height + 12 - height), top - 12));
+    }
+
+    contentHeight: fittingHeight
+    interactive: contentHeight > height
+    boundsBehavior: Flickable.StopAtBounds
+    clip: true
+    onReachedChanged: {
+        for (let each = reached; each; each = each.parent)
+            if (each === column)
+                reveal(reached);
+    }
+
+    ColumnLayout {
+        id: column
+
+        x: Math.round((page.width - width) / 2)
+        y: page.padding
+        width: Math.min(page.width - 2 * page.padding, page.widest)
+        spacing: 12
+    }
+
+    T.ScrollBar.vertical: T.ScrollBar {
+        padding: 2
+        implicitWidth: 10
+        minimumSize: 0.1
+        visible: size < 1
+
+        contentItem: Rectangle {
+            implicitWidth: 6
+            radius: 3
+            color: Theme.edge
+            opacity: 0.6
+        }
+    }
+}

@@ -1,0 +1,25 @@
+import QtQuick
+import QtQuick.Layouts
+
+// The words of one step.
+ColumnLayout {
+    id: words
+
+    property string title
+    property string text
+
+    spacing: 8
+
+    Heading {
+        text: words.title
+        horizontalAlignment: Text.AlignHCenter
+        Layout.fillWidth: true
+    }
+    Words {
+        text: words.text
+        quiet: true
+        lineHeight: 1.15
+        horizontalAlignment: Text.AlignHCenter
+        Layout.fillWidth: true
+    }
+}
