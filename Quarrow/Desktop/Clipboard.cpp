@@ -1,0 +1,63 @@
+#include "Quarrow/Desktop/Clipboard.h"
+
+#include "FennickCore/Storage/PhotoItem.h"
+
+#include <QByteArray>
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+#include <QMetaObject>
+#include <QUrl>
+
+#include <utility>
+
+namespace quarrow {
+
+namespace {
+
+constexpr fennick::Seconds kRenderTimeout{30};
+
+QClipboard &systemClipboard() { return *QGuiApplication::clipboard(); }
+
+} // namespace
+
+Clipboard::~Clipboard() { latest_ = 0; } // what waits to be rendered is not worth waiting for
+
+void Clipboard::copy(const std::filesystem::path &file) {
+  const std::uint64_t number = ++latest_;
+  offer(file, {});
+  if (fennick::isVideoName(file.filename().native()))
+    return;
+  if (!rendering_)
+    rendering_ = std::make_unique<fennick::SerialQueue>("fennick.clipboard");
+  rendering_->post([this, number, file] { render(number, file); });
+}
+
+// On the queue. Of many files that come at once only the last one's picture is wanted.
+void Clipboard::render(std::uint64_t number, const std::filesystem::path &file) {
+  if (number != latest_)
+    return;
+  const fennick::RenderRequest request{
+      .output = fennick::PictureType::png, .longEdge = kMostPixels, .stripAllMetadata = true};
+  const auto picture = decoder_.render(file, request, kRenderTimeout);
+  if (!picture)
+    return;
+  const QByteArray png = QByteArray::fromStdString(picture->bytes);
+  QMetaObject::invokeMethod(this, [this, number, file, png] {
+    if (number == latest_ && offered_ && systemClipboard().mimeData() == offered_)
+      offer(file, png);
+  });
+}
+
+void Clipboard::offer(const std::filesystem::path &file, const QByteArray &png) {
+  const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+  auto content = std::make_unique<QMimeData>();
+  content->setUrls({url});
+  content->setData(QStringLiteral("x-special/gnome-copied-files"), "copy\n" + url.toEncoded());
+  if (!png.isEmpty())
+    content->setData(QStringLiteral("image/png"), png);
+  offered_ = content.get();
+  systemClipboard().setMimeData(content.release()); // which takes it over
+}
+
+} // namespace quarrow

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/SerialQueue.h"
+
+#include <QMimeData>
+#include <QObject>
+#include <QPointer>
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace quarrow {
+
+// Received files on the desktop's clipboard: the file for file managers, and the picture itself for programs
+// that take pictures. The locked-down decoder renders the picture, so what other programs paste is a clean
+// PNG whatever was received. Main thread.
+class Clipboard final : public QObject {
+public:
+  // Of the picture's longer side in pixels: enough for a screen, and a few tens of megabytes at most.
+  static constexpr std::int64_t kMostPixels = 4096;
+
+  // `decoder` outlives the object.
+  explicit Clipboard(fennick::PictureDecoder &decoder) : decoder_(decoder) {}
+  ~Clipboard() override;
+  Clipboard(const Clipboard &) = delete;
+  Clipboard &operator=(const Clipboard &) = delete;
+
+  // Puts the file on the clipboard at once. Its picture joins it when it is rendered, unless something else
+  // was copied by then; a video, or what cannot be rendered, stays a file.
+  void copy(const std::filesystem::path &file);
+
+private:
+  void render(std::uint64_t number, const std::filesystem::path &file);
+  void offer(const std::filesystem::path &file, const QByteArray &png);
+
+  fennick::PictureDecoder &decoder_;
+  std::atomic<std::uint64_t> latest_ = 0;           // number of the last file that was copied
+  QPointer<QMimeData> offered_;                     // belongs to the clipboard while it is ours
+  std::unique_ptr<fennick::SerialQueue> rendering_; // from the first picture on; last: it uses the above
+};
+
+} // namespace quarrow

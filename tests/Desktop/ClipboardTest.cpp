@@ -1,0 +1,87 @@
+#include "Quarrow/Desktop/Clipboard.h"
+
+#include "tests/Desktop/RunUntil.h"
+#include "tests/Support/FakeDecoder.h"
+
+#include <QClipboard>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QUrl>
+#include <gtest/gtest.h>
+
+namespace quarrow {
+namespace {
+
+// Counts the pictures that reach the clipboard's thread.
+class Arrivals final : public QObject {
+public:
+  bool eventFilter(QObject *, QEvent *event) override {
+    count += event->type() == QEvent::MetaCall ? 1 : 0;
+    return false;
+  }
+  int count = 0;
+};
+
+class ClipboardTest : public ::testing::Test {
+protected:
+  ClipboardTest() {
+    clipboard.installEventFilter(&arrivals);
+    decoder.setRendering(fennick::Rendering{.bytes = "a png", .longEdge = 4096});
+  }
+  static const QMimeData &content() { return *QGuiApplication::clipboard()->mimeData(); }
+  static QByteArray picture() { return content().data(QStringLiteral("image/png")); }
+  static void expectFile(const std::string &url) {
+    EXPECT_EQ(content().urls(), QList{QUrl::fromEncoded(url.c_str())});
+    EXPECT_EQ(content().data(QStringLiteral("x-special/gnome-copied-files")).toStdString(), "copy\n" + url);
+  }
+
+  fennick::test::FakeDecoder decoder;
+  Clipboard clipboard{decoder};
+  Arrivals arrivals;
+};
+
+TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
+  decoder.hold();
+  clipboard.copy("/photos/照片 1.heic");
+  expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
+  EXPECT_TRUE(picture().isEmpty());
+  decoder.release();
+  test::runUntil([] { return !picture().isEmpty(); });
+  EXPECT_EQ(picture(), "a png");
+  expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
+  const auto request = decoder.request();
+  EXPECT_EQ(std::tuple(request.output, request.longEdge, request.stripAllMetadata),
+            std::tuple(fennick::PictureType::png, Clipboard::kMostPixels, true));
+}
+
+TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
+  decoder.hold();
+  clipboard.copy("/photos/1.jpg");
+  decoder.awaitHeld(1);
+  QGuiApplication::clipboard()->setText("mine");
+  decoder.release();
+  test::runUntil([&] { return arrivals.count == 1; });
+  EXPECT_EQ(content().text(), "mine");
+  EXPECT_TRUE(picture().isEmpty());
+}
+
+TEST_F(ClipboardTest, OfManyFilesOnlyTheLastOneIsRenderedAndNeverAVideo) {
+  decoder.hold();
+  for (const char *file : {"/photos/1.jpg", "/photos/2.jpg", "/photos/3.jpg"}) {
+    clipboard.copy(file);
+    decoder.awaitHeld(1);
+  }
+  decoder.release();
+  test::runUntil([] { return !picture().isEmpty(); });
+  expectFile("file:///photos/3.jpg");
+  EXPECT_EQ(decoder.calls(), 2);
+
+  decoder.setRendering(fennick::test::FakeDecoder::kFault(fennick::PictureFault::undecodable));
+  clipboard.copy("/photos/4.jpg");
+  clipboard.copy("/photos/5.MOV");
+  expectFile("file:///photos/5.MOV");
+  EXPECT_TRUE(picture().isEmpty());
+}
+
+} // namespace
+} // namespace quarrow
