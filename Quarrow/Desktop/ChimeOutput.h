@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Quarrow/Desktop/Chime.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QObject>
+
+#include <memory>
+
+class QAudioSink;
+
+namespace quarrow {
+
+// The loudspeaker that the person has chosen. It is opened for each sound and given back when the sound is
+// over, so that a program that waits holds no device. Main thread.
+class ChimeOutput final : public QObject, public SoundOutput {
+public:
+  ChimeOutput();
+  ~ChimeOutput() override;
+  ChimeOutput(const ChimeOutput &) = delete;
+  ChimeOutput &operator=(const ChimeOutput &) = delete;
+
+  void play(std::span<const std::int16_t> samples, int rate) override;
+  [[nodiscard]] bool isPlaying() const { return sink_ != nullptr; }
+
+private:
+  void stopAfterTheEnd();
+  void stop();
+
+  QBuffer sound_;
+  std::unique_ptr<QAudioSink> sink_; // while something plays; last: it reads the above
+};
+
+} // namespace quarrow
