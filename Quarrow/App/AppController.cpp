@@ -215,7 +215,7 @@ void AppController::startServer() {
 }
 
 void AppController::finishStart(Server &server) {
-  server.router.adoptSaveFolder(server_.saveFolder().value_or(options_.defaultFolder));
+  server.router.adoptSaveFolder(saveFolder());
   log(fmt::format("starting server on {}", server.preferredPort));
   const auto port = server.http.start(server.preferredPort, kPortAttempts);
   if (!port) {
@@ -304,11 +304,11 @@ void AppController::applySaveFolder() {
 void AppController::watchSaveFolder() {
   resolve(Matter::missingFolder);
   folderWatcher_ = std::make_unique<fennick::FolderWatcher>(
-      *server_.saveFolder(), [this] { mainQueue_.post(whileAlive([this] { checkSaveFolder(); })); });
+      saveFolder(), [this] { mainQueue_.post(whileAlive([this] { checkSaveFolder(); })); });
 }
 
 void AppController::checkSaveFolder() {
-  const fs::path &folder = *server_.saveFolder();
+  const fs::path folder = saveFolder();
   if (isUnplugged(folder, drive_))
     return report(Matter::missingFolder, "保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。");
   drive_ = driveOf(folder);
@@ -324,9 +324,11 @@ void AppController::checkSaveFolder() {
     recountSoon();
 }
 
+fs::path AppController::saveFolder() const { return server_.saveFolder().value_or(options_.defaultFolder); }
+
 fennick::SaveDestination AppController::makeDestination() const {
   const auto &settings = settings_.settings();
-  return {.folder = server_.saveFolder().value_or(options_.defaultFolder),
+  return {.folder = saveFolder(),
           .dateSubfolders = settings.dateSubfolders,
           .naming = settings.naming,
           .subfolder = settings.sessionSubfolder};
@@ -442,13 +444,13 @@ void AppController::finishUpload(const fennick::UploadRecord &record, const fenn
 
 void AppController::pruneIfNeeded() {
   const auto &settings = settings_.settings();
-  if (settings.folderLimit.value_or(0) < 1 || !settings.autoPrune)
+  const std::int64_t limit = settings.folderLimit.value_or(0);
+  if (limit < 1 || !settings.autoPrune)
     return;
   const auto folder = makeDestination().directory(clock_.now());
-  const auto removed = fennick::FolderPruner::prune(folder, *settings.folderLimit, trash_);
+  const auto removed = fennick::FolderPruner::prune(folder, limit, trash_);
   for (const auto &file : removed)
-    log(fmt::format("moved {} to the trash, the folder is limited to {}", file.filename().string(),
-                    *settings.folderLimit));
+    log(fmt::format("moved {} to the trash, the folder is limited to {}", file.filename().string(), limit));
   if (removed.empty())
     return;
   library_.remove(removed);
@@ -467,7 +469,7 @@ void AppController::runWorkflow(const fs::path &url, std::int64_t bytes) {
   if (workflow.playSound)
     desktop_.playSound();
   if (workflow.notify)
-    desktop_.notify("收到照片", fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)));
+    desktop_.notify("收到照片", fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)), url);
 }
 
 } // namespace quarrow

@@ -150,6 +150,7 @@ private:
   void handleUpload(const fennick::UploadRecord &record);
   void finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result);
   [[nodiscard]] std::filesystem::path chosenFolder();
+  [[nodiscard]] std::filesystem::path saveFolder() const; // that is used now
   [[nodiscard]] fennick::SaveDestination makeDestination() const;
   [[nodiscard]] fennick::UploadRouter::Providers providers();
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;

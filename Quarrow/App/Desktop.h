@@ -33,8 +33,9 @@ public:
                         std::function<void(const std::string &)> failed) = 0;
   // The short sound of an arrival.
   virtual void playSound() = 0;
-  // Shows a notification now; one that the desktop refuses is dropped.
-  virtual void notify(const std::string &title, const std::string &body) = 0;
+  // Shows a notification about the file now; one that the desktop refuses is dropped.
+  virtual void notify(const std::string &title, const std::string &body,
+                      const std::filesystem::path &file) = 0;
 
   struct HotKeyActions {
     std::function<void()> pressed{};

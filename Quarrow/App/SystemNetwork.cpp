@@ -14,7 +14,8 @@ void SystemNetwork::watch(std::function<void(std::vector<fennick::LANAddress>)> 
 void SystemNetwork::probe(const std::string &host, std::uint16_t port, fennick::Seconds timeout,
                           std::function<void(fennick::LocalNetworkProbe::Outcome)> done) {
   probeTicket_ = std::make_shared<const int>();
-  const auto answer = [this, ticket = std::weak_ptr(probeTicket_), done = std::move(done)](auto outcome) {
+  const auto answer = [this, ticket = std::weak_ptr(probeTicket_),
+                       done = std::move(done)](const auto &outcome) {
     mainQueue_.post([ticket, done, outcome] {
       if (ticket.lock())
         done(outcome);
