@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Tevrin
 
 // The address in the code; a click copies it.
 T.AbstractButton {

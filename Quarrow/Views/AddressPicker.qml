@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 // Which of this computer's addresses the code carries; only there when there is a choice.
 Choice {

@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 // A large round sign.
 Rectangle {

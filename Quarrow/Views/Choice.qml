@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Tevrin
 
 // One of a few values: `model` is a list of objects with `text` and `value`.
 T.ComboBox {

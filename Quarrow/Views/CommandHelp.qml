@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 Section {
     title: qsTr("命令行")

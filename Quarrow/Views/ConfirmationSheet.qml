@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Tevrin
 
 // Asks before something that cannot be taken back; Escape and a click beside it mean no.
 T.Dialog {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // Why a phone cannot connect, with what is known of this computer.
 Section {
@@ -13,7 +14,7 @@ Section {
     HelpItem {
         icon: "phone"
         title: qsTr("避开访客网络")
-        text: qsTr("访客 Wi-Fi 和公共 Wi-Fi 常把设备彼此隔开。换到主网络，或让手机连电脑开的热点。")
+        text: qsTr("访客 Wi-Fi 和公共 Wi-Fi 常把设备彼此隔开。请换到主网络，或连电脑开的热点。")
     }
     HelpItem {
         icon: "link"

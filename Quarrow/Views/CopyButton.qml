@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 // Copies `copied` and says so for a moment.
 IconButton {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // A command or an address to be taken elsewhere.
 Rectangle {
@@ -34,7 +35,7 @@ Rectangle {
             textFormat: TextEdit.PlainText
             color: Theme.text
             selectionColor: Theme.accent
-            selectedTextColor: Theme.onAccent
+            selectedTextColor: Theme.accentInk
             font.family: "monospace"
             font.pixelSize: Theme.caption
             Layout.fillWidth: true

@@ -1,3 +1,5 @@
+import Tevrin
+
 Notice {
     visible: Server.error
     text: Server.error

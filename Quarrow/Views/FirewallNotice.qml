@@ -1,3 +1,5 @@
+import Tevrin
+
 // What stands in the way of phones on this computer. Once something was received, nothing does.
 Notice {
     visible: Server.firewallAdvice && Shell.receivedCount === 0

@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 // Around a control that the keyboard has reached.
 Rectangle {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Dialogs
+import Tevrin
 
 FolderDialog {
     title: qsTr("照片存到哪里")

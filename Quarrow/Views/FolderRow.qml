@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Tevrin
 
 // Where photos go; a click opens the folder.
 T.AbstractButton {

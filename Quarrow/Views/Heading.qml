@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 Words {
     font.pixelSize: Theme.title

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // One thing to look at: a sign, its name and what to do.
 RowLayout {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 AppWindow {
     title: qsTr("帮助")

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Tevrin
 
 // A picture to press; its text is its name and its tip.
 T.Button {

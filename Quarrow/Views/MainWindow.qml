@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // The way in for photos, at a glance.
 AppWindow {
@@ -44,6 +45,7 @@ AppWindow {
             ColumnLayout {
                 spacing: 16
                 Layout.fillWidth: true
+                Layout.fillHeight: false
                 Layout.alignment: Qt.AlignVCenter
 
                 Words {
@@ -54,7 +56,7 @@ AppWindow {
                     Accessible.role: Accessible.Heading
                 }
                 Words {
-                    text: qsTr("用手机相机扫码，选好照片就开始传。原文件直接存进这台电脑，不经过云端。")
+                    text: qsTr("用手机相机扫码，选好照片就开始传。\n原文件直接存进这台电脑，不经过云端。")
                     quiet: true
                     lineHeight: 1.15
                     Layout.fillWidth: true

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // What is wrong, and what to do about it.
 Rectangle {

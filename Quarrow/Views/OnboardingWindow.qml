@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // The first start: what it does, where photos go, and the first photo.
 AppWindow {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // What opens under the tray icon. Its implicit height is the one at which nothing scrolls.
 FocusScope {
@@ -33,7 +34,7 @@ FocusScope {
         }
         QRCard {
             Layout.fillWidth: true
-            Layout.preferredHeight: shown ? width : 148
+            Layout.preferredHeight: filled ? width : 148
         }
         AddressLine {
             Layout.fillWidth: true

@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 SettingRow {
     text: qsTr("端口")

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // What is arriving right now.
 ColumnLayout {
@@ -34,6 +35,8 @@ ColumnLayout {
             color: Theme.accent
 
             Behavior on width {
+                enabled: !Theme.still
+
                 NumberAnimation {
                     duration: Theme.motion
                     easing.type: Easing.OutCubic

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Tevrin
 
 T.Button {
     id: control
@@ -9,7 +10,7 @@ T.Button {
 
     property int kind: PushButton.Plain
     readonly property color ground: kind === PushButton.Primary ? Theme.accent : kind === PushButton.Danger ? Theme.danger : Theme.surface
-    readonly property color ink: kind === PushButton.Primary ? Theme.onAccent : kind === PushButton.Danger ? Theme.onDanger : Theme.text
+    readonly property color ink: kind === PushButton.Primary ? Theme.accentInk : kind === PushButton.Danger ? Theme.dangerInk : Theme.text
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: 36
@@ -48,6 +49,8 @@ T.Button {
         border.color: Theme.line
 
         Behavior on color {
+            enabled: !Theme.still
+
             ColorAnimation {
                 duration: Theme.motion
             }

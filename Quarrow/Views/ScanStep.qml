@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // The real code; the first photo that arrives turns it into a check mark.
 ColumnLayout {

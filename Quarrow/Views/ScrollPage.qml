@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Tevrin
 
 // A column that scrolls when it does not fit, and brings what the keyboard reaches into view.
 Flickable {

@@ -18,7 +18,7 @@ class ServiceStatus : public QObject {
 
 public:
   // Good: photos can come. Pending: not known yet. Warning: phones may not get through. Bad: nothing comes.
-  enum Tone : std::uint8_t { Good, Pending, Warning, Bad };
+  enum Tone { Good, Pending, Warning, Bad };
   Q_ENUM(Tone)
 
   // `server` outlives the object.

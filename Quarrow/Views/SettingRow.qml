@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // What a setting is called and means, and beside it its control.
 RowLayout {

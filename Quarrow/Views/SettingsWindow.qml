@@ -1,12 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 AppWindow {
     id: window
 
     title: qsTr("设置")
     width: 600
-    height: 680
+    height: 740
     minimumWidth: 380
     minimumHeight: 360
 
@@ -83,7 +84,7 @@ AppWindow {
             Rule {}
             SettingRow {
                 text: qsTr("全局快捷键")
-                detail: qsTr("随时打开二维码。⌃ Ctrl　⌥ Alt　⇧ Shift　⌘ Super")
+                detail: qsTr("随时打开二维码。⌃ Ctrl　⌥ Alt　⇧ Shift　⌘ Super")
 
                 Choice {
                     name: qsTr("全局快捷键")

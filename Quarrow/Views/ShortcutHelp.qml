@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // Uploads from the iPhone's shortcuts, step by step.
 Section {
@@ -12,7 +13,7 @@ Section {
     }
     HelpItem {
         sign: "1"
-        text: qsTr("打开“快捷指令”App，新建一个快捷指令，在它的详细信息里打开“在共享表单中显示”。")
+        text: qsTr("在“快捷指令”App 里新建一个，在它的详细信息里打开“在共享表单中显示”。")
     }
     HelpItem {
         sign: "2"

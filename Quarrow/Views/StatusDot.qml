@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 Rectangle {
     property int tone: Status.Pending
@@ -9,6 +10,8 @@ Rectangle {
     color: tone === Status.Good ? Theme.success : tone === Status.Warning ? Theme.warning : tone === Status.Bad ? Theme.danger : Theme.quiet
 
     Behavior on color {
+        enabled: !Theme.still
+
         ColorAnimation {
             duration: Theme.motion
         }

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 // A dot and a sentence, and the way to help when something is wrong.
 RowLayout {

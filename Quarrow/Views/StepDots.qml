@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 Row {
     id: dots
@@ -23,6 +24,8 @@ Row {
             color: index === dots.current ? Theme.accent : Theme.track
 
             Behavior on width {
+                enabled: !Theme.still
+
                 NumberAnimation {
                     duration: Theme.motion
                     easing.type: Easing.OutCubic

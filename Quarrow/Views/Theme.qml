@@ -1,13 +1,12 @@
 pragma Singleton
 
 import QtQuick
+import Tevrin
 
-// The values that every view shares. Light and dark follow the system; `dark` and `still` (no motion) may be
-// bound elsewhere.
+// The values that every view shares. Light, dark and whether things move follow the desktop.
 QtObject {
-    readonly property SystemPalette system: SystemPalette {}
-    property bool dark: system.window.hslLightness < 0.5
-    property bool still: false
+    readonly property bool dark: Appearance.dark
+    readonly property bool still: Appearance.still
 
     readonly property color background: dark ? "#161716" : "#F6F5F2"
     readonly property color surface: dark ? "#1F2120" : "#FFFFFF"
@@ -19,14 +18,14 @@ QtObject {
     readonly property color accent: dark ? "#3FB8A5" : "#0F7B6C"
     readonly property color accentPress: dark ? "#5CC9B8" : "#0C6558"
     readonly property color accentTint: dark ? "#1C322E" : "#E3F0ED"
-    readonly property color onAccent: dark ? "#0A1F1B" : "#FFFFFF"
+    readonly property color accentInk: dark ? "#0A1F1B" : "#FFFFFF"
     readonly property color success: dark ? "#5DBB85" : "#2B7A4B"
     readonly property color successTint: dark ? "#1D2E25" : "#E6F2EA"
     readonly property color warning: dark ? "#D9A441" : "#9A6412"
     readonly property color warningTint: dark ? "#30291B" : "#FAF1DF"
     readonly property color danger: dark ? "#E5776B" : "#B3372B"
     readonly property color dangerTint: dark ? "#352322" : "#FBEBE8"
-    readonly property color onDanger: dark ? "#2A0F0C" : "#FFFFFF"
+    readonly property color dangerInk: dark ? "#2A0F0C" : "#FFFFFF"
     readonly property color scrim: dark ? "#99000000" : "#4D1D1D1F"
     readonly property var artwork: ({
             card: dark ? "#2A2D2B" : "#FFFFFF",

@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Tevrin
 
 // A switch with its name and, in grey, what it means. The whole row is pressed.
 T.Switch {
@@ -40,6 +41,8 @@ T.Switch {
         color: control.checked ? Theme.accent : Theme.edge
 
         Behavior on color {
+            enabled: !Theme.still
+
             ColorAnimation {
                 duration: Theme.motion
             }
@@ -50,9 +53,11 @@ T.Switch {
             width: 20
             height: 20
             radius: 10
-            color: control.checked ? Theme.onAccent : Theme.surface
+            color: control.checked ? Theme.accentInk : Theme.surface
 
             Behavior on x {
+                enabled: !Theme.still
+
                 NumberAnimation {
                     duration: Theme.motion
                     easing.type: Easing.OutCubic

@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 CopyField {
     text: Server.shortcutUploadURL

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import Tevrin
 
 ColumnLayout {
     spacing: 24
@@ -13,6 +14,6 @@ ColumnLayout {
     }
     StepText {
         title: qsTr("手机里的照片，扫一扫就到电脑")
-        text: qsTr("手机和电脑在同一个局域网里，用相机扫码，选好照片就开始传。手机上不用装 App，照片不经过云端，存下来的就是原文件。")
+        text: qsTr("手机和电脑在同一个局域网里，扫码、选照片就能传。\n不用装 App，不经过云端，存下来的就是原文件。")
     }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import Tevrin
 
 // Text as it is, never as markup: names come from phones and disks.
 Text {

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QDBusVariant>
+#include <QObject>
+#include <QQmlEngine>
+#include <QString>
+
+#include <optional>
+
+namespace quarrow {
+
+// What the desktop asks of the look: light or dark, which the application's colours tell, and whether things
+// may move, which the desktop portal knows. Main thread.
+class Appearance : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_SINGLETON
+  Q_PROPERTY(bool dark READ dark NOTIFY changed)
+  Q_PROPERTY(bool still READ still NOTIFY changed)
+
+public:
+  explicit Appearance(QObject *parent = nullptr);
+
+  [[nodiscard]] bool dark() const;
+  [[nodiscard]] bool still() const { return !animates_ || pinnedDark_; }
+
+  // Shows every view light or dark from now on, without motion, whatever the desktop says: for pictures.
+  void pin(bool dark);
+
+public slots:
+  // A setting of the desktop's, as the portal names it; those that are not about motion are ignored.
+  void follow(const QString &group, const QString &key, const QDBusVariant &value);
+
+signals:
+  void changed();
+
+protected:
+  bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+  void ask(const QString &group, const QString &key);
+
+  std::optional<bool> pinnedDark_;
+  bool animates_ = true;
+};
+
+} // namespace quarrow

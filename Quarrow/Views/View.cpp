@@ -1,0 +1,21 @@
+#include "Quarrow/Views/View.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+
+namespace quarrow {
+
+std::expected<std::unique_ptr<QObject>, QString> makeView(QQmlEngine &engine, const QString &name) {
+  const QString modules = ":/qt/qml";
+  if (!engine.importPathList().contains(modules))
+    engine.addImportPath(modules);
+  QQmlComponent component(&engine);
+  // Through an import, which makes the types in C++ known, unlike the file's own address.
+  component.setData("import Tevrin\n" + name.toUtf8() + " {}", QUrl());
+  std::unique_ptr<QObject> view(component.create());
+  if (!view)
+    return std::unexpected(component.errorString());
+  return view;
+}
+
+} // namespace quarrow
