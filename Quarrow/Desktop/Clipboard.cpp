@@ -6,7 +6,6 @@
 #include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
-#include <QMetaObject>
 #include <QUrl>
 
 #include <utility>
@@ -21,10 +20,14 @@ QClipboard &systemClipboard() { return *QGuiApplication::clipboard(); }
 
 } // namespace
 
+Clipboard::Clipboard(fennick::PictureDecoder &decoder) : decoder_(decoder) {
+  connect(this, &Clipboard::rendered, this, &Clipboard::addPicture, Qt::QueuedConnection);
+}
+
 Clipboard::~Clipboard() { latest_ = 0; } // what waits to be rendered is not worth waiting for
 
 void Clipboard::copy(const std::filesystem::path &file) {
-  const std::uint64_t number = ++latest_;
+  const quint64 number = ++latest_;
   offer(file, {});
   if (fennick::isVideoName(file.filename().native()))
     return;
@@ -34,7 +37,7 @@ void Clipboard::copy(const std::filesystem::path &file) {
 }
 
 // On the queue. Of many files that come at once only the last one's picture is wanted.
-void Clipboard::render(std::uint64_t number, const std::filesystem::path &file) {
+void Clipboard::render(quint64 number, const std::filesystem::path &file) {
   if (number != latest_)
     return;
   const fennick::RenderRequest request{
@@ -42,11 +45,12 @@ void Clipboard::render(std::uint64_t number, const std::filesystem::path &file) 
   const auto picture = decoder_.render(file, request, kRenderTimeout);
   if (!picture)
     return;
-  const QByteArray png = QByteArray::fromStdString(picture->bytes);
-  QMetaObject::invokeMethod(this, [this, number, file, png] {
-    if (number == latest_ && offered_ && systemClipboard().mimeData() == offered_)
-      offer(file, png);
-  });
+  emit rendered(number, file, QByteArray::fromStdString(picture->bytes));
+}
+
+void Clipboard::addPicture(quint64 number, const std::filesystem::path &file, const QByteArray &png) {
+  if (number == latest_ && !offered_.isNull() && systemClipboard().mimeData() == offered_)
+    offer(file, png);
 }
 
 void Clipboard::offer(const std::filesystem::path &file, const QByteArray &png) {

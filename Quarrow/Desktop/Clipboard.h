@@ -3,9 +3,11 @@
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
+#include <QByteArray>
 #include <QMimeData>
 #include <QObject>
 #include <QPointer>
+#include <QtGlobal>
 
 #include <atomic>
 #include <cstdint>
@@ -18,12 +20,14 @@ namespace quarrow {
 // that take pictures. The locked-down decoder renders the picture, so what other programs paste is a clean
 // PNG whatever was received. Main thread.
 class Clipboard final : public QObject {
+  Q_OBJECT
+
 public:
   // Of the picture's longer side in pixels: enough for a screen, and a few tens of megabytes at most.
   static constexpr std::int64_t kMostPixels = 4096;
 
   // `decoder` outlives the object.
-  explicit Clipboard(fennick::PictureDecoder &decoder) : decoder_(decoder) {}
+  explicit Clipboard(fennick::PictureDecoder &decoder);
   ~Clipboard() override;
   Clipboard(const Clipboard &) = delete;
   Clipboard &operator=(const Clipboard &) = delete;
@@ -32,12 +36,16 @@ public:
   // was copied by then; a video, or what cannot be rendered, stays a file.
   void copy(const std::filesystem::path &file);
 
+signals:
+  void rendered(quint64 number, const std::filesystem::path &file, const QByteArray &png);
+
 private:
-  void render(std::uint64_t number, const std::filesystem::path &file);
+  void render(quint64 number, const std::filesystem::path &file);
+  void addPicture(quint64 number, const std::filesystem::path &file, const QByteArray &png);
   void offer(const std::filesystem::path &file, const QByteArray &png);
 
   fennick::PictureDecoder &decoder_;
-  std::atomic<std::uint64_t> latest_ = 0;           // number of the last file that was copied
+  std::atomic<quint64> latest_ = 0;                 // number of the last file that was copied
   QPointer<QMimeData> offered_;                     // belongs to the clipboard while it is ours
   std::unique_ptr<fennick::SerialQueue> rendering_; // from the first picture on; last: it uses the above
 };

@@ -5,24 +5,22 @@
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QList>
-#include <QMetaObject>
 #include <QMetaType>
 #include <QPointer>
 #include <QStringList>
+#include <QTimer>
 
 #include <utility>
 
 namespace quarrow {
+
+namespace {
 
 // A shortcut as the portal writes it, (sa{sv}).
 struct PortalShortcut {
   QString id;
   QVariantMap properties;
 };
-
-// Qt finds these two by their names.
-QDBusArgument &operator<<(QDBusArgument &argument, const PortalShortcut &shortcut);
-const QDBusArgument &operator>>(const QDBusArgument &argument, PortalShortcut &shortcut);
 
 QDBusArgument &operator<<(QDBusArgument &argument, const PortalShortcut &shortcut) {
   argument.beginStructure();
@@ -35,10 +33,8 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, PortalShortcut &s
   argument.beginStructure();
   argument >> shortcut.id >> shortcut.properties;
   argument.endStructure();
-  return argument;
+  return argument; // NOLINT(bugprone-return-const-ref-from-parameter): it is Qt's form
 }
-
-namespace {
 
 const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
@@ -143,7 +139,7 @@ bool HotKeyPortal::take(const HotKeyPreset &preset) {
 
 void HotKeyPortal::release() {
   wanted_.reset();
-  QMetaObject::invokeMethod(this, &HotKeyPortal::settle, Qt::QueuedConnection);
+  QTimer::singleShot(0, this, &HotKeyPortal::settle);
 }
 
 void HotKeyPortal::settle() {

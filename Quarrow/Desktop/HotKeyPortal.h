@@ -30,12 +30,10 @@ signals:
   void pressed();
   void refused(); // or taken away, or there is no such portal
 
-private slots:
-  void created(uint response, const QVariantMap &results);
-  void bound(uint response, const QVariantMap &results);
-  void activated(const QDBusObjectPath &session, const QString &shortcut);
-
 private:
+  Q_SLOT void created(uint response, const QVariantMap &results);
+  Q_SLOT void bound(uint response, const QVariantMap &results);
+  Q_SLOT void activated(const QDBusObjectPath &session, const QString &shortcut);
   void ask(const QString &method, QVariantList arguments, QVariantMap options, const char *answered);
   [[nodiscard]] QString shortcutID() const;
 

@@ -1,7 +1,7 @@
 #include "Quarrow/Desktop/HotKeyX11.h"
 
 #include <QCoreApplication>
-#include <QMetaObject>
+#include <QTimer>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
 
@@ -114,12 +114,11 @@ HotKeyX11::HotKeyX11(xcb_connection_t *connection)
 HotKeyX11::~HotKeyX11() { release(); }
 
 bool HotKeyX11::take(const HotKeyPreset &preset) {
-  preset_ = preset;
   held_ = false;
-  if (grab())
-    return true;
-  preset_.reset();
-  return false;
+  if (!grab(preset))
+    return false;
+  preset_ = preset;
+  return true;
 }
 
 void HotKeyX11::release() {
@@ -127,14 +126,15 @@ void HotKeyX11::release() {
   preset_.reset();
 }
 
-bool HotKeyX11::grab() {
+bool HotKeyX11::grab(const HotKeyPreset &preset) {
   const Keyboard keyboard(connection_);
   for (const xcb_window_t root : rootsOf(connection_))
-    for (const xcb_keycode_t key : keyboard.keysFor(hotKeySymbol(preset_->keyCode)))
+    for (const xcb_keycode_t key : keyboard.keysFor(hotKeySymbol(preset.keyCode)))
       for (const std::uint16_t locks : keyboard.lockStates())
-        grabs_.push_back({root, key, static_cast<std::uint16_t>(keyboard.maskOf(*preset_) | locks)});
+        grabs_.push_back({root, key, static_cast<std::uint16_t>(keyboard.maskOf(preset) | locks)});
 
   std::vector<xcb_void_cookie_t> answers;
+  answers.reserve(grabs_.size());
   for (const auto &[root, key, modifiers] : grabs_)
     answers.push_back(::xcb_grab_key_checked(connection_, 0, root, modifiers, key, XCB_GRAB_MODE_ASYNC,
                                              XCB_GRAB_MODE_ASYNC));
@@ -190,7 +190,7 @@ void HotKeyX11::keyReleased(const xcb_key_press_event_t &event) {
 // The server tells of one change in several events.
 void HotKeyX11::keyboardChanged() {
   if (preset_ && !std::exchange(changeIsKnown_, true))
-    QMetaObject::invokeMethod(this, &HotKeyX11::takeAnew, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, &HotKeyX11::takeAnew);
 }
 
 void HotKeyX11::takeAnew() {
@@ -198,7 +198,7 @@ void HotKeyX11::takeAnew() {
   if (!preset_)
     return;
   ungrab();
-  if (grab())
+  if (grab(*preset_))
     return;
   preset_.reset();
   events().refused();

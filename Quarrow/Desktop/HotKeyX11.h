@@ -37,7 +37,7 @@ private:
     std::uint16_t modifiers;
   };
 
-  [[nodiscard]] bool grab();
+  [[nodiscard]] bool grab(const HotKeyPreset &preset);
   void ungrab();
   void keyPressed(const xcb_key_press_event_t &event);
   void keyReleased(const xcb_key_press_event_t &event); // the two are one type

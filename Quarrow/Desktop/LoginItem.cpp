@@ -53,8 +53,8 @@ std::string_view valueOf(std::string_view entry, std::string_view key) {
 
 } // namespace
 
-LoginItem::LoginItem(std::filesystem::path folder, std::filesystem::path program)
-    : entry_(std::move(folder) / "tevrin.desktop"), program_(std::move(program)) {}
+LoginItem::LoginItem(const std::filesystem::path &folder, std::filesystem::path program)
+    : entry_(folder / "tevrin.desktop"), program_(std::move(program)) {}
 
 bool LoginItem::isEnabled() const {
   const auto entry = fennick::readFile(entry_);

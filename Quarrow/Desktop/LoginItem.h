@@ -13,7 +13,7 @@ namespace quarrow {
 class LoginItem {
 public:
   // `folder` is the autostart folder, which need not exist yet; `program` the full path of what is started.
-  LoginItem(std::filesystem::path folder, std::filesystem::path program);
+  LoginItem(const std::filesystem::path &folder, std::filesystem::path program);
 
   // Read anew each time.
   [[nodiscard]] bool isEnabled() const;

@@ -6,7 +6,6 @@
 #include <QByteArray>
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QMetaObject>
 #include <QVariantMap>
 
 #include <cstddef>
@@ -14,15 +13,13 @@
 
 namespace quarrow {
 
+namespace {
+
 // A picture as notifications carry it, (iiibiiay): width, height, bytes a row, whether there is transparency,
 // bits a channel, channels, pixels.
 struct NotificationPicture {
   QImage image; // RGB888
 };
-
-// Qt finds these two by their names.
-QDBusArgument &operator<<(QDBusArgument &argument, const NotificationPicture &picture);
-const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationPicture &picture);
 
 QDBusArgument &operator<<(QDBusArgument &argument, const NotificationPicture &picture) {
   const QImage &image = picture.image;
@@ -35,9 +32,9 @@ QDBusArgument &operator<<(QDBusArgument &argument, const NotificationPicture &pi
 }
 
 // Nobody sends us pictures.
-const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationPicture &) { return argument; }
-
-namespace {
+const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationPicture &) {
+  return argument; // NOLINT(bugprone-return-const-ref-from-parameter): it is Qt's form
+}
 
 const QString kName = QStringLiteral("org.freedesktop.Notifications");
 const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
@@ -63,9 +60,8 @@ QString escaped(QString text) {
 }
 
 // The bytes come out of the locked-down decoder, which alone has looked into the received file.
-QImage pictureOf(const std::string &jpeg) {
-  const QImage image =
-      QImage::fromData(QByteArray::fromRawData(jpeg.data(), static_cast<qsizetype>(jpeg.size())), "JPG");
+QImage pictureOf(const QByteArray &jpeg) {
+  const QImage image = QImage::fromData(jpeg, "JPG");
   if (image.isNull() || image.width() > kPictureSize || image.height() > kPictureSize)
     return {};
   return image.convertToFormat(QImage::Format_RGB888);
@@ -76,6 +72,7 @@ QImage pictureOf(const std::string &jpeg) {
 Notifier::Notifier(QDBusConnection bus, fennick::PictureDecoder &decoder, Actions actions)
     : bus_(std::move(bus)), decoder_(decoder), actions_(std::move(actions)) {
   qDBusRegisterMetaType<NotificationPicture>();
+  connect(this, &Notifier::pictureMade, this, &Notifier::addPicture, Qt::QueuedConnection);
   bus_.connect(kName, kPath, kName, QStringLiteral("ActionInvoked"), this, SLOT(invoked(uint, QString)));
   bus_.connect(kName, kPath, kName, QStringLiteral("NotificationClosed"), this, SLOT(closed(uint)));
 }
@@ -107,23 +104,28 @@ void Notifier::learn(const QDBusMessage &reply) {
 
 void Notifier::deliver(const Note &note) {
   const bool showsPictures = can("icon-static") || can("icon-multi");
-  if (showsPictures && note.file && !fennick::isVideoName(note.file->filename().native()))
-    addPicture(note);
-  else
+  if (showsPictures && note.file && !fennick::isVideoName(note.file->filename().native())) {
+    unpictured_.push_back(note);
+    makePicture(*note.file);
+  } else {
     send(note);
+  }
 }
 
-void Notifier::addPicture(const Note &note) {
+void Notifier::makePicture(const std::filesystem::path &file) {
   if (!pictures_)
     pictures_ = std::make_unique<fennick::SerialQueue>("fennick.notify");
-  pictures_->post([this, note] {
-    const auto jpeg = decoder_.thumbnail(*note.file, kPictureSize, kPictureQuality);
-    QMetaObject::invokeMethod(this, [this, with = note, jpeg]() mutable {
-      if (jpeg)
-        with.picture = pictureOf(*jpeg);
-      send(with);
-    });
+  pictures_->post([this, file] {
+    const auto jpeg = decoder_.thumbnail(file, kPictureSize, kPictureQuality);
+    emit pictureMade(jpeg ? QByteArray::fromStdString(*jpeg) : QByteArray());
   });
+}
+
+void Notifier::addPicture(const QByteArray &jpeg) {
+  Note note = std::move(unpictured_.front());
+  unpictured_.pop_front();
+  note.picture = pictureOf(jpeg);
+  send(note);
 }
 
 void Notifier::send(const Note &note) {

@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
+#include <QByteArray>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QImage>
@@ -10,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -44,9 +46,8 @@ public:
   void post(const std::string &title, const std::string &body,
             std::optional<std::filesystem::path> file = std::nullopt);
 
-private slots:
-  void invoked(uint id, const QString &action);
-  void closed(uint id);
+signals:
+  void pictureMade(const QByteArray &jpeg); // for the notification that waits longest; empty: there is none
 
 private:
   struct Note {
@@ -59,9 +60,12 @@ private:
   [[nodiscard]] bool can(const char *capability) const;
   void learn(const QDBusMessage &reply);
   void deliver(const Note &note);
-  void addPicture(const Note &note);
+  void makePicture(const std::filesystem::path &file);
+  void addPicture(const QByteArray &jpeg);
   void send(const Note &note);
   [[nodiscard]] QVariantList argumentsOf(const Note &note) const;
+  Q_SLOT void invoked(uint id, const QString &action);
+  Q_SLOT void closed(uint id);
   void remember(uint id, const std::filesystem::path &file);
 
   QDBusConnection bus_;
@@ -69,6 +73,7 @@ private:
   const Actions actions_;
   std::optional<QStringList> capabilities_;        // absent until the service has told them
   std::vector<Note> waiting_;                      // for that
+  std::deque<Note> unpictured_;                    // their pictures are being made, in this order
   std::map<uint, std::filesystem::path> files_;    // of notifications that may still be shown, by their ids
   std::unique_ptr<fennick::SerialQueue> pictures_; // from the first one on; last: it uses the above
 };

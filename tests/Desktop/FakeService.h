@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Quarrow/Desktop/DBusCall.h"
+#include "tests/Desktop/RunUntil.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
@@ -50,5 +53,17 @@ private:
   const Answer answer_;
   QDBusConnection bus_;
 };
+
+// Runs the event loop until all that was asked on the session bus so far, of services that are not there, has
+// been answered: errors of the bus come in the order of the calls.
+inline void awaitErrors() {
+  bool answered = false;
+  QObject context;
+  callAsync(QDBusConnection::sessionBus(),
+            QDBusMessage::createMethodCall(QStringLiteral("no.such.Name"), QStringLiteral("/"), QString(),
+                                           QStringLiteral("Nothing")),
+            context, [&](const QDBusMessage &) { answered = true; });
+  runUntil([&] { return answered; });
+}
 
 } // namespace quarrow::test

@@ -2,7 +2,6 @@
 
 #include "Quarrow/Desktop/HotKeyManager.h"
 #include "tests/Desktop/FakeService.h"
-#include "tests/Desktop/RunUntil.h"
 
 #include <QDBusArgument>
 #include <gmock/gmock.h>

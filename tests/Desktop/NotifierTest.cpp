@@ -1,7 +1,6 @@
 #include "Quarrow/Desktop/Notifier.h"
 
 #include "tests/Desktop/FakeService.h"
-#include "tests/Desktop/RunUntil.h"
 #include "tests/Support/FakeDecoder.h"
 
 #include <QBuffer>
@@ -142,10 +141,7 @@ TEST_F(NotifierTest, WhatTheServiceCannotDoIsLeftOut) {
 
 TEST_F(NotifierTest, WithoutAServiceNothingIsShownUntilThereIsOne) {
   notifier.post("lost", "");
-  const auto pending = QDBusConnection::sessionBus().call(
-      QDBusMessage::createMethodCall(kName, QStringLiteral("/"), kName, QStringLiteral("Nothing")));
-  ASSERT_EQ(pending.type(), QDBusMessage::ErrorMessage); // and so the notifier has had its error
-  QCoreApplication::processEvents();
+  test::awaitErrors();
   FakeNotifications service(kEverything);
   notifier.post("shown", "");
   EXPECT_THAT(service.take(1), ElementsAre("shown|||"));

@@ -1,7 +1,6 @@
 #include "Quarrow/Desktop/ShowFile.h"
 
 #include "tests/Desktop/FakeService.h"
-#include "tests/Desktop/RunUntil.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
@@ -43,10 +42,7 @@ TEST(ShowFileTest, TheFileManagerSelectsTheFileAndWithoutOneTheFolderIsOpened) {
   openFile(photo);
   EXPECT_EQ(heard(), photo.string() + "\n");
   showInFolder(photo, QDBusConnection::sessionBus(), context);
-  // The error has come before the answer to what was asked after it.
-  std::ignore = QDBusConnection::sessionBus().call(QDBusMessage::createMethodCall(
-      QStringLiteral("no.such.Name"), QStringLiteral("/"), QString(), QStringLiteral("Nothing")));
-  QCoreApplication::processEvents();
+  test::awaitErrors();
   EXPECT_EQ(heard(), disk.path().string() + "\n");
 
   QStringList asked;
