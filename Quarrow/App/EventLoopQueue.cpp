@@ -27,8 +27,8 @@ void EventLoopQueue::postAfter(fennick::Seconds delay, std::function<void()> tas
     setTimer();
 }
 
-void EventLoopQueue::onSignals(const std::vector<int> &numbers, std::function<void(int)> handler) {
-  signals_.emplace(numbers);
+void EventLoopQueue::onSignals(fennick::SignalSource source, std::function<void(int)> handler) {
+  signals_.emplace(std::move(source));
   signalNotifier_ = std::make_unique<QSocketNotifier>(signals_->descriptor(), QSocketNotifier::Read);
   QObject::connect(signalNotifier_.get(), &QSocketNotifier::activated, signalNotifier_.get(),
                    [this, handler = std::move(handler)] {

@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace quarrow {
@@ -29,8 +30,12 @@ public:
   void post(std::function<void()> task) override;
   void postAfter(fennick::Seconds delay, std::function<void()> task) override;
 
-  // Calls `handler` on the main thread whenever one of these signals arrives (see SignalSource). Once.
-  void onSignals(const std::vector<int> &numbers, std::function<void(int)> handler);
+  // Calls `handler` on the main thread whenever one of these signals arrives (see SignalSource). Once. An
+  // application object that starts threads of its own comes after the source.
+  void onSignals(fennick::SignalSource source, std::function<void(int)> handler);
+  void onSignals(const std::vector<int> &numbers, std::function<void(int)> handler) {
+    onSignals(fennick::SignalSource(numbers), std::move(handler));
+  }
 
   // Runs what is due now and what that posts in turn, until nothing is left; for the end of a program, when
   // the loop runs no more. Main thread.

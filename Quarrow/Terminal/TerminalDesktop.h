@@ -26,7 +26,7 @@ public:
   void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
                 std::function<void(const std::string &)> failed) override;
   void playSound() override { report_.bell(); }
-  void notify(const std::string &, const std::string &) override {}
+  void notify(const std::string &, const std::string &, const std::filesystem::path &) override {}
   [[nodiscard]] bool registerHotKey(std::optional<std::int64_t>, HotKeyActions) override { return true; }
   [[nodiscard]] bool launchedAsLoginItem() const override { return false; }
 

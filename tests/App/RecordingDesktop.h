@@ -31,7 +31,7 @@ public:
     failed("no such program");
   }
   void playSound() override { asked.emplace_back("sound"); }
-  void notify(const std::string &title, const std::string &body) override {
+  void notify(const std::string &title, const std::string &body, const std::filesystem::path &) override {
     asked.push_back(fmt::format("notify {}: {}", title, body));
   }
   bool registerHotKey(std::optional<std::int64_t> presetID, HotKeyActions actions) override {
