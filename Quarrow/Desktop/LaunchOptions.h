@@ -1,0 +1,38 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quarrow {
+
+// What the program with windows was asked to do at its start. Any thread.
+struct LaunchOptions {
+  std::optional<std::filesystem::path> stateDirectory; // absolute
+  bool loginItem = false;                              // the session starts it at login
+  bool selfTest = false;
+  bool showVersion = false;
+  bool showHelp = false;
+  std::vector<std::string> windows; // "--show-settings", "--show-panel", in the order given
+
+  // Reads the arguments after the program's name. The error is a sentence for standard error.
+  [[nodiscard]] static std::expected<LaunchOptions, std::string>
+  parse(const std::vector<std::string> &arguments);
+
+  [[nodiscard]] static const char *help();
+};
+
+// What a second launch hands to the program that runs: what it was asked for, and the launcher's word that
+// the person wants a window now, without which desktops keep new windows from the front.
+struct HandOver {
+  std::vector<std::string> windows;
+  bool loginItem = false;      // nobody asked for a window
+  std::string activationToken; // empty: none
+
+  [[nodiscard]] std::vector<std::string> arguments() const;
+  [[nodiscard]] static HandOver parse(const std::vector<std::string> &arguments);
+};
+
+} // namespace quarrow

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Quarrow/Desktop/StatusItemController.h"
+#include "Quarrow/Desktop/ViewMaker.h"
+
+#include <QObject>
+#include <QRect>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QQuickWindow;
+
+namespace quarrow {
+
+// The panel on the screen: a window without a frame at the tray icon, which has the keyboard at once and is
+// gone, memory and all, when it closes. Main thread.
+class PanelWindow final : public QObject, public StatusItemController::Panel {
+  Q_OBJECT
+
+public:
+  // `iconPlace` tells where the tray icon is, if anybody knows.
+  PanelWindow(ViewMaker makeView, std::function<std::optional<QRect>()> iconPlace);
+  ~PanelWindow() override;
+  PanelWindow(const PanelWindow &) = delete;
+  PanelWindow &operator=(const PanelWindow &) = delete;
+
+  [[nodiscard]] bool isOpen() const override { return window_ != nullptr; }
+  void open() override;
+  Q_SLOT void close() override;
+  [[nodiscard]] QQuickWindow *window() const; // nothing while it is closed
+
+signals:
+  // The person went on to another window.
+  void left();
+
+private:
+  class Window;
+  class Close {
+  public:
+    void operator()(Window *window) const;
+  };
+
+  void place();
+
+  const ViewMaker makeView_;
+  const std::function<std::optional<QRect>()> iconPlace_;
+  std::optional<QRect> icon_; // where it was when the panel opened
+  std::unique_ptr<Window, Close> window_;
+};
+
+} // namespace quarrow

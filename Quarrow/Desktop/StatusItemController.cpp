@@ -1,0 +1,36 @@
+#include "Quarrow/Desktop/StatusItemController.h"
+
+#include <utility>
+
+namespace quarrow {
+
+namespace {
+
+// Longest from the button going down on the icon, which takes the keyboard from the panel, to the click.
+constexpr fennick::Seconds kClickLength{0.4};
+
+} // namespace
+
+void StatusItemController::togglePopover() {
+  if (panel_.isOpen())
+    return panel_.close();
+  const auto leftAt = std::exchange(leftAt_, std::nullopt);
+  if (!leftAt || clock_.uptime() - *leftAt > kClickLength)
+    panel_.open();
+}
+
+void StatusItemController::panelLeft() {
+  leftAt_ = clock_.uptime();
+  panel_.close();
+}
+
+void StatusItemController::flash() {
+  item_.setFace(TrayFace::received);
+  flashTask_ = std::make_shared<const int>();
+  mainQueue_.postAfter(kFlashLength, [this, task = std::weak_ptr(flashTask_)] {
+    if (!task.expired())
+      item_.setFace(TrayFace::normal);
+  });
+}
+
+} // namespace quarrow

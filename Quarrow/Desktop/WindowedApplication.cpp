@@ -1,0 +1,55 @@
+#include "Quarrow/Desktop/WindowedApplication.h"
+
+#include <QEvent>
+#include <QIcon>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
+#include <QQuickWindow>
+
+namespace quarrow {
+
+namespace {
+
+// What draws for OpenGL; empty without one.
+QByteArray openGLRenderer() {
+  QOpenGLContext context;
+  QOffscreenSurface surface;
+  surface.create();
+  if (!context.create() || !context.makeCurrent(&surface))
+    return {};
+  const auto *name = context.functions()->glGetString(GL_RENDERER);
+  return name != nullptr ? QByteArray(static_cast<const char *>(static_cast<const void *>(name)))
+                         : QByteArray();
+}
+
+} // namespace
+
+WindowedApplication::WindowedApplication(int &argc, char **argv) : QApplication(argc, argv) {
+  setApplicationName("tevrin");
+  setApplicationDisplayName("Tevrin");
+  setDesktopFileName("tevrin");
+  setWindowIcon(QIcon(":/tray/tevrin.svg"));
+  setQuitOnLastWindowClosed(false);
+}
+
+bool WindowedApplication::event(QEvent *event) {
+  if (event->type() == QEvent::Quit) {
+    exit();
+    return true;
+  }
+  const bool handled = QApplication::event(event);
+  if (event->type() == QEvent::ApplicationPaletteChange)
+    emit coloursChanged();
+  return handled;
+}
+
+void chooseRenderer() {
+  if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || qEnvironmentVariableIsSet("QSG_RHI_BACKEND"))
+    return;
+  const QByteArray renderer = openGLRenderer();
+  if (renderer.isEmpty() || renderer.contains("llvmpipe") || renderer.contains("softpipe"))
+    QQuickWindow::setSceneGraphBackend("software");
+}
+
+} // namespace quarrow

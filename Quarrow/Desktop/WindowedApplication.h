@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QApplication>
+
+namespace quarrow {
+
+// The application object of the program with windows. It lives without any window, and quitting it asks no
+// window for leave.
+class WindowedApplication final : public QApplication {
+  Q_OBJECT
+
+public:
+  // Both as `main` was given them; they outlive the object.
+  WindowedApplication(int &argc, char **argv);
+
+signals:
+  void coloursChanged();
+
+protected:
+  bool event(QEvent *event) override;
+};
+
+// Draws the windows without OpenGL where there is none, or only one that is software itself and slower.
+// Before the first window is made; what the environment says about it (QT_QUICK_BACKEND) comes first.
+void chooseRenderer();
+
+} // namespace quarrow

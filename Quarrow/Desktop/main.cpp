@@ -1,0 +1,223 @@
+// The program with windows: builds its objects in order, wires them and runs until it is told to end.
+
+#include "FennickCore/Imaging/DecoderPool.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Directories.h"
+#include "FennickCore/Platform/EventSources.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/InstanceGuard.h"
+#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Platform/Process.h"
+#include "FennickCore/Platform/Trash.h"
+#include "Quarrow/App/AppController.h"
+#include "Quarrow/App/EventLoopQueue.h"
+#include "Quarrow/App/SingleInstance.h"
+#include "Quarrow/App/SystemNetwork.h"
+#include "Quarrow/Desktop/AppDesktop.h"
+#include "Quarrow/Desktop/ColourScheme.h"
+#include "Quarrow/Desktop/LaunchOptions.h"
+#include "Quarrow/Desktop/LoginItem.h"
+#include "Quarrow/Desktop/Shell.h"
+#include "Quarrow/Desktop/WindowSelfTest.h"
+#include "Quarrow/Desktop/WindowedApplication.h"
+#include "Quarrow/Views/Registration.h"
+#include "Quarrow/Views/View.h"
+
+#include <QDBusConnection>
+#include <QEvent>
+#include <QQmlEngine>
+#include <QTemporaryDir>
+#include <QtQml/QQmlExtensionPlugin>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+Q_IMPORT_QML_PLUGIN(TevrinPlugin)
+
+namespace {
+
+constexpr int kCannotStart = 1;
+constexpr int kBadUsage = 2;
+constexpr const char *kName = "tevrin";
+
+int refuse(int status, const std::string &sentence) {
+  std::ignore = std::fputs((sentence + "\n").c_str(), stderr);
+  return status;
+}
+
+// Makes views. The engine is there from the first one on: a program that waits in the tray needs none.
+class Views {
+public:
+  std::unique_ptr<QObject> make(const QString &name) {
+    if (!engine_) {
+      quarrow::chooseRenderer();
+      engine_ = std::make_unique<QQmlEngine>();
+    }
+    auto view = quarrow::makeView(*engine_, name);
+    if (view)
+      return std::move(*view);
+    fennick::log(fmt::format("cannot open {}: {}", name.toStdString(), view.error().toStdString()));
+    return nullptr;
+  }
+
+private:
+  std::unique_ptr<QQmlEngine> engine_;
+};
+
+// The launcher's word that the person wants a window; the desktop takes it back from us once it is used.
+void adoptActivationToken(const std::string &token) {
+  if (!token.empty())
+    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
+}
+
+std::string activationToken() {
+  const char *token = std::getenv("XDG_ACTIVATION_TOKEN");
+  return token != nullptr ? token : "";
+}
+
+void handleLaunch(quarrow::AppController &controller, const std::vector<std::string> &arguments) {
+  const auto asked = quarrow::HandOver::parse(arguments);
+  adoptActivationToken(asked.activationToken);
+  if (!asked.loginItem || !asked.windows.empty())
+    controller.handleArguments(asked.windows);
+}
+
+void lendToQml(quarrow::AppController &controller, quarrow::Shell &shell) {
+  quarrow::ServerSingleton::instance = &controller.server();
+  quarrow::ProgressSingleton::instance = &controller.progress();
+  quarrow::ShellSingleton::instance = &shell;
+  controller.progress().setWatched(true);
+}
+
+int testAndReport(quarrow::AppDesktop &desktop) {
+  if (const auto tested = quarrow::testWindows(desktop); !tested)
+    return refuse(kCannotStart, tested.error());
+  return EXIT_SUCCESS;
+}
+
+struct State {
+  std::filesystem::path preferences; // the folder that holds them
+  std::filesystem::path cache;
+  std::optional<std::filesystem::path> saveFolder{}; // in place of the settings'
+};
+
+// Runs until it is told to end; gives the exit status.
+int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOptions &options,
+          fennick::SignalSource signalSource, const State &state,
+          std::optional<fennick::InstanceGuard> guard) {
+  fennick::FilePreferences preferences(state.preferences / "preferences.json");
+  const fennick::SystemClock clock;
+  fennick::SystemFileSystem files;
+  quarrow::EventLoopQueue mainQueue(clock);
+  mainQueue.onSignals(std::move(signalSource), [](int) { QCoreApplication::quit(); });
+  fennick::DecoderPool decoder({.program = fennick::imagingProgram()});
+  fennick::SystemTrash trash;
+  quarrow::SystemNetwork network(mainQueue);
+  const QDBusConnection bus = QDBusConnection::sessionBus();
+  const quarrow::ColourScheme scheme(bus);
+  quarrow::LoginItem loginItem(quarrow::autostartFolder(),
+                               QCoreApplication::applicationFilePath().toStdString());
+  Views views;
+  quarrow::AppDesktop desktop({.mainQueue = mainQueue,
+                               .clock = clock,
+                               .decoder = decoder,
+                               .bus = bus,
+                               .makeView = [&](const QString &name) { return views.make(name); },
+                               .launchedAsLoginItem = options.loginItem});
+  quarrow::AppController controller(
+      {.cacheDirectory = state.cache, .arguments = options.windows, .saveFolder = state.saveFolder},
+      {.preferences = preferences,
+       .mainQueue = mainQueue,
+       .files = files,
+       .clock = clock,
+       .decoder = decoder,
+       .trash = trash,
+       .desktop = desktop,
+       .network = network});
+  quarrow::Shell shell(controller, loginItem);
+  lendToQml(controller, shell);
+  QObject::connect(&application, &quarrow::WindowedApplication::coloursChanged, &desktop,
+                   [&] { desktop.recolour(); });
+  QObject::connect(&desktop, &quarrow::AppDesktop::trayChanged, &shell,
+                   [&] { shell.setHasTray(desktop.hasTray()); });
+  QObject::connect(&desktop, &quarrow::AppDesktop::mainWindowAskedFor, &shell,
+                   [&] { shell.showMainWindow(); });
+
+  std::optional<quarrow::SingleInstance> instance;
+  if (guard)
+    instance.emplace(std::move(*guard), [&](const auto &arguments) { handleLaunch(controller, arguments); });
+  controller.start();
+  if (options.selfTest)
+    mainQueue.post([&] { QCoreApplication::exit(testAndReport(desktop)); });
+  const int status = QCoreApplication::exec();
+  desktop.closeAll();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views look at what ends next
+  decoder.stop(); // whoever waits for a picture does so no longer
+  controller.stop();
+  mainQueue.drain();
+  return status;
+}
+
+// A program that runs serves the new launch as well.
+int handOver(const std::filesystem::path &directory, const quarrow::LaunchOptions &options) {
+  const quarrow::HandOver asked{
+      .windows = options.windows, .loginItem = options.loginItem, .activationToken = activationToken()};
+  const auto handed = fennick::InstanceGuard::handOver(directory, kName, asked.arguments());
+  if (handed)
+    return EXIT_SUCCESS;
+  return refuse(kCannotStart,
+                fmt::format("已有一个 Tevrin 在运行，但它没有回应：{0} / Another Tevrin is running "
+                            "but does not answer: {0}",
+                            handed.error().message()));
+}
+
+// Beside the one that may be running, and without a trace.
+int selfTest(int argc, char *argv[], const quarrow::LaunchOptions &options) {
+  const QTemporaryDir folder;
+  const std::filesystem::path own = folder.path().toStdString();
+  const auto state = options.stateDirectory.value_or(own / "state");
+  fennick::SignalSource signalSource({SIGINT, SIGTERM, SIGHUP});
+  quarrow::WindowedApplication application(argc, argv);
+  return serve(application, options, std::move(signalSource),
+               {.preferences = state, .cache = state, .saveFolder = own / "photos"}, std::nullopt);
+}
+
+int run(int argc, char *argv[], const quarrow::LaunchOptions &options) {
+  const auto directory = options.stateDirectory.value_or(fennick::configurationDirectory());
+  auto guard = fennick::InstanceGuard::claim(directory, kName);
+  if (guard && !*guard)
+    return handOver(directory, options);
+  if (!guard)
+    fennick::log(fmt::format("cannot tell whether another one is running: {}", guard.error().message()));
+  fennick::SignalSource signalSource({SIGINT, SIGTERM, SIGHUP});
+  quarrow::WindowedApplication application(argc, argv);
+  return serve(
+      application, options, std::move(signalSource),
+      {.preferences = directory, .cache = options.stateDirectory.value_or(fennick::cacheDirectory())},
+      guard ? std::move(*guard) : std::optional<fennick::InstanceGuard>());
+}
+
+} // namespace
+
+int main(int argc, char *argv[]) {
+  fennick::prepareProcess();
+  const auto options = quarrow::LaunchOptions::parse(std::vector<std::string>(argv + 1, argv + argc));
+  if (!options)
+    return refuse(kBadUsage, options.error());
+  if (options->showHelp || options->showVersion) {
+    std::ignore = std::fputs(
+        options->showHelp ? quarrow::LaunchOptions::help() : "tevrin " TEVRIN_VERSION "\n", stdout);
+    return EXIT_SUCCESS;
+  }
+  return options->selfTest ? selfTest(argc, argv, *options) : run(argc, argv, *options);
+}

@@ -1,0 +1,100 @@
+#include "Quarrow/Desktop/WindowKeeper.h"
+
+#include "Quarrow/Desktop/PanelWindow.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <gtest/gtest.h>
+
+namespace quarrow {
+namespace {
+
+// Views that have what the keeper relies on, and nothing else.
+class WindowKeeperTest : public ::testing::Test {
+protected:
+  static QByteArray source(const QString &name) {
+    if (name == "LeaveWindow")
+      return "import QtQuick\nWindow { signal stay }";
+    if (name == "Panel")
+      return "import QtQuick\nItem { signal dismissed; implicitHeight: 300 }";
+    return name == "MainWindow" || name == "HelpWindow" ? "import QtQuick\nWindow {}" : "broken";
+  }
+  std::unique_ptr<QObject> make(const QString &name) {
+    made.append(name);
+    QQmlComponent component(&engine);
+    component.setData(source(name), QUrl());
+    return std::unique_ptr<QObject>(component.create());
+  }
+  void TearDown() override {
+    keeper.closeAll();
+    settle();
+  }
+  // What closing leaves for later.
+  static void settle() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+  QQmlEngine engine;
+  QStringList made;
+  const ViewMaker maker = [this](const QString &name) { return make(name); };
+  WindowKeeper keeper{maker};
+};
+
+TEST_F(WindowKeeperTest, AWindowIsMadeOnceWhileItIsOpenAndGoneWhenItIsClosed) {
+  keeper.show(Desktop::Window::main);
+  keeper.show(Desktop::Window::main);
+  EXPECT_EQ(made, QStringList{"MainWindow"});
+  const QPointer<QQuickWindow> window = keeper.window(Desktop::Window::main);
+  ASSERT_TRUE(window);
+  window->close();
+  settle();
+  EXPECT_FALSE(window);
+  keeper.show(Desktop::Window::main);
+  EXPECT_NE(keeper.window(Desktop::Window::main), nullptr);
+  keeper.show(Desktop::Window::settings); // its view is broken
+  EXPECT_EQ(keeper.window(Desktop::Window::settings), nullptr);
+}
+
+TEST_F(WindowKeeperTest, OnlyTheLastWindowAsksBeforeItLeavesNothingToComeBackThrough) {
+  keeper.setAsksBeforeLast(true);
+  keeper.show(Desktop::Window::main);
+  keeper.show(Desktop::Window::help);
+  keeper.window(Desktop::Window::help)->close();
+  EXPECT_EQ(keeper.question(), nullptr);
+
+  keeper.window(Desktop::Window::main)->close();
+  ASSERT_NE(keeper.question(), nullptr);
+  EXPECT_TRUE(keeper.window(Desktop::Window::main)->isVisible());
+  keeper.question()->close(); // no answer: all is as before
+  EXPECT_EQ(keeper.question(), nullptr);
+  EXPECT_NE(keeper.window(Desktop::Window::main), nullptr);
+
+  keeper.window(Desktop::Window::main)->close();
+  QMetaObject::invokeMethod(keeper.question(), "stay");
+  EXPECT_EQ(keeper.question(), nullptr);
+  EXPECT_EQ(keeper.window(Desktop::Window::main), nullptr);
+}
+
+TEST_F(WindowKeeperTest, ThePanelFollowsItsContentAndIsGoneWhenItIsDismissed) {
+  PanelWindow panel(maker, [] { return std::optional<QRect>(); });
+  panel.open();
+  ASSERT_TRUE(panel.isOpen());
+  const QPointer<QQuickWindow> window = panel.window();
+  EXPECT_EQ(window->size(), QSize(300, 300));
+  auto *content = window->contentItem()->childItems().first();
+  content->setImplicitHeight(350.5);
+  EXPECT_EQ(window->size(), QSize(300, 351));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(content->height(), 351);
+  QMetaObject::invokeMethod(content, "dismissed");
+  EXPECT_FALSE(panel.isOpen());
+  settle();
+  EXPECT_FALSE(window);
+}
+
+} // namespace
+} // namespace quarrow
