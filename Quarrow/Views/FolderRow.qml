@@ -7,6 +7,7 @@ import Tevrin
 T.AbstractButton {
     id: row
 
+    objectName: "folderRow"
     implicitWidth: 268
     implicitHeight: 32
     Accessible.role: Accessible.Button

@@ -20,7 +20,7 @@ AppWindow {
     modality: Qt.ApplicationModal
 
     Shortcut {
-        sequences: [StandardKey.Cancel]
+        sequences: ["Escape"]
         onActivated: window.close()
     }
     ColumnLayout {

@@ -21,60 +21,35 @@ AppWindow {
         widest: window.wide ? 760 : 360
 
         Item {
-            Layout.preferredHeight: Math.max(0, (window.height - bar.height - grid.implicitHeight) / 2 - 44)
-        }
-        GridLayout {
-            id: grid
+            id: place
 
-            columns: window.wide ? 2 : 1
-            columnSpacing: 48
-            rowSpacing: 24
+            implicitHeight: Math.max(least, window.height - bar.height - 64)
+            Layout.fillWidth: true
+
+            readonly property real least: window.wide ? Math.max(code.height, words.height) : code.height + 24 + words.height
+            readonly property real upper: Math.round((height - least) / 2)
 
             ColumnLayout {
+                id: code
+
+                x: window.wide ? 0 : Math.round((place.width - width) / 2)
+                y: window.wide ? Math.round((place.height - height) / 2) : place.upper
+                width: 312
                 spacing: 8
-                Layout.alignment: Qt.AlignCenter
 
                 QRCard {
-                    implicitWidth: 312
-                    Layout.alignment: Qt.AlignHCenter
+                    Layout.fillWidth: true
                 }
                 AddressLine {
                     Layout.fillWidth: true
                 }
             }
-            ColumnLayout {
-                spacing: 16
-                Layout.fillWidth: true
-                Layout.fillHeight: false
-                Layout.alignment: Qt.AlignVCenter
+            GreetingColumn {
+                id: words
 
-                Words {
-                    text: qsTr("扫一扫，照片到这里")
-                    font.pixelSize: Theme.hero
-                    font.weight: Font.DemiBold
-                    Layout.fillWidth: true
-                    Accessible.role: Accessible.Heading
-                }
-                Words {
-                    text: qsTr("用手机相机扫码，选好照片就开始传。\n原文件直接存进这台电脑，不经过云端。")
-                    quiet: true
-                    lineHeight: 1.15
-                    Layout.fillWidth: true
-                    Layout.topMargin: -8
-                }
-                StatusLine {}
-                AddressPicker {
-                    Layout.fillWidth: true
-                }
-                ErrorNotice {
-                    Layout.fillWidth: true
-                }
-                FirewallNotice {
-                    Layout.fillWidth: true
-                }
-                ReceivedCard {
-                    Layout.fillWidth: true
-                }
+                x: window.wide ? code.width + 48 : 0
+                y: window.wide ? Math.round((place.height - height) / 2) : code.y + code.height + 24
+                width: place.width - x
             }
         }
     }

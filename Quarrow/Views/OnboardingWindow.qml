@@ -17,13 +17,14 @@ AppWindow {
 
     title: qsTr("欢迎使用 Tevrin")
     width: 560
-    height: 600
+    height: 640
     minimumWidth: 380
     minimumHeight: 420
 
     ScrollPage {
         anchors.fill: parent
         anchors.bottomMargin: bar.height
+        focus: false
         padding: 32
         widest: 400
 

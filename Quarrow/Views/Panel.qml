@@ -25,6 +25,7 @@ FocusScope {
     ScrollPage {
         id: page
 
+        objectName: "page"
         anchors.fill: parent
         anchors.bottomMargin: footer.height
         padding: 16

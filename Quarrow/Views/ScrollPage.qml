@@ -19,7 +19,19 @@ Flickable {
         contentY = Math.max(0, Math.min(Math.max(contentY, top + item.height + 12 - height), top - 12));
     }
 
+    function scroll(by) {
+        contentY = Math.max(0, Math.min(contentY + by, contentHeight - height));
+    }
+
     contentHeight: fittingHeight
+    focus: true
+    Keys.onUpPressed: scroll(-48)
+    Keys.onDownPressed: scroll(48)
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown;
+        if (event.accepted)
+            scroll(event.key === Qt.Key_PageUp ? -0.9 * height : 0.9 * height);
+    }
     interactive: contentHeight > height
     boundsBehavior: Flickable.StopAtBounds
     clip: true
@@ -43,6 +55,7 @@ Flickable {
         implicitWidth: 10
         minimumSize: 0.1
         visible: size < 1
+        Accessible.name: qsTr("滚动条")
 
         contentItem: Rectangle {
             implicitWidth: 6

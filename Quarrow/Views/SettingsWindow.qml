@@ -87,6 +87,7 @@ AppWindow {
                 detail: qsTr("随时打开二维码。⌃ Ctrl　⌥ Alt　⇧ Shift　⌘ Super")
 
                 Choice {
+                    objectName: "hotKey"
                     name: qsTr("全局快捷键")
                     model: Phrases.hotKeyChoices(Shell.hotKeyPresets)
                     value: Shell.hotKeyPreset

@@ -3,30 +3,34 @@ import QtQuick.Layouts
 import Tevrin
 
 // A dot and a sentence, and the way to help when something is wrong.
-RowLayout {
+Item {
+    id: line
+
     property bool offersHelp: true
 
-    spacing: 8
+    implicitWidth: 16 + words.implicitWidth + (help.visible ? help.width + 8 : 0)
+    implicitHeight: words.height
+    Layout.fillWidth: true
 
     StatusDot {
+        y: Math.round((words.contentHeight / words.lineCount - height) / 2) + 1
         tone: Status.tone
-        Layout.alignment: Qt.AlignTop
-        Layout.topMargin: Math.round((metrics.height - height) / 2)
     }
     Words {
+        id: words
+
+        x: 16
+        width: (help.visible ? help.x - 8 : line.width) - x
         text: Status.sentence
-        Layout.fillWidth: true
     }
     LinkButton {
-        visible: parent.offersHelp && Status.tone >= Status.Warning
+        id: help
+
+        y: Math.round((words.contentHeight / words.lineCount - height) / 2)
+        anchors.right: parent.right
+        visible: line.offersHelp && Status.tone >= Status.Warning
         text: qsTr("怎么办")
         Accessible.name: qsTr("手机连不上怎么办")
-        Layout.alignment: Qt.AlignTop
         onClicked: Shell.showHelp()
-    }
-    FontMetrics {
-        id: metrics
-
-        font.pixelSize: Theme.body
     }
 }

@@ -1,0 +1,110 @@
+#include "tests/Views/Stage.h"
+
+#include "Quarrow/Views/Registration.h"
+
+#include <QDir>
+
+namespace quarrow::test {
+
+namespace {
+
+fennick::LANAddress addressOf(const QString &interface) {
+  using Kind = fennick::LANAddress::Kind;
+  if (interface == "wlan0")
+    return {.interface = "wlan0", .address = "192.168.1.20", .kind = Kind::wifi};
+  return {.interface = interface.toStdString(), .address = "10.0.0.105", .kind = Kind::wired};
+}
+
+} // namespace
+
+Stage::Stage()
+    : controller_({.cacheDirectory = disk_ / "cache", .saveFolder = disk_ / "photos"},
+                  {.preferences = preferences_,
+                   .mainQueue = queue_,
+                   .files = files_,
+                   .clock = queue_.clock(),
+                   .decoder = decoder_,
+                   .trash = trash_,
+                   .desktop = desktop_,
+                   .network = network_}) {
+  ServerSingleton::instance = &controller_.server();
+  ProgressSingleton::instance = &controller_.progress();
+  ShellSingleton::instance = &shell_;
+  controller_.progress().setWatched(true);
+}
+
+Stage::~Stage() {
+  ServerSingleton::instance = nullptr;
+  ProgressSingleton::instance = nullptr;
+  ShellSingleton::instance = nullptr;
+}
+
+void Stage::settle() {
+  endUploads();
+  server().setAccessKey("7GQ2M4XK9P");
+  server().setPort(8000);
+  setAddresses({"wlan0"});
+  server().setLocalNetworkStatus({.kind = LocalNetworkStatus::Kind::ok});
+  server().setFirewall(std::nullopt);
+  server().setError(std::nullopt);
+  server().setLastNote(std::nullopt);
+  setFolder(QDir::homePath() + "/Pictures/fennick");
+  shareFolder("fennick", 128);
+  shell_.setGalleryEnabled(false);
+  shell_.setPreferredInterface({});
+  asked();
+}
+
+void Stage::setAddresses(const QStringList &interfaces) {
+  std::vector<fennick::LANAddress> addresses;
+  for (const auto &each : interfaces)
+    addresses.push_back(addressOf(each));
+  server().setAddresses(std::move(addresses));
+  server().refreshQR();
+}
+
+void Stage::setPort(int port) {
+  server().setPort(port == 0 ? std::nullopt : std::optional(static_cast<std::uint16_t>(port)));
+}
+
+void Stage::setFolder(const QString &path) { server().setSaveFolder(path.toStdString()); }
+
+void Stage::failCheck(const QString &message) {
+  server().setLocalNetworkStatus({.kind = LocalNetworkStatus::Kind::failed, .message = message});
+}
+
+void Stage::blockByFirewall() {
+  using Finding = fennick::FirewallFinding;
+  server().setFirewall(Finding{
+      .kind = Finding::Kind::ufw, .port = Finding::Port::closed, .command = "sudo ufw allow 8000/tcp"});
+}
+
+void Stage::setError(const QString &error) {
+  server().setError(error.isEmpty() ? std::nullopt : std::optional(error.toStdString()));
+}
+
+void Stage::receive(const QString &note) {
+  server().setLastNote(note.toStdString());
+  emit controller_.received({.url = disk_ / "photos/a.jpg", .bytes = 12, .note = note.toStdString()});
+}
+
+void Stage::beginUpload() {
+  upload_.emplace(controller_.progress().counter(), 48'000'000);
+  queue_.run();
+  upload_->received(20'000'000);
+  queue_.advance(fennick::Seconds(0.25));
+}
+
+void Stage::endUploads() {
+  upload_.reset();
+  queue_.advance(fennick::Seconds(1));
+}
+
+QStringList Stage::asked() {
+  QStringList all;
+  for (const auto &each : desktop_.take())
+    all.append(QString::fromStdString(each));
+  return all;
+}
+
+} // namespace quarrow::test

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "FennickCore/Upload/UploadActivity.h"
+#include "Quarrow/App/AppController.h"
+#include "Quarrow/Desktop/LoginItem.h"
+#include "Quarrow/Desktop/Shell.h"
+#include "tests/App/HandNetwork.h"
+#include "tests/App/RecordingDesktop.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/ManualQueue.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+namespace quarrow::test {
+
+// A real coordinator that was never started, with everything around it in hand: views show what it is told to
+// hold, and what they ask for is asked of it. There is one at a time; it is what QML's Server, Progress and
+// Shell are. Main thread.
+class Stage : public QObject {
+  Q_OBJECT
+
+public:
+  Stage();
+  ~Stage() override;
+
+  // Everything is fine: two networks, a port, nothing in the way, nothing received yet.
+  Q_INVOKABLE void settle();
+  Q_INVOKABLE void setAddresses(const QStringList &interfaces);
+  Q_INVOKABLE void setPort(int port); // 0: no server listens
+  Q_INVOKABLE void setFolder(const QString &path);
+  Q_INVOKABLE void failCheck(const QString &message);
+  Q_INVOKABLE void blockByFirewall();
+  Q_INVOKABLE void setError(const QString &error);
+  Q_INVOKABLE void receive(const QString &note);
+  Q_INVOKABLE void beginUpload();
+  Q_INVOKABLE void endUploads();
+  Q_INVOKABLE void shareFolder(const QString &name, int count) {
+    server().setShared(name.toStdString(), count);
+  }
+
+  [[nodiscard]] ServerModel &server() { return controller_.server(); }
+  [[nodiscard]] Shell &shell() { return shell_; }
+
+  // What was asked of the desktop since the last time.
+  Q_INVOKABLE QStringList asked();
+  // What is stored.
+  Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller_.settings().accessKey()); }
+
+private:
+  fennick::test::TemporaryFolder disk_;
+  fennick::FilePreferences preferences_{disk_ / "preferences.json"};
+  fennick::test::FaultyFileSystem files_;
+  fennick::test::ManualQueue queue_;
+  fennick::test::FakeDecoder decoder_;
+  class NoTrash final : public fennick::Trash {
+    fennick::IOResult<void> moveToTrash(const std::filesystem::path &) override { return {}; }
+  } trash_;
+  RecordingDesktop desktop_;
+  HandNetwork network_;
+  AppController controller_;
+  LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
+  Shell shell_{controller_, loginItem_};
+  std::optional<fennick::UploadActivity::Upload> upload_;
+};
+
+} // namespace quarrow::test
