@@ -72,6 +72,8 @@ private:
     shortcuts.beginArray();
     shortcuts.beginStructure();
     shortcuts >> id >> properties;
+    shortcuts.endStructure();
+    shortcuts.endArray();
     asked.back() += " " + id.toStdString() + " " +
                     properties.value(QStringLiteral("preferred_trigger")).toString().toStdString();
   }

@@ -69,6 +69,7 @@ private:
     QByteArray pixels;
     argument.beginStructure();
     argument >> width >> height >> stride >> transparent >> bits >> channels >> pixels;
+    argument.endStructure();
     const auto red = static_cast<uchar>(pixels.at((height - 1) * stride));
     const bool isRed = !transparent && bits == 8 && channels == 3 && red > 240;
     return QStringLiteral("%1x%2%3").arg(width).arg(height).arg(isRed ? " red" : "");
