@@ -2,6 +2,7 @@
 
 #include "Quarrow/Desktop/PanelGeometry.h"
 #include "Quarrow/Desktop/WindowKeeper.h"
+#include "Quarrow/Desktop/WindowX11.h"
 
 #include <QFocusEvent>
 #include <QGuiApplication>
@@ -21,6 +22,13 @@ namespace {
 QScreen *screenOf(const std::optional<QRect> &icon) {
   QScreen *screen = icon ? QGuiApplication::screenAt(icon->center()) : nullptr;
   return screen != nullptr ? screen : QGuiApplication::primaryScreen();
+}
+
+// It is no window to come back to. On other platforms nobody lists it.
+void keepOutOfTaskBars(QWindow &window) {
+  if (auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+    setWindowStates(x11->connection(), static_cast<std::uint32_t>(window.winId()),
+                    {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"});
 }
 
 } // namespace
@@ -86,6 +94,7 @@ void PanelWindow::open() {
     connect(content, SIGNAL(dismissed()), this, SLOT(close()));
     connect(content, &QQuickItem::implicitHeightChanged, this, &PanelWindow::place);
     place();
+    keepOutOfTaskBars(*window_);
   }
   bringToFront(*window_);
 }

@@ -6,12 +6,15 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
+#include <algorithm>
+
 namespace quarrow {
 
 namespace {
 
 const QColor kOnLight(0x1D, 0x1D, 0x1F);
 const QColor kOnDark(0xF2, 0xF2, 0xF0);
+constexpr const char *kDarkBars[] = {"GNOME", "Unity", "X-Cinnamon"};
 constexpr int kSizes[] = {16, 22, 24, 32, 44, 48, 64};
 
 QByteArray outline(TrayFace face) {
@@ -43,8 +46,9 @@ QIcon trayIcon(TrayFace face, const QColor &tint) {
 }
 
 QColor trayTint(bool darkScheme, const QString &desktop) {
-  const bool alwaysDark = desktop.split(u':').contains("GNOME");
-  return darkScheme || alwaysDark ? kOnDark : kOnLight;
+  const QStringList names = desktop.split(u':');
+  const bool darkBar = std::ranges::any_of(kDarkBars, [&](const char *name) { return names.contains(name); });
+  return darkScheme || darkBar ? kOnDark : kOnLight;
 }
 
 } // namespace quarrow

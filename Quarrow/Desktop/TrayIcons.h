@@ -15,8 +15,8 @@ enum class TrayFace { normal, received };
 // The outline in one colour, as large as any tray draws it. Main thread.
 [[nodiscard]] QIcon trayIcon(TrayFace face, const QColor &tint);
 
-// The colour that is seen on the session's bar. Bars follow the colour scheme, except for the one that is
-// always dark: `desktop` is XDG_CURRENT_DESKTOP.
+// The colour that is seen on a bar that does not tell its own. Bars follow the colour scheme, except on
+// desktops whose bar is dark under light windows too: `desktop` is XDG_CURRENT_DESKTOP.
 [[nodiscard]] QColor trayTint(bool darkScheme, const QString &desktop);
 
 } // namespace quarrow

@@ -48,6 +48,7 @@ void TrayItem::fillMenu() {
 
 void TrayItem::start() {
   connect(&watcher_, &TrayWatcher::changed, this, &TrayItem::appearOrVanish);
+  connect(&watcher_, &TrayWatcher::foregroundChanged, this, &TrayItem::tint);
   appearOrVanish();
 }
 
@@ -89,7 +90,8 @@ void TrayItem::setFace(TrayFace face) {
 void TrayItem::tint() {
   if (!isShown())
     return;
-  icon_->setIcon(trayIcon(face_, trayTint(isDarkScheme(), qEnvironmentVariable("XDG_CURRENT_DESKTOP"))));
+  const QColor usual = trayTint(isDarkScheme(), qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+  icon_->setIcon(trayIcon(face_, watcher_.foreground().value_or(usual)));
   icon_->setToolTip(trayText(face_));
 }
 

@@ -1,5 +1,7 @@
 #include "Quarrow/Desktop/TrayWatcher.h"
 
+#include "Quarrow/Desktop/WindowX11.h"
+
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
@@ -9,9 +11,6 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <memory>
-#include <string>
-#include <string_view>
 
 namespace quarrow {
 
@@ -19,18 +18,9 @@ namespace {
 
 constexpr const char *kNotifierWatcher = "org.kde.StatusNotifierWatcher";
 
-template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
 xcb_connection_t *xServer() {
   const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
   return x11 != nullptr ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t *connection, std::string_view name) {
-  const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-  const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr), &std::free);
-  return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 // Each screen has a tray of its own; Qt's windows are on the display's first.
@@ -40,13 +30,13 @@ xcb_atom_t traySelection(xcb_connection_t *connection) {
   int screen = 0;
   xcb_parse_display(nullptr, &host, &display, &screen);
   std::free(host);
-  return atom(connection, fmt::format("_NET_SYSTEM_TRAY_S{}", screen));
+  return x11Atom(connection, fmt::format("_NET_SYSTEM_TRAY_S{}", screen));
 }
 
 xcb_window_t ownerOf(xcb_connection_t *connection, xcb_atom_t selection) {
   const auto cookie = xcb_get_selection_owner(connection, selection);
-  const Reply<xcb_get_selection_owner_reply_t> reply(
-      xcb_get_selection_owner_reply(connection, cookie, nullptr), &std::free);
+  const X11Reply<xcb_get_selection_owner_reply_t> reply(
+      xcb_get_selection_owner_reply(connection, cookie, nullptr));
   return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
@@ -73,10 +63,27 @@ void TrayWatcher::noteNotifier(bool present) { note(Kind::notifier, present); }
 
 void TrayWatcher::lookForEmbedding() {
   manager_ = ownerOf(xServer(), selection_);
-  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // the same that Qt asks for
+  const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
   if (manager_ != XCB_WINDOW_NONE)
     xcb_change_window_attributes(xServer(), manager_, XCB_CW_EVENT_MASK, &mask);
+  emit foregroundChanged();
   note(Kind::embedding, manager_ != XCB_WINDOW_NONE);
+}
+
+// Bars that take both kinds of icons announce their colours only to embedded ones; they hold for all.
+std::optional<QColor> TrayWatcher::foreground() const {
+  if (manager_ == XCB_WINDOW_NONE)
+    return std::nullopt;
+  constexpr std::uint32_t kComponents = 3; // then follow those for errors, warnings and successes
+  const auto cookie = xcb_get_property(xServer(), 0, manager_, x11Atom(xServer(), "_NET_SYSTEM_TRAY_COLORS"),
+                                       XCB_ATOM_CARDINAL, 0, kComponents);
+  const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xServer(), cookie, nullptr));
+  if (!reply || reply->format != 32 || reply->value_len != kComponents)
+    return std::nullopt;
+  const auto *component = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
+  return QColor::fromRgba64(static_cast<std::uint16_t>(component[0]),
+                            static_cast<std::uint16_t>(component[1]),
+                            static_cast<std::uint16_t>(component[2]));
 }
 
 void TrayWatcher::note(Kind kind, bool present) {
@@ -94,14 +101,23 @@ bool TrayWatcher::nativeEventFilter(const QByteArray &type, void *message, qintp
   if (type != "xcb_generic_event_t")
     return false;
   const auto *event = static_cast<const xcb_generic_event_t *>(message);
-  const int kind = event->response_type & 0x7f;
-  if (kind == XCB_CLIENT_MESSAGE) {
+  switch (event->response_type & 0x7f) {
+  case XCB_CLIENT_MESSAGE: {
     const auto *announced = static_cast<const xcb_client_message_event_t *>(message);
     if (announced->format == 32 && announced->data.data32[1] == selection_)
       lookForEmbedding();
-  } else if (kind == XCB_DESTROY_NOTIFY && manager_ != XCB_WINDOW_NONE) {
+    break;
+  }
+  case XCB_DESTROY_NOTIFY:
     if (static_cast<const xcb_destroy_notify_event_t *>(message)->window == manager_)
       lookForEmbedding();
+    break;
+  case XCB_PROPERTY_NOTIFY:
+    if (static_cast<const xcb_property_notify_event_t *>(message)->window == manager_)
+      emit foregroundChanged();
+    break;
+  default:
+    break;
   }
   return false;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QColor>
 #include <QDBusConnection>
 #include <QObject>
 
@@ -24,11 +25,14 @@ public:
   TrayWatcher &operator=(const TrayWatcher &) = delete;
 
   [[nodiscard]] bool hasTray() const { return kind_ && present_; }
+  // What icons in one colour are drawn in, where the bar says so.
+  [[nodiscard]] std::optional<QColor> foreground() const;
 
   bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
 
 signals:
   void changed();
+  void foregroundChanged();
 
 private:
   enum class Kind {
