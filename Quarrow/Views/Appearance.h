@@ -27,9 +27,8 @@ public:
   // Shows every view light or dark from now on, without motion, whatever the desktop says: for pictures.
   void pin(bool dark);
 
-public slots:
   // A setting of the desktop's, as the portal names it; those that are not about motion are ignored.
-  void follow(const QString &group, const QString &key, const QDBusVariant &value);
+  Q_SLOT void follow(const QString &group, const QString &key, const QDBusVariant &value);
 
 signals:
   void changed();

@@ -1,5 +1,6 @@
 #include "tests/Views/Stage.h"
 
+#include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/Registration.h"
 
 #include <QDir>
@@ -98,6 +99,12 @@ void Stage::beginUpload() {
 void Stage::endUploads() {
   upload_.reset();
   queue_.advance(fennick::Seconds(1));
+}
+
+bool Stage::isStillAfter(const QString &group, const QString &key, const QVariant &value) {
+  Appearance appearance;
+  appearance.follow(group, key, QDBusVariant(value));
+  return appearance.still();
 }
 
 QStringList Stage::asked() {

@@ -49,6 +49,8 @@ public:
 
   // What was asked of the desktop since the last time.
   Q_INVOKABLE QStringList asked();
+  // Whether nothing moves after the desktop's portal has said this.
+  Q_INVOKABLE static bool isStillAfter(const QString &group, const QString &key, const QVariant &value);
   // What is stored.
   Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller_.settings().accessKey()); }
 

@@ -18,6 +18,16 @@ TestCase {
                 }, tone: Status.Bad, says: "照片暂时传不进来"}
         ];
     }
+    function test_nothingMovesWhereTheDesktopAsksForStillness() {
+        const gnome = "org.gnome.desktop.interface";
+        const kde = "org.kde.kdeglobals.KDE";
+        verify(Stage.isStillAfter(gnome, "enable-animations", false));
+        verify(!Stage.isStillAfter(gnome, "enable-animations", true));
+        verify(Stage.isStillAfter(kde, "AnimationDurationFactor", "0"));
+        verify(!Stage.isStillAfter(kde, "AnimationDurationFactor", "0.5"));
+        verify(!Stage.isStillAfter(gnome, "clock-show-date", false));
+    }
+
     function test_theSentenceSaysTheWorstThatIsKnown(data) {
         Stage.settle();
         data.arrange();
