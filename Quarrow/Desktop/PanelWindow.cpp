@@ -26,8 +26,8 @@ QScreen *screenOf(const std::optional<QRect> &icon) {
 
 // It is no window to come back to. On other platforms nobody lists it.
 void keepOutOfTaskBars(QWindow &window) {
-  if (auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
-    setWindowStates(x11->connection(), static_cast<std::uint32_t>(window.winId()),
+  if (xcb_connection_t *connection = xServer())
+    setWindowStates(connection, static_cast<std::uint32_t>(window.winId()),
                     {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"});
 }
 

@@ -18,11 +18,6 @@ namespace {
 
 constexpr const char *kNotifierWatcher = "org.kde.StatusNotifierWatcher";
 
-xcb_connection_t *xServer() {
-  const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-  return x11 != nullptr ? x11->connection() : nullptr;
-}
-
 // Each screen has a tray of its own; Qt's windows are on the display's first.
 xcb_atom_t traySelection(xcb_connection_t *connection) {
   char *host = nullptr;

@@ -19,7 +19,10 @@ constexpr std::chrono::seconds kPatience{20};
 // Collects what views warn of, from their files or from the modules that run them; passes everything on.
 class ViewWarnings {
 public:
-  ViewWarnings() { previous = qInstallMessageHandler(receive); }
+  ViewWarnings() {
+    warning.clear();
+    previous = qInstallMessageHandler(receive);
+  }
   ~ViewWarnings() { qInstallMessageHandler(previous); }
   ViewWarnings(const ViewWarnings &) = delete;
   ViewWarnings &operator=(const ViewWarnings &) = delete;

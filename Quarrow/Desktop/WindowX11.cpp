@@ -1,8 +1,15 @@
 #include "Quarrow/Desktop/WindowX11.h"
 
+#include <QGuiApplication>
+
 #include <vector>
 
 namespace quarrow {
+
+xcb_connection_t *xServer() {
+  const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  return x11 != nullptr ? x11->connection() : nullptr;
+}
 
 xcb_atom_t x11Atom(xcb_connection_t *connection, std::string_view name) {
   const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());

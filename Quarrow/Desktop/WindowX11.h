@@ -17,6 +17,9 @@ struct X11Free {
 template <typename T>
 using X11Reply = std::unique_ptr<T, X11Free>;
 
+// The application's own connection; null on other platforms.
+[[nodiscard]] xcb_connection_t *xServer();
+
 // The server's number for a name; 0 when the connection is broken.
 [[nodiscard]] xcb_atom_t x11Atom(xcb_connection_t *connection, std::string_view name);
 
