@@ -17,9 +17,9 @@ namespace fennick::LANAddressResolver {
 
 // `interfaces` without loopback, tunnels and other interfaces that no phone is on, without addresses that are
 // never reachable (0.x, 127.x, 198.18.0.0/15) and without repetitions. Link-local addresses (169.254.x) come
-// last, after those of bridges of containers too; before that, interfaces in `preferredOrder` come in that order, then the others by name; addresses of
-// one interface stay in order. An interface that is not in `kinds` is a hotspot when its name begins with
-// "bridge", else `other`.
+// last, after those of bridges of containers too; before that, interfaces in `preferredOrder` come in that
+// order, then the others by name; addresses of one interface stay in order. An interface that is not in
+// `kinds` is a hotspot when its name begins with "bridge", else `other`.
 [[nodiscard]] std::vector<LANAddress> rank(std::span<const InterfaceAddress> interfaces,
                                            std::span<const std::string> preferredOrder,
                                            const std::map<std::string, LANAddress::Kind> &kinds);
