@@ -48,9 +48,9 @@ public:
     request_ = atom("_NET_SYSTEM_TRAY_OPCODE");
   }
 
-  // Returns when the next icon stands in the tray.
+  // Returns when an icon that came after this call stands in the tray.
   void awaitIcon() {
-    for (;;) {
+    for (icon_ = 0;;) {
       const Event event(xcb_wait_for_event(connection_.get()), &std::free);
       if (!event)
         fail("the X server is gone");
@@ -58,7 +58,7 @@ public:
       const int kind = event->response_type & 0x7f;
       if (kind == XCB_CLIENT_MESSAGE)
         take(*static_cast<const xcb_client_message_event_t *>(data));
-      if (kind == XCB_MAP_NOTIFY)
+      if (kind == XCB_MAP_NOTIFY && static_cast<const xcb_map_notify_event_t *>(data)->window == icon_)
         return;
     }
   }
@@ -75,15 +75,16 @@ private:
     constexpr std::uint32_t kDock = 0;
     if (message.type != request_ || message.data.data32[1] != kDock)
       return;
-    const xcb_window_t icon = message.data.data32[2];
-    xcb_reparent_window(connection_.get(), icon, window_, 0, 0);
-    xcb_map_window(connection_.get(), icon);
+    icon_ = message.data.data32[2];
+    xcb_reparent_window(connection_.get(), icon_, window_, 0, 0);
+    xcb_map_window(connection_.get(), icon_);
     xcb_flush(connection_.get());
   }
 
   std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
   xcb_window_t window_ = 0;
   xcb_atom_t request_ = 0;
+  xcb_window_t icon_ = 0; // that asked last
 };
 
 // The program as a process of its own, until this object is gone.

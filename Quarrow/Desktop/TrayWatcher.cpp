@@ -10,6 +10,8 @@
 #include <fmt/format.h>
 #include <xcb/xcb.h>
 
+#include <memory>
+
 #include <cstdlib>
 
 namespace quarrow {
@@ -24,7 +26,7 @@ xcb_atom_t traySelection(xcb_connection_t *connection) {
   int display = 0;
   int screen = 0;
   xcb_parse_display(nullptr, &host, &display, &screen);
-  std::free(host);
+  const std::unique_ptr<char, X11Free> owned(host);
   return x11Atom(connection, fmt::format("_NET_SYSTEM_TRAY_S{}", screen));
 }
 

@@ -11,8 +11,9 @@
 // What Qt does not say to the X server for us. Main thread.
 namespace quarrow {
 
+// Answers of the X library are given back with free().
 struct X11Free {
-  void operator()(void *reply) const { std::free(reply); }
+  void operator()(void *reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc)
 };
 template <typename T>
 using X11Reply = std::unique_ptr<T, X11Free>;
