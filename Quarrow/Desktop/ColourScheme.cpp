@@ -1,10 +1,11 @@
 #include "Quarrow/Desktop/ColourScheme.h"
 
+#include "Quarrow/Desktop/DBusCall.h"
+
 #include <QColor>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QGuiApplication>
+#include <QMetaType>
 #include <QPalette>
 
 namespace quarrow {
@@ -41,15 +42,14 @@ uint number(QVariant value) {
 bool isDarkScheme() { return QGuiApplication::palette().color(QPalette::Window).lightnessF() < 0.5; }
 
 ColourScheme::ColourScheme(QDBusConnection bus) {
+  qRegisterMetaType<QDBusVariant>(); // the slot's types are looked up by their names
   bus.connect(kService, kPath, kInterface, "SettingChanged", this,
               SLOT(settingChanged(QString, QString, QDBusVariant)));
   auto question = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
   question << QString(kGroup) << QString(kKey);
-  auto *answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-  connect(answer, &QDBusPendingCallWatcher::finished, this, [](QDBusPendingCallWatcher *finished) {
-    if (const QDBusPendingReply<QDBusVariant> reply = *finished; reply.isValid())
-      apply(reply.value().variant());
-    finished->deleteLater();
+  callAsync(bus, question, *this, [](const QDBusMessage &answer) {
+    if (answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty())
+      apply(answer.arguments().front());
   });
 }
 
