@@ -35,7 +35,7 @@ for (const [colours, prepare, background] of [['light', () => {}, 'f6f5f2'], ['d
 
 test('icon, panel and notifications on a desktop with a tray', async (t) => {
   const session = await Session.start(t, { programs: [['trayer'], ['dunst']] });
-  const program = new Tevrin(session, { settings: { workflow: { notify: true } } });
+  const program = new Tevrin(session, { settings: { workflow: { notify: true }, hotKeyPreset: 1 } });
   const icon = await program.icon();
   const main = await program.window('Tevrin');
   const left = { ...icon, width: 6 };
@@ -49,12 +49,12 @@ test('icon, panel and notifications on a desktop with a tray', async (t) => {
   session.click(right);
   await program.noPanel();
 
-  session.click(left);
+  session.key('ctrl+alt+p');
   await program.hasKeyboard((await program.panel()).id);
   session.key('Escape');
   await program.noPanel();
 
-  session.click(right);
+  session.click(left);
   await program.hasKeyboard((await program.panel()).id);
   session.click(session.place(main));
   await program.noPanel();

@@ -12,10 +12,8 @@ AppWindow {
     title: qsTr("继续接收照片？")
     width: 420
     height: page.implicitHeight + 48
-    minimumWidth: width
-    maximumWidth: width
-    minimumHeight: height
-    maximumHeight: height
+    minimumWidth: 320
+    minimumHeight: page.implicitHeight + 48
     flags: Qt.Dialog
     modality: Qt.ApplicationModal
 

@@ -59,6 +59,13 @@ export class Session {
     fs.chmodSync(session.home, 0o700);
     session.add('openbox');
     await until(() => /0x/.test(session.property('-root', '_NET_SUPPORTING_WM_CHECK')), 'the window manager');
+    // The first key changes the keyboard, upon which the window manager takes its keys anew and misses some: its key for
+    // showing the bare desktop tells when it hears again.
+    for (const shown of [1, 0])
+      await until(() => {
+        session.key('super+d');
+        return session.property('-root', '_NET_SHOWING_DESKTOP').includes(`= ${shown}`);
+      }, 'the window manager to hear keys');
     for (const each of programs) session.add(...each);
     return session;
   }
