@@ -13,7 +13,7 @@ AppDesktop::AppDesktop(const Services &services)
     : launchedAsLoginItem_(services.launchedAsLoginItem), tray_(services.bus, trayActions()),
       panel_(services.makeView, [this] { return tray_.place(); }),
       statusItem_(tray_, panel_, services.mainQueue, services.clock), windows_(services.makeView),
-      hotKey_(services.mainQueue, makeHotKeyBackend()), clipboard_(services.decoder),
+      hotKey_(services.mainQueue, makeHotKeyBackend()), clipboard_(services.decoder, services.mainQueue),
       chime_(services.clock, loudspeaker_),
       notifier_(services.bus, services.decoder,
                 {.open = openFile, .showInFolder = [this, bus = services.bus](const auto &file) {

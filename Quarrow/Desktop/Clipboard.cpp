@@ -20,9 +20,8 @@ QClipboard &systemClipboard() { return *QGuiApplication::clipboard(); }
 
 } // namespace
 
-Clipboard::Clipboard(fennick::PictureDecoder &decoder) : decoder_(decoder) {
-  connect(this, &Clipboard::rendered, this, &Clipboard::addPicture, Qt::QueuedConnection);
-}
+Clipboard::Clipboard(fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue)
+    : decoder_(decoder), mainQueue_(mainQueue) {}
 
 Clipboard::~Clipboard() { latest_ = 0; } // what waits to be rendered is not worth waiting for
 
@@ -45,12 +44,15 @@ void Clipboard::render(quint64 number, const std::filesystem::path &file) {
   const auto picture = decoder_.render(file, request, kRenderTimeout);
   if (!picture)
     return;
-  emit rendered(number, file, QByteArray::fromStdString(picture->bytes));
+  mainQueue_.post([this, alive = std::weak_ptr(alive_), number, file, png = picture->bytes] {
+    if (alive.lock())
+      addPicture(number, file, png);
+  });
 }
 
-void Clipboard::addPicture(quint64 number, const std::filesystem::path &file, const QByteArray &png) {
+void Clipboard::addPicture(quint64 number, const std::filesystem::path &file, const std::string &png) {
   if (number == latest_ && !offered_.isNull() && systemClipboard().mimeData() == offered_)
-    offer(file, png);
+    offer(file, QByteArray::fromStdString(png));
 }
 
 void Clipboard::offer(const std::filesystem::path &file, const QByteArray &png) {

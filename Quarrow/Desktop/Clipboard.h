@@ -1,11 +1,11 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
 #include <QByteArray>
 #include <QMimeData>
-#include <QObject>
 #include <QPointer>
 #include <QtGlobal>
 
@@ -13,22 +13,21 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
 
 namespace quarrow {
 
 // Received files on the desktop's clipboard: the file for file managers, and the picture itself for programs
 // that take pictures. The locked-down decoder renders the picture, so what other programs paste is a clean
 // PNG whatever was received. Main thread.
-class Clipboard final : public QObject {
-  Q_OBJECT
-
+class Clipboard final {
 public:
   // Of the picture's longer side in pixels: enough for a screen, and a few tens of megabytes at most.
   static constexpr std::int64_t kMostPixels = 4096;
 
-  // `decoder` outlives the object.
-  explicit Clipboard(fennick::PictureDecoder &decoder);
-  ~Clipboard() override;
+  // Both outlive the object.
+  Clipboard(fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue);
+  ~Clipboard();
   Clipboard(const Clipboard &) = delete;
   Clipboard &operator=(const Clipboard &) = delete;
 
@@ -36,15 +35,14 @@ public:
   // was copied by then; a video, or what cannot be rendered, stays a file.
   void copy(const std::filesystem::path &file);
 
-signals:
-  void rendered(quint64 number, const std::filesystem::path &file, const QByteArray &png);
-
 private:
   void render(quint64 number, const std::filesystem::path &file);
-  void addPicture(quint64 number, const std::filesystem::path &file, const QByteArray &png);
+  void addPicture(quint64 number, const std::filesystem::path &file, const std::string &png);
   void offer(const std::filesystem::path &file, const QByteArray &png);
 
   fennick::PictureDecoder &decoder_;
+  fennick::MainQueue &mainQueue_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
   std::atomic<quint64> latest_ = 0;                 // number of the last file that was copied
   QPointer<QMimeData> offered_;                     // belongs to the clipboard while it is ours
   std::unique_ptr<fennick::SerialQueue> rendering_; // from the first picture on; last: it uses the above

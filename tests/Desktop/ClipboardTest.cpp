@@ -1,10 +1,9 @@
 #include "Quarrow/Desktop/Clipboard.h"
 
-#include "tests/Desktop/RunUntil.h"
 #include "tests/Support/FakeDecoder.h"
+#include "tests/Support/ManualQueue.h"
 
 #include <QClipboard>
-#include <QEvent>
 #include <QGuiApplication>
 #include <QUrl>
 #include <gtest/gtest.h>
@@ -12,22 +11,9 @@
 namespace quarrow {
 namespace {
 
-// Counts the pictures that reach the clipboard's thread.
-class Arrivals final : public QObject {
-public:
-  bool eventFilter(QObject *, QEvent *event) override {
-    count += event->type() == QEvent::MetaCall ? 1 : 0;
-    return false;
-  }
-  int count = 0;
-};
-
 class ClipboardTest : public ::testing::Test {
 protected:
-  ClipboardTest() {
-    clipboard.installEventFilter(&arrivals);
-    decoder.setRendering(fennick::Rendering{.bytes = "a png", .longEdge = 4096});
-  }
+  ClipboardTest() { decoder.setRendering(fennick::Rendering{.bytes = "a png", .longEdge = 4096}); }
   static const QMimeData &content() { return *QGuiApplication::clipboard()->mimeData(); }
   static QByteArray picture() { return content().data(QStringLiteral("image/png")); }
   static void expectFile(const std::string &url) {
@@ -36,8 +22,8 @@ protected:
   }
 
   fennick::test::FakeDecoder decoder;
-  Clipboard clipboard{decoder};
-  Arrivals arrivals;
+  fennick::test::ManualQueue queue;
+  Clipboard clipboard{decoder, queue};
 };
 
 TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
@@ -46,7 +32,7 @@ TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
   expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
   EXPECT_TRUE(picture().isEmpty());
   decoder.release();
-  test::runUntil([] { return !picture().isEmpty(); });
+  queue.runUntil([] { return !picture().isEmpty(); });
   EXPECT_EQ(picture(), "a png");
   expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
   const auto request = decoder.request();
@@ -60,7 +46,7 @@ TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
   decoder.awaitHeld(1);
   QGuiApplication::clipboard()->setText("mine");
   decoder.release();
-  test::runUntil([&] { return arrivals.count == 1; });
+  queue.runNext();
   EXPECT_EQ(content().text(), "mine");
   EXPECT_TRUE(picture().isEmpty());
 }
@@ -72,7 +58,7 @@ TEST_F(ClipboardTest, OfManyFilesOnlyTheLastOneIsRenderedAndNeverAVideo) {
     decoder.awaitHeld(1);
   }
   decoder.release();
-  test::runUntil([] { return !picture().isEmpty(); });
+  queue.runUntil([] { return !picture().isEmpty(); });
   expectFile("file:///photos/3.jpg");
   EXPECT_EQ(decoder.calls(), 2);
 

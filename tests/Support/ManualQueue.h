@@ -31,11 +31,17 @@ public:
   // Runs what is due and what other threads post, until `condition` holds. A test that waits in vain is ended
   // by its time limit.
   void runUntil(const std::function<bool()> &condition) {
-    for (run(); !condition(); run()) {
+    for (run(); !condition(); runNext())
+      ;
+  }
+  // Waits for a task that another thread posts, if none is due, and runs what is due then.
+  void runNext() {
+    {
       Locked locked(lock_);
       while (tasks_.empty() || tasks_.begin()->first > clock_.uptime())
         locked.wait(changed_);
     }
+    run();
   }
   // Tasks that are not due yet.
   std::size_t pending() {
