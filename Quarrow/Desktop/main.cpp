@@ -10,6 +10,7 @@
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Platform/Process.h"
 #include "FennickCore/Platform/Trash.h"
+#include "Quarrow/Actions/PhotoActions.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/App/EventLoopQueue.h"
 #include "Quarrow/App/SingleInstance.h"
@@ -21,8 +22,11 @@
 #include "Quarrow/Desktop/Shell.h"
 #include "Quarrow/Desktop/WindowSelfTest.h"
 #include "Quarrow/Desktop/WindowedApplication.h"
+#include "Quarrow/Look/QuickLook.h"
+#include "Quarrow/SettingsForm/SettingsForm.h"
 #include "Quarrow/Views/Registration.h"
 #include "Quarrow/Views/View.h"
+#include "Quarrow/Wall/PhotoWall.h"
 
 #include <QDBusConnection>
 #include <QEvent>
@@ -145,7 +149,15 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
        .desktop = desktop,
        .network = network});
   quarrow::Shell shell(controller, loginItem);
+  quarrow::PhotoWall wall(controller);
+  quarrow::QuickLook look(controller);
+  quarrow::PhotoActions actions(controller);
+  quarrow::SettingsForm form(controller);
   lendToQml(controller, shell);
+  quarrow::WallSingleton::instance = &wall;
+  quarrow::LookSingleton::instance = &look;
+  quarrow::ActionsSingleton::instance = &actions;
+  quarrow::SettingsSingleton::instance = &form;
   QObject::connect(&application, &quarrow::WindowedApplication::coloursChanged, &desktop,
                    [&] { desktop.recolour(); });
   QObject::connect(&desktop, &quarrow::AppDesktop::trayChanged, &shell,

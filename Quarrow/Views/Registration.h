@@ -1,8 +1,12 @@
 #pragma once
 
+#include "Quarrow/Actions/PhotoActions.h"
 #include "Quarrow/App/ServerModel.h"
 #include "Quarrow/App/UploadProgress.h"
 #include "Quarrow/Desktop/Shell.h"
+#include "Quarrow/Look/QuickLook.h"
+#include "Quarrow/SettingsForm/SettingsForm.h"
+#include "Quarrow/Wall/PhotoWall.h"
 
 #include <QJSEngine>
 #include <QQmlEngine>
@@ -48,6 +52,50 @@ struct ShellSingleton {
 public:
   static inline Shell *instance = nullptr;
   static Shell *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
+};
+
+struct WallSingleton {
+  Q_GADGET
+  QML_FOREIGN(quarrow::PhotoWall)
+  QML_NAMED_ELEMENT(Wall)
+  QML_SINGLETON
+
+public:
+  static inline PhotoWall *instance = nullptr;
+  static PhotoWall *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
+};
+
+struct LookSingleton {
+  Q_GADGET
+  QML_FOREIGN(quarrow::QuickLook)
+  QML_NAMED_ELEMENT(Look)
+  QML_SINGLETON
+
+public:
+  static inline QuickLook *instance = nullptr;
+  static QuickLook *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
+};
+
+struct ActionsSingleton {
+  Q_GADGET
+  QML_FOREIGN(quarrow::PhotoActions)
+  QML_NAMED_ELEMENT(Actions)
+  QML_SINGLETON
+
+public:
+  static inline PhotoActions *instance = nullptr;
+  static PhotoActions *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
+};
+
+struct SettingsSingleton {
+  Q_GADGET
+  QML_FOREIGN(quarrow::SettingsForm)
+  QML_NAMED_ELEMENT(Settings)
+  QML_SINGLETON
+
+public:
+  static inline SettingsForm *instance = nullptr;
+  static SettingsForm *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
 
 // How the self-check's answer is handed over.

@@ -3,8 +3,8 @@
 // name contains it.
 
 #include "Quarrow/Views/Appearance.h"
-#include "Quarrow/Views/Registration.h"
 #include "Quarrow/Views/View.h"
+#include "tests/Views/Shots.h"
 #include "tests/Views/Stage.h"
 
 #include <QDir>
@@ -15,8 +15,9 @@
 #include <QQuickView>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <functional>
+#include <iterator>
 #include <tuple>
 #include <vector>
 
@@ -24,106 +25,6 @@ Q_IMPORT_QML_PLUGIN(TevrinPlugin)
 
 namespace quarrow::test {
 namespace {
-
-const char *const kLongFolder =
-    "/media/backup/Fotos und Videos/2026/家庭照片（爸妈手机备份）/七月旅行与生日聚会";
-const char *const kLongNote =
-    "20260714_183205_IMG_20260714_183204_HDR_portrait_original.jpg：已缩到长边 2048 像素，"
-    "去掉位置信息，12.4 MB → 1.8 MB，原图保存在 originals";
-
-struct Shot {
-  const char *view; // a file of the module
-  const char *state;
-  std::function<void(Stage &)> arrange = [](Stage &) {};
-  std::function<void(QObject &)> touch = [](QObject &) {};
-  QSize size{}; // in place of the view's own
-};
-
-void set(QObject &root, const char *property, const QVariant &value) { root.setProperty(property, value); }
-
-void trouble(Stage &stage) {
-  stage.failCheck("连接超时");
-  stage.blockByFirewall();
-  stage.setError("找不到保存目录，照片暂时存不进来。请检查它所在的磁盘是否已连接。");
-}
-
-void plenty(Stage &stage) {
-  stage.setAddresses({"wlan0", "enp3s0"});
-  stage.setFolder(kLongFolder);
-  stage.shell().setGalleryEnabled(true);
-  stage.shareFolder("七月旅行与生日聚会", 1284);
-  stage.receive(kLongNote);
-  stage.receive(kLongNote);
-  stage.beginUpload();
-}
-
-void received(Stage &stage) {
-  stage.shell().setGalleryEnabled(true);
-  stage.receive("20260714_183205.jpg：2.4 MB");
-}
-
-void offline(Stage &stage) {
-  stage.setAddresses({});
-  stage.failCheck("没有可用的局域网地址");
-}
-
-void openSheet(QObject &window) {
-  QMetaObject::invokeMethod(window.findChild<QObject *>("resetConfirmation"), "open");
-}
-
-void openChoice(QObject &window) {
-  auto *choice = window.findChild<QQuickItem *>("hotKey");
-  choice->forceActiveFocus(Qt::TabFocusReason);
-  QMetaObject::invokeMethod(choice->property("popup").value<QObject *>(), "open");
-}
-
-std::vector<Shot> shots() {
-  return {
-      {.view = "Panel", .state = "fine"},
-      {.view = "Panel", .state = "received", .arrange = received},
-      {.view = "Panel", .state = "offline", .arrange = offline},
-      {.view = "Panel", .state = "trouble", .arrange = trouble},
-      {.view = "Panel", .state = "plenty", .arrange = plenty},
-      {.view = "Panel", .state = "low", .arrange = plenty, .size = {300, 420}},
-      {.view = "MainWindow", .state = "fine"},
-      {.view = "MainWindow", .state = "received", .arrange = received},
-      {.view = "MainWindow", .state = "offline", .arrange = offline},
-      {.view = "MainWindow", .state = "trouble", .arrange = trouble},
-      {.view = "MainWindow", .state = "plenty", .arrange = plenty},
-      {.view = "MainWindow", .state = "narrow", .arrange = plenty, .size = {420, 760}},
-      {.view = "OnboardingWindow", .state = "1"},
-      {.view = "OnboardingWindow", .state = "2", .touch = [](QObject &root) { set(root, "step", 1); }},
-      {.view = "OnboardingWindow", .state = "3", .touch = [](QObject &root) { set(root, "step", 2); }},
-      {.view = "OnboardingWindow",
-       .state = "3-trouble",
-       .arrange = trouble,
-       .touch = [](QObject &root) { set(root, "step", 2); }},
-      {.view = "OnboardingWindow",
-       .state = "3-done",
-       .touch =
-           [](QObject &root) {
-             set(root, "step", 2);
-             ServerSingleton::instance->setLastNote("20260714_183205.jpg：2.4 MB");
-             set(*root.findChild<QObject *>("scanStep"), "before", -1);
-           }},
-      {.view = "HelpWindow", .state = "fine", .size = {600, 1330}},
-      {.view = "HelpWindow", .state = "trouble", .arrange = trouble},
-      {.view = "HelpWindow", .state = "narrow", .arrange = trouble, .size = {380, 1700}},
-      {.view = "LeaveWindow", .state = "fine"},
-      {.view = "SettingsWindow", .state = "fine"},
-      {.view = "SettingsWindow",
-       .state = "plenty",
-       .arrange =
-           [](Stage &stage) {
-             plenty(stage);
-             stage.setPort(8003);
-           },
-       .size = {600, 800}},
-      {.view = "SettingsWindow", .state = "narrow", .arrange = plenty, .size = {380, 900}},
-      {.view = "SettingsWindow", .state = "reset", .touch = openSheet},
-      {.view = "SettingsWindow", .state = "choice", .touch = openChoice},
-  };
-}
 
 // The content of a view in a window of its size.
 std::unique_ptr<QQuickWindow> show(QQmlEngine &engine, const Shot &shot) {
@@ -184,7 +85,9 @@ bool take(const Shot &shot, bool dark, const QString &file) {
 int run(const QString &folder, const QString &only) {
   QDir().mkpath(folder);
   const auto scale = qRound(qGuiApp->devicePixelRatio());
-  for (const auto &shot : shots())
+  auto shots = serviceShots();
+  std::ranges::move(settingsShots(), std::back_inserter(shots));
+  for (const auto &shot : shots)
     for (const bool dark : {false, true}) {
       const auto name =
           QString("%1-%2-%3@%4x.png").arg(shot.view, shot.state, dark ? "dark" : "light").arg(scale);

@@ -31,6 +31,10 @@ Stage::Stage()
   ServerSingleton::instance = &controller_.server();
   ProgressSingleton::instance = &controller_.progress();
   ShellSingleton::instance = &shell_;
+  WallSingleton::instance = &wall_;
+  LookSingleton::instance = &look_;
+  ActionsSingleton::instance = &actions_;
+  SettingsSingleton::instance = &form_;
   controller_.progress().setWatched(true);
 }
 
@@ -38,6 +42,10 @@ Stage::~Stage() {
   ServerSingleton::instance = nullptr;
   ProgressSingleton::instance = nullptr;
   ShellSingleton::instance = nullptr;
+  WallSingleton::instance = nullptr;
+  LookSingleton::instance = nullptr;
+  ActionsSingleton::instance = nullptr;
+  SettingsSingleton::instance = nullptr;
 }
 
 void Stage::settle() {

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "FennickCore/Upload/UploadActivity.h"
+#include "Quarrow/Actions/PhotoActions.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/Desktop/LoginItem.h"
 #include "Quarrow/Desktop/Shell.h"
+#include "Quarrow/Look/QuickLook.h"
+#include "Quarrow/SettingsForm/SettingsForm.h"
+#include "Quarrow/Wall/PhotoWall.h"
 #include "tests/App/HandNetwork.h"
 #include "tests/App/RecordingDesktop.h"
 #include "tests/Support/FakeDecoder.h"
@@ -68,6 +72,10 @@ private:
   AppController controller_;
   LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
   Shell shell_{controller_, loginItem_};
+  PhotoWall wall_{controller_};
+  QuickLook look_{controller_};
+  PhotoActions actions_{controller_};
+  SettingsForm form_{controller_};
   std::optional<fennick::UploadActivity::Upload> upload_;
 };
 

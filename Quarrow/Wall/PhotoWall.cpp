@@ -1,0 +1,7 @@
+#include "Quarrow/Wall/PhotoWall.h"
+
+namespace quarrow {
+
+PhotoWall::PhotoWall(AppController &controller) : controller_(controller) {}
+
+} // namespace quarrow

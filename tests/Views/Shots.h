@@ -1,0 +1,29 @@
+#pragma once
+
+#include "tests/Views/Stage.h"
+
+#include <QObject>
+#include <QSize>
+
+#include <functional>
+#include <vector>
+
+// The pictures that the program's views are judged by, an area each.
+namespace quarrow::test {
+
+struct Shot {
+  const char *view; // a file of the module
+  const char *state;
+  std::function<void(Stage &)> arrange = [](Stage &) {};
+  std::function<void(QObject &)> touch = [](QObject &) {};
+  QSize size{}; // in place of the view's own
+};
+
+// States that several views show.
+void trouble(Stage &stage);
+void plenty(Stage &stage);
+
+std::vector<Shot> serviceShots();
+std::vector<Shot> settingsShots();
+
+} // namespace quarrow::test
