@@ -103,6 +103,8 @@ public:
   // The first-start windows were gone through; the next start opens the main window.
   void finishOnboarding();
 
+  // Where and under which names received files land.
+  [[nodiscard]] fennick::SaveDestination makeDestination() const;
   // The folder that the gallery shows, or would show.
   [[nodiscard]] std::filesystem::path galleryURL() const;
   // From now on files are saved in `folder`, which exists. The model's error says why not.
@@ -151,7 +153,6 @@ private:
   void finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result);
   [[nodiscard]] std::filesystem::path chosenFolder();
   [[nodiscard]] std::filesystem::path saveFolder() const; // that is used now
-  [[nodiscard]] fennick::SaveDestination makeDestination() const;
   [[nodiscard]] fennick::UploadRouter::Providers providers();
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
 
