@@ -1,13 +1,21 @@
 #include "FennickCore/Platform/Trash.h"
 
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/FreeName.h"
 #include "FennickCore/Platform/Log.h"
 
 #include <fmt/format.h>
 #include <gio/gio.h>
+#include <unistd.h>
 
+#include <array>
 #include <memory>
+#include <optional>
+#include <tuple>
 
 namespace fennick {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,17 +41,69 @@ std::errc codeOf(const GError &error) {
   }
 }
 
+// The highest folder that lies on the same volume as `folder`.
+fs::path topOfVolume(fs::path folder) {
+  const auto device = [](const fs::path &path) {
+    const auto identity = fileIdentity(path);
+    return identity ? std::optional(identity->device) : std::nullopt;
+  };
+  const auto own = device(folder);
+  while (folder.has_relative_path() && device(folder.parent_path()) == own)
+    folder = folder.parent_path();
+  return folder;
+}
+
+// The file that was `before` keeps its identity in the trash, where it may have another name: the trash of
+// the home folder, or one of the two places that a volume may have its own in.
+Trashed findInTrash(const fs::path &original, const FileStatus &before) {
+  std::error_code unresolved;
+  const fs::path top = topOfVolume(fs::canonical(original.parent_path(), unresolved));
+  const std::string user = std::to_string(::getuid());
+  const std::string stem = original.stem().string();
+  for (const fs::path &trash : std::array{fs::path(::g_get_user_data_dir()) / "Trash", top / ".Trash" / user,
+                                          top / (".Trash-" + user)}) {
+    const auto entries = readFolder(trash / "files", Links::refuse,
+                                    [&](std::string_view name, FileKind) { return name.starts_with(stem); });
+    if (!entries)
+      continue;
+    for (const auto &[name, status] : *entries)
+      if (status.identity == before.identity)
+        return {original, trash / "files" / name, trash / "info" / (name + ".trashinfo")};
+  }
+  return {.original = original, .file = {}, .record = {}};
+}
+
 } // namespace
 
-IOResult<void> SystemTrash::moveToTrash(const std::filesystem::path &file) {
+IOResult<Trashed> SystemTrash::moveToTrash(const fs::path &file) {
+  const auto before = fileStatus(file);
+  if (!before)
+    return std::unexpected(before.error());
   // The local file system itself: the desktop's other places would be asked over its bus.
   const std::unique_ptr<GFile, Unref> target(::g_vfs_get_file_for_path(::g_vfs_get_local(), file.c_str()));
   GError *raw = nullptr;
   if (::g_file_trash(target.get(), nullptr, &raw) != FALSE)
-    return {};
+    return findInTrash(file, *before);
   const std::unique_ptr<GError, Unref> error(raw);
   log(fmt::format("cannot move {} to the trash: {}", file.string(), error->message));
   return std::unexpected(std::make_error_code(codeOf(*error)));
+}
+
+IOResult<fs::path> restoreFromTrash(const Trashed &trashed, FileSystem &files) {
+  if (trashed.file.empty())
+    return std::unexpected(std::make_error_code(std::errc::no_such_file_or_directory));
+  const fs::path folder = trashed.original.parent_path();
+  if (const auto made = files.createDirectories(folder); !made)
+    return std::unexpected(made.error());
+  auto back = underFreeName(folder, trashed.original.filename(), [&](const fs::path &target) {
+    return files.moveNoReplace(trashed.file, target);
+  });
+  if (!back)
+    return back;
+  if (!trashed.record.empty())
+    std::ignore = files.remove(trashed.record); // a record without its file is swept out by the trash
+  std::ignore = files.syncDirectory(folder);
+  return back;
 }
 
 } // namespace fennick

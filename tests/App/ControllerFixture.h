@@ -20,9 +20,9 @@ namespace quarrow::test {
 // Takes whatever it is given.
 class RemovingTrash final : public fennick::Trash {
 public:
-  fennick::IOResult<void> moveToTrash(const std::filesystem::path &file) override {
+  fennick::IOResult<fennick::Trashed> moveToTrash(const std::filesystem::path &file) override {
     std::filesystem::remove(file);
-    return {};
+    return fennick::Trashed{};
   }
 };
 

@@ -38,18 +38,31 @@ TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
   EXPECT_EQ(fileStatus(file)->created(), fresh.born.value_or(fileStatus(file)->modified));
 }
 
-TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBack) {
+TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBackAndComesBackWithoutATrace) {
   ASSERT_EQ(kDataHomeIsSet, 0);
-  const auto photo = folder.write("photos/a.jpg", "photo");
   SystemTrash trash;
-  const auto moved = trash.moveToTrash(photo);
-  if (!moved && moved.error() == std::errc::not_supported)
-    GTEST_SKIP() << "no trash for temporary files here";
-  ASSERT_TRUE(moved) << moved.error().message();
-  EXPECT_FALSE(fs::exists(photo));
-  EXPECT_EQ(kDataHome.read("Trash/files/a.jpg"), "photo");
-  EXPECT_THAT(kDataHome.read("Trash/info/a.jpg.trashinfo"), ::testing::HasSubstr(photo.string()));
-  EXPECT_EQ(trash.moveToTrash(photo).error(), std::errc::no_such_file_or_directory);
+  SystemFileSystem files;
+  std::vector<Trashed> trashed;
+  for (const char *content : {"first", "second"}) { // of the same name: the trash finds another one
+    const auto photo = folder.write("photos/a.jpg", content);
+    const auto moved = trash.moveToTrash(photo);
+    if (!moved && moved.error() == std::errc::not_supported)
+      GTEST_SKIP() << "no trash for temporary files here";
+    ASSERT_TRUE(moved) << moved.error().message();
+    EXPECT_FALSE(fs::exists(photo));
+    EXPECT_EQ(readFile(moved->file).value(), content);
+    EXPECT_THAT(readFile(moved->record).value(), ::testing::HasSubstr(photo.string()));
+    trashed.push_back(*moved);
+  }
+  EXPECT_EQ(trash.moveToTrash(folder / "photos/a.jpg").error(), std::errc::no_such_file_or_directory);
+
+  fs::remove_all(folder / "photos"); // what else was in it is gone for good
+  EXPECT_EQ(restoreFromTrash(trashed[1], files).value(), folder / "photos/a.jpg");
+  EXPECT_EQ(restoreFromTrash(trashed[0], files).value(), folder / "photos/a_2.jpg");
+  EXPECT_EQ(folder.read("photos/a.jpg"), "second");
+  EXPECT_EQ(folder.read("photos/a_2.jpg"), "first");
+  EXPECT_THAT(kDataHome.names("Trash/info"), ::testing::IsEmpty());
+  EXPECT_EQ(restoreFromTrash(trashed[0], files).error(), std::errc::no_such_file_or_directory);
 }
 
 } // namespace

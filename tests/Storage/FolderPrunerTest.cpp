@@ -16,11 +16,11 @@ using ::testing::IsEmpty;
 // Takes everything but files of one name.
 class FolderTrash final : public Trash {
 public:
-  IOResult<void> moveToTrash(const fs::path &file) override {
+  IOResult<Trashed> moveToTrash(const fs::path &file) override {
     if (file.filename() == refused)
       return std::unexpected(std::make_error_code(std::errc::not_supported));
     fs::remove(file);
-    return {};
+    return Trashed{};
   }
   std::string refused;
 };

@@ -65,7 +65,7 @@ private:
   fennick::test::ManualQueue queue_;
   fennick::test::FakeDecoder decoder_;
   class NoTrash final : public fennick::Trash {
-    fennick::IOResult<void> moveToTrash(const std::filesystem::path &) override { return {}; }
+    fennick::IOResult<fennick::Trashed> moveToTrash(const std::filesystem::path &) override { return {}; }
   } trash_;
   RecordingDesktop desktop_;
   HandNetwork network_;
