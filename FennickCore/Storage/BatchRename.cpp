@@ -42,11 +42,11 @@ IOResult<ForeignNames> foreignNames(std::span<const fs::path> selection, FileSys
   return names;
 }
 
-Paths numberedNames(std::span<const fs::path> selection, const Numbering &numbering,
-                    const ForeignNames &foreign) {
+std::vector<Renaming> numbered(std::span<const fs::path> selection, const Numbering &numbering,
+                               const ForeignNames &foreign) {
   const std::int64_t digits = std::clamp<std::int64_t>(numbering.digits, 1, kMostDigits);
   std::int64_t number = std::clamp<std::int64_t>(numbering.start, 0, kHighestStart);
-  Paths targets;
+  std::vector<Renaming> renamings;
   for (const auto &file : selection) {
     const auto nextName = [&] {
       return fmt::format("{}{:0{}}{}", numbering.prefix, number++, digits, file.extension().string());
@@ -55,9 +55,9 @@ Paths numberedNames(std::span<const fs::path> selection, const Numbering &number
     std::string name = nextName();
     while (taken.contains(name))
       name = nextName();
-    targets.push_back(file.parent_path() / name);
+    renamings.push_back({.from = file, .to = file.parent_path() / name});
   }
-  return targets;
+  return renamings;
 }
 
 // UUID-oldname, so that whoever finds it knows what it was; of a long old name the end, with the extension.
@@ -73,15 +73,25 @@ fs::path temporaryName(const fs::path &file) {
   return file.parent_path() / (prefix + name);
 }
 
-// The moves of one batch, and the way back.
+std::unexpected<OpError> systemError(std::error_code cause) {
+  return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = cause});
+}
+
+// The moves of one batch, each file's to a name of its own and then to its new one, and the way back.
 class Batch {
 public:
-  Batch(std::span<const fs::path> selection, FileSystem &files)
-      : files_(files), original_(selection.begin(), selection.end()), current_(original_) {}
+  Batch(std::span<const Renaming> renamings, FileSystem &files, const Proceed &proceed)
+      : files_(files), proceed_(proceed), moves_(2 * renamings.size()) {
+    for (const auto &renaming : renamings)
+      original_.push_back(renaming.from);
+    current_ = original_;
+  }
 
   // Moves every file on to its place in `targets`, or as far as it goes.
   IOResult<void> moveAll(const Paths &targets) {
     for (std::size_t i = 0; i < targets.size(); ++i) {
+      if (proceed_ && !proceed_(static_cast<double>(made_.size()) / static_cast<double>(moves_)))
+        return std::unexpected(std::make_error_code(std::errc::operation_canceled));
       if (auto moved = files_.moveNoReplace(current_[i], targets[i]); !moved)
         return moved;
       made_.push_back({.file = i, .from = current_[i]});
@@ -119,6 +129,8 @@ private:
   };
 
   FileSystem &files_;
+  const Proceed &proceed_;
+  const std::size_t moves_; // of the whole batch
   Paths original_;
   Paths current_;
   std::vector<Move> made_;
@@ -126,20 +138,32 @@ private:
 
 } // namespace
 
-Result<Paths> batchRename(std::span<const fs::path> selection, const Numbering &numbering,
-                          FileSystem &files) {
+Result<std::vector<Renaming>> numberedNames(std::span<const fs::path> selection, const Numbering &numbering,
+                                            FileSystem &files) {
   using namespace std::string_view_literals;
   const std::string &prefix = numbering.prefix;
   if (prefix.starts_with('.') || prefix.find_first_of("/:\0"sv) != std::string::npos)
     return std::unexpected(OpError{.kind = OpError::Kind::invalidName});
   const auto foreign = foreignNames(selection, files);
   if (!foreign)
-    return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = foreign.error()});
+    return systemError(foreign.error());
+  auto renamings = numbered(selection, numbering, *foreign);
+  for (const auto &renaming : renamings)
+    if (renaming.to.filename().native().size() > kLongestName)
+      return systemError(std::make_error_code(std::errc::filename_too_long));
+  return renamings;
+}
 
-  Paths targets = numberedNames(selection, numbering, *foreign);
-  Paths temporaries(selection.size());
-  std::ranges::transform(selection, temporaries.begin(), temporaryName);
-  Batch batch(selection, files);
+Result<void> renameAll(std::span<const Renaming> renamings, FileSystem &files, const Proceed &proceed) {
+  Paths temporaries;
+  Paths targets;
+  std::set<fs::path> folders;
+  for (const auto &[from, to] : renamings) {
+    temporaries.push_back(temporaryName(from));
+    targets.push_back(to);
+    folders.insert(to.parent_path());
+  }
+  Batch batch(renamings, files, proceed);
   auto moved = batch.moveAll(temporaries);
   if (moved)
     moved = batch.moveAll(targets);
@@ -149,9 +173,22 @@ Result<Paths> batchRename(std::span<const fs::path> selection, const Numbering &
     const auto kind = left.empty() ? OpError::Kind::system : OpError::Kind::partlyRenamed;
     return std::unexpected(OpError{.kind = kind, .cause = moved.error(), .left = std::move(left)});
   }
-  for (const auto &[folder, names] : *foreign)
+  for (const auto &folder : folders)
     std::ignore = files.syncDirectory(folder);
-  return targets;
+  return {};
+}
+
+Result<Paths> batchRename(std::span<const fs::path> selection, const Numbering &numbering, FileSystem &files,
+                          const Proceed &proceed) {
+  const auto renamings = numberedNames(selection, numbering, files);
+  if (!renamings)
+    return std::unexpected(renamings.error());
+  if (const auto renamed = renameAll(*renamings, files, proceed); !renamed)
+    return std::unexpected(renamed.error());
+  Paths now;
+  for (const auto &renaming : *renamings)
+    now.push_back(renaming.to);
+  return now;
 }
 
 } // namespace fennick::PhotoFileOps

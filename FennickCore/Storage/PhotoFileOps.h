@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -49,11 +50,26 @@ struct Numbering {
   std::int64_t start = 1;  // used clamped to 0 through 10^15
 };
 
+// The names that `batchRename` would give right now, in the order of the selection; those that stay as they
+// are among them.
+[[nodiscard]] Result<std::vector<Renaming>> numberedNames(std::span<const std::filesystem::path> selection,
+                                                          const Numbering &numbering, FileSystem &files);
+
+// Told how far a batch has come, from 0 to 1, on the thread that works on it; false stops it.
+using Proceed = std::function<bool(double share)>;
+
+// Gives every file its new name in the folder that it is in; names among them may be exchanged. All are
+// renamed, or the error says how they are named: `system` with operation_canceled when `proceed` stopped it,
+// and every file has its old name. A program that is ended in the middle leaves files named UUID-oldname.
+[[nodiscard]] Result<void> renameAll(std::span<const Renaming> renamings, FileSystem &files,
+                                     const Proceed &proceed = {});
+
 // Names the files by rising numbers, in their order; each stays in its folder and keeps its extension.
-// Numbers that files outside the selection have are passed over. All are renamed, or the error says how they
-// are named. A program that is ended in the middle leaves files named UUID-oldname.
+// Numbers that files outside the selection have are passed over. Fails like `renameAll`. Returns where each
+// file is now.
 [[nodiscard]] Result<std::vector<std::filesystem::path>>
-batchRename(std::span<const std::filesystem::path> selection, const Numbering &numbering, FileSystem &files);
+batchRename(std::span<const std::filesystem::path> selection, const Numbering &numbering, FileSystem &files,
+            const Proceed &proceed = {});
 
 enum class QuarterTurn { clockwise, anticlockwise };
 

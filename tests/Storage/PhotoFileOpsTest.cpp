@@ -96,9 +96,31 @@ TEST_F(PhotoFileOpsTest, ABatchCountsUpPassesOverOthersAndGoesAcrossFoldersAndLo
   EXPECT_THAT(*renamed, ElementsAre(disk / "trip-09.jpg", disk / "sub/trip-10.png", disk / "trip-11.jpg"));
   EXPECT_EQ(disk.read("trip-09.jpg") + disk.read("sub/trip-10.png") + disk.read("trip-11.jpg"),
             "firstsecondthird");
+  const std::vector<Renaming> back{{(*renamed)[0], selection[0]}, {(*renamed)[2], selection[2]}};
+  EXPECT_TRUE(PhotoFileOps::renameAll(back, files));
+  EXPECT_EQ(disk.read("b.jpg") + disk.read(longName), "firstthird");
   for (const char *bad : {".x", "a/", "a:", "../"})
     EXPECT_EQ(PhotoFileOps::batchRename(*renamed, {.prefix = bad}, files).error().kind,
               OpError::Kind::invalidName);
+}
+
+TEST_F(PhotoFileOpsTest, TheNamesAreKnownBeforehandAndABatchThatIsStoppedLeavesTheOldOnes) {
+  const std::vector selection{disk.write("2.jpg", "first"), disk.write("1.jpg", "second")};
+  disk.write("4.jpg", "foreign");
+  const PhotoFileOps::Numbering numbering{.prefix = "", .digits = 1, .start = 3};
+  const auto names = PhotoFileOps::numberedNames(selection, numbering, files);
+  EXPECT_THAT(names.value(),
+              ElementsAre(Renaming{selection[0], disk / "3.jpg"}, Renaming{selection[1], disk / "5.jpg"}));
+  EXPECT_EQ(PhotoFileOps::numberedNames(selection, {.prefix = std::string(255, 'x')}, files).error().cause,
+            std::errc::filename_too_long);
+  for (const double last : {0.0, 0.25, 0.5, 0.75}) {
+    const auto stopped =
+        PhotoFileOps::batchRename(selection, numbering, files, [&](double share) { return share < last; });
+    EXPECT_EQ(stopped.error().cause, std::errc::operation_canceled);
+    EXPECT_THAT(disk.names(), ElementsAre("1.jpg", "2.jpg", "4.jpg")) << last;
+  }
+  const auto renamed = PhotoFileOps::batchRename(selection, numbering, files);
+  EXPECT_THAT(renamed.value(), ElementsAre((*names)[0].to, (*names)[1].to));
 }
 
 // Names are exchanged, and from each step on a number of moves fails: the batch's own, then those back.
