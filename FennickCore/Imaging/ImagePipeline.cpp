@@ -3,7 +3,9 @@
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Imaging/ProcessingPlan.h"
 #include "FennickCore/Platform/AsideFile.h"
+#include "FennickCore/Platform/FileAttributes.h"
 #include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/FreeName.h"
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Random.h"
 
@@ -20,54 +22,18 @@ namespace {
 
 using Outcome = std::expected<ProcessResult, Failure>;
 
-constexpr int kMostNames = 10'000; // tried before a folder full of variants of one name is an error
-
-std::unexpected<Failure> fail(PipelineError::Kind kind, PictureType type = {}) {
-  using enum PipelineError::Kind;
-  const bool named = kind == encodeFailed || kind == unsupportedType;
-  return std::unexpected<Failure>(
-      PipelineError{.kind = kind, .type = named ? std::string(typeIdentifier(type)) : std::string()});
+std::unexpected<Failure> fail(PipelineError::Kind kind) {
+  return std::unexpected<Failure>(PipelineError{.kind = kind});
 }
 
 std::unexpected<Failure> fail(std::error_code error) { return std::unexpected<Failure>(error); }
 
 std::unexpected<Failure> fail(const PictureError &error, PictureType output) {
-  using enum PipelineError::Kind;
-  switch (error.fault) {
-  case PictureFault::unreadable:
-    return fail(std::make_error_code(std::errc::io_error));
-  case PictureFault::unencodable:
-    return fail(encodeFailed, output);
-  case PictureFault::unsupported:
-    return fail(unsupportedType, output);
-  case PictureFault::timedOut:
-    return fail(timedOut);
-  case PictureFault::noDecoder:
-    return fail(noDecoder);
-  case PictureFault::stopped:
-    return fail(stopped);
-  default:
-    return fail(decodeFailed);
-  }
+  return std::unexpected(failureOf(error, output));
 }
 
 ProcessResult unprocessed(const fs::path &url, std::string note) {
   return {.finalURL = url, .note = std::move(note)};
-}
-
-// The name, and then the name with "_2", "_3", … before its extension, until `move` does not find it taken.
-template <typename Move>
-IOResult<fs::path> underFreeName(const fs::path &folder, const fs::path &name, Move move) {
-  fs::path target = folder / name;
-  for (int variant = 2; variant < kMostNames; ++variant) {
-    const IOResult<void> moved = move(target);
-    if (moved)
-      return target;
-    if (moved.error() != std::errc::file_exists)
-      return std::unexpected(moved.error());
-    target = folder / fmt::format("{}_{}{}", name.stem().string(), variant, name.extension().string());
-  }
-  return std::unexpected(std::make_error_code(std::errc::file_exists));
 }
 
 // The hidden work folder that uploads into this folder have made, there or one of two levels above; else one
@@ -109,6 +75,7 @@ public:
     if (auto done = writeAside(files_, output_, bytes, Durability::onDisk); !done)
       return done;
     written_ = true;
+    copyUserAttributes(source_, output_);
     if (auto done = setPermissions(output_, status_.permissions); !done)
       return done;
     return setModificationTime(output_, status_.modified);
@@ -206,6 +173,27 @@ Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptio
 }
 
 } // namespace
+
+Failure failureOf(const PictureError &error, PictureType output) {
+  using enum PipelineError::Kind;
+  const auto type = [&] { return std::string(typeIdentifier(output)); };
+  switch (error.fault) {
+  case PictureFault::unreadable:
+    return std::make_error_code(std::errc::io_error);
+  case PictureFault::unencodable:
+    return PipelineError{.kind = encodeFailed, .type = type()};
+  case PictureFault::unsupported:
+    return PipelineError{.kind = unsupportedType, .type = type()};
+  case PictureFault::timedOut:
+    return PipelineError{.kind = timedOut};
+  case PictureFault::noDecoder:
+    return PipelineError{.kind = noDecoder};
+  case PictureFault::stopped:
+    return PipelineError{.kind = stopped};
+  default:
+    return PipelineError{.kind = decodeFailed};
+  }
+}
 
 std::string description(const Failure &failure) {
   if (const auto *error = std::get_if<std::error_code>(&failure))

@@ -49,6 +49,8 @@ struct PipelineError {
 };
 // Why a file was left alone: its picture, or the file system.
 using Failure = std::variant<PipelineError, std::error_code>;
+// What the decoder said about a picture that was to become an `output`.
+[[nodiscard]] Failure failureOf(const PictureError &error, PictureType output);
 // In the words that follow "未处理 / skipped: ".
 [[nodiscard]] std::string description(const Failure &failure);
 

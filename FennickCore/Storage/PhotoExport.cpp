@@ -1,0 +1,186 @@
+#include "FennickCore/Storage/PhotoExport.h"
+
+#include "FennickCore/Imaging/ProcessingPlan.h"
+#include "FennickCore/Platform/AsideFile.h"
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/FreeName.h"
+#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/PhotoItem.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <tuple>
+
+namespace fennick::PhotoExport {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using ImagePipeline::Encode;
+using ImagePipeline::Failure;
+
+constexpr std::size_t kCopyPiece = 256UZ * 1024;
+
+// What is to become of one file.
+struct Work {
+  FileStatus status;
+  std::optional<PictureFacts> facts{}; // absent for what is no picture
+  std::optional<Encode> encode{};      // absent: copied as it is
+};
+
+std::expected<Work, Failure> workOn(const fs::path &source, const ImagingOptions &options,
+                                    PictureDecoder &decoder) {
+  const auto status = fileStatus(source);
+  if (!status)
+    return std::unexpected<Failure>(status.error());
+  Work work{.status = *status};
+  if (isVideoName(source.filename().native()))
+    return work;
+  auto facts = decoder.facts(source);
+  if (!facts && facts.error().fault == PictureFault::notAPicture)
+    return work;
+  if (!facts)
+    return std::unexpected(ImagePipeline::failureOf(facts.error(), PictureType::jpeg));
+  work.facts = *facts;
+  auto plan = ImagePipeline::plan(*facts, status->bytes, options, [&] { return decoder.canEncodeHEIC(); });
+  if (std::holds_alternative<ImagePipeline::Undecodable>(plan))
+    return std::unexpected<Failure>(
+        ImagePipeline::PipelineError{.kind = ImagePipeline::PipelineError::Kind::decodeFailed});
+  if (auto *encode = std::get_if<Encode>(&plan))
+    work.encode = std::move(*encode);
+  return work;
+}
+
+fs::path nameOf(const fs::path &source, const Work &work) {
+  if (!work.encode)
+    return source.filename();
+  return source.stem().concat(fmt::format(".{}", preferredExtension(work.encode->request.output)));
+}
+
+// Of a picture that is copied as it is: whether something stays in it that was to go. What is in a video or
+// in a file that is no picture is not known.
+bool keepsWhatWasToGo(const Work &work, const ImagingOptions &options) {
+  if (work.encode || (!options.stripAllMetadata && !options.stripLocation))
+    return false;
+  if (!work.facts)
+    return true;
+  return (options.stripAllMetadata && work.facts->hasMetadata) ||
+         (options.stripLocation && work.facts->hasLocation);
+}
+
+IOResult<void> pour(ReadableFile &from, WritableFile &into) {
+  std::vector<std::byte> piece(kCopyPiece);
+  for (;;) {
+    const auto read = from.read(piece);
+    if (!read)
+      return std::unexpected(read.error());
+    if (*read == 0)
+      return into.sync();
+    if (auto written = into.write(std::span(piece).first(*read)); !written)
+      return written;
+  }
+}
+
+// A file that comes into being beside its final name; what was not placed goes.
+class Part {
+public:
+  Part(const fs::path &folder, FileSystem &files)
+      : files_(files), folder_(folder), path_(folder / (".export-" + newUUID() + ".part")) {}
+  ~Part() {
+    if (begun_)
+      std::ignore = files_.remove(path_);
+  }
+  Part(const Part &) = delete;
+  Part &operator=(const Part &) = delete;
+
+  IOResult<void> write(std::string_view bytes) {
+    begun_ = true;
+    return writeAside(files_, path_, bytes, Durability::onDisk);
+  }
+  IOResult<void> copy(const fs::path &source) {
+    auto from = ReadableFile::open(source);
+    if (!from)
+      return std::unexpected(from.error());
+    auto into = files_.createFile(path_);
+    if (!into)
+      return std::unexpected(into.error());
+    begun_ = true;
+    auto copied = pour(*from, **into);
+    if (auto closed = (*into)->close(); copied)
+      copied = closed;
+    return copied;
+  }
+  // Under `name` or a free one like it, with the time and the permissions of the original.
+  IOResult<fs::path> place(const fs::path &name, const FileStatus &original) {
+    auto dressed = setPermissions(path_, original.permissions);
+    if (dressed)
+      dressed = setModificationTime(path_, original.modified);
+    if (!dressed)
+      return std::unexpected(dressed.error());
+    auto placed = underFreeName(
+        folder_, name, [this](const fs::path &target) { return files_.moveNoReplace(path_, target); });
+    if (!placed)
+      return placed;
+    begun_ = false;
+    // It is whole under its name whether or not this works.
+    std::ignore = files_.syncDirectory(folder_);
+    return placed;
+  }
+
+private:
+  FileSystem &files_;
+  const fs::path &folder_;
+  const fs::path path_;
+  bool begun_ = false;
+};
+
+} // namespace
+
+std::expected<Exported, Failure> exportFile(const fs::path &source, const fs::path &folder,
+                                            const ImagingOptions &options, Seconds timeout,
+                                            const ImagePipeline::Services &services) {
+  const auto failed = [](std::error_code error) { return std::unexpected<Failure>(error); };
+  const auto work = workOn(source, options, services.decoder);
+  if (!work)
+    return std::unexpected(work.error());
+  Exported result{.copied = !work->encode, .keepsMetadata = keepsWhatWasToGo(*work, options)};
+  if (const auto made = services.files.createDirectories(folder); !made)
+    return failed(made.error());
+  Part part(folder, services.files);
+  IOResult<void> written;
+  if (work->encode) {
+    const auto rendering = services.decoder.render(source, work->encode->request, timeout);
+    if (!rendering)
+      return std::unexpected(ImagePipeline::failureOf(rendering.error(), work->encode->request.output));
+    result.withinMaxBytes = rendering->withinMaxBytes;
+    written = part.write(rendering->bytes);
+  } else {
+    written = part.copy(source);
+  }
+  if (!written)
+    return failed(written.error());
+  auto placed = part.place(nameOf(source, *work), work->status);
+  if (!placed)
+    return failed(placed.error());
+  result.file = std::move(*placed);
+  return result;
+}
+
+std::expected<Outlook, Failure> outlook(const fs::path &source, const ImagingOptions &options,
+                                        PictureDecoder &decoder) {
+  const auto work = workOn(source, options, decoder);
+  if (!work)
+    return std::unexpected(work.error());
+  Outlook result{
+      .name = nameOf(source, *work).string(), .copied = !work->encode, .bytes = work->status.bytes};
+  if (work->facts && work->facts->width && work->facts->height)
+    result.longEdge = std::max(*work->facts->width, *work->facts->height);
+  result.newLongEdge = work->encode ? work->encode->request.longEdge : result.longEdge;
+  return result;
+}
+
+} // namespace fennick::PhotoExport
