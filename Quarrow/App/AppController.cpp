@@ -34,8 +34,8 @@ constexpr std::string_view kOnboardingDone = "onboardingDone";
 
 using Outcome = fennick::LocalNetworkProbe::Outcome;
 
-LocalNetworkStatus failedCheck(const std::string &message) {
-  return {.kind = LocalNetworkStatus::Kind::failed, .message = QString::fromStdString(message)};
+LocalNetworkStatus failedCheck(const QString &message) {
+  return {.kind = LocalNetworkStatus::Kind::failed, .message = message};
 }
 
 LocalNetworkStatus statusOf(const Outcome &outcome) {
@@ -43,11 +43,11 @@ LocalNetworkStatus statusOf(const Outcome &outcome) {
   case Outcome::Kind::reachable:
     return {.kind = LocalNetworkStatus::Kind::ok};
   case Outcome::Kind::timeout:
-    return failedCheck("连接超时");
+    return failedCheck(AppController::tr("连接超时"));
   case Outcome::Kind::unreachable:
     break;
   }
-  return failedCheck(outcome.message);
+  return failedCheck(QString::fromStdString(outcome.message));
 }
 
 fennick::BookmarkData bytesOf(const fs::path &path) {
@@ -165,9 +165,9 @@ void AppController::handleArguments(const std::vector<std::string> &arguments) {
 
 void AppController::finishOnboarding() { std::ignore = preferences_.setFlag(kOnboardingDone, true); }
 
-void AppController::report(Matter matter, std::string error) {
+void AppController::report(Matter matter, const QString &error) {
   std::erase_if(errors_, [&](const auto &each) { return each.first == matter; });
-  errors_.emplace_back(matter, std::move(error));
+  errors_.emplace_back(matter, error.toStdString());
   showLatestError();
 }
 
@@ -182,7 +182,7 @@ bool AppController::stands(Matter matter) const {
 
 void AppController::saved(const std::error_code &result) {
   if (result)
-    report(Matter::settings, "无法保存设置，退出后会丢失：" + result.message());
+    report(Matter::settings, tr("无法保存设置，退出后会丢失：") + QString::fromStdString(result.message()));
   else
     resolve(Matter::settings);
 }
@@ -220,7 +220,7 @@ void AppController::finishStart(Server &server) {
   const auto port = server.http.start(server.preferredPort, kPortAttempts);
   if (!port) {
     log(fmt::format("server failed {}", description(port.error())));
-    report(Matter::server, "无法启动服务：" + description(port.error()));
+    report(Matter::server, tr("无法启动服务：") + QString::fromStdString(description(port.error())));
     emit serverFailed();
     return;
   }
@@ -266,7 +266,7 @@ fs::path AppController::chosenFolder() {
   // Once it has been served, its drive may come back.
   if (const auto &served = server_.saveFolder(); served && bookmark == bytesOf(*served))
     return *served;
-  report(Matter::chosenFolder, "之前选择的保存目录已不可用，已改回默认目录。");
+  report(Matter::chosenFolder, tr("之前选择的保存目录已不可用，已改回默认目录。"));
   const auto forget = [](auto &settings) { settings.saveFolderBookmark.reset(); };
   if (settings_.stored().saveFolderBookmark == bookmark)
     settings_.update(forget);
@@ -278,7 +278,8 @@ fs::path AppController::chosenFolder() {
 void AppController::chooseSaveFolder(const fs::path &folder) {
   auto bookmark = fennick::FolderBookmark::make(folder);
   if (!bookmark)
-    return report(Matter::chosenFolder, "无法记住该目录：" + bookmark.error().description());
+    return report(Matter::chosenFolder,
+                  tr("无法记住该目录：") + QString::fromStdString(bookmark.error().description()));
   settings_.update([&](auto &settings) { settings.saveFolderBookmark = std::move(*bookmark); });
 }
 
@@ -290,7 +291,7 @@ void AppController::applySaveFolder() {
   if (const auto made = files_.createDirectories(folder); made)
     resolve(Matter::makingFolder);
   else
-    report(Matter::makingFolder, "无法创建保存目录：" + made.error().message());
+    report(Matter::makingFolder, tr("无法创建保存目录：") + QString::fromStdString(made.error().message()));
   drive_ = driveOf(folder);
   if (!isNew)
     return;
@@ -310,13 +311,13 @@ void AppController::watchSaveFolder() {
 void AppController::checkSaveFolder() {
   const fs::path folder = saveFolder();
   if (isUnplugged(folder, drive_))
-    return report(Matter::missingFolder, "保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。");
+    return report(Matter::missingFolder, tr("保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。"));
   drive_ = driveOf(folder);
   if (isDirectory(folder)) {
     resolve(Matter::missingFolder);
     resolve(Matter::makingFolder);
   } else if (!stands(Matter::makingFolder)) {
-    report(Matter::missingFolder, "保存目录不见了，收到下一张照片时会重新创建。");
+    report(Matter::missingFolder, tr("保存目录不见了，收到下一张照片时会重新创建。"));
   }
   if (galleryURL() != shared_)
     updateRouterConfig(); // the gallery's folder has come or gone
@@ -394,7 +395,7 @@ void AppController::networkChanged(std::vector<fennick::LANAddress> addresses) {
 }
 
 void AppController::registerHotKey(std::optional<std::int64_t> presetID) {
-  const auto refused = [this] { report(Matter::hotKey, "全局快捷键注册失败，可能被其他 App 占用"); };
+  const auto refused = [this] { report(Matter::hotKey, tr("全局快捷键注册失败，可能被其他 App 占用")); };
   if (desktop_.registerHotKey(presetID, {.pressed = [this] { desktop_.showPanel(); }, .refused = refused}))
     resolve(Matter::hotKey);
   else
@@ -406,7 +407,7 @@ void AppController::runLocalNetworkCheck() {
   const auto address = server_.preferredAddress();
   const auto port = server_.port();
   if (!address)
-    return server_.setLocalNetworkStatus(failedCheck("没有可用的局域网地址"));
+    return server_.setLocalNetworkStatus(failedCheck(tr("没有可用的局域网地址")));
   if (!port)
     return;
   network_.findFirewall(address->interface, *port,
@@ -469,7 +470,8 @@ void AppController::runWorkflow(const fs::path &url, std::int64_t bytes) {
   if (workflow.playSound)
     desktop_.playSound();
   if (workflow.notify)
-    desktop_.notify("收到照片", fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)), url);
+    desktop_.notify(tr("收到照片").toStdString(),
+                    fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)), url);
 }
 
 } // namespace quarrow

@@ -92,8 +92,9 @@ public:
   [[nodiscard]] UploadProgress &progress() { return progress_; }
 
   // What a person should read before the key is reset (SettingsStore::resetAccessKey).
-  static constexpr const char *kResetKeyWarning =
-      "重置后，之前扫过的二维码和快捷指令里填写的地址都会失效，手机需要重新扫码。";
+  [[nodiscard]] static QString resetKeyWarning() {
+    return tr("重置后，之前扫过的二维码和快捷指令里填写的地址都会失效，手机需要重新扫码。");
+  }
 
   // A second launch found us running; these are its arguments. Without one that names a window it opens the
   // main one.
@@ -110,7 +111,7 @@ public:
   // From now on files are saved in `folder`, which exists. The model's error says why not.
   void chooseSaveFolder(const std::filesystem::path &folder);
   // Shows the error of something else that the person asked for.
-  void reportProblem(std::string problem) { report(Matter::request, std::move(problem)); }
+  void reportProblem(const std::string &problem) { report(Matter::request, QString::fromStdString(problem)); }
   // Takes the error that is shown away; the person has read it.
   void dismissError();
   // Checks anew whether phones can reach the service, and what stands in their way.
@@ -142,7 +143,7 @@ private:
   void networkChanged(std::vector<fennick::LANAddress> addresses);
   void openFirstWindow();
   void openAskedFor(fennick::Seconds panelDelay, const std::vector<std::string> &arguments);
-  void report(Matter matter, std::string error);
+  void report(Matter matter, const QString &error);
   void resolve(Matter matter);
   [[nodiscard]] bool stands(Matter matter) const;
   void saved(const std::error_code &result);

@@ -34,11 +34,11 @@ std::optional<std::string> firewallAdvice(const fennick::FirewallFinding &findin
   using Port = fennick::FirewallFinding::Port;
   if (!finding.mayBlock())
     return std::nullopt;
-  if (finding.port == Port::closed)
-    return fmt::format("这台电脑的防火墙（{}）挡住了手机。在终端运行下面的命令即可放行。",
-                       rawValue(finding.kind));
-  return fmt::format("这台电脑开着防火墙（{}）。如果手机连不上，在终端运行下面的命令放行。",
-                     rawValue(finding.kind));
+  const QString advice =
+      finding.port == Port::closed
+          ? ServerModel::tr("这台电脑的防火墙（%1）挡住了手机。在终端运行下面的命令即可放行。")
+          : ServerModel::tr("这台电脑开着防火墙（%1）。如果手机连不上，在终端运行下面的命令放行。");
+  return advice.arg(QString::fromStdString(std::string(rawValue(finding.kind)))).toStdString();
 }
 
 std::optional<fennick::LANAddress> ServerModel::preferredAddress() const {
@@ -159,8 +159,8 @@ QString ServerModel::saveFolderText() const {
 QString ServerModel::checkAdvice() const {
   if (localNetworkStatus_.kind != LocalNetworkStatus::Kind::failed)
     return {};
-  return addresses_.empty() ? QStringLiteral("请把电脑连上 Wi-Fi 或网线，然后再检查一次。")
-                            : QStringLiteral("换一个网络地址再试；如果开着 VPN，请先关掉。");
+  return addresses_.empty() ? tr("请把电脑连上 Wi-Fi 或网线，然后再检查一次。")
+                            : tr("换一个网络地址再试；如果开着 VPN，请先关掉。");
 }
 
 QString ServerModel::firewallAdviceText() const {

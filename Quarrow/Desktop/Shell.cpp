@@ -64,7 +64,7 @@ void Shell::setStartsAtLogin(bool starts) {
   emit startsAtLoginChanged();
 }
 
-QString Shell::resetKeyWarning() { return QString::fromUtf8(AppController::kResetKeyWarning); }
+QString Shell::resetKeyWarning() { return AppController::resetKeyWarning(); }
 
 void Shell::setHasTray(bool hasTray) {
   if (hasTray_ == hasTray)

@@ -60,7 +60,7 @@ void TerminalKeys::obey(char key) {
     return actions_.nextAddress();
   case 'k':
     asking_ = true;
-    return report_.notice(fmt::format("{}\n{}", AppController::kResetKeyWarning, kQuestion));
+    return report_.notice(fmt::format("{}\n{}", AppController::resetKeyWarning().toStdString(), kQuestion));
   case 'o':
     return actions_.openFolder();
   case 'q':
