@@ -91,6 +91,17 @@ std::string withoutControls(std::string_view text) {
   return result;
 }
 
+std::string oneLine(std::string_view text, std::size_t mostBytes) {
+  const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+  std::string line = withoutControls(displayText(text));
+  if (line.size() > mostBytes) {
+    while (mostBytes > 0 && continues(line[mostBytes]))
+      --mostBytes;
+    line.resize(mostBytes);
+  }
+  return std::string(trimmed(line));
+}
+
 std::string lowerCased(std::string_view text) {
   return mapped(text, [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
 }

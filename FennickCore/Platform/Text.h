@@ -24,6 +24,10 @@ namespace fennick {
 // terminal.
 [[nodiscard]] std::string withoutControls(std::string_view text);
 
+// `text` as one line for people, of at most `mostBytes` bytes: UTF-8, no control characters, no white space
+// at its ends, cut where a character ends.
+[[nodiscard]] std::string oneLine(std::string_view text, std::size_t mostBytes);
+
 // ASCII letters only; every other byte is kept.
 [[nodiscard]] std::string lowerCased(std::string_view text);
 [[nodiscard]] std::string upperCased(std::string_view text);

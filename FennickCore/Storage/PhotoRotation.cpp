@@ -1,4 +1,5 @@
 #include "FennickCore/Platform/AsideFile.h"
+#include "FennickCore/Platform/FileAttributes.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/Random.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
@@ -48,6 +49,7 @@ IOResult<void> exchange(const fs::path &file, std::string_view content, const Fi
   const fs::path aside = file.parent_path() / (".rotate-" + newUUID() + ".tmp");
   if (auto written = writeAside(files, aside, content, Durability::onDisk); !written)
     return written;
+  copyUserAttributes(file, aside);
   auto result = dress(aside, old);
   if (result && fileStatus(file) != old)
     result = std::unexpected(std::make_error_code(std::errc::resource_unavailable_try_again));

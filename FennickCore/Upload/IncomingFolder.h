@@ -3,10 +3,14 @@
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/Mutex.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 
 namespace fennick {
+
+// What is left free on the volume for everything else on the computer, in bytes.
+inline constexpr std::int64_t kDiskReserve = 1'000'000'000;
 
 // A new part file: open for writing, and a hold on its folder for as long as it is being received, so that no
 // other running program takes it for a leftover.

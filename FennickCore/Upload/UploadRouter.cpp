@@ -26,9 +26,6 @@ constexpr int kThumbsAtOnce = 4;
 constexpr std::int64_t kLargePixels = 1600;
 constexpr int kLargeAtOnce = 2;
 
-// What is left free on the volume for everything else on the computer.
-constexpr std::int64_t kDiskReserve = 1'000'000'000;
-
 HTTPRouteDecision respond(std::int64_t status, std::string_view text) {
   return HTTPRespond{HTTPResponse::text(status, text)};
 }

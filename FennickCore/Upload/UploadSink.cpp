@@ -59,7 +59,9 @@ void UploadSink::announce(const std::filesystem::path &file) {
                .bytes = written_,
                .remoteAddress = upload_.remote,
                .mediaType = upload_.mediaType,
-               .receivedAt = upload_.startedAt});
+               .filename = upload_.filename,
+               .receivedAt = upload_.startedAt,
+               .source = upload_.source});
   } catch (const std::exception &error) {
     log(error.what());
   }

@@ -19,13 +19,18 @@
 
 namespace fennick {
 
+// Who sends a file.
+enum class UploadSource { phone, thisComputer };
+
 // What a finished upload reports.
 struct UploadRecord {
   std::filesystem::path url; // the saved file under its final name
   std::int64_t bytes = 0;
   std::string remoteAddress;
-  std::optional<std::string> mediaType; // as the request named it
-  Instant receivedAt;                   // when the upload was admitted
+  std::optional<std::string> mediaType;  // as the request named it
+  std::optional<std::string> filename{}; // what the sender calls the file
+  Instant receivedAt;                    // when the upload was admitted
+  UploadSource source = UploadSource::phone;
 
   bool operator==(const UploadRecord &) const = default;
 };
@@ -36,9 +41,10 @@ struct AdmittedUpload {
   SaveDestination destination; // as it stood at admission
   std::int64_t expected = 0;   // declared length of the body
   std::optional<std::string> mediaType;
-  std::optional<std::string> filename; // what the phone calls the file
-  std::string remote;
+  std::optional<std::string> filename; // what the sender calls the file
+  std::string remote;                  // its address; empty for this computer
   Instant startedAt;
+  UploadSource source = UploadSource::phone;
 };
 
 // Receives the body of one upload into its part file and turns it into a saved photo or video. The body is

@@ -3,6 +3,7 @@
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
 #include "FennickCore/Storage/FolderPruner.h"
+#include "FennickCore/Storage/PhotoOrigin.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/ReceivedNote.h"
@@ -82,7 +83,7 @@ AppController::AppController(Options options, const Services &services)
     : options_(std::move(options)), preferences_(services.preferences), mainQueue_(services.mainQueue),
       files_(services.files), clock_(services.clock), decoder_(services.decoder), trash_(services.trash),
       desktop_(services.desktop), network_(services.network), settings_(preferences_),
-      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_) {
+      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_), imports_(makeImports()) {
   if (options_.overrides)
     settings_.overrideForRun(options_.overrides);
 }
@@ -130,7 +131,8 @@ void AppController::stop() {
     httpServer_->http.stop();
   httpServer_.reset();
   retirement_.reset();
-  processingQueue_.reset(); // last: until here servers hand it what they received
+  imports_->end();
+  processingQueue_.reset(); // last: until here others hand it what they received
 }
 
 void AppController::openFirstWindow() {
@@ -250,6 +252,19 @@ fennick::UploadRouter::Providers AppController::providers() {
           .gallery = [this] { return routerConfig_.gallery(); },
           .policy = [this] { return routerConfig_.policy(); },
           .canSave = [this] { return routerConfig_.canSave(); }};
+}
+
+std::unique_ptr<PhotoImport> AppController::makeImports() {
+  auto imports = std::make_unique<PhotoImport>(
+      PhotoImport::Services{.providers = {.destination = [this] { return routerConfig_.destination(); },
+                                          .canSave = [this] { return routerConfig_.canSave(); },
+                                          .onUpload = [this](const auto &record) { handleUpload(record); }},
+                            .files = files_,
+                            .clock = clock_,
+                            .activity = progress_.counter(),
+                            .mainQueue = mainQueue_});
+  connect(imports.get(), &PhotoImport::finished, this, &AppController::finishImports);
+  return imports;
 }
 
 fs::path AppController::chosenFolder() {
@@ -417,7 +432,14 @@ void AppController::runLocalNetworkCheck() {
                  [this](const Outcome &outcome) { server_.setLocalNetworkStatus(statusOf(outcome)); });
 }
 
-// On the upload's thread.
+void AppController::finishImports(const QString &problem) {
+  if (problem.isEmpty())
+    resolve(Matter::imports);
+  else
+    report(Matter::imports, problem);
+}
+
+// On the upload's or the import's thread.
 void AppController::handleUpload(const fennick::UploadRecord &record) {
   processingQueue_->post([this, record] {
     fennick::ImagingOptions options;
@@ -427,16 +449,21 @@ void AppController::handleUpload(const fennick::UploadRecord &record) {
     }
     const auto result = fennick::ImagePipeline::process(record.url, options, kProcessingTimeout,
                                                         {.decoder = decoder_, .files = files_});
+    writeOrigin(result.finalURL, originOf(record, result));
     mainQueue_.post(whileAlive([this, record, result] { finishUpload(record, result); }));
   });
 }
 
 void AppController::finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
   const fs::path &url = result.finalURL;
+  const bool fromPhone = record.source == fennick::UploadSource::phone;
   library_.noteAdded(url);
-  desktop_.flashTrayItem();
+  if (fromPhone)
+    desktop_.flashTrayItem();
   pruneIfNeeded();
   updateRouterConfig(); // with the shared folder: a new day may have a new one
+  if (!fromPhone)
+    return; // nobody waits for it
   runWorkflow(url, record.bytes);
   const std::string note = receivedNote(record, result);
   server_.setLastNote(note);

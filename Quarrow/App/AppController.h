@@ -18,6 +18,7 @@
 #include "FennickCore/Upload/UploadRouter.h"
 #include "Quarrow/App/Desktop.h"
 #include "Quarrow/App/LocalNetwork.h"
+#include "Quarrow/App/PhotoImport.h"
 #include "Quarrow/App/PhotoSelection.h"
 #include "Quarrow/App/RouterConfig.h"
 #include "Quarrow/App/ServerModel.h"
@@ -90,6 +91,7 @@ public:
   [[nodiscard]] fennick::PhotoLibrary &library() { return library_; }
   [[nodiscard]] PhotoSelection &selection() { return selection_; }
   [[nodiscard]] UploadProgress &progress() { return progress_; }
+  [[nodiscard]] PhotoImport &imports() { return *imports_; }
 
   // What a person should read before the key is reset (SettingsStore::resetAccessKey).
   [[nodiscard]] static QString resetKeyWarning() {
@@ -112,6 +114,12 @@ public:
   void chooseSaveFolder(const std::filesystem::path &folder);
   // Shows the error of something else that the person asked for.
   void reportProblem(const std::string &problem) { report(Matter::request, QString::fromStdString(problem)); }
+  // Brings files of this computer into the save folder, like those of a phone but without the workflow's
+  // actions: whoever did it knows of it. What could not be brought in becomes the model's error.
+  void importFiles(std::vector<std::filesystem::path> files) { imports_->importFiles(std::move(files)); }
+  void importPicture(std::string bytes, std::string name) {
+    imports_->importPicture(std::move(bytes), std::move(name));
+  }
   // Takes the error that is shown away; the person has read it.
   void dismissError();
   // Checks anew whether phones can reach the service, and what stands in their way.
@@ -126,7 +134,7 @@ signals:
 private:
   struct Server;
   // What errors are about: a later success of the same thing takes them away.
-  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey, request };
+  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey, imports, request };
 
   void applySaveFolder();
   void updateRouterConfig();
@@ -152,9 +160,11 @@ private:
   void checkSaveFolder();
   void handleUpload(const fennick::UploadRecord &record);
   void finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result);
+  void finishImports(const QString &problem);
   [[nodiscard]] std::filesystem::path chosenFolder();
   [[nodiscard]] std::filesystem::path saveFolder() const; // that is used now
   [[nodiscard]] fennick::UploadRouter::Providers providers();
+  [[nodiscard]] std::unique_ptr<PhotoImport> makeImports();
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
 
   const Options options_;
@@ -191,6 +201,7 @@ private:
   std::unique_ptr<fennick::SerialQueue> processingQueue_ =
       std::make_unique<fennick::SerialQueue>("fennick.imaging");
   std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
+  const std::unique_ptr<PhotoImport> imports_;       // last: it hands what it saves to the processing
 };
 
 } // namespace quarrow

@@ -16,4 +16,15 @@ std::string receivedNote(const fennick::UploadRecord &record, const fennick::Pro
   return fmt::format("{}：{}", name, size);
 }
 
+fennick::PhotoOrigin originOf(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
+  std::string note = result.note.value_or("");
+  if (result.processed)
+    note = fmt::format("{} → {}", fennick::fileSizeText(record.bytes), note);
+  return {.address = record.remoteAddress,
+          .name = record.filename.value_or(""),
+          .receivedAt = record.receivedAt,
+          .note = std::move(note),
+          .original = result.originalURL ? result.originalURL->filename().string() : ""};
+}
+
 } // namespace quarrow

@@ -34,6 +34,7 @@ TEST_F(UploadSinkTest, ASavedPhotoIsReportedOnceWithWhatWasKnownAtItsAdmission) 
                                                    .bytes = std::ssize(kJPEG),
                                                    .remoteAddress = "192.168.1.20",
                                                    .mediaType = "image/jpeg",
+                                                   .filename = "a.png",
                                                    .receivedAt = admitted}));
   EXPECT_EQ(disk.read("photos/IMG_001.jpg"), kJPEG);
   EXPECT_THAT(parts(), IsEmpty());
