@@ -1,9 +1,9 @@
 #include "FennickCore/Settings/SettingsOverride.h"
 
-#include "FennickCore/Platform/PathComponent.h"
 #include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/SettingsFields.h"
 #include "FennickCore/Settings/SettingsReading.h"
+#include "FennickCore/Settings/SettingsRules.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -17,24 +17,6 @@
 namespace fennick {
 
 namespace {
-
-// A file name may have 255 bytes; this leaves room for the number, a duplicate's suffix and the extension.
-constexpr std::size_t kLongestNameStart = 200;
-// Folders inside the save folder that are never a session's.
-constexpr std::array<std::string_view, 2> kReservedNames{"originals", "export"};
-
-bool hasControlCharacters(std::string_view text) { return withoutControls(text) != text; }
-
-bool isNamePart(std::string_view text) { return !text.contains('/') && !hasControlCharacters(text); }
-
-bool isSessionName(const std::string &name) {
-  return PathComponent::make(name) && !name.starts_with('.') && !hasControlCharacters(name) &&
-         std::ranges::find(kReservedNames, name) == kReservedNames.end();
-}
-
-bool isGalleryPath(const std::string &path) {
-  return !path.contains("..") && !path.starts_with('/') && !hasControlCharacters(path);
-}
 
 // A path given as it stands is often valid base64 of something else, so what comes out is looked at.
 bool isPath(const std::optional<BookmarkData> &bookmark) {
@@ -54,10 +36,6 @@ template <typename Check>
 bool sequence(const AppSettings &settings, Check check) {
   const auto *naming = std::get_if<PrefixSequenceNaming>(&settings.naming);
   return naming == nullptr || check(*naming);
-}
-
-bool fitsTogether(const PrefixSequenceNaming &naming) {
-  return naming.prefix.size() + naming.separator.size() <= kLongestNameStart;
 }
 
 bool anything(const AppSettings &) { return true; }
@@ -96,9 +74,7 @@ constexpr std::array kRules{
          "the "
          "separator",
          [](const S &s) {
-           return sequence(s, [](const N &n) {
-             return isNamePart(n.prefix) && !n.prefix.starts_with('.') && fitsTogether(n);
-           });
+           return sequence(s, [](const N &n) { return isNamePrefix(n.prefix) && fitsTogether(n); });
          }},
     Rule{"naming.prefixSequence.separator", "不含“/”和控制字符的文字，连同前缀不超过 200 字节",
          "text without \"/\" and control characters, at most 200 bytes with the prefix",
@@ -106,7 +82,10 @@ constexpr std::array kRules{
            return sequence(s, [](const N &n) { return isNamePart(n.separator) && fitsTogether(n); });
          }},
     Rule{"naming.prefixSequence.digits", "1 到 9 的整数", "a whole number from 1 to 9",
-         [](const S &s) { return sequence(s, [](const N &n) { return n.digits >= 1 && n.digits <= 9; }); }},
+         [](const S &s) {
+           return sequence(s,
+                           [](const N &n) { return n.digits >= kFewestDigits && n.digits <= kMostDigits; });
+         }},
     Rule{"naming.prefixSequence.start", "不小于 0 的整数", "a whole number from 0",
          [](const S &s) { return sequence(s, [](const N &n) { return n.start >= 0; }); }},
     Rule{"maxUploadBytes", "不小于 1 的整数（字节）", "a whole number of bytes from 1",
