@@ -7,6 +7,7 @@
 #include <signal.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -64,6 +65,53 @@ TEST_F(ApplicationsTest, WhatIsNoApplicationIsSaid) {
     ASSERT_FALSE(opened);
     EXPECT_THAT(opened.error(), HasSubstr(entry.filename().string()));
   }
+}
+
+class InstalledApplicationsTest : public ::testing::Test {
+protected:
+  void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  void install(const std::string &name, const std::string &more) const {
+    disk.write(fmt::format("share/applications/{}.desktop", name),
+               fmt::format("[Desktop Entry]\nType=Application\nName={}\n{}\n", name, more));
+  }
+  // What the applications are that open photo.jpg, one a line: the desktop is read once in a process, so that
+  // this needs one of its own.
+  void list() const {
+    const auto at = [this](const char *variable, const char *folder) {
+      ::setenv(variable, (disk / folder).c_str(), 1);
+    };
+    at("XDG_DATA_HOME", "home");
+    at("XDG_DATA_DIRS", "share");
+    at("XDG_CONFIG_HOME", "config");
+    at("XDG_CONFIG_DIRS", "none");
+    for (const auto &each : installedApplications("photo.jpg"))
+      fmt::print(stderr, "{}{} [{}]\n", each.isMadeForIt ? "* " : "", each.name, each.icon);
+    fmt::print(stderr, "end\n");
+    std::_Exit(0);
+  }
+
+  test::TemporaryFolder disk;
+};
+
+TEST_F(InstalledApplicationsTest, TheUsualOneComesFirstThenThoseMadeForPicturesAndNoneThatCannotBeChosen) {
+  install("Viewer", "Exec=true %f\nIcon=viewer");
+  install("Editor", "Exec=true %U\nIcon=/opt/editor.png");
+  install("Album", "Exec=true %F");
+  install("Zip", "Exec=true %F\nIcon=zip");
+  install("Cards", "Exec=true");
+  install("Inner", "Exec=true %f\nNoDisplay=true");
+  install("Gone", "Exec=true %f\nHidden=true");
+  install("tevrin", "Exec=true %f");
+  disk.write("share/mime/globs2", "50:image/jpeg:*.jpg\n");
+  disk.write("share/applications/mimeinfo.cache",
+             "[MIME Cache]\nimage/jpeg=Album.desktop;Editor.desktop;Inner.desktop;Viewer.desktop;"
+             "tevrin.desktop;\n");
+  disk.write("config/mimeapps.list", "[Default Applications]\nimage/jpeg=Viewer.desktop\n");
+  EXPECT_EXIT(list(), ::testing::ExitedWithCode(0),
+              "^\\* Viewer \\[viewer\\]\n\\* Album \\[\\]\n\\* Editor \\[/opt/editor.png\\]\n"
+              "Zip \\[zip\\]\nend\n$");
+  EXPECT_EXIT((std::filesystem::remove_all(disk / "share"), list()), ::testing::ExitedWithCode(0), "^end\n$");
 }
 
 } // namespace
