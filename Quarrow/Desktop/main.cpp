@@ -152,7 +152,12 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   quarrow::PhotoWall wall(controller);
   quarrow::QuickLook look(controller);
   quarrow::PhotoActions actions(controller);
-  quarrow::SettingsForm form(controller);
+  quarrow::SettingsForm form(controller, {.mainQueue = mainQueue,
+                                          .files = files,
+                                          .clock = clock,
+                                          .decoder = decoder,
+                                          .desktop = desktop,
+                                          .sampleFolder = state.cache / "sample"});
   lendToQml(controller, shell);
   quarrow::WallSingleton::instance = &wall;
   quarrow::LookSingleton::instance = &look;

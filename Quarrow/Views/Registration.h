@@ -98,6 +98,27 @@ public:
   static SettingsForm *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
 
+// The parts of the settings, and the list that one of them is chosen from.
+struct ImagingFormType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::ImagingForm)
+  QML_NAMED_ELEMENT(ImagingForm)
+  QML_UNCREATABLE("Settings has one")
+};
+
+struct WorkflowFormType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::WorkflowForm)
+  QML_NAMED_ELEMENT(WorkflowForm)
+  QML_UNCREATABLE("Settings has one")
+};
+
+struct ApplicationListType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::ApplicationList)
+  QML_ANONYMOUS
+};
+
 // How the self-check's answer is handed over.
 struct LocalNetworkStatusValue {
   Q_GADGET

@@ -75,7 +75,13 @@ private:
   PhotoWall wall_{controller_};
   QuickLook look_{controller_};
   PhotoActions actions_{controller_};
-  SettingsForm form_{controller_};
+  SettingsForm form_{controller_,
+                     {.mainQueue = queue_,
+                      .files = files_,
+                      .clock = queue_.clock(),
+                      .decoder = decoder_,
+                      .desktop = desktop_,
+                      .sampleFolder = disk_ / "sample"}};
   std::optional<fennick::UploadActivity::Upload> upload_;
 };
 

@@ -1,0 +1,323 @@
+#include "Quarrow/SettingsForm/ImagingForm.h"
+
+#include "FennickCore/Imaging/PictureTypes.h"
+#include "FennickCore/Platform/Text.h"
+
+#include <QVariantMap>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+namespace quarrow {
+
+namespace {
+
+using fennick::ImagingOptions;
+using fennick::OutputFormat;
+
+constexpr qint64 kUsualPixels = 2048;
+constexpr qint64 kFewestPixels = 16;
+constexpr qint64 kMostPixels = 20'000;
+constexpr qint64 kUsualKilobytes = 1000;
+constexpr qint64 kFewestKilobytes = 10;
+constexpr qint64 kMostKilobytes = 1'000'000;
+constexpr qint64 kKilobyte = 1000;
+constexpr int kLowestQuality = 30;
+constexpr int kLowestFloor = 10;
+constexpr int kHighestQuality = 100;
+constexpr int kHigh = 80;
+constexpr int kMiddling = 60;
+
+struct Preset {
+  const char *value;
+  const char *text;
+  const char *detail;
+  ImagingOptions options;
+};
+
+const std::array kPresets{
+    Preset{"asIs",
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "原样保存"),
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "手机传来什么样，就存成什么样"),
+           {}},
+    Preset{"share",
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "适合分享"),
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "JPEG，长边 2048，去掉拍摄位置"),
+           {.maxPixels = 2048, .format = OutputFormat::jpeg, .stripLocation = true}},
+    Preset{"small",
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "省空间"),
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "JPEG，长边 2560，每张不超过 1 MB"),
+           {.maxPixels = 2560, .maxBytes = 1'000'000, .format = OutputFormat::jpeg, .quality = 0.75}},
+    Preset{"private",
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "保护隐私"),
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "尺寸不变，去掉位置、设备和拍摄时间"),
+           {.quality = 0.95, .stripLocation = true, .stripAllMetadata = true}},
+};
+
+// Whether the originals are kept is a question of its own.
+bool hasFieldsOf(const Preset &preset, ImagingOptions options) {
+  options.keepOriginal = preset.options.keepOriginal;
+  return options == preset.options;
+}
+
+QString text(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
+
+int percent(double share) { return static_cast<int>(std::lround(share * 100)); }
+
+QString wordsFor(int quality) {
+  const QString word = quality >= kHigh       ? ImagingForm::tr("高")
+                       : quality >= kMiddling ? ImagingForm::tr("中")
+                                              : ImagingForm::tr("低");
+  return ImagingForm::tr("%1 · %2").arg(word).arg(quality);
+}
+
+QString wordsFor(const PhotoExample::Size &size, bool estimated) {
+  const QString bytes = text(fennick::fileSizeText(size.bytes));
+  return ImagingForm::tr("%1 × %2，%3")
+      .arg(size.width)
+      .arg(size.height)
+      .arg(estimated ? ImagingForm::tr("约 %1").arg(bytes) : bytes);
+}
+
+// Sizes are reckoned to two digits at most.
+PhotoExample::Size rounded(PhotoExample::Size size) {
+  const double step =
+      std::pow(10, std::floor(std::log10(std::max<double>(1, static_cast<double>(size.bytes)))) - 1);
+  size.bytes = std::llround(std::round(static_cast<double>(size.bytes) / step) * step);
+  return size;
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> latestPhoto(const fennick::PhotoLibrary &library) {
+  const fennick::PhotoItem *latest = nullptr;
+  for (const auto &item : library.items())
+    if (item.isImage && !item.isOversized && item.pixelWidth &&
+        (latest == nullptr || item.date > latest->date))
+      latest = &item;
+  return latest != nullptr ? std::optional(latest->url) : std::nullopt;
+}
+
+ImagingForm::ImagingForm(AppController &controller, const FormServices &services)
+    : controller_(controller), services_(services), known_(now()), lastPixels_(kUsualPixels),
+      lastKilobytes_(kUsualKilobytes), typical_(PhotoExample::ofTypicalPhoto(known_, true)),
+      heic_(services.mainQueue, "fennick.heic",
+            [this](bool writes) {
+              writesHEIC_ = writes;
+              typical_ = PhotoExample::ofTypicalPhoto(known_, writes);
+              emit changed();
+              emit exampleChanged();
+            }),
+      trial_(services.mainQueue, "fennick.trial",
+             [this](const auto &example) {
+               tried_ = example;
+               busy_ = false;
+               emit exampleChanged();
+             }),
+      settings_(controller.settings().observeSettings([this](const auto &all) { follow(all.imaging); })),
+      items_(controller.library().observeItems([this](const auto &) {
+        if (latestPhoto(controller_.library()).value_or("") != triedFile_)
+          tryLatest();
+      })) {}
+
+void ImagingForm::setWatched(bool watched) {
+  watched_ = watched;
+  if (!watched) {
+    trial_.drop();
+    return;
+  }
+  if (!writesHEIC_)
+    heic_.ask([decoder = &services_.decoder] { return decoder->canEncodeHEIC(); });
+  tryLatest();
+}
+
+void ImagingForm::follow(const ImagingOptions &options) {
+  if (std::exchange(known_, options) == options)
+    return;
+  if (limitsPixels())
+    lastPixels_ = *options.maxPixels;
+  if (limitsBytes())
+    lastKilobytes_ = maxKilobytes();
+  typical_ = PhotoExample::ofTypicalPhoto(options, writesHEIC_.value_or(true));
+  emit changed();
+  tryLatest();
+  emit exampleChanged();
+}
+
+void ImagingForm::tryLatest() {
+  if (!watched_)
+    return;
+  const auto file = latestPhoto(controller_.library());
+  triedFile_ = file.value_or("");
+  busy_ = file.has_value();
+  if (file)
+    trial_.ask([file = *file, options = known_, decoder = &services_.decoder] {
+      return PhotoExample::ofPhoto(file, options, *decoder);
+    });
+  else
+    tried_.reset();
+  emit exampleChanged();
+}
+
+void ImagingForm::store(const std::function<void(ImagingOptions &)> &change) {
+  controller_.settings().update([&](auto &settings) { change(settings.imaging); });
+}
+
+QString ImagingForm::preset() const {
+  const auto *found =
+      std::ranges::find_if(kPresets, [&](const auto &each) { return hasFieldsOf(each, now()); });
+  return found != kPresets.end() ? found->value : "own";
+}
+
+void ImagingForm::setPreset(const QString &preset) {
+  const auto *chosen = std::ranges::find_if(kPresets, [&](const auto &each) { return preset == each.value; });
+  if (chosen == kPresets.end())
+    return;
+  store([&](auto &options) {
+    const bool keeps = options.keepOriginal;
+    options = chosen->options;
+    options.keepOriginal = keeps;
+  });
+}
+
+QVariantList ImagingForm::presets() {
+  QVariantList choices;
+  for (const auto &each : kPresets)
+    choices.append(QVariantMap{{"value", each.value}, {"text", tr(each.text)}, {"detail", tr(each.detail)}});
+  return choices;
+}
+
+void ImagingForm::setLimitsPixels(bool limits) {
+  store([&](auto &options) { options.maxPixels = limits ? std::optional(maxPixels()) : std::nullopt; });
+}
+
+void ImagingForm::setMaxPixels(qint64 pixels) {
+  store([&](auto &options) { options.maxPixels = std::clamp(pixels, kFewestPixels, kMostPixels); });
+}
+
+QString ImagingForm::pixelsMeaning() const {
+  if (!limitsPixels())
+    return tr("照片保持原来的尺寸");
+  constexpr std::int64_t kLong = 4032;
+  constexpr std::int64_t kShort = 3024;
+  const auto edge = *now().maxPixels;
+  if (edge >= kLong)
+    return tr("一张 12 MP 的照片不会变小，更大的会缩到长边 %1").arg(edge);
+  return tr("一张 12 MP 的照片会缩到 %1 × %2")
+      .arg(edge)
+      .arg(std::max<std::int64_t>(1, (edge * kShort + kLong / 2) / kLong));
+}
+
+void ImagingForm::setLimitsBytes(bool limits) {
+  store([&](auto &options) {
+    options.maxBytes = limits ? std::optional(maxKilobytes() * kKilobyte) : std::nullopt;
+  });
+}
+
+qint64 ImagingForm::maxKilobytes() const {
+  return limitsBytes() ? std::max<qint64>(1, (*now().maxBytes + kKilobyte / 2) / kKilobyte) : lastKilobytes_;
+}
+
+void ImagingForm::setMaxKilobytes(qint64 kilobytes) {
+  store([&](auto &options) {
+    options.maxBytes = std::clamp(kilobytes, kFewestKilobytes, kMostKilobytes) * kKilobyte;
+  });
+}
+
+QString ImagingForm::format() const { return text(rawValue(now().format)); }
+
+void ImagingForm::setFormat(const QString &format) {
+  if (const auto wanted = fennick::outputFormat(format.toStdString()))
+    store([&](auto &options) { options.format = *wanted; });
+}
+
+QVariantList ImagingForm::formats() {
+  const auto choice = [](OutputFormat format, const QString &words) {
+    return QVariantMap{{"value", text(rawValue(format))}, {"text", words}};
+  };
+  return {choice(OutputFormat::keep, tr("保持原来的格式")), choice(OutputFormat::jpeg, tr("JPEG")),
+          choice(OutputFormat::heic, tr("HEIC")), choice(OutputFormat::png, tr("PNG"))};
+}
+
+QString ImagingForm::formatMeaning() const {
+  const bool lacksHEIC = writesHEIC_ == false;
+  switch (now().format) {
+  case OutputFormat::keep:
+    return lacksHEIC ? tr("这台电脑写不了 HEIC：要改动的 HEIC 照片会存成 JPEG")
+                     : tr("JPEG 还是 JPEG，HEIC 还是 HEIC");
+  case OutputFormat::jpeg:
+    return tr("哪里都打得开");
+  case OutputFormat::heic:
+    return lacksHEIC ? tr("这台电脑写不了 HEIC，会存成 JPEG")
+                     : tr("同样清楚，文件约小一半，但有些旧程序打不开");
+  case OutputFormat::png:
+    return tr("不损失画质，照片会大好几倍，适合截图");
+  }
+  return {};
+}
+
+int ImagingForm::quality() const { return percent(now().qualityInUse()); }
+
+void ImagingForm::setQuality(int percent) {
+  store(
+      [&](auto &options) { options.quality = std::clamp(percent, kLowestQuality, kHighestQuality) / 100.0; });
+}
+
+QString ImagingForm::qualityWords() const { return wordsFor(quality()); }
+
+int ImagingForm::qualityFloor() const { return percent(now().floorInUse()); }
+
+void ImagingForm::setQualityFloor(int percent) {
+  store([&](auto &options) { options.qualityFloor = std::clamp(percent, kLowestFloor, quality()) / 100.0; });
+}
+
+QString ImagingForm::qualityFloorWords() const { return wordsFor(qualityFloor()); }
+
+void ImagingForm::setStripLocation(bool wanted) {
+  store([&](auto &options) { options.stripLocation = wanted; });
+}
+
+void ImagingForm::setStripAllMetadata(bool wanted) {
+  store([&](auto &options) { options.stripAllMetadata = wanted; });
+}
+
+void ImagingForm::setKeepOriginal(bool wanted) {
+  store([&](auto &options) { options.keepOriginal = wanted; });
+}
+
+QString ImagingForm::exampleTitle() const {
+  return shown().name.empty() ? tr("以一张 12 MP 的手机照片为例")
+                              : tr("以最近收到的 %1 为例").arg(text(shown().name));
+}
+
+QString ImagingForm::exampleBefore() const { return wordsFor(shown().before, false); }
+
+QString ImagingForm::exampleAfter() const {
+  const auto &example = shown();
+  if (!example.after)
+    return tr("原样保存");
+  return wordsFor(example.estimated ? rounded(*example.after) : *example.after, example.estimated);
+}
+
+QString ImagingForm::exampleRemark() const {
+  const auto &example = shown();
+  if (!example.after)
+    return {};
+  QStringList remarks{text(fennick::upperCased(example.extension))};
+  if (now().stripAllMetadata)
+    remarks.append(tr("不带拍摄信息"));
+  else if (now().stripLocation)
+    remarks.append(tr("不带位置"));
+  if (now().keepOriginal)
+    remarks.append(tr("原图留在 originals"));
+  if (!example.fits)
+    remarks.append(tr("已经压到最小，还是超出上限"));
+  return remarks.join(tr("，"));
+}
+
+} // namespace quarrow

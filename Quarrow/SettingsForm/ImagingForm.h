@@ -1,0 +1,133 @@
+#pragma once
+
+#include "Quarrow/App/AppController.h"
+#include "Quarrow/SettingsForm/FormServices.h"
+#include "Quarrow/SettingsForm/Inquiry.h"
+#include "Quarrow/SettingsForm/PhotoExample.h"
+
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace quarrow {
+
+// What happens to received pictures: every field of the options, sets of them under plain names, and what
+// they make of a photo: of the latest one in the save folder, or else of a typical one. Main thread; photos
+// are tried elsewhere, and only while the form is watched.
+class ImagingForm : public QObject {
+  Q_OBJECT
+  // "asIs", "share", "small", "private", or "own" when the fields are those of none.
+  Q_PROPERTY(QString preset READ preset WRITE setPreset NOTIFY changed)
+  // Each with `value`, `text` and `detail`; without "own".
+  Q_PROPERTY(QVariantList presets READ presets CONSTANT)
+
+  Q_PROPERTY(bool limitsPixels READ limitsPixels WRITE setLimitsPixels NOTIFY changed)
+  Q_PROPERTY(qint64 maxPixels READ maxPixels WRITE setMaxPixels NOTIFY changed)
+  Q_PROPERTY(QString pixelsMeaning READ pixelsMeaning NOTIFY changed)
+  Q_PROPERTY(bool limitsBytes READ limitsBytes WRITE setLimitsBytes NOTIFY changed)
+  // In KB (thousands of bytes).
+  Q_PROPERTY(qint64 maxKilobytes READ maxKilobytes WRITE setMaxKilobytes NOTIFY changed)
+  // "keep", "jpeg", "heic" or "png"; what to choose from, each with `text` and `value`.
+  Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY changed)
+  Q_PROPERTY(QVariantList formats READ formats CONSTANT)
+  Q_PROPERTY(QString formatMeaning READ formatMeaning NOTIFY changed)
+  // In percent, as they are used: 30 to 100, and 10 to the quality.
+  Q_PROPERTY(int quality READ quality WRITE setQuality NOTIFY changed)
+  Q_PROPERTY(QString qualityWords READ qualityWords NOTIFY changed)
+  Q_PROPERTY(int qualityFloor READ qualityFloor WRITE setQualityFloor NOTIFY changed)
+  Q_PROPERTY(QString qualityFloorWords READ qualityFloorWords NOTIFY changed)
+  Q_PROPERTY(bool stripLocation READ stripLocation WRITE setStripLocation NOTIFY changed)
+  Q_PROPERTY(bool stripAllMetadata READ stripAllMetadata WRITE setStripAllMetadata NOTIFY changed)
+  Q_PROPERTY(bool keepOriginal READ keepOriginal WRITE setKeepOriginal NOTIFY changed)
+
+  // Whose photo the example is; what it is and what becomes of it; what else happens to it.
+  Q_PROPERTY(QString exampleTitle READ exampleTitle NOTIFY exampleChanged)
+  Q_PROPERTY(QString exampleBefore READ exampleBefore NOTIFY exampleChanged)
+  Q_PROPERTY(QString exampleAfter READ exampleAfter NOTIFY exampleChanged)
+  Q_PROPERTY(QString exampleRemark READ exampleRemark NOTIFY exampleChanged)
+  // The photo is being tried; what is shown is reckoned meanwhile.
+  Q_PROPERTY(bool exampleBusy READ exampleBusy NOTIFY exampleChanged)
+
+public:
+  // `controller` outlives the object.
+  ImagingForm(AppController &controller, const FormServices &services);
+
+  void setWatched(bool watched);
+  // Of the next JPEG once it has been processed; empty when it keeps its own.
+  [[nodiscard]] const std::string &nextExtension() const { return typical_.extension; }
+
+  [[nodiscard]] QString preset() const;
+  // Nothing happens for "own".
+  void setPreset(const QString &preset);
+  [[nodiscard]] static QVariantList presets();
+  [[nodiscard]] bool limitsPixels() const { return now().maxPixels.value_or(0) > 0; }
+  void setLimitsPixels(bool limits);
+  [[nodiscard]] qint64 maxPixels() const { return limitsPixels() ? *now().maxPixels : lastPixels_; }
+  void setMaxPixels(qint64 pixels);
+  [[nodiscard]] QString pixelsMeaning() const;
+  [[nodiscard]] bool limitsBytes() const { return now().maxBytes.value_or(0) > 0; }
+  void setLimitsBytes(bool limits);
+  [[nodiscard]] qint64 maxKilobytes() const;
+  void setMaxKilobytes(qint64 kilobytes);
+  [[nodiscard]] QString format() const;
+  void setFormat(const QString &format);
+  [[nodiscard]] static QVariantList formats();
+  [[nodiscard]] QString formatMeaning() const;
+  [[nodiscard]] int quality() const;
+  void setQuality(int percent);
+  [[nodiscard]] QString qualityWords() const;
+  [[nodiscard]] int qualityFloor() const;
+  void setQualityFloor(int percent);
+  [[nodiscard]] QString qualityFloorWords() const;
+  [[nodiscard]] bool stripLocation() const { return now().stripLocation; }
+  void setStripLocation(bool wanted);
+  [[nodiscard]] bool stripAllMetadata() const { return now().stripAllMetadata; }
+  void setStripAllMetadata(bool wanted);
+  [[nodiscard]] bool keepOriginal() const { return now().keepOriginal; }
+  void setKeepOriginal(bool wanted);
+
+  [[nodiscard]] QString exampleTitle() const;
+  [[nodiscard]] QString exampleBefore() const;
+  [[nodiscard]] QString exampleAfter() const;
+  [[nodiscard]] QString exampleRemark() const;
+  [[nodiscard]] bool exampleBusy() const { return busy_; }
+
+signals:
+  void changed();
+  void exampleChanged();
+
+private:
+  [[nodiscard]] const fennick::ImagingOptions &now() const {
+    return controller_.settings().settings().imaging;
+  }
+  void store(const std::function<void(fennick::ImagingOptions &)> &change);
+  void follow(const fennick::ImagingOptions &options);
+  void tryLatest();
+  // What is shown: the photo that was tried, or the typical one.
+  [[nodiscard]] const PhotoExample::Example &shown() const { return tried_ ? *tried_ : typical_; }
+
+  AppController &controller_;
+  const FormServices services_;
+  fennick::ImagingOptions known_; // that were last announced
+  qint64 lastPixels_;             // that applied while there was a limit
+  qint64 lastKilobytes_;
+  std::optional<bool> writesHEIC_; // once it is known
+  PhotoExample::Example typical_;
+  std::optional<PhotoExample::Example> tried_; // the latest photo, if there is one that can be tried
+  std::filesystem::path triedFile_;
+  bool busy_ = false;
+  bool watched_ = false;
+  Inquiry<bool> heic_;
+  Inquiry<std::optional<PhotoExample::Example>> trial_;
+  fennick::Subscription settings_;
+  fennick::Subscription items_;
+};
+
+// The photo that came last to the photo library; nothing when there is none that is decoded.
+[[nodiscard]] std::optional<std::filesystem::path> latestPhoto(const fennick::PhotoLibrary &library);
+
+} // namespace quarrow

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Imaging/PictureDecoder.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace quarrow {
+
+// What processing makes of one photo, to show what options mean. Values and functions; any thread.
+namespace PhotoExample {
+
+struct Size {
+  std::int64_t width = 0; // as shown, turned upright
+  std::int64_t height = 0;
+  std::int64_t bytes = 0;
+
+  bool operator==(const Size &) const = default;
+};
+
+struct Example {
+  std::string name{}; // of the photo; empty for the made-up one
+  Size before;
+  std::optional<Size> after{}; // absent: the photo stays as it is, or could not be tried
+  bool estimated = true;       // `after.bytes` was reckoned, not measured
+  bool fits = true;            // false: even the smallest is over `maxBytes`
+  std::string extension{};     // of the result; empty while the name stays
+
+  bool operator==(const Example &) const = default;
+};
+
+// A photo of 12 megapixels as phones take it, reckoned from what encoders usually need per pixel; good to
+// about a third.
+[[nodiscard]] Example ofTypicalPhoto(const fennick::ImagingOptions &options, bool canEncodeHEIC);
+
+// `file`, really encoded, but not stored. Nothing when it is no picture that can be read. Blocks, for seconds
+// when a size is to be met.
+[[nodiscard]] std::optional<Example> ofPhoto(const std::filesystem::path &file,
+                                             const fennick::ImagingOptions &options,
+                                             fennick::PictureDecoder &decoder);
+
+} // namespace PhotoExample
+
+} // namespace quarrow

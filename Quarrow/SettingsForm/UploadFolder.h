@@ -1,0 +1,27 @@
+#pragma once
+
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Storage/SaveDestination.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quarrow {
+
+// What the next photo meets on the disk.
+struct UploadFolder {
+  std::filesystem::path folder;         // that it goes to, which may not be there yet
+  std::string nextName{};               // that a JPEG gets
+  std::int64_t media = 0;               // photos and videos in it: what the folder limit counts
+  std::vector<std::string> galleries{}; // folders below the save folder that phones can be shown, by name
+};
+
+// Looks at the folders that a photo received at `instant` goes to, by the rules of NameGenerator. A folder
+// that cannot be listed is taken as empty. Blocks; any thread.
+[[nodiscard]] UploadFolder lookAtUploadFolder(const fennick::SaveDestination &destination,
+                                              fennick::Instant instant, fennick::FileSystem &files);
+
+} // namespace quarrow

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Quarrow/App/AppController.h"
+#include "Quarrow/SettingsForm/ApplicationList.h"
+#include "Quarrow/SettingsForm/FormServices.h"
+#include "Quarrow/SettingsForm/Inquiry.h"
+
+#include <QObject>
+#include <QString>
+
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quarrow {
+
+// What happens after a photo was received: every field of the options, the applications to choose from, and a
+// try of each action with the latest photo or a sample. Main thread; applications are looked for elsewhere.
+class WorkflowForm : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(bool copyToClipboard READ copyToClipboard WRITE setCopyToClipboard NOTIFY changed)
+  Q_PROPERTY(bool playSound READ playSound WRITE setPlaySound NOTIFY changed)
+  Q_PROPERTY(bool notify READ notify WRITE setNotify NOTIFY changed)
+  // The application that opens received photos: its name, empty for none, and its desktop entry.
+  Q_PROPERTY(QString applicationName READ applicationName NOTIFY changed)
+  Q_PROPERTY(QString applicationEntry READ applicationEntry NOTIFY changed)
+  // Why it cannot be used; empty if it can.
+  Q_PROPERTY(QString applicationError READ applicationError NOTIFY changed)
+  Q_PROPERTY(quarrow::ApplicationList *applications READ applications CONSTANT)
+  // Whether they are being looked for.
+  Q_PROPERTY(bool searching READ isSearching NOTIFY searchingChanged)
+  // What came of the last try of each action, by its number; empty: none was made.
+  Q_PROPERTY(QStringList outcomes READ outcomes NOTIFY outcomesChanged)
+  // Whether the photo could not be opened in the last try.
+  Q_PROPERTY(bool openingFailed READ openingFailed NOTIFY outcomesChanged)
+
+public:
+  enum Action { Copy, Open, Sound, Note };
+  Q_ENUM(Action)
+
+  // `controller` outlives the object.
+  WorkflowForm(AppController &controller, const FormServices &services);
+
+  [[nodiscard]] bool copyToClipboard() const { return now().copyToClipboard; }
+  void setCopyToClipboard(bool wanted);
+  [[nodiscard]] bool playSound() const { return now().playSound; }
+  void setPlaySound(bool wanted);
+  [[nodiscard]] bool notify() const { return now().notify; }
+  void setNotify(bool wanted);
+  [[nodiscard]] QString applicationName() const;
+  [[nodiscard]] QString applicationEntry() const;
+  [[nodiscard]] QString applicationError() const;
+
+  [[nodiscard]] ApplicationList *applications() { return &applications_; }
+  [[nodiscard]] bool isSearching() const { return searching_; }
+  // Looks for the applications that are installed now.
+  Q_INVOKABLE void findApplications();
+  // Received photos are opened with this one from now on.
+  Q_INVOKABLE void chooseApplication(const QString &entry, const QString &name);
+  Q_INVOKABLE void chooseNoApplication();
+
+  // Does what would be done with a received photo, whether or not it is switched on.
+  Q_INVOKABLE void tryOut(quarrow::WorkflowForm::Action action);
+  [[nodiscard]] QStringList outcomes() const;
+  [[nodiscard]] bool openingFailed() const { return openingFailed_; }
+  // The window was closed: what came of tries is of no interest any more.
+  void forgetOutcomes();
+
+signals:
+  void changed();
+  void searchingChanged();
+  void outcomesChanged();
+
+private:
+  using Sample = std::optional<std::filesystem::path>;
+  static constexpr std::size_t kActions = 4;
+
+  [[nodiscard]] const fennick::WorkflowOptions &now() const {
+    return controller_.settings().settings().workflow;
+  }
+  void store(const std::function<void(fennick::WorkflowOptions &)> &change);
+  void tryWith(Action action, const Sample &sample);
+  void open(const std::filesystem::path &file);
+  void setOutcome(Action action, const QString &outcome, bool failed = false);
+
+  AppController &controller_;
+  const FormServices services_;
+  fennick::WorkflowOptions known_; // that were last announced
+  QString choiceError_;            // about the application that was chosen last
+  ApplicationList applications_;
+  bool searching_ = false;
+  std::array<QString, kActions> outcomes_;
+  bool openingFailed_ = false;
+  std::optional<Action> asked_; // waits for the sample
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  Inquiry<std::vector<fennick::InstalledApplication>> search_;
+  Inquiry<Sample> sample_;
+  fennick::Subscription settings_;
+};
+
+} // namespace quarrow
