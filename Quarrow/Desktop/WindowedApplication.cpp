@@ -1,7 +1,11 @@
 #include "Quarrow/Desktop/WindowedApplication.h"
 
+#include "Quarrow/Desktop/Catalogue.h"
+
 #include <QEvent>
+#include <QFont>
 #include <QIcon>
+#include <QLocale>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
@@ -31,6 +35,12 @@ WindowedApplication::WindowedApplication(int &argc, char **argv) : QApplication(
   setDesktopFileName("tevrin");
   setWindowIcon(QIcon(":/tray/tevrin.svg"));
   setQuitOnLastWindowClosed(false);
+  // Outside of Chinese sessions Chinese characters would be taken from whatever font comes first, in other
+  // shapes.
+  QFont::insertSubstitution(font().family(), "Noto Sans CJK SC");
+  catalogue_ = catalogueFor(QLocale().uiLanguages());
+  if (catalogue_)
+    installTranslator(catalogue_.get());
 }
 
 bool WindowedApplication::event(QEvent *event) {

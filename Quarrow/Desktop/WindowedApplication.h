@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QApplication>
+#include <QTranslator>
+
+#include <memory>
 
 namespace quarrow {
 
 // The application object of the program with windows. It lives without any window, and quitting it asks no
-// window for leave.
+// window for leave. Texts are in the session's language, where they have been translated into it.
 class WindowedApplication final : public QApplication {
   Q_OBJECT
 
@@ -18,6 +21,9 @@ signals:
 
 protected:
   bool event(QEvent *event) override;
+
+private:
+  std::unique_ptr<QTranslator> catalogue_;
 };
 
 // Draws the windows without OpenGL where there is none, or only one that is software itself and slower.
