@@ -1,6 +1,8 @@
 // An EXIF block: asked everything, edited in every way. What was set is there afterwards, and nothing else
 // grew.
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/ExifDetails.h"
+#include "FennickCore/Platform/Text.h"
 #include "fuzz/Property.h"
 
 using namespace fennick::picture;
@@ -14,6 +16,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   require(text.ends_with(parsed->tiff()));
   (void)parsed->hasExif();
   (void)parsed->hasTIFF();
+  const auto details = exifDetails(parsed->tiff());
+  for (const auto &line : {details.camera, details.lens, details.taken, details.offset, details.exposure})
+    require(line == fennick::oneLine(line, fennick::kMostDetailText));
 
   ExifBlock turned = *parsed;
   const bool isTurned = turned.setOrientation(6);

@@ -28,6 +28,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   roundTrip(message, wire::decodedAnswer);
   if (const auto answer = wire::decodedAnswer(message); answer && !answer->error)
     require(answer->quality >= 0 && answer->quality <= 1 && answer->longEdge >= 0 &&
-            answer->facts.frames >= 0);
+            answer->facts.frames >= 0 && answer->details.camera.size() <= kMostDetailText);
   return 0;
 }

@@ -68,6 +68,13 @@ PictureResult<PictureFacts> DecoderPool::facts(const std::filesystem::path &file
   return reply->answer.facts;
 }
 
+PictureResult<PictureDetails> DecoderPool::details(const std::filesystem::path &file) {
+  auto reply = ask(file, {.request = wire::DetailsRequest{}, .timeout = options_.factsTimeout});
+  if (!reply)
+    return std::unexpected(std::move(reply.error()));
+  return std::move(reply->answer.details);
+}
+
 PictureResult<std::string> DecoderPool::thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
                                                   double quality) {
   auto reply = ask(file, {.request = wire::ThumbnailRequest{.maxPixel = maxPixel, .quality = quality},

@@ -49,6 +49,7 @@ public:
   DecoderPool &operator=(const DecoderPool &) = delete;
 
   PictureResult<PictureFacts> facts(const std::filesystem::path &file) override;
+  PictureResult<PictureDetails> details(const std::filesystem::path &file) override;
   PictureResult<std::string> thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
                                        double quality) override;
   PictureResult<Rendering> render(const std::filesystem::path &file, const RenderRequest &request,

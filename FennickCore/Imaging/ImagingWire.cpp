@@ -57,6 +57,7 @@ Enumeration enumerated(const Json &value, Enumeration last) {
 }
 
 Json json(const FactsRequest &) { return {{"task", "facts"}}; }
+Json json(const DetailsRequest &) { return {{"task", "details"}}; }
 
 Json json(const ThumbnailRequest &request) {
   return {{"task", "thumbnail"}, {"maxPixel", request.maxPixel}, {"quality", request.quality}};
@@ -92,6 +93,8 @@ Request request(const Json &object) {
   const auto task = object.at("task").get<std::string>();
   if (task == "facts")
     return FactsRequest{};
+  if (task == "details")
+    return DetailsRequest{};
   if (task == "thumbnail")
     return ThumbnailRequest{.maxPixel = number(object.at("maxPixel")),
                             .quality = share(object.at("quality"))};
@@ -123,6 +126,29 @@ PictureFacts facts(const Json &object) {
           .hasMetadata = object.at("hasMetadata").get<bool>()};
 }
 
+Json json(const PictureDetails &details) {
+  Json object = Json::object();
+  const auto put = [&](const char *key, const std::string &text) {
+    if (!text.empty())
+      object[key] = oneLine(text, kMostDetailText);
+  };
+  put("camera", details.camera);
+  put("lens", details.lens);
+  put("taken", details.taken);
+  put("offset", details.offset);
+  put("exposure", details.exposure);
+  return object;
+}
+
+PictureDetails details(const Json &object) {
+  const auto text = [&](const char *key) { return oneLine(object.value(key, ""), kMostDetailText); };
+  return {.camera = text("camera"),
+          .lens = text("lens"),
+          .taken = text("taken"),
+          .offset = text("offset"),
+          .exposure = text("exposure")};
+}
+
 Answer answer(const Json &object) {
   Answer result;
   if (const auto fault = object.find("fault"); fault != object.end()) {
@@ -131,6 +157,8 @@ Answer answer(const Json &object) {
     return result;
   }
   result.facts = facts(object.at("facts"));
+  if (const auto found = object.find("details"); found != object.end())
+    result.details = details(*found);
   result.longEdge = number(object.at("longEdge"), 0);
   result.quality = share(object.at("quality"));
   result.withinMaxBytes = object.at("withinMaxBytes").get<bool>();
@@ -167,10 +195,13 @@ std::string encoded(const Hello &hello) {
 std::string encoded(const Answer &answer) {
   if (answer.error)
     return dump({{"fault", answer.error->fault}, {"detail", cut(answer.error->detail)}});
-  return dump({{"facts", json(answer.facts)},
-               {"longEdge", answer.longEdge},
-               {"quality", answer.quality},
-               {"withinMaxBytes", answer.withinMaxBytes}});
+  Json object{{"facts", json(answer.facts)},
+              {"longEdge", answer.longEdge},
+              {"quality", answer.quality},
+              {"withinMaxBytes", answer.withinMaxBytes}};
+  if (answer.details != PictureDetails())
+    object["details"] = json(answer.details);
+  return dump(object);
 }
 
 std::optional<Request> decodedRequest(std::string_view message) { return understood(message, request); }

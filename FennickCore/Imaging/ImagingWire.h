@@ -24,6 +24,7 @@ inline constexpr std::int64_t kMostResultBytes = std::int64_t{512} << 20;
 inline constexpr std::int64_t kMostThumbnailBytes = std::int64_t{32} << 20;
 
 struct FactsRequest {};
+struct DetailsRequest {};
 struct ThumbnailRequest {
   std::int64_t maxPixel = 0;
   double quality = 0;
@@ -31,7 +32,8 @@ struct ThumbnailRequest {
 struct OrientationRequest {
   std::int64_t orientation = 0;
 };
-using Request = std::variant<FactsRequest, ThumbnailRequest, RenderRequest, OrientationRequest>;
+using Request =
+    std::variant<FactsRequest, DetailsRequest, ThumbnailRequest, RenderRequest, OrientationRequest>;
 
 struct Hello {
   bool lockedDown = false; // false: there will be no decoding, `detail` says why
@@ -43,6 +45,7 @@ struct Hello {
 struct Answer {
   std::optional<PictureError> error;
   PictureFacts facts;
+  PictureDetails details;
   std::int64_t longEdge = 0;
   double quality = 0;
   bool withinMaxBytes = true;

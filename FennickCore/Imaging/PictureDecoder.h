@@ -60,6 +60,8 @@ public:
 
   // Reads headers and metadata, no pixels.
   [[nodiscard]] virtual PictureResult<PictureFacts> facts(const std::filesystem::path &file) = 0;
+  // Reads what people want to know of how the picture was taken; no pixels.
+  [[nodiscard]] virtual PictureResult<PictureDetails> details(const std::filesystem::path &file) = 0;
   // A JPEG of at most `maxPixel` pixels on the longer side, upright, in sRGB, without metadata; the first
   // picture of several. `quality` from 0 to 1.
   [[nodiscard]] virtual PictureResult<std::string> thumbnail(const std::filesystem::path &file,

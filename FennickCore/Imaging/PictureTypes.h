@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -30,6 +31,21 @@ struct PictureFacts {
   bool hasMetadata = false; // any EXIF, TIFF, GPS, IPTC or XMP block
 
   bool operator==(const PictureFacts &) const = default;
+};
+
+// No text of PictureDetails is longer, in bytes.
+inline constexpr std::size_t kMostDetailText = 128;
+
+// What a picture says of how it was taken, for people. Each text is one line of UTF-8, empty where nothing
+// sensible is said.
+struct PictureDetails {
+  std::string camera{};   // "Apple iPhone 15 Pro"
+  std::string lens{};     // "iPhone 15 Pro back triple camera 6.765mm f/1.78"
+  std::string taken{};    // "2024-05-01 10:00:00", by the camera's clock
+  std::string offset{};   // that clock's distance from UTC: "+08:00"
+  std::string exposure{}; // "1/125 s · f/1.8 · ISO 100 · 26 mm"
+
+  bool operator==(const PictureDetails &) const = default;
 };
 
 } // namespace fennick

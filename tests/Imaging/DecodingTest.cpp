@@ -153,6 +153,22 @@ TEST_F(DecodingTest, TurningChangesTheOrientationAndNoPixel) {
   EXPECT_EQ(pool.withOrientation(save("t.gif", original), 6).error().fault, PictureFault::unsupported);
 }
 
+TEST_F(DecodingTest, HowAPictureWasTakenIsAskedOfTheLockedDownProcess) {
+  VImage picture = quarters(64, 32);
+  picture.set("exif-ifd0-Make", "Maker (Maker, ASCII, 6 components, 6 bytes)");
+  picture.set("exif-ifd0-Model", "Model 7 (Model 7, ASCII, 8 components, 8 bytes)");
+  picture.set("exif-ifd2-DateTimeOriginal",
+              "2024:05:01 10:00:00 (2024:05:01 10:00:00, ASCII, 20 components, 20 bytes)");
+  for (const char *name : {"d.jpg", "d.webp"}) {
+    const auto details = pool.details(save(name, picture));
+    ASSERT_TRUE(details) << name << details.error().detail;
+    EXPECT_EQ(details->camera, "Maker Model 7") << name;
+    EXPECT_EQ(details->taken, "2024-05-01 10:00:00") << name;
+  }
+  EXPECT_EQ(pool.details(save("d.png", quarters(8, 8))), PictureDetails());
+  EXPECT_EQ(pool.details(folder.write("d.mov", "no picture")).error().fault, PictureFault::notAPicture);
+}
+
 TEST_F(DecodingTest, TransparencyStaysWhereTheFormatHasItAndIsWhiteElsewhere) {
   const auto clear = quarters(100, 60).bandjoin(0.0).cast(VIPS_FORMAT_UCHAR);
   for (const char *name : {"a.png", "a.webp", "a.tif"}) {

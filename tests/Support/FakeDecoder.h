@@ -22,6 +22,7 @@ public:
   };
 
   void setFacts(PictureResult<PictureFacts> facts) { set(facts_, std::move(facts)); }
+  void setDetails(PictureResult<PictureDetails> details) { set(details_, std::move(details)); }
   void setThumbnail(PictureResult<std::string> bytes) { set(thumbnail_, std::move(bytes)); }
   void setRendering(PictureResult<Rendering> rendering) { set(rendering_, std::move(rendering)); }
   // What was asked for last.
@@ -58,6 +59,7 @@ public:
   }
 
   PictureResult<PictureFacts> facts(const std::filesystem::path &) override { return answer(facts_); }
+  PictureResult<PictureDetails> details(const std::filesystem::path &) override { return answer(details_); }
   PictureResult<std::string> thumbnail(const std::filesystem::path &, std::int64_t, double) override {
     return answer(thumbnail_);
   }
@@ -107,6 +109,7 @@ private:
   std::condition_variable changed_;
   PictureResult<PictureFacts> facts_ =
       PictureFacts{.type = PictureType::jpeg, .frames = 1, .width = 40, .height = 30, .orientation = {}};
+  PictureResult<PictureDetails> details_;
   PictureResult<std::string> thumbnail_ = smallJPEG("small");
   PictureResult<std::string> oriented_ = "turned ";
   PictureResult<Rendering> rendering_ = kFault(PictureFault::unencodable);

@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 
+#include "FennickCore/Imaging/Picture/ExifDetails.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
@@ -58,6 +59,15 @@ PictureHeader readHeader(Bytes file, PictureType type) {
   if (type == PictureType::png)
     header.frames = apngFrames(file);
   return header;
+}
+
+PictureResult<PictureDetails> readDetails(Bytes file) {
+  const auto type = sniffType(file);
+  if (!type)
+    return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
+  if (*type == PictureType::tiff || *type == PictureType::dng)
+    return exifDetails(textOf(file));
+  return exifDetails(readMetadata(file, *type).exif);
 }
 
 PictureResult<PictureFacts> readFacts(Bytes file) {

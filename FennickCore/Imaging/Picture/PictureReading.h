@@ -20,6 +20,7 @@ struct PictureHeader {
 [[nodiscard]] PictureHeader readHeader(Bytes file, PictureType type);
 
 [[nodiscard]] PictureResult<PictureFacts> readFacts(Bytes file);
+[[nodiscard]] PictureResult<PictureDetails> readDetails(Bytes file);
 
 // See PictureDecoder for both.
 [[nodiscard]] PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, double quality);

@@ -69,6 +69,10 @@ Outcome carriedOut(const wire::Request &request, Bytes file) {
         if constexpr (std::is_same_v<Task, wire::FactsRequest>)
           return outcomeOf(readFacts(file),
                            [](const PictureFacts &facts, Outcome &o) { o.answer.facts = facts; });
+        else if constexpr (std::is_same_v<Task, wire::DetailsRequest>)
+          return outcomeOf(readDetails(file), [](PictureDetails &details, Outcome &o) {
+            o.answer.details = std::move(details);
+          });
         else if constexpr (std::is_same_v<Task, wire::ThumbnailRequest>)
           return outcomeOf(makeThumbnail(file, task.maxPixel, task.quality), takeBytes);
         else if constexpr (std::is_same_v<Task, wire::OrientationRequest>)
