@@ -150,7 +150,9 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
        .network = network});
   quarrow::Shell shell(controller, loginItem);
   quarrow::PhotoWall wall(controller);
-  quarrow::QuickLook look(controller);
+  quarrow::QuickLook look(
+      controller,
+      {.files = files, .decoder = decoder, .mainQueue = mainQueue, .cacheDirectory = state.cache});
   quarrow::PhotoActions actions(controller);
   quarrow::SettingsForm form(controller, {.mainQueue = mainQueue,
                                           .files = files,

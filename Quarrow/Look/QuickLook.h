@@ -1,21 +1,117 @@
 #pragma once
 
 #include "Quarrow/App/AppController.h"
+#include "Quarrow/Look/LookPictures.h"
 
+#include <QImage>
 #include <QObject>
+#include <QSize>
+#include <QString>
+#include <QUrl>
+#include <QVariantList>
+
+#include <cstdint>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <optional>
 
 namespace quarrow {
 
-// One photo of the wall in full, and what is known of it. Main thread.
+// One photo of the wall in full, and what is known of it. The picture comes first at the size of a screen,
+// and sharper when it is shown larger than that; the ones before and behind it are made ready. Main thread.
 class QuickLook : public QObject {
   Q_OBJECT
+  // Nothing is read while it is not open, and all pictures are let go.
+  Q_PROPERTY(bool open READ isOpen WRITE setOpen NOTIFY openChanged)
+  Q_PROPERTY(QUrl file READ file WRITE setFile NOTIFY fileChanged)
+  Q_PROPERTY(Kind kind READ kind NOTIFY kindChanged)
+  Q_PROPERTY(QImage picture READ picture NOTIFY pictureChanged) // upright; null while there is none
+  Q_PROPERTY(QSize pixels READ pixels NOTIFY factsChanged)      // of the photo, upright; empty: not known
+  // How long the picture's longer side is shown, in pixels of the screen.
+  Q_PROPERTY(int shownPixels READ shownPixels WRITE setShownPixels NOTIFY shownPixelsChanged)
+  Q_PROPERTY(QString name READ name NOTIFY factsChanged)
+  Q_PROPERTY(QString line READ line NOTIFY factsChanged) // "4032 × 3024 · 2.4 MB · 2024年5月1日 10:00"
+  // What is known, for people: each with `label` and `text`.
+  Q_PROPERTY(QVariantList details READ details NOTIFY factsChanged)
+  Q_PROPERTY(bool hasOriginal READ hasOriginal NOTIFY factsChanged) // the photo as it was before processing
+  Q_PROPERTY(bool showsOriginal READ showsOriginal WRITE setShowsOriginal NOTIFY fileChanged)
 
 public:
+  // Oversized: beyond what is ever decoded.
+  enum Kind { Nothing, Loading, Picture, Video, Oversized, Damaged };
+  Q_ENUM(Kind)
+
   // `controller` outlives the object.
-  explicit QuickLook(AppController &controller);
+  QuickLook(AppController &controller, const LookPictures::Services &services);
+
+  [[nodiscard]] bool isOpen() const { return open_; }
+  void setOpen(bool open);
+  [[nodiscard]] const QUrl &file() const { return file_; }
+  void setFile(const QUrl &file);
+  [[nodiscard]] Kind kind() const { return kind_; }
+  [[nodiscard]] const QImage &picture() const;
+  [[nodiscard]] QSize pixels() const { return pixels_; }
+  [[nodiscard]] int shownPixels() const { return shownPixels_; }
+  void setShownPixels(int pixels);
+  [[nodiscard]] QString name() const;
+  [[nodiscard]] QString line() const;
+  [[nodiscard]] QVariantList details() const;
+  [[nodiscard]] bool hasOriginal() const { return original_.has_value(); }
+  [[nodiscard]] bool showsOriginal() const { return showsOriginal_; }
+  void setShowsOriginal(bool shows);
+
+signals:
+  void openChanged();
+  void fileChanged();
+  void kindChanged();
+  void pictureChanged();
+  void shownPixelsChanged();
+  void factsChanged();
 
 private:
-  [[maybe_unused]] AppController &controller_;
+  using Items = fennick::PhotoLibrary::Items;
+  struct Ready {
+    fennick::PhotoItem item; // as it was when the picture was made
+    QImage picture;
+  };
+
+  [[nodiscard]] std::filesystem::path path() const;
+  [[nodiscard]] const fennick::PhotoItem *listed(const std::filesystem::path &file) const;
+  void load();
+  void forget();
+  void showItem(const fennick::PhotoItem &item);
+  void follow();
+  void askForPicture();
+  void prepareNeighbours();
+  void sharpenSoon();
+  void sharpen();
+  void take(const QImage &screen);
+  void takeFacts(const LookFacts &facts);
+  void keep(const fennick::PhotoItem &item, const QImage &picture);
+  [[nodiscard]] const QImage *ready(const fennick::PhotoItem &item) const;
+  void setKind(Kind kind);
+  [[nodiscard]] bool isSharpEnough() const;
+
+  AppController &controller_;
+  fennick::MainQueue &mainQueue_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  bool open_ = false;
+  QUrl file_;                                     // of the wall
+  bool showsOriginal_ = false;                    // in its place
+  std::optional<std::filesystem::path> original_; // of the file, where it is known
+  std::optional<fennick::PhotoItem> item_;        // of the file, as it was loaded
+  Kind kind_ = Nothing;
+  QSize pixels_;
+  int shownPixels_ = 0;
+  QImage screen_;
+  QImage full_;
+  bool asksForFull_ = false;
+  std::uint64_t lastSharpening_ = 0; // the pending one
+  std::optional<LookFacts> facts_;   // of the file, or of its original while that is shown
+  std::list<Ready> ready_;           // the latest first
+  fennick::Subscription items_;
+  LookPictures pictures_; // last: it calls in
 };
 
 } // namespace quarrow

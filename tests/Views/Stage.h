@@ -73,7 +73,11 @@ private:
   LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
   Shell shell_{controller_, loginItem_};
   PhotoWall wall_{controller_};
-  QuickLook look_{controller_};
+  QuickLook look_{controller_,
+                  {.files = files_,
+                   .decoder = decoder_,
+                   .mainQueue = queue_,
+                   .cacheDirectory = disk_ / "cache"}};
   PhotoActions actions_{controller_};
   SettingsForm form_{controller_,
                      {.mainQueue = queue_,

@@ -1,0 +1,99 @@
+#include "Quarrow/Look/LookPictures.h"
+
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Storage/PhotoItem.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace quarrow {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kAtOnce = 1;            // there is one thread that asks
+constexpr double kFullQuality = 0.92; // close enough to look at single pixels
+
+QImage decoded(const std::string &jpeg) {
+  return QImage::fromData(reinterpret_cast<const uchar *>(jpeg.data()), static_cast<int>(jpeg.size()),
+                          "JPEG");
+}
+
+} // namespace
+
+LookPictures::LookPictures(const Services &services)
+    : decoder_(services.decoder), mainQueue_(services.mainQueue),
+      thumbnails_(services.files, services.cacheDirectory / "thumbs" / "l", kScreenPixels, kAtOnce,
+                  services.decoder) {}
+
+LookPictures::~LookPictures() { forget(); }
+
+std::int64_t LookPictures::fullEdge(std::int64_t width, std::int64_t height) {
+  const std::int64_t longer = std::max(width, height);
+  const double pixels = static_cast<double>(width) * static_cast<double>(height);
+  const double share = std::min(1.0, std::sqrt(static_cast<double>(kMostPixels) / std::max(pixels, 1.0)));
+  return std::min(kMostSide, static_cast<std::int64_t>(static_cast<double>(longer) * share));
+}
+
+// What is no longer wanted is neither found nor taken.
+template <typename Answer>
+void LookPictures::ask(std::unique_ptr<fennick::SerialQueue> &queue, std::function<Answer()> find,
+                       std::function<void(const Answer &)> take) {
+  if (!queue)
+    queue = std::make_unique<fennick::SerialQueue>(&queue == &fullQueue_ ? "fennick.look.1" : "fennick.look");
+  queue->post([this, round = round_.load(), find = std::move(find), take = std::move(take)] {
+    if (round != round_)
+      return;
+    mainQueue_.post([this, alive = std::weak_ptr(alive_), round, answer = find(), take] {
+      if (alive.lock() && round == round_)
+        take(answer);
+    });
+  });
+}
+
+void LookPictures::askForScreen(const fs::path &file, TakePicture take) {
+  ask<QImage>(screenQueue_, [this, file] { return screenPicture(file); }, std::move(take));
+}
+
+void LookPictures::askForFull(const fs::path &file, std::int64_t longEdge, TakePicture take) {
+  ask<QImage>(fullQueue_, [this, file, longEdge] { return fullPicture(file, longEdge); }, std::move(take));
+}
+
+void LookPictures::askForFacts(const fs::path &file, TakeFacts take) {
+  ask<LookFacts>(screenQueue_, [this, file] { return factsOf(file); }, std::move(take));
+}
+
+QImage LookPictures::screenPicture(const fs::path &file) {
+  const auto jpeg = thumbnails_.thumbnail(file);
+  return jpeg ? decoded(*jpeg) : QImage();
+}
+
+QImage LookPictures::fullPicture(const fs::path &file, std::int64_t longEdge) {
+  const auto jpeg = decoder_.thumbnail(file, longEdge, kFullQuality);
+  return jpeg ? decoded(*jpeg) : QImage();
+}
+
+LookFacts LookPictures::factsOf(const fs::path &file) {
+  LookFacts facts;
+  if (const auto status = fennick::fileStatus(file)) {
+    facts.bytes = status->bytes;
+    facts.date = status->created();
+  }
+  facts.origin = fennick::readOrigin(file);
+  if (facts.origin)
+    facts.original = fennick::keptOriginal(file, *facts.origin);
+  if (fennick::isVideoName(file.filename().native()))
+    return facts;
+  if (auto picture = decoder_.facts(file))
+    facts.picture = *picture;
+  if (auto details = decoder_.details(file))
+    facts.details = std::move(*details);
+  return facts;
+}
+
+} // namespace quarrow

@@ -1,0 +1,8 @@
+#include <QGuiApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  const QGuiApplication application(argc, argv);
+  return RUN_ALL_TESTS();
+}
