@@ -1,9 +1,12 @@
 #include "Quarrow/Desktop/HotKeyPortal.h"
 
 #include "Quarrow/Desktop/DBusCall.h"
+#include "Quarrow/Desktop/WindowedApplication.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QDBusServiceWatcher>
+#include <QGuiApplication>
 #include <QList>
 #include <QMetaType>
 #include <QPointer>
@@ -62,13 +65,20 @@ QString triggerOf(const HotKeyPreset &preset) {
 
 } // namespace
 
+void introduceToPortal(const QDBusConnection &bus) {
+  auto call = QDBusMessage::createMethodCall(
+      kService, kPath, QStringLiteral("org.freedesktop.host.portal.Registry"), QStringLiteral("Register"));
+  call << QGuiApplication::desktopFileName() << QVariantMap();
+  bus.send(call); // without waiting for an answer
+}
+
 PortalSession::PortalSession(QDBusConnection bus, const HotKeyPreset &preset)
     : bus_(std::move(bus)), preset_(preset) {
   qRegisterMetaType<QDBusObjectPath>(); // Qt connects no slot whose types it has not met
   qDBusRegisterMetaType<PortalShortcut>();
   qDBusRegisterMetaType<QList<PortalShortcut>>();
   bus_.connect(kService, kPath, kShortcuts, QStringLiteral("Activated"), this,
-               SLOT(activated(QDBusObjectPath, QString)));
+               SLOT(activated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
   ask(QStringLiteral("CreateSession"), {}, {{QStringLiteral("session_handle_token"), nextToken()}},
       SLOT(created(uint, QVariantMap)));
 }
@@ -124,9 +134,30 @@ void PortalSession::bound(uint response, const QVariantMap &results) {
     emit refused();
 }
 
-void PortalSession::activated(const QDBusObjectPath &session, const QString &shortcut) {
-  if (!session_.isEmpty() && session.path() == session_ && shortcut == shortcutID())
-    emit pressed();
+void PortalSession::activated(const QDBusObjectPath &session, const QString &shortcut, qulonglong,
+                              const QVariantMap &options) {
+  if (session_.isEmpty() || session.path() != session_ || shortcut != shortcutID())
+    return;
+  adoptActivationToken(options.value(QStringLiteral("activation_token")).toString());
+  emit pressed();
+}
+
+HotKeyPortal::HotKeyPortal(QDBusConnection bus) : bus_(std::move(bus)) {
+  const auto *portal = new QDBusServiceWatcher(
+      kService, bus_, QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration,
+      this);
+  connect(portal, &QDBusServiceWatcher::serviceUnregistered, this,
+          [this] { portalWasLost_ = session_ != nullptr; });
+  connect(portal, &QDBusServiceWatcher::serviceRegistered, this, &HotKeyPortal::portalIsBack);
+}
+
+void HotKeyPortal::portalIsBack() {
+  if (!std::exchange(portalWasLost_, false) || !session_)
+    return;
+  introduceToPortal(bus_);
+  session_.reset();
+  asked_.reset();
+  settle();
 }
 
 bool HotKeyPortal::take(const HotKeyPreset &preset) {

@@ -54,6 +54,11 @@ bool WindowedApplication::event(QEvent *event) {
   return handled;
 }
 
+void adoptActivationToken(const QString &token) {
+  if (!token.isEmpty())
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}
+
 void chooseRenderer() {
   if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || qEnvironmentVariableIsSet("QSG_RHI_BACKEND"))
     return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QString>
 #include <QTranslator>
 
 #include <memory>
@@ -25,6 +26,10 @@ protected:
 private:
   std::unique_ptr<QTranslator> catalogue_;
 };
+
+// A launcher's or a shortcut's word, if not empty, that the person wants the next window that is shown; the
+// desktop gives it the keyboard then.
+void adoptActivationToken(const QString &token);
 
 // Draws the windows without OpenGL where there is none, or only one that is software itself and slower.
 // Before the first window is made; what the environment says about it (QT_QUICK_BACKEND) comes first.

@@ -17,6 +17,7 @@
 #include "Quarrow/App/SystemNetwork.h"
 #include "Quarrow/Desktop/AppDesktop.h"
 #include "Quarrow/Desktop/ColourScheme.h"
+#include "Quarrow/Desktop/HotKeyPortal.h"
 #include "Quarrow/Desktop/LaunchOptions.h"
 #include "Quarrow/Desktop/LoginItem.h"
 #include "Quarrow/Desktop/Shell.h"
@@ -78,12 +79,6 @@ private:
   std::unique_ptr<QQmlEngine> engine_;
 };
 
-// The launcher's word that the person wants a window; the desktop takes it back from us once it is used.
-void adoptActivationToken(const std::string &token) {
-  if (!token.empty())
-    qputenv("XDG_ACTIVATION_TOKEN", QByteArray::fromStdString(token));
-}
-
 std::string activationToken() {
   const char *token = std::getenv("XDG_ACTIVATION_TOKEN");
   return token != nullptr ? token : "";
@@ -91,7 +86,7 @@ std::string activationToken() {
 
 void handleLaunch(quarrow::AppController &controller, const std::vector<std::string> &arguments) {
   const auto asked = quarrow::HandOver::parse(arguments);
-  adoptActivationToken(asked.activationToken);
+  quarrow::adoptActivationToken(QString::fromStdString(asked.activationToken));
   if (!asked.loginItem || !asked.windows.empty())
     controller.handleArguments(asked.windows);
 }
@@ -128,6 +123,7 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   fennick::SystemTrash trash;
   quarrow::SystemNetwork network(mainQueue);
   const QDBusConnection bus = QDBusConnection::sessionBus();
+  quarrow::introduceToPortal(bus);
   const quarrow::ColourScheme scheme(bus);
   quarrow::LoginItem loginItem(quarrow::autostartFolder(),
                                QCoreApplication::applicationFilePath().toStdString());

@@ -4,8 +4,10 @@
 #include "tests/Desktop/FakeService.h"
 
 #include <QDBusArgument>
+#include <QGuiApplication>
 #include <gmock/gmock.h>
 
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -30,10 +32,9 @@ public:
   std::set<QString> sessions; // that are open
 
   [[nodiscard]] QString session() const { return kDesktop + QStringLiteral("/session/") + token_; }
-  void activate(const QString &path, const QString &shortcut) {
-    service_.tell(
-        kDesktop, kShortcuts, QStringLiteral("Activated"),
-        {QVariant::fromValue(QDBusObjectPath(path)), shortcut, QVariant::fromValue(1ULL), QVariantMap{}});
+  void activate(const QString &path, const QString &shortcut, const QVariantMap &options = {}) {
+    service_.tell(kDesktop, kShortcuts, QStringLiteral("Activated"),
+                  {QVariant::fromValue(QDBusObjectPath(path)), shortcut, QVariant::fromValue(1ULL), options});
   }
   void endSession() {
     service_.tell(session(), QStringLiteral("org.freedesktop.portal.Session"), QStringLiteral("Closed"), {});
@@ -49,6 +50,10 @@ private:
       return call.createReply();
     }
     asked.push_back(method.toStdString());
+    if (method == QStringLiteral("Register")) {
+      asked.back() += " " + arguments.first().toString().toStdString();
+      return call.createReply();
+    }
     if (!knowsShortcuts)
       return call.createErrorReply(QDBusError::UnknownInterface, QStringLiteral("no"));
     const auto options = qdbus_cast<QVariantMap>(arguments.last());
@@ -133,6 +138,24 @@ TEST_F(HotKeyPortalTest, AGrantedShortcutIsHeardAndSettingsThatChangeAskNobodyAg
   backend.release();
   test::runUntil([&] { return portal.sessions.empty(); });
   EXPECT_EQ(pressed, 2);
+  EXPECT_EQ(refused, 0);
+}
+
+TEST_F(HotKeyPortalTest, APortalThatComesBackIsAskedAnewByTheNameOfTheProgram) {
+  QGuiApplication::setDesktopFileName(QStringLiteral("tevrin"));
+  std::optional<FakePortal> portal(std::in_place);
+  ASSERT_TRUE(take(0));
+  awaitCalls(*portal, 2);
+  portal.reset();
+  portal.emplace();
+  awaitCalls(*portal, 3);
+  EXPECT_THAT(portal->take(),
+              ElementsAre("Register tevrin", "CreateSession", "BindShortcuts fnck-0 CTRL+ALT+LOGO+p"));
+  portal->activate(portal->session(), QStringLiteral("fnck-0"),
+                   {{QStringLiteral("activation_token"), QStringLiteral("granted")}});
+  test::runUntil([&] { return pressed == 1; });
+  EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "granted");
+  qunsetenv("XDG_ACTIVATION_TOKEN");
   EXPECT_EQ(refused, 0);
 }
 
