@@ -71,6 +71,10 @@ Subscription PhotoLibrary::observeFolder(std::function<void(const std::optional<
   return folderObservers_.add(std::move(observer));
 }
 
+Subscription PhotoLibrary::observeListed(std::function<void(const bool &)> observer) {
+  return listedObservers_.add(std::move(observer));
+}
+
 Subscription PhotoLibrary::observeRecentlyAdded(std::function<void(const Paths &)> observer) {
   return recentlyAddedObservers_.add(std::move(observer));
 }
@@ -94,7 +98,9 @@ void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
         *folder_, [this] { mainQueue_.post(whileAlive([this] { rescanSoon(); })); });
   scan();
   if (isNew) {
+    listed_ = false;
     publish({});
+    listedObservers_.publish(listed_);
     folderObservers_.publish(folder_);
   }
 }
@@ -120,8 +126,12 @@ void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<Items> ite
   const bool isCurrent = generation == generation_;
   if (scanAgain_ || !isCurrent)
     scan();
-  if (isCurrent && items)
-    publish(std::move(*items));
+  if (!isCurrent || !items)
+    return;
+  const bool wasListed = std::exchange(listed_, true);
+  publish(std::move(*items));
+  if (!wasListed)
+    listedObservers_.publish(listed_);
 }
 
 // Each change puts the scan off a little, so that a burst of them costs one.

@@ -40,6 +40,8 @@ public:
 
   [[nodiscard]] const Items &items() const { return items_; }
   [[nodiscard]] const std::optional<std::filesystem::path> &folder() const { return folder_; }
+  // Whether the folder has been looked through since it was set: before, an empty list says nothing.
+  [[nodiscard]] bool isListed() const { return listed_; }
   // Files that arrived within the last 1.5 seconds, for a short highlight.
   [[nodiscard]] const Paths &recentlyAdded() const { return recentlyAdded_; }
 
@@ -47,6 +49,8 @@ public:
   [[nodiscard]] Subscription observeItems(std::function<void(const Items &)> observer);
   [[nodiscard]] Subscription
   observeFolder(std::function<void(const std::optional<std::filesystem::path> &)> observer);
+  // Called after the list itself has been published.
+  [[nodiscard]] Subscription observeListed(std::function<void(const bool &)> observer);
   [[nodiscard]] Subscription observeRecentlyAdded(std::function<void(const Paths &)> observer);
 
   // Points the library at a folder, or at none: the list is empty until the folder has been looked through.
@@ -90,8 +94,10 @@ private:
   std::map<std::filesystem::path, std::uint64_t> highlights_; // the latest one of each file
   ObserverList<Items> itemsObservers_;
   ObserverList<std::optional<std::filesystem::path>> folderObservers_;
+  ObserverList<bool> listedObservers_;
   ObserverList<Paths> recentlyAddedObservers_;
 
+  bool listed_ = false;
   bool scanning_ = false;
   bool scanAgain_ = false;
   std::uint64_t lastHighlight_ = 0;

@@ -340,6 +340,11 @@ void AppController::checkSaveFolder() {
     recountSoon();
 }
 
+bool AppController::hasLibraryFolder() const {
+  const auto &folder = library_.folder();
+  return folder && isDirectory(*folder) && !isUnplugged(*folder, drive_);
+}
+
 fs::path AppController::saveFolder() const { return server_.saveFolder().value_or(options_.defaultFolder); }
 
 fennick::SaveDestination AppController::makeDestination() const {

@@ -106,6 +106,8 @@ public:
   // The first-start windows were gone through; the next start opens the main window.
   void finishOnboarding();
 
+  // False while the folder that the library shows is not there, or the drive that it lies on is unplugged.
+  [[nodiscard]] bool hasLibraryFolder() const;
   // Where and under which names received files land.
   [[nodiscard]] fennick::SaveDestination makeDestination() const;
   // The folder that the gallery shows, or would show.

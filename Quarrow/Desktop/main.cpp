@@ -145,7 +145,12 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
        .desktop = desktop,
        .network = network});
   quarrow::Shell shell(controller, loginItem);
-  quarrow::PhotoWall wall(controller);
+  quarrow::PhotoWall wall(controller, {.preferences = preferences,
+                                       .mainQueue = mainQueue,
+                                       .files = files,
+                                       .clock = clock,
+                                       .decoder = decoder,
+                                       .cacheDirectory = state.cache});
   quarrow::QuickLook look(
       controller,
       {.files = files, .decoder = decoder, .mainQueue = mainQueue, .cacheDirectory = state.cache});

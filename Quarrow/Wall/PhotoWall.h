@@ -1,22 +1,168 @@
 #pragma once
 
 #include "Quarrow/App/AppController.h"
+#include "Quarrow/Wall/PhotoListModel.h"
+#include "Quarrow/Wall/TypeAhead.h"
+#include "Quarrow/Wall/WallSelection.h"
+#include "Quarrow/Wall/WallThumbnails.h"
 
+#include <QList>
 #include <QObject>
+#include <QRectF>
+#include <QSizeF>
+#include <QString>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <filesystem>
+#include <memory>
+#include <vector>
 
 namespace quarrow {
 
-// The photo wall as its window shows it: what is on it, in which order, and what of it is selected. Main
-// thread.
+// The photo wall as its window shows it: what is on it, in which order, and what of it is selected. Places
+// are counted from 0 in the order of `model`; lengths are in the units of the views. Main thread.
 class PhotoWall : public QObject {
   Q_OBJECT
+  Q_PROPERTY(quarrow::PhotoListModel *model READ model CONSTANT)
+  Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY filterChanged)
+  Q_PROPERTY(State state READ state NOTIFY stateChanged)
+  Q_PROPERTY(int count READ count NOTIFY countsChanged) // of what is shown
+  Q_PROPERTY(int total READ total NOTIFY countsChanged) // of what the folder holds, up to the limit
+  Q_PROPERTY(QString countText READ countText NOTIFY countsChanged) // "128 张照片 · 3 段视频"
+  Q_PROPERTY(QString limitText READ limitText NOTIFY countsChanged) // empty: everything is shown
+  Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
+  Q_PROPERTY(QString selectionText READ selectionText NOTIFY selectionChanged) // "已选 3 项 · 12.4 MB"
+  Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)         // that has the keyboard, or -1
+  Q_PROPERTY(QUrl currentFile READ currentFile NOTIFY currentChanged)
+  Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
+  // The wanted side of a tile; kept across runs.
+  Q_PROPERTY(int tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
+  Q_PROPERTY(
+      QString importText READ importText NOTIFY importChanged) // empty: nothing is brought in right now
+  Q_PROPERTY(int smallestTile READ smallestTile CONSTANT)
+  Q_PROPERTY(int largestTile READ largestTile CONSTANT)
 
 public:
-  // `controller` outlives the object.
-  explicit PhotoWall(AppController &controller);
+  enum Filter { All, Photos, Videos };
+  Q_ENUM(Filter)
+  // Loading: the folder is looked through for the first time. Missing: it is not there. NoMatch: there is
+  // something, but nothing of what the filter lets through.
+  enum State { Loading, Empty, Missing, NoMatch, Filled };
+  Q_ENUM(State)
+
+  static constexpr int kSmallestTile = 96;
+  static constexpr int kLargestTile = 320;
+  static constexpr int kUsualTile = 168;
+  // What marks a drag as one of the wall's own.
+  static constexpr const char *kOwnDrag = "application/x-tevrin-photos";
+
+  // All outlive the object.
+  struct Services {
+    fennick::Preferences &preferences;
+    fennick::MainQueue &mainQueue;
+    fennick::FileSystem &files;
+    const fennick::Clock &clock;
+    fennick::PictureDecoder &decoder;
+    std::filesystem::path cacheDirectory; // the controller's
+  };
+  PhotoWall(AppController &controller, const Services &services);
+  ~PhotoWall() override;
+  PhotoWall(const PhotoWall &) = delete;
+  PhotoWall &operator=(const PhotoWall &) = delete;
+
+  [[nodiscard]] PhotoListModel *model() { return &model_; }
+  [[nodiscard]] WallThumbnails &thumbnails() { return thumbnails_; }
+  [[nodiscard]] Filter filter() const { return filter_; }
+  void setFilter(Filter filter);
+  [[nodiscard]] State state() const { return state_; }
+  [[nodiscard]] int count() const { return model_.rowCount(); }
+  [[nodiscard]] int total() const { return static_cast<int>(known_.size()); }
+  [[nodiscard]] QString countText() const;
+  [[nodiscard]] QString limitText() const;
+  [[nodiscard]] int selectedCount() const;
+  [[nodiscard]] QString selectionText() const;
+  [[nodiscard]] int currentIndex() const { return selection_.current(); }
+  [[nodiscard]] QUrl currentFile() const;
+  [[nodiscard]] QString currentName() const { return nameOf(currentIndex()); }
+  [[nodiscard]] int tileSize() const { return tileSize_; }
+  void setTileSize(int size);
+  [[nodiscard]] static int smallestTile() { return kSmallestTile; }
+  [[nodiscard]] static int largestTile() { return kLargestTile; }
+
+  // A click on a photo; `modifiers` are Qt::KeyboardModifiers.
+  Q_INVOKABLE void click(int place, int modifiers);
+  // Before a menu or a drag: the photo is selected, alone unless it is among the selected ones.
+  Q_INVOKABLE void grab(int place);
+  [[nodiscard]] Q_INVOKABLE bool isSelected(int place) const { return selection_.isSelected(place); }
+  // The photo that many places further, alone; stops at the ends.
+  Q_INVOKABLE void moveCurrent(int delta);
+  Q_INVOKABLE void selectAll();
+  Q_INVOKABLE void selectNone();
+  // What a key does in a wall of so many columns, of which so many rows are seen; `text` is what it types.
+  // False for keys that are not about the selection.
+  Q_INVOKABLE bool press(int key, int modifiers, const QString &text, int columns, int rows);
+
+  // A rubber band over the photos, in tiles of the size `cell` of which `gap` is empty, laid out in rows of
+  // `columns` from the origin.
+  Q_INVOKABLE void beginBand(int modifiers);
+  Q_INVOKABLE void stretchBand(const QRectF &band, const QSizeF &cell, int columns, double gap);
+
+  // What another program is given of the selected photos, and this wall as well.
+  [[nodiscard]] Q_INVOKABLE QVariantMap dragData() const;
+  // The thumbnails of the first selected photos, at most `most`, for a picture of them.
+  [[nodiscard]] Q_INVOKABLE QStringList dragThumbnails(int most) const;
+  // Looks through the folder again.
+  Q_INVOKABLE void lookAgain();
+  // Brings photos of other places in; what does not come in is said in the server's error.
+  Q_INVOKABLE void importFiles(const QList<QUrl> &files);
+  // The same for files or a picture on the clipboard; false when it holds neither.
+  Q_INVOKABLE bool paste();
+  Q_INVOKABLE void stopImport();
+  [[nodiscard]] QString importText() const;
+
+  // Puts the selected photos before the one at `place` (or behind all), in their order.
+  Q_INVOKABLE void moveSelectionTo(int place);
+
+signals:
+  void filterChanged();
+  void stateChanged();
+  void countsChanged();
+  void selectionChanged();
+  void currentChanged();
+  void tileSizeChanged();
+  void importChanged();
 
 private:
-  [[maybe_unused]] AppController &controller_;
+  using Items = PhotoListModel::Items;
+
+  void follow(const Items &items);
+  void show();
+  void updateState();
+  [[nodiscard]] State stateNow() const;
+  [[nodiscard]] bool passes(const fennick::PhotoItem &item) const;
+  [[nodiscard]] QString nameOf(int place) const;
+  [[nodiscard]] bool step(int key, int modifiers, int columns, int rows);
+  // Runs `change` and announces what it did to the photo that has the keyboard.
+  template <typename Change>
+  void changing(Change change);
+  void storeTileSize();
+
+  AppController &controller_;
+  fennick::Preferences &preferences_;
+  fennick::MainQueue &mainQueue_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  Items known_; // of the library
+  PhotoListModel model_;
+  WallSelection selection_;
+  TypeAhead typeAhead_;
+  WallThumbnails thumbnails_;
+  Filter filter_ = All;
+  State state_ = Empty;
+  int tileSize_ = kUsualTile;
+  bool storesTileSize_ = false; // soon
+  std::vector<fennick::Subscription> subscriptions_;
 };
 
 } // namespace quarrow

@@ -15,7 +15,7 @@ inline std::string smallJPEG(const std::string &content) { return "\xFF\xD8" + c
 
 // A decoder that answers what it is told, the same for every file, and counts how often it is asked. Any
 // thread.
-class FakeDecoder final : public PictureDecoder {
+class FakeDecoder : public PictureDecoder {
 public:
   static constexpr auto kFault = [](PictureFault fault) {
     return std::unexpected(PictureError{.fault = fault, .detail = {}});

@@ -72,7 +72,13 @@ private:
   AppController controller_;
   LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
   Shell shell_{controller_, loginItem_};
-  PhotoWall wall_{controller_};
+  PhotoWall wall_{controller_,
+                  {.preferences = preferences_,
+                   .mainQueue = queue_,
+                   .files = files_,
+                   .clock = queue_.clock(),
+                   .decoder = decoder_,
+                   .cacheDirectory = disk_ / "cache"}};
   QuickLook look_{controller_,
                   {.files = files_,
                    .decoder = decoder_,

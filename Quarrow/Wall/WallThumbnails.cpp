@@ -1,0 +1,102 @@
+#include "Quarrow/Wall/WallThumbnails.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace quarrow {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// As the gallery has them, whose files these are too.
+constexpr std::int64_t kSmallPixels = 400;
+constexpr std::int64_t kLargePixels = 1600;
+constexpr int kSmallAtOnce = 2;
+constexpr int kLargeAtOnce = 1;
+// How far a thumbnail may be enlarged before it looks soft.
+constexpr double kMostEnlarged = 1.3;
+// The radius of a tile's corners, as a part of its side.
+constexpr double kRounding = 1.0 / 24;
+constexpr auto kEncoding = QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals;
+
+QByteArray bytesOf(const std::string &text) {
+  return QByteArray::fromRawData(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QSize sizeOf(const std::string &jpeg) {
+  QByteArray bytes = bytesOf(jpeg);
+  QBuffer buffer(&bytes);
+  return QImageReader(&buffer, "jpeg").size();
+}
+
+bool isSoft(const QSize &size, int side) {
+  return side > kMostEnlarged * std::min(size.width(), size.height());
+}
+
+// The decoder of the format shrinks while it decodes, so that large ones cost little.
+QImage middleOf(const std::string &jpeg, int side) {
+  QByteArray bytes = bytesOf(jpeg);
+  QBuffer buffer(&bytes);
+  QImageReader reader(&buffer, "jpeg");
+  const QSize scaled = reader.size().scaled(side, side, Qt::KeepAspectRatioByExpanding);
+  reader.setScaledSize(scaled);
+  reader.setScaledClipRect(QRect((scaled.width() - side) / 2, (scaled.height() - side) / 2, side, side));
+  return reader.read();
+}
+
+QImage withRoundCorners(const QImage &image) {
+  QImage round(image.size(), QImage::Format_ARGB32_Premultiplied);
+  round.fill(Qt::transparent);
+  QPainter painter(&round);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(image);
+  const double radius = image.width() * kRounding;
+  painter.drawRoundedRect(QRectF(QPointF(0, 0), QSizeF(image.size())), radius, radius);
+  return round;
+}
+
+} // namespace
+
+WallThumbnails::WallThumbnails(fennick::FileSystem &files, const fs::path &cacheDirectory,
+                               fennick::PictureDecoder &decoder)
+    : small_(files, cacheDirectory / "thumbs" / "s", kSmallPixels, kSmallAtOnce, decoder),
+      large_(files, cacheDirectory / "thumbs" / "l", kLargePixels, kLargeAtOnce, decoder) {}
+
+QString WallThumbnails::address(const fennick::PhotoItem &item) {
+  if (item.isVideo || item.isOversized || !item.pixelWidth)
+    return {};
+  const auto path = bytesOf(item.url.native()).toBase64(kEncoding);
+  return QStringLiteral("image://%1/%2-%3-%4x%5/%6")
+      .arg(kProvider)
+      .arg(item.date.time_since_epoch().count())
+      .arg(item.bytes)
+      .arg(*item.pixelWidth)
+      .arg(item.pixelHeight.value_or(0))
+      .arg(QString::fromLatin1(path));
+}
+
+QImage WallThumbnails::tile(const QString &id, int side) {
+  const auto path = QByteArray::fromBase64(id.section('/', -1).toLatin1(), kEncoding);
+  const auto thumbnail = thumbnailFor(fs::path(path.toStdString()), side);
+  if (!thumbnail || side <= 0)
+    return {};
+  const QImage middle = middleOf(*thumbnail, side);
+  return middle.isNull() ? QImage() : withRoundCorners(middle);
+}
+
+// Of a very wide or tall picture the small one is but a strip.
+fennick::ThumbnailService::Data WallThumbnails::thumbnailFor(const fs::path &file, int side) {
+  auto thumbnail = small_.thumbnail(file);
+  if (!thumbnail || !isSoft(sizeOf(*thumbnail), side))
+    return thumbnail;
+  auto larger = large_.thumbnail(file);
+  return larger ? larger : thumbnail;
+}
+
+} // namespace quarrow

@@ -1,0 +1,268 @@
+#include "Quarrow/Wall/PhotoWall.h"
+#include "tests/App/HandNetwork.h"
+#include "tests/App/RecordingDesktop.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/ManualQueue.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <QAbstractItemModelTester>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <optional>
+
+namespace quarrow::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class NoTrash final : public fennick::Trash {
+  fennick::IOResult<fennick::Trashed> moveToTrash(const fs::path &) override { return fennick::Trashed{}; }
+};
+
+// A wall over a real folder; the main thread's time is in the test's hands.
+class PhotoWallTest : public ::testing::Test {
+protected:
+  PhotoWallTest() { open(); }
+
+  void open() {
+    wall.emplace(controller, PhotoWall::Services{.preferences = preferences,
+                                                 .mainQueue = queue,
+                                                 .files = files,
+                                                 .clock = queue.clock(),
+                                                 .decoder = decoder,
+                                                 .cacheDirectory = disk / "cache"});
+  }
+  // Files of the save folder, the first one the newest.
+  void fill(const std::vector<std::string> &names) {
+    for (std::size_t age = 0; age < names.size(); ++age) {
+      const auto file = disk.write("photos/" + names[age], std::string(1000 * (age + 1), 'x'));
+      const auto date = queue.clock().now() - std::chrono::seconds(age);
+      ASSERT_TRUE(fennick::setModificationTime(file, date));
+    }
+    controller.library().setFolder(disk / "photos");
+    awaitScan();
+  }
+  void awaitScan() {
+    queue.runUntil([this] { return controller.library().isListed(); });
+  }
+  [[nodiscard]] std::string names() {
+    std::string names;
+    for (const auto &item : wall->model()->items())
+      names += (names.empty() ? "" : " ") + item.name;
+    return names;
+  }
+  [[nodiscard]] std::string selected() {
+    std::string names;
+    for (const auto &file : controller.selection().files())
+      names += (names.empty() ? "" : " ") + file.filename().string();
+    return names;
+  }
+  bool press(Qt::Key key, int modifiers = Qt::NoModifier, const QString &text = {}) {
+    return wall->press(key, modifiers, text, 3, 2);
+  }
+
+  fennick::test::TemporaryFolder disk;
+  fennick::FilePreferences preferences{disk / "preferences.json"};
+  fennick::test::FaultyFileSystem files;
+  fennick::test::ManualQueue queue;
+  fennick::test::FakeDecoder decoder;
+  NoTrash trash;
+  RecordingDesktop desktop;
+  HandNetwork network;
+  AppController controller{{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"},
+                           {.preferences = preferences,
+                            .mainQueue = queue,
+                            .files = files,
+                            .clock = queue.clock(),
+                            .decoder = decoder,
+                            .trash = trash,
+                            .desktop = desktop,
+                            .network = network}};
+  std::optional<PhotoWall> wall;
+};
+
+TEST_F(PhotoWallTest, saysWhyThereIsNothingToSee) {
+  EXPECT_EQ(wall->state(), PhotoWall::Empty);
+  disk.makeFolder("photos");
+  controller.library().setFolder(disk / "photos");
+  EXPECT_EQ(wall->state(), PhotoWall::Loading);
+  awaitScan();
+  EXPECT_EQ(wall->state(), PhotoWall::Empty);
+  controller.library().setFolder(disk / "gone");
+  awaitScan();
+  EXPECT_EQ(wall->state(), PhotoWall::Missing);
+  fill({"a.jpg"});
+  EXPECT_EQ(wall->state(), PhotoWall::Filled);
+  wall->setFilter(PhotoWall::Videos);
+  EXPECT_EQ(wall->state(), PhotoWall::NoMatch);
+}
+
+TEST_F(PhotoWallTest, theFilterHidesWhatIsThenNoLongerSelected) {
+  const QAbstractItemModelTester tester(wall->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+  fill({"a.jpg", "b.mov", "c.jpg", "d.mp4"});
+  EXPECT_EQ(wall->countText(), "2 张照片 · 2 段视频");
+  wall->selectAll();
+  EXPECT_EQ(wall->selectionText(), "已选 4 项 · 10 KB");
+  wall->setFilter(PhotoWall::Videos);
+  EXPECT_EQ(names(), "b.mov d.mp4");
+  EXPECT_EQ(selected(), "b.mov d.mp4");
+  EXPECT_EQ(wall->selectionText(), "已选 2 项 · 6 KB");
+  EXPECT_EQ(wall->countText(), "2 段视频");
+  wall->setFilter(PhotoWall::All);
+  EXPECT_EQ(names(), "a.jpg b.mov c.jpg d.mp4");
+  EXPECT_EQ(selected(), "b.mov d.mp4");
+}
+
+TEST_F(PhotoWallTest, keysGoAroundInRowsAndColumns) {
+  fill({"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg", "f.jpg", "g.jpg", "h.jpg"}); // three rows of 3, 3 and 2
+  struct Step {
+    Qt::Key key;
+    int modifiers;
+    int current;
+    const char *selected;
+  };
+  for (const auto &[key, modifiers, current, expected] :
+       {Step{Qt::Key_Right, 0, 0, "a.jpg"},
+        Step{Qt::Key_Left, 0, 0, "a.jpg"},
+        Step{Qt::Key_Up, 0, 0, "a.jpg"},
+        Step{Qt::Key_Right, 0, 1, "b.jpg"},
+        Step{Qt::Key_Right, 0, 2, "c.jpg"},
+        Step{Qt::Key_Right, 0, 3, "d.jpg"},
+        Step{Qt::Key_Up, 0, 0, "a.jpg"},
+        Step{Qt::Key_End, 0, 7, "h.jpg"},
+        Step{Qt::Key_Home, 0, 0, "a.jpg"},
+        Step{Qt::Key_PageDown, 0, 6, "g.jpg"},
+        Step{Qt::Key_PageUp, 0, 0, "a.jpg"},
+        Step{Qt::Key_Right, Qt::ShiftModifier, 1, "a.jpg b.jpg"},
+        Step{Qt::Key_Down, Qt::ShiftModifier, 4, "a.jpg b.jpg c.jpg d.jpg e.jpg"},
+        Step{Qt::Key_Left, Qt::ControlModifier, 3, "a.jpg b.jpg c.jpg d.jpg e.jpg"},
+        Step{Qt::Key_Space, Qt::ControlModifier, 3, "a.jpg b.jpg c.jpg e.jpg"},
+        Step{Qt::Key_Escape, 0, 3, ""},
+        Step{Qt::Key_Right, 0, 4, "e.jpg"},
+        Step{Qt::Key_Right, 0, 5, "f.jpg"},
+        Step{Qt::Key_Down, 0, 7, "h.jpg"}, // where the row below is shorter
+        Step{Qt::Key_Down, 0, 7, "h.jpg"}}) {
+    EXPECT_TRUE(press(key, modifiers));
+    EXPECT_EQ(wall->currentIndex(), current);
+    EXPECT_EQ(selected(), expected);
+  }
+  EXPECT_TRUE(press(Qt::Key_A, Qt::ControlModifier));
+  EXPECT_EQ(wall->selectedCount(), 8);
+  EXPECT_TRUE(press(Qt::Key_F, Qt::NoModifier, "f"));
+  EXPECT_EQ(selected(), "f.jpg");
+  press(Qt::Key_Escape);
+  EXPECT_FALSE(press(Qt::Key_Escape));
+  EXPECT_FALSE(press(Qt::Key_F5));
+  EXPECT_FALSE(press(Qt::Key_C, Qt::ControlModifier, "c"));
+}
+
+TEST_F(PhotoWallTest, aRubberBandCoversTheTilesThatItTouches) {
+  fill({"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"});
+  const auto band = [&](const QRectF &area) {
+    wall->stretchBand(area, QSizeF(100, 120), 3, 8);
+    return selected();
+  };
+  wall->beginBand(Qt::NoModifier);
+  EXPECT_EQ(band({97, 0, 6, 200}), ""); // between two columns
+  EXPECT_EQ(band({90, 110, 30, 20}), "a.jpg b.jpg d.jpg e.jpg");
+  EXPECT_EQ(band({250, 50, 10, 300}), "c.jpg");
+}
+
+TEST_F(PhotoWallTest, aRenamedPhotoKeepsItsPlaceAndItsSelection) {
+  fill({"a.jpg", "b.jpg", "c.jpg"});
+  const QSignalSpy removed(wall->model(), &QAbstractItemModel::rowsRemoved);
+  wall->click(1, Qt::NoModifier);
+  fs::rename(disk / "photos/b.jpg", disk / "photos/z.jpg");
+  controller.library().rename(
+      std::vector{fennick::Renaming{.from = disk / "photos/b.jpg", .to = disk / "photos/z.jpg"}});
+  EXPECT_EQ(names(), "a.jpg z.jpg c.jpg");
+  EXPECT_EQ(selected(), "z.jpg");
+  EXPECT_EQ(wall->currentName(), "z.jpg");
+  EXPECT_TRUE(removed.isEmpty());
+}
+
+TEST_F(PhotoWallTest, draggedPhotosGoBeforeThePhotoTheyAreDroppedOn) {
+  fill({"a.jpg", "b.mov", "c.jpg", "d.jpg", "e.mov", "f.jpg"});
+  const auto take = [&](std::initializer_list<int> places) {
+    wall->selectNone();
+    for (const int place : places)
+      wall->click(place, Qt::ControlModifier);
+  };
+  take({0, 3});
+  EXPECT_EQ(wall->dragData()["text/uri-list"].toString(),
+            QString::fromStdString(
+                fmt::format("file://{0}/a.jpg\r\nfile://{0}/d.jpg", (disk / "photos").string())));
+  wall->moveSelectionTo(2);
+  EXPECT_EQ(names(), "b.mov a.jpg d.jpg c.jpg e.mov f.jpg");
+  wall->moveSelectionTo(6);
+  EXPECT_EQ(names(), "b.mov c.jpg e.mov f.jpg a.jpg d.jpg");
+  wall->moveSelectionTo(5); // onto themselves
+  EXPECT_EQ(names(), "b.mov c.jpg e.mov f.jpg a.jpg d.jpg");
+  wall->setFilter(PhotoWall::Photos);
+  EXPECT_EQ(names(), "c.jpg f.jpg a.jpg d.jpg");
+  take({3});
+  wall->moveSelectionTo(1); // what is hidden keeps its place among the others
+  wall->setFilter(PhotoWall::All);
+  EXPECT_EQ(names(), "b.mov c.jpg e.mov d.jpg f.jpg a.jpg");
+}
+
+TEST_F(PhotoWallTest, theLimitIsSaid) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < fennick::PhotoLibrary::kLimit - 1; ++i)
+    names.push_back(fmt::format("{}.mov", i));
+  fill(names);
+  EXPECT_EQ(wall->limitText(), "");
+  controller.library().noteAdded(disk.write("photos/one more.mov"));
+  queue.runUntil([this] { return wall->total() == static_cast<int>(fennick::PhotoLibrary::kLimit); });
+  EXPECT_NE(wall->limitText(), "");
+}
+
+TEST_F(PhotoWallTest, aNewPhotoIsMarkedForAMoment) {
+  fill({"a.jpg"});
+  controller.library().noteAdded(disk.write("photos/new.jpg"));
+  queue.runUntil([this] { return wall->count() == 2; });
+  const auto isRecent = [&] {
+    return wall->model()->data(wall->model()->index(0), PhotoListModel::isRecentRole).toBool();
+  };
+  EXPECT_TRUE(isRecent());
+  queue.advance(fennick::Seconds(1.5));
+  EXPECT_FALSE(isRecent());
+}
+
+TEST_F(PhotoWallTest, theSizeOfTheTilesIsKept) {
+  wall->setTileSize(240);
+  wall->setTileSize(200);
+  queue.advance(fennick::Seconds(1));
+  open();
+  EXPECT_EQ(wall->tileSize(), 200);
+  wall->setTileSize(10'000);
+  open(); // before it was stored otherwise
+  EXPECT_EQ(wall->tileSize(), PhotoWall::kLargestTile);
+}
+
+TEST_F(PhotoWallTest, picturesAndFilesArePasted) {
+  const auto paste = [&](const QString &format, const QByteArray &content) {
+    auto data = std::make_unique<QMimeData>();
+    data->setData(format, content);
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    return wall->paste();
+  };
+  EXPECT_FALSE(paste("text/plain", "words"));
+  EXPECT_EQ(wall->importText(), "");
+  const auto file = disk.write("elsewhere.png", "\x89PNG\r\n\x1A\n").string();
+  for (const auto &[format, content] : {std::pair("image/png", std::string("\x89PNG\r\n\x1A\n")),
+                                        std::pair("text/uri-list", "file://" + file)}) {
+    EXPECT_TRUE(paste(format, QByteArray::fromStdString(content)));
+    EXPECT_NE(wall->importText(), "");
+    queue.runUntil([this] { return wall->importText().isEmpty(); });
+  }
+}
+
+} // namespace
+} // namespace quarrow::test

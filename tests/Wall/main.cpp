@@ -1,0 +1,8 @@
+#include <QGuiApplication>
+#include <gtest/gtest.h>
+
+int main(int argc, char **argv) {
+  const QGuiApplication application(argc, argv); // whose clipboard is pasted from
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
