@@ -5,6 +5,8 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace quarrow {
 
@@ -25,12 +27,22 @@ public:
   // Opens the window, or brings it to the front; it gets the keyboard.
   virtual void show(Window window) = 0;
 
-  // Puts the file on the clipboard, and the picture itself where other programs take one.
-  virtual void copyToClipboard(const std::filesystem::path &file) = 0;
-  // Opens `file` with the application that its desktop entry `application` describes. `failed` is called with
-  // the reason if that does not work; on the main thread, perhaps later.
-  virtual void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                        std::function<void(const std::string &)> failed) = 0;
+  using Paths = std::vector<std::filesystem::path>;
+  // Is told in words why something could not be done; on the main thread, perhaps later.
+  using Failed = std::function<void(const std::string &)>;
+
+  // Puts the files on the clipboard, and of a single one the picture itself where other programs take one.
+  virtual void copyToClipboard(const Paths &files) = 0;
+  void copyToClipboard(const std::filesystem::path &file) { copyToClipboard(Paths{file}); }
+  // Opens the files with the application that its desktop entry `application` describes.
+  virtual void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) = 0;
+  void openWith(const std::filesystem::path &application, const std::filesystem::path &file, Failed failed) {
+    openWith(application, Paths{file}, std::move(failed));
+  }
+  // Opens each file with the application that people use for files of its kind.
+  virtual void open(const Paths &files, Failed failed) = 0;
+  // Selects the files in the file manager, or opens their folder where it cannot do that.
+  virtual void showInFolder(const Paths &files) = 0;
   // The short sound of an arrival.
   virtual void playSound() = 0;
   // Shows a notification about the file now; one that the desktop refuses is dropped.

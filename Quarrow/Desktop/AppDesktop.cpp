@@ -1,7 +1,6 @@
 #include "Quarrow/Desktop/AppDesktop.h"
 
 #include "FennickCore/Platform/Applications.h"
-#include "Quarrow/Desktop/ShowFile.h"
 
 #include <QCoreApplication>
 
@@ -10,15 +9,13 @@
 namespace quarrow {
 
 AppDesktop::AppDesktop(const Services &services)
-    : launchedAsLoginItem_(services.launchedAsLoginItem), tray_(services.bus, trayActions()),
-      panel_(services.makeView, [this] { return tray_.place(); }),
+    : launchedAsLoginItem_(services.launchedAsLoginItem), bus_(services.bus),
+      tray_(services.bus, trayActions()), panel_(services.makeView, [this] { return tray_.place(); }),
       statusItem_(tray_, panel_, services.mainQueue, services.clock), windows_(services.makeView),
       hotKey_(services.mainQueue, makeHotKeyBackend()), clipboard_(services.decoder, services.mainQueue),
       chime_(services.clock, loudspeaker_),
       notifier_(services.bus, services.decoder,
-                {.open = openFile, .showInFolder = [this, bus = services.bus](const auto &file) {
-                   showInFolder(file, bus, *this);
-                 }}) {
+                {.open = openFile, .showInFolder = [this](const auto &file) { showInFolder({file}); }}) {
   connect(&panel_, &PanelWindow::left, this, [this] { statusItem_.panelLeft(); });
   connect(&tray_, &TrayItem::shownChanged, this, [this] {
     windows_.setAsksBeforeLast(!hasTray());
@@ -51,9 +48,13 @@ void AppDesktop::closeAll() {
   windows_.closeAll();
 }
 
-void AppDesktop::openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                          std::function<void(const std::string &)> failed) {
-  if (const auto opened = fennick::openWith(application, file); !opened)
+void AppDesktop::openWith(const std::filesystem::path &application, const Paths &files, Failed failed) {
+  if (const auto opened = fennick::openWith(application, files); !opened)
+    failed(opened.error());
+}
+
+void AppDesktop::open(const Paths &files, Failed failed) {
+  if (const auto opened = fennick::openFiles(files); !opened)
     failed(opened.error());
 }
 

@@ -10,6 +10,7 @@
 #include "Quarrow/Desktop/HotKeyManager.h"
 #include "Quarrow/Desktop/Notifier.h"
 #include "Quarrow/Desktop/PanelWindow.h"
+#include "Quarrow/Desktop/ShowFile.h"
 #include "Quarrow/Desktop/StatusItemController.h"
 #include "Quarrow/Desktop/TrayItem.h"
 #include "Quarrow/Desktop/ViewMaker.h"
@@ -53,9 +54,10 @@ public:
   void showPanel() override { statusItem_.show(); }
   void closePanel() override { statusItem_.close(); }
   void show(Window window) override;
-  void copyToClipboard(const std::filesystem::path &file) override { clipboard_.copy(file); }
-  void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                std::function<void(const std::string &)> failed) override;
+  void copyToClipboard(const Paths &files) override { clipboard_.copy(files); }
+  void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override;
+  void open(const Paths &files, Failed failed) override;
+  void showInFolder(const Paths &files) override { quarrow::showInFolder(files, bus_, *this); }
   void playSound() override { chime_.play(); }
   void notify(const std::string &title, const std::string &body, const std::filesystem::path &file) override {
     notifier_.post(title, body, file);
@@ -72,6 +74,7 @@ private:
   [[nodiscard]] TrayItem::Actions trayActions();
 
   const bool launchedAsLoginItem_;
+  const QDBusConnection bus_;
   TrayItem tray_;
   PanelWindow panel_;
   StatusItemController statusItem_;

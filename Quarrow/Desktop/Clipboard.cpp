@@ -25,14 +25,14 @@ Clipboard::Clipboard(fennick::PictureDecoder &decoder, fennick::MainQueue &mainQ
 
 Clipboard::~Clipboard() { latest_ = 0; } // what waits to be rendered is not worth waiting for
 
-void Clipboard::copy(const std::filesystem::path &file) {
+void Clipboard::copy(const std::vector<std::filesystem::path> &files) {
   const quint64 number = ++latest_;
-  offer(file, {});
-  if (fennick::isVideoName(file.filename().native()))
+  offer(files, {});
+  if (files.size() != 1 || fennick::isVideoName(files.front().filename().native()))
     return;
   if (!rendering_)
     rendering_ = std::make_unique<fennick::SerialQueue>("fennick.clipboard");
-  rendering_->post([this, number, file] { render(number, file); });
+  rendering_->post([this, number, file = files.front()] { render(number, file); });
 }
 
 // On the queue. Of many files that come at once only the last one's picture is wanted.
@@ -52,14 +52,19 @@ void Clipboard::render(quint64 number, const std::filesystem::path &file) {
 
 void Clipboard::addPicture(quint64 number, const std::filesystem::path &file, const std::string &png) {
   if (number == latest_ && !offered_.isNull() && systemClipboard().mimeData() == offered_)
-    offer(file, QByteArray::fromStdString(png));
+    offer({file}, QByteArray::fromStdString(png));
 }
 
-void Clipboard::offer(const std::filesystem::path &file, const QByteArray &png) {
-  const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+void Clipboard::offer(const std::vector<std::filesystem::path> &files, const QByteArray &png) {
+  QList<QUrl> urls;
+  QByteArray order = "copy";
+  for (const auto &file : files) {
+    urls.append(QUrl::fromLocalFile(QFile::decodeName(file.c_str())));
+    order += "\n" + urls.last().toEncoded();
+  }
   auto content = std::make_unique<QMimeData>();
-  content->setUrls({url});
-  content->setData(QStringLiteral("x-special/gnome-copied-files"), "copy\n" + url.toEncoded());
+  content->setUrls(urls);
+  content->setData(QStringLiteral("x-special/gnome-copied-files"), order);
   if (!png.isEmpty())
     content->setData(QStringLiteral("image/png"), png);
   offered_ = content.get();

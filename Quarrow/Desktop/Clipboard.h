@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace quarrow {
 
@@ -31,14 +32,14 @@ public:
   Clipboard(const Clipboard &) = delete;
   Clipboard &operator=(const Clipboard &) = delete;
 
-  // Puts the file on the clipboard at once. Its picture joins it when it is rendered, unless something else
-  // was copied by then; a video, or what cannot be rendered, stays a file.
-  void copy(const std::filesystem::path &file);
+  // Puts the files on the clipboard at once. The picture of a single one joins it when it is rendered, unless
+  // something else was copied by then; a video, or what cannot be rendered, stays a file.
+  void copy(const std::vector<std::filesystem::path> &files);
 
 private:
   void render(quint64 number, const std::filesystem::path &file);
   void addPicture(quint64 number, const std::filesystem::path &file, const std::string &png);
-  void offer(const std::filesystem::path &file, const QByteArray &png);
+  void offer(const std::vector<std::filesystem::path> &files, const QByteArray &png);
 
   fennick::PictureDecoder &decoder_;
   fennick::MainQueue &mainQueue_;

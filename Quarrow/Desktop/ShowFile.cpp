@@ -24,15 +24,20 @@ void logFailure(const std::expected<void, std::string> &result) {
 
 void openFile(const std::filesystem::path &file) { logFailure(fennick::openFile(file)); }
 
-void showInFolder(const std::filesystem::path &file, const QDBusConnection &bus, QObject &context) {
+void showInFolder(const std::vector<std::filesystem::path> &files, const QDBusConnection &bus,
+                  QObject &context) {
+  if (files.empty())
+    return;
   auto call = QDBusMessage::createMethodCall(
       QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
       QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-  const QUrl url = QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
-  call << QStringList(url.toString(QUrl::FullyEncoded)) << QString();
-  callAsync(bus, call, context, [file](const QDBusMessage &reply) {
+  QStringList addresses;
+  for (const auto &file : files)
+    addresses.append(QUrl::fromLocalFile(QFile::decodeName(file.c_str())).toString(QUrl::FullyEncoded));
+  call << addresses << QString();
+  callAsync(bus, call, context, [folder = files.front().parent_path()](const QDBusMessage &reply) {
     if (reply.type() == QDBusMessage::ErrorMessage)
-      logFailure(fennick::openFolder(file.parent_path()));
+      logFailure(fennick::openFolder(folder));
   });
 }
 

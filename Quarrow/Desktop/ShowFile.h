@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 
 #include <filesystem>
+#include <vector>
 
 class QObject;
 
@@ -13,8 +14,9 @@ namespace quarrow {
 // In the program that people use for files of its kind.
 void openFile(const std::filesystem::path &file);
 
-// Selected in the file manager; where that cannot be asked for, its folder. `context` lives until the file
-// manager has answered, or nothing more happens.
-void showInFolder(const std::filesystem::path &file, const QDBusConnection &bus, QObject &context);
+// Selected in the file manager; where that cannot be asked for, the first one's folder. `context` lives until
+// the file manager has answered, or nothing more happens.
+void showInFolder(const std::vector<std::filesystem::path> &files, const QDBusConnection &bus,
+                  QObject &context);
 
 } // namespace quarrow

@@ -154,7 +154,9 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   quarrow::QuickLook look(
       controller,
       {.files = files, .decoder = decoder, .mainQueue = mainQueue, .cacheDirectory = state.cache});
-  quarrow::PhotoActions actions(controller);
+  quarrow::PhotoActions actions(
+      controller,
+      {.mainQueue = mainQueue, .files = files, .decoder = decoder, .trash = trash, .desktop = desktop});
   quarrow::SettingsForm form(controller, {.mainQueue = mainQueue,
                                           .files = files,
                                           .clock = clock,

@@ -15,10 +15,21 @@ void TerminalDesktop::show(Window window) {
   report_.notice("设置用 --set 修改，见 --help / Settings are changed with --set, see --help");
 }
 
-void TerminalDesktop::openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                               std::function<void(const std::string &)> failed) {
-  if (const auto opened = fennick::openWith(application, file); !opened)
+void TerminalDesktop::openWith(const std::filesystem::path &application, const Paths &files, Failed failed) {
+  if (const auto opened = fennick::openWith(application, files); !opened)
     failed(opened.error());
+}
+
+void TerminalDesktop::open(const Paths &files, Failed failed) {
+  if (const auto opened = fennick::openFiles(files); !opened)
+    failed(opened.error());
+}
+
+void TerminalDesktop::showInFolder(const Paths &files) {
+  if (files.empty())
+    return;
+  if (const auto opened = fennick::openFolder(files.front().parent_path()); !opened)
+    report_.notice(opened.error());
 }
 
 } // namespace quarrow

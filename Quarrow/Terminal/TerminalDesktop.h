@@ -22,9 +22,10 @@ public:
   void showPanel() override;
   void closePanel() override {}
   void show(Window window) override;
-  void copyToClipboard(const std::filesystem::path &) override {}
-  void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                std::function<void(const std::string &)> failed) override;
+  void copyToClipboard(const Paths &) override {}
+  void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override;
+  void open(const Paths &files, Failed failed) override;
+  void showInFolder(const Paths &files) override;
   void playSound() override { report_.bell(); }
   void notify(const std::string &, const std::string &, const std::filesystem::path &) override {}
   [[nodiscard]] bool registerHotKey(std::optional<std::int64_t>, HotKeyActions) override { return true; }

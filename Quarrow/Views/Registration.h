@@ -87,6 +87,34 @@ public:
   static PhotoActions *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
 
+struct FileJobsType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::FileJobs)
+  QML_NAMED_ELEMENT(FileJobs)
+  QML_UNCREATABLE("belongs to Actions")
+};
+
+struct RenamePreviewType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::RenamePreview)
+  QML_NAMED_ELEMENT(RenamePreview)
+  QML_UNCREATABLE("belongs to Actions")
+};
+
+struct RenameFormType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::RenameForm)
+  QML_NAMED_ELEMENT(RenameForm)
+  QML_UNCREATABLE("belongs to Actions")
+};
+
+struct ExportFormType {
+  Q_GADGET
+  QML_FOREIGN(quarrow::ExportForm)
+  QML_NAMED_ELEMENT(ExportForm)
+  QML_UNCREATABLE("belongs to Actions")
+};
+
 struct SettingsSingleton {
   Q_GADGET
   QML_FOREIGN(quarrow::SettingsForm)

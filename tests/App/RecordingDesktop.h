@@ -21,15 +21,13 @@ public:
     constexpr const char *kNames[] = {"main", "settings", "onboarding", "help"};
     asked.emplace_back(kNames[static_cast<int>(window)]);
   }
-  void copyToClipboard(const std::filesystem::path &file) override {
-    asked.push_back("copy " + file.filename().string());
-  }
-  void openWith(const std::filesystem::path &application, const std::filesystem::path &file,
-                std::function<void(const std::string &)> failed) override {
-    asked.push_back(
-        fmt::format("open {} with {}", file.filename().string(), application.filename().string()));
+  void copyToClipboard(const Paths &files) override { asked.push_back("copy " + namesOf(files)); }
+  void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override {
+    asked.push_back(fmt::format("open {} with {}", namesOf(files), application.filename().string()));
     failed("no such program");
   }
+  void open(const Paths &files, Failed) override { asked.push_back("open " + namesOf(files)); }
+  void showInFolder(const Paths &files) override { asked.push_back("show " + namesOf(files)); }
   void playSound() override { asked.emplace_back("sound"); }
   void notify(const std::string &title, const std::string &body, const std::filesystem::path &) override {
     asked.push_back(fmt::format("notify {}: {}", title, body));
@@ -43,6 +41,13 @@ public:
 
   // What was asked since the last time.
   std::vector<std::string> take() { return std::exchange(asked, {}); }
+
+  static std::string namesOf(const Paths &files) {
+    std::string names;
+    for (const auto &file : files)
+      names += (names.empty() ? "" : " ") + file.filename().string();
+    return names;
+  }
 
   std::vector<std::string> asked;
   HotKeyActions hotKey;

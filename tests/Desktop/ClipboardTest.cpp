@@ -28,7 +28,7 @@ protected:
 
 TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
   decoder.hold();
-  clipboard.copy("/photos/照片 1.heic");
+  clipboard.copy({"/photos/照片 1.heic"});
   expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
   EXPECT_TRUE(picture().isEmpty());
   decoder.release();
@@ -42,7 +42,7 @@ TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
 
 TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
   decoder.hold();
-  clipboard.copy("/photos/1.jpg");
+  clipboard.copy({"/photos/1.jpg"});
   decoder.awaitHeld(1);
   QGuiApplication::clipboard()->setText("mine");
   decoder.release();
@@ -54,7 +54,7 @@ TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
 TEST_F(ClipboardTest, OfManyFilesOnlyTheLastOneIsRenderedAndNeverAVideo) {
   decoder.hold();
   for (const char *file : {"/photos/1.jpg", "/photos/2.jpg", "/photos/3.jpg"}) {
-    clipboard.copy(file);
+    clipboard.copy({file});
     decoder.awaitHeld(1);
   }
   decoder.release();
@@ -63,10 +63,17 @@ TEST_F(ClipboardTest, OfManyFilesOnlyTheLastOneIsRenderedAndNeverAVideo) {
   EXPECT_EQ(decoder.calls(), 2);
 
   decoder.setRendering(fennick::test::FakeDecoder::kFault(fennick::PictureFault::undecodable));
-  clipboard.copy("/photos/4.jpg");
-  clipboard.copy("/photos/5.MOV");
+  clipboard.copy({"/photos/4.jpg"});
+  clipboard.copy({"/photos/5.MOV"});
   expectFile("file:///photos/5.MOV");
   EXPECT_TRUE(picture().isEmpty());
+
+  const int rendered = decoder.calls();
+  clipboard.copy({"/photos/6.jpg", "/photos/7.jpg"});
+  EXPECT_EQ(content().urls(), (QList<QUrl>{QUrl("file:///photos/6.jpg"), QUrl("file:///photos/7.jpg")}));
+  EXPECT_EQ(content().data(QStringLiteral("x-special/gnome-copied-files")),
+            "copy\nfile:///photos/6.jpg\nfile:///photos/7.jpg");
+  EXPECT_EQ(decoder.calls(), rendered);
 }
 
 } // namespace

@@ -41,7 +41,7 @@ TEST(ShowFileTest, TheFileManagerSelectsTheFileAndWithoutOneTheFolderIsOpened) {
 
   openFile(photo);
   EXPECT_EQ(heard(), photo.string() + "\n");
-  showInFolder(photo, QDBusConnection::sessionBus(), context);
+  showInFolder({photo}, QDBusConnection::sessionBus(), context);
   test::awaitErrors();
   EXPECT_EQ(heard(), disk.path().string() + "\n");
 
@@ -51,7 +51,7 @@ TEST(ShowFileTest, TheFileManagerSelectsTheFileAndWithoutOneTheFolderIsOpened) {
                                     asked = call.arguments().at(0).toStringList();
                                     return call.createReply();
                                   });
-  showInFolder(photo, QDBusConnection::sessionBus(), context);
+  showInFolder({photo}, QDBusConnection::sessionBus(), context);
   test::runUntil([&] { return !asked.empty(); });
   EXPECT_EQ(
       asked.front(),

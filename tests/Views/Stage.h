@@ -84,7 +84,9 @@ private:
                    .decoder = decoder_,
                    .mainQueue = queue_,
                    .cacheDirectory = disk_ / "cache"}};
-  PhotoActions actions_{controller_};
+  PhotoActions actions_{
+      controller_,
+      {.mainQueue = queue_, .files = files_, .decoder = decoder_, .trash = trash_, .desktop = desktop_}};
   SettingsForm form_{controller_,
                      {.mainQueue = queue_,
                       .files = files_,

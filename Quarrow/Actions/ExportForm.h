@@ -1,0 +1,139 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Storage/PhotoExport.h"
+#include "Quarrow/Actions/ActionServices.h"
+#include "Quarrow/Actions/Failures.h"
+#include "Quarrow/Actions/FileJobs.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quarrow {
+
+// How photos are exported: what people choose, what becomes of the first one, and how it went. The choices
+// last as long as the program. Main thread.
+class ExportForm : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(int longEdge READ longEdge WRITE setLongEdge NOTIFY changed) // pixels; 0: as it is
+  Q_PROPERTY(int mostKilobytes READ mostKilobytes WRITE setMostKilobytes NOTIFY changed) // 0: any size
+  Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY changed)   // "keep", "jpeg", "heic", "png"
+  Q_PROPERTY(double quality READ quality WRITE setQuality NOTIFY changed) // 0.3 to 1
+  Q_PROPERTY(int metadata READ metadata WRITE setMetadata NOTIFY changed) // of Metadata
+  // Where the copies go, as people write it; the reserved folder unless another one was chosen.
+  Q_PROPERTY(QString folder READ folderText NOTIFY changed)
+  Q_PROPERTY(bool usesReservedFolder READ usesReservedFolder NOTIFY changed)
+  Q_PROPERTY(int count READ count NOTIFY changed)
+  Q_PROPERTY(bool canWriteHEIC READ canWriteHEIC NOTIFY changed) // true until it is known
+  // What becomes of the first photo, in two lines: what it is, and what the copy will be.
+  Q_PROPERTY(QString example READ example NOTIFY changed)
+  Q_PROPERTY(QString exampleCopy READ exampleCopy NOTIFY changed)
+  Q_PROPERTY(int stage READ stage NOTIFY changed) // of Stage
+  // How it went: a sentence, what else should be known, and a line for each file that failed.
+  Q_PROPERTY(QString result READ result NOTIFY changed)
+  Q_PROPERTY(QString remark READ remark NOTIFY changed)
+  Q_PROPERTY(QStringList failures READ failures NOTIFY changed)
+  Q_PROPERTY(bool hasCopies READ hasCopies NOTIFY changed)
+
+public:
+  using Paths = std::vector<std::filesystem::path>;
+  enum Metadata { KeepMetadata, WithoutLocation, WithoutMetadata };
+  Q_ENUM(Metadata)
+  enum Stage { Choosing, Exporting, Finished };
+  Q_ENUM(Stage)
+
+  // `services` and `jobs` outlive the form. `selected` gives the photos in their order, `saveFolder` the
+  // folder that the reserved one lies in.
+  ExportForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected,
+             std::function<std::filesystem::path()> saveFolder);
+
+  [[nodiscard]] int longEdge() const { return longEdge_; }
+  void setLongEdge(int pixels);
+  [[nodiscard]] int mostKilobytes() const { return mostKilobytes_; }
+  void setMostKilobytes(int kilobytes);
+  [[nodiscard]] const QString &format() const { return format_; }
+  void setFormat(const QString &format);
+  [[nodiscard]] double quality() const { return quality_; }
+  void setQuality(double quality);
+  [[nodiscard]] int metadata() const { return metadata_; }
+  void setMetadata(int metadata);
+  [[nodiscard]] QString folderText() const;
+  [[nodiscard]] bool usesReservedFolder() const { return !chosenFolder_; }
+  [[nodiscard]] int count() const { return static_cast<int>(photos_.size()); }
+  [[nodiscard]] bool canWriteHEIC() const { return canWriteHEIC_; }
+  [[nodiscard]] const QString &example() const { return example_; }
+  [[nodiscard]] const QString &exampleCopy() const { return exampleCopy_; }
+  [[nodiscard]] int stage() const { return stage_; }
+  [[nodiscard]] const QString &result() const { return result_; }
+  [[nodiscard]] const QString &remark() const { return remark_; }
+  [[nodiscard]] QStringList failures() const { return failures_.lines(); }
+  [[nodiscard]] bool hasCopies() const { return !copies_.empty(); }
+
+  // Begins with the photos that are selected now.
+  Q_INVOKABLE void begin();
+  Q_INVOKABLE void chooseFolder(const QUrl &folder);
+  Q_INVOKABLE void useReservedFolder();
+  Q_INVOKABLE void apply();
+  Q_INVOKABLE void showCopies();
+
+signals:
+  void changed();
+
+private:
+  struct Report {
+    Paths copies{};
+    Failures failures{};
+    int withMetadata = 0; // copied with what was to be left out
+    int tooLarge = 0;     // as small as they get, and still larger than wanted
+    bool stopped = false;
+  };
+  struct Sample {
+    std::filesystem::path file;
+    std::expected<fennick::PhotoExport::Outlook, fennick::ImagePipeline::Failure> outlook;
+    bool canWriteHEIC = true;
+  };
+
+  [[nodiscard]] fennick::ImagingOptions options() const;
+  [[nodiscard]] std::filesystem::path folder() const;
+  [[nodiscard]] static Report exportAll(const Paths &photos, const std::filesystem::path &folder,
+                                        const fennick::ImagingOptions &options,
+                                        const ActionServices &services, FileJobs::Ticket &ticket);
+  template <typename T>
+  void edit(T &field, T value);
+  void look();
+  void show(const Sample &sample);
+  void finish(Report report);
+
+  const ActionServices services_;
+  FileJobs &jobs_;
+  const std::function<Paths()> selected_;
+  const std::function<std::filesystem::path()> saveFolder_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  int longEdge_ = 2048;
+  int mostKilobytes_ = 0;
+  QString format_ = QStringLiteral("jpeg");
+  double quality_ = 0.85;
+  int metadata_ = WithoutLocation;
+  std::optional<std::filesystem::path> chosenFolder_;
+  Paths photos_;
+  bool canWriteHEIC_ = true;
+  QString example_;
+  QString exampleCopy_;
+  Stage stage_ = Choosing;
+  QString result_;
+  QString remark_;
+  Failures failures_;
+  Paths copies_;
+  int edition_ = 0; // of what is chosen
+};
+
+} // namespace quarrow

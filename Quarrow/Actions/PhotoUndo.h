@@ -1,0 +1,55 @@
+#pragma once
+
+#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Storage/PhotoFileOps.h"
+#include "FennickCore/Storage/PhotoItem.h"
+#include "Quarrow/Actions/ActionServices.h"
+#include "Quarrow/Actions/Failures.h"
+#include "Quarrow/Actions/FileJobs.h"
+
+#include <filesystem>
+#include <variant>
+#include <vector>
+
+// Actions on photos that can be taken back.
+namespace quarrow {
+
+// What was done, in so far as it worked.
+struct Deletion {
+  std::vector<fennick::Trashed> files;
+};
+struct Rename {
+  std::vector<fennick::Renaming> files;
+};
+struct Turn {
+  std::vector<std::filesystem::path> files;
+  fennick::PhotoFileOps::QuarterTurn direction = fennick::PhotoFileOps::QuarterTurn::clockwise;
+};
+using Deed = std::variant<Deletion, Rename, Turn>;
+
+[[nodiscard]] int countOf(const Deed &deed);
+// A deed that changed nothing needs no way back.
+[[nodiscard]] inline bool isEmpty(const Deed &deed) { return countOf(deed) == 0; }
+
+// What came of an action, or of taking one back.
+struct Outcome {
+  Deed done;              // what can be taken back now
+  Deed left = Deletion{}; // what could not be taken back, but perhaps can later
+  Failures failures{};
+  QString problem{};                          // of all of it
+  std::vector<std::filesystem::path> files{}; // where the files are now
+  std::vector<fennick::Renaming> renamed{};   // that could not have their old name back
+};
+
+// Each does its work on the thread that it is called on, file by file; what was stopped has done a part.
+[[nodiscard]] Outcome moveToTrash(const std::vector<std::filesystem::path> &files,
+                                  const ActionServices &services, FileJobs::Ticket &ticket);
+[[nodiscard]] Outcome turn(const std::vector<std::filesystem::path> &files,
+                           fennick::PhotoFileOps::QuarterTurn direction, const ActionServices &services,
+                           FileJobs::Ticket &ticket);
+// All files get their new names, or all keep the old ones.
+[[nodiscard]] Outcome renameAll(const std::vector<fennick::Renaming> &renamings,
+                                const ActionServices &services, FileJobs::Ticket &ticket);
+[[nodiscard]] Outcome takeBack(const Deed &deed, const ActionServices &services, FileJobs::Ticket &ticket);
+
+} // namespace quarrow

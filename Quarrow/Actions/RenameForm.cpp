@@ -1,0 +1,100 @@
+#include "Quarrow/Actions/RenameForm.h"
+
+#include "Quarrow/Actions/Failures.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quarrow {
+
+namespace ops = fennick::PhotoFileOps;
+
+namespace {
+
+constexpr fennick::Seconds kTypingPause{0.12};
+
+QString previewProblem(const ops::OpError &error) {
+  if (error.kind == ops::OpError::Kind::invalidName)
+    return RenameForm::tr("名称不能以点开头，也不能含有 / 和 :");
+  return problemText(error);
+}
+
+} // namespace
+
+RenameForm::RenameForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected,
+                       Apply rename)
+    : services_(services), jobs_(jobs), selected_(std::move(selected)), rename_(std::move(rename)) {}
+
+void RenameForm::setPrefix(const QString &prefix) {
+  if (std::exchange(prefix_, prefix) != prefix)
+    edited();
+}
+
+void RenameForm::setDigits(int digits) {
+  digits = std::clamp(digits, 1, kMostDigits);
+  if (std::exchange(digits_, digits) != digits)
+    edited();
+}
+
+void RenameForm::setStart(int start) {
+  start = std::clamp(start, 0, kHighestStart);
+  if (std::exchange(start_, start) != start)
+    edited();
+}
+
+ops::Numbering RenameForm::numbering() const {
+  return {.prefix = prefix_.toStdString(), .digits = digits_, .start = start_};
+}
+
+void RenameForm::begin() {
+  photos_ = selected_();
+  preview_.set({});
+  ++edition_;
+  look();
+  emit changed();
+}
+
+// What is typed in one go is looked at once.
+void RenameForm::edited() {
+  ready_ = false;
+  services_.mainQueue.postAfter(kTypingPause, [this, edition = ++edition_, alive = std::weak_ptr(alive_)] {
+    if (alive.lock() && edition == edition_)
+      look();
+  });
+  emit changed();
+}
+
+void RenameForm::look() {
+  ready_ = false;
+  jobs_.ask([photos = photos_, numbering = numbering(),
+             &files = services_.files] { return ops::numberedNames(photos, numbering, files); },
+            [this, edition = edition_, alive = std::weak_ptr(alive_)](const auto &names) {
+              if (alive.lock())
+                show(edition, names);
+            });
+}
+
+void RenameForm::show(int edition, const ops::Result<Renamings> &names) {
+  if (edition != edition_)
+    return;
+  problem_ = names ? QString() : previewProblem(names.error());
+  if (names)
+    preview_.set(*names);
+  ready_ = names && std::ranges::any_of(*names, [](const auto &each) { return each.from != each.to; });
+  emit changed();
+}
+
+void RenameForm::apply() {
+  if (!std::exchange(ready_, false))
+    return;
+  rename_(photos_, numbering(), [this](const QString &problem) { end(problem); });
+  emit changed();
+}
+
+void RenameForm::end(const QString &problem) {
+  problem_ = problem;
+  emit changed();
+  emit finished(problem.isEmpty());
+}
+
+} // namespace quarrow

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "FennickCore/Storage/PhotoFileOps.h"
+#include "Quarrow/Actions/ActionServices.h"
+#include "Quarrow/Actions/FileJobs.h"
+#include "Quarrow/Actions/RenamePreview.h"
+
+#include <QObject>
+#include <QString>
+
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+namespace quarrow {
+
+// What a batch of photos is to be called: what people enter, the names that come of it, and what stands in
+// the way. Main thread.
+class RenameForm : public QObject {
+  Q_OBJECT
+  Q_PROPERTY(QString prefix READ prefix WRITE setPrefix NOTIFY changed)
+  Q_PROPERTY(int digits READ digits WRITE setDigits NOTIFY changed)
+  Q_PROPERTY(int start READ start WRITE setStart NOTIFY changed)
+  Q_PROPERTY(int count READ count NOTIFY changed)
+  Q_PROPERTY(quarrow::RenamePreview *preview READ preview CONSTANT)
+  // What is wrong with what was entered, or why the photos could not be renamed; empty: nothing.
+  Q_PROPERTY(QString problem READ problem NOTIFY changed)
+  // The preview is that of what is entered, and there is something to do.
+  Q_PROPERTY(bool ready READ ready NOTIFY changed)
+
+public:
+  using Paths = std::vector<std::filesystem::path>;
+  using Renamings = std::vector<fennick::Renaming>;
+  static constexpr int kMostDigits = 9;
+  static constexpr int kHighestStart = 999'999'999;
+
+  // `services` and `jobs` outlive the form. `selected` gives the photos in their order; `rename` renames them
+  // and calls its last argument with what stood in the way, or nothing.
+  using Apply = std::function<void(const Paths &, const fennick::PhotoFileOps::Numbering &,
+                                   std::function<void(const QString &)>)>;
+  RenameForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected, Apply rename);
+
+  [[nodiscard]] const QString &prefix() const { return prefix_; }
+  void setPrefix(const QString &prefix);
+  [[nodiscard]] int digits() const { return digits_; }
+  void setDigits(int digits);
+  [[nodiscard]] int start() const { return start_; }
+  void setStart(int start);
+  [[nodiscard]] int count() const { return static_cast<int>(photos_.size()); }
+  [[nodiscard]] RenamePreview *preview() { return &preview_; }
+  [[nodiscard]] const QString &problem() const { return problem_; }
+  [[nodiscard]] bool ready() const { return ready_; }
+
+  // Begins with the photos that are selected now.
+  Q_INVOKABLE void begin();
+  // Renames them; `finished` follows.
+  Q_INVOKABLE void apply();
+
+signals:
+  void changed();
+  // All is done, or nothing and `problem` says why (nothing when somebody stopped it).
+  void finished(bool renamed);
+
+private:
+  [[nodiscard]] fennick::PhotoFileOps::Numbering numbering() const;
+  void edited();
+  void look();
+  void show(int edition, const fennick::PhotoFileOps::Result<Renamings> &names);
+  void end(const QString &problem);
+
+  const ActionServices services_;
+  FileJobs &jobs_;
+  const std::function<Paths()> selected_;
+  const Apply rename_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  QString prefix_;
+  int digits_ = 3;
+  int start_ = 1;
+  Paths photos_;
+  RenamePreview preview_;
+  QString problem_;
+  bool ready_ = false;
+  int edition_ = 0; // of what is entered
+};
+
+} // namespace quarrow
