@@ -5,8 +5,12 @@
 
 #include <QClipboard>
 #include <QCoreApplication>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QVariantMap>
+#include <QWindow>
+
+#include <tuple>
 
 namespace quarrow {
 
@@ -18,6 +22,8 @@ Shell::Shell(AppController &controller, LoginItem &loginItem)
     emit receivedCountChanged();
   });
 }
+
+Shell::~Shell() = default;
 
 bool Shell::galleryEnabled() const { return controller_.settings().settings().galleryEnabled; }
 
@@ -79,6 +85,19 @@ void Shell::openSaveFolder() {
   const auto folder = controller_.server().saveFolder().value_or("");
   if (const auto opened = fennick::openFolder(folder); !opened)
     controller_.reportProblem(opened.error());
+}
+
+void Shell::askForFolder(const QString &title, const QUrl &start, const QJSValue &chosen) {
+  folderDialog_ = std::make_unique<QFileDialog>(nullptr, title, start.toLocalFile());
+  folderDialog_->setFileMode(QFileDialog::Directory);
+  folderDialog_->setOption(QFileDialog::ShowDirsOnly);
+  folderDialog_->setWindowModality(Qt::WindowModal);
+  std::ignore = folderDialog_->winId(); // makes the window that can lie above another one
+  folderDialog_->windowHandle()->setTransientParent(QGuiApplication::focusWindow());
+  connect(folderDialog_.get(), &QFileDialog::fileSelected, this, [chosen](const QString &folder) {
+    std::ignore = chosen.call({QUrl::fromLocalFile(folder).toString()});
+  });
+  folderDialog_->open();
 }
 
 void Shell::chooseSaveFolder(const QUrl &folder) {

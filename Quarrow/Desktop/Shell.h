@@ -3,12 +3,15 @@
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/Desktop/LoginItem.h"
 
+#include <QJSValue>
 #include <QObject>
 #include <QString>
 #include <QUrl>
 #include <QVariantList>
 
-#include <functional>
+#include <memory>
+
+class QFileDialog;
 
 namespace quarrow {
 
@@ -35,6 +38,9 @@ class Shell : public QObject {
 public:
   // Both outlive the object.
   Shell(AppController &controller, LoginItem &loginItem);
+  ~Shell() override;
+  Shell(const Shell &) = delete;
+  Shell &operator=(const Shell &) = delete;
 
   [[nodiscard]] bool galleryEnabled() const;
   void setGalleryEnabled(bool enabled);
@@ -53,6 +59,9 @@ public:
 
   Q_INVOKABLE void copyText(const QString &text);
   Q_INVOKABLE void openSaveFolder();
+  // Asks the person for a folder, beginning in `start`, above the window that has the keyboard. `chosen` is
+  // called with its address, unless they think better of it.
+  Q_INVOKABLE void askForFolder(const QString &title, const QUrl &start, const QJSValue &chosen);
   // Stores the folder as the save folder; an error goes to the model.
   Q_INVOKABLE void chooseSaveFolder(const QUrl &folder);
   Q_INVOKABLE void showMainWindow();
@@ -74,6 +83,7 @@ private:
   AppController &controller_;
   LoginItem &loginItem_;
   fennick::Subscription subscription_;
+  std::unique_ptr<QFileDialog> folderDialog_; // from the first question on
   int receivedCount_ = 0;
   bool hasTray_ = false;
 };

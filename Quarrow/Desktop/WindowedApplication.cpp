@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QFont>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -41,6 +42,10 @@ WindowedApplication::WindowedApplication(int &argc, char **argv) : QApplication(
   catalogue_ = catalogueFor(QLocale().uiLanguages());
   if (catalogue_)
     installTranslator(catalogue_.get());
+  // The words of dialogs that are not ours, in the same language.
+  if (qtTexts_.load("qtbase_" + (catalogue_ ? catalogue_->language() : "zh_CN"),
+                    QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    installTranslator(&qtTexts_);
 }
 
 bool WindowedApplication::event(QEvent *event) {

@@ -25,6 +25,7 @@ protected:
 
 private:
   std::unique_ptr<QTranslator> catalogue_;
+  QTranslator qtTexts_;
 };
 
 // A launcher's or a shortcut's word, if not empty, that the person wants the next window that is shown; the

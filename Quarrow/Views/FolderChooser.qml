@@ -1,8 +1,7 @@
-import QtQuick
-import QtQuick.Dialogs
 import Tevrin
 
-FolderDialog {
+FolderPicker {
     title: qsTr("照片存到哪里")
+    currentFolder: "file://" + Server.saveFolder.split("/").map(encodeURIComponent).join("/")
     onAccepted: Shell.chooseSaveFolder(selectedFolder)
 }

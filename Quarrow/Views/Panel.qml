@@ -31,11 +31,16 @@ FocusScope {
         padding: 16
 
         ErrorNotice {
+            id: trouble
+
             Layout.fillWidth: true
         }
         QRCard {
+            // Small laptops have room for two notices only beside a smaller code.
+            readonly property real filledHeight: trouble.visible && obstacle.visible ? 188 : width
+
             Layout.fillWidth: true
-            Layout.preferredHeight: filled ? width : 148
+            Layout.preferredHeight: filled ? filledHeight : 148
         }
         AddressLine {
             Layout.fillWidth: true
@@ -46,6 +51,8 @@ FocusScope {
         }
         StatusLine {}
         FirewallNotice {
+            id: obstacle
+
             Layout.fillWidth: true
         }
         ProgressLine {}
