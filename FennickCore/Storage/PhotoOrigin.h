@@ -23,8 +23,9 @@ struct PhotoOrigin {
   bool operator==(const PhotoOrigin &) const = default;
 };
 
-// Texts are kept up to this many bytes each.
-inline constexpr std::size_t kMostOriginText = 1'024;
+// Texts are kept up to this many bytes each: all of them fit where a file system has 4 KB for a file's
+// attributes.
+inline constexpr std::size_t kMostOriginText = 512;
 
 // Nothing for a file that came some other way, was copied by other programs, lies on a file system that keeps
 // no such records, or has one that cannot be understood.
