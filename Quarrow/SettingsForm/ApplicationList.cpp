@@ -42,7 +42,7 @@ QVariant ApplicationList::data(const QModelIndex &index, int role) const {
   switch (role) {
   case NameRole:
     return QString::fromStdString(application.name);
-  case IconRole:
+  case PictureRole:
     return QFile::decodeName(application.icon.c_str());
   case EntryRole:
     return QFile::decodeName(application.entry.c_str());
@@ -54,7 +54,8 @@ QVariant ApplicationList::data(const QModelIndex &index, int role) const {
 }
 
 QHash<int, QByteArray> ApplicationList::roleNames() const {
-  return {{NameRole, "name"}, {IconRole, "icon"}, {EntryRole, "entry"}, {IsMadeForItRole, "isMadeForIt"}};
+  return {
+      {NameRole, "name"}, {PictureRole, "picture"}, {EntryRole, "entry"}, {IsMadeForItRole, "isMadeForIt"}};
 }
 
 } // namespace quarrow

@@ -18,7 +18,7 @@ class ApplicationList : public QAbstractListModel {
 public:
   enum Role {
     NameRole = Qt::UserRole, // "name"
-    IconRole,                // "icon": a path or a theme's name; empty: none
+    PictureRole,             // "picture": of its icon, a path or a theme's name; empty: none
     EntryRole,               // "entry": the path of the desktop entry
     IsMadeForItRole,         // "isMadeForIt": opens pictures
   };

@@ -18,13 +18,13 @@ namespace {
 using fennick::ImagingOptions;
 using fennick::OutputFormat;
 
-constexpr qint64 kUsualPixels = 2048;
-constexpr qint64 kFewestPixels = 16;
-constexpr qint64 kMostPixels = 20'000;
-constexpr qint64 kUsualKilobytes = 1000;
-constexpr qint64 kFewestKilobytes = 10;
-constexpr qint64 kMostKilobytes = 1'000'000;
-constexpr qint64 kKilobyte = 1000;
+constexpr int kUsualPixels = 2048;
+constexpr int kFewestPixels = 16;
+constexpr int kMostPixels = 20'000;
+constexpr int kUsualKilobytes = 1000;
+constexpr int kFewestKilobytes = 10;
+constexpr int kMostKilobytes = 1'000'000;
+constexpr std::int64_t kKilobyte = 1000;
 constexpr int kLowestQuality = 30;
 constexpr int kLowestFloor = 10;
 constexpr int kHighestQuality = 100;
@@ -123,7 +123,10 @@ ImagingForm::ImagingForm(AppController &controller, const FormServices &services
       items_(controller.library().observeItems([this](const auto &) {
         if (latestPhoto(controller_.library()).value_or("") != triedFile_)
           tryLatest();
-      })) {}
+      })) {
+  lastPixels_ = maxPixels();
+  lastKilobytes_ = maxKilobytes();
+}
 
 void ImagingForm::setWatched(bool watched) {
   watched_ = watched;
@@ -140,7 +143,7 @@ void ImagingForm::follow(const ImagingOptions &options) {
   if (std::exchange(known_, options) == options)
     return;
   if (limitsPixels())
-    lastPixels_ = *options.maxPixels;
+    lastPixels_ = maxPixels();
   if (limitsBytes())
     lastKilobytes_ = maxKilobytes();
   typical_ = PhotoExample::ofTypicalPhoto(options, writesHEIC_.value_or(true));
@@ -193,10 +196,17 @@ QVariantList ImagingForm::presets() {
 }
 
 void ImagingForm::setLimitsPixels(bool limits) {
-  store([&](auto &options) { options.maxPixels = limits ? std::optional(maxPixels()) : std::nullopt; });
+  store([&](auto &options) {
+    options.maxPixels = limits ? std::optional<std::int64_t>(maxPixels()) : std::nullopt;
+  });
 }
 
-void ImagingForm::setMaxPixels(qint64 pixels) {
+int ImagingForm::maxPixels() const {
+  return limitsPixels() ? static_cast<int>(std::min<std::int64_t>(*now().maxPixels, kMostPixels))
+                        : lastPixels_;
+}
+
+void ImagingForm::setMaxPixels(int pixels) {
   store([&](auto &options) { options.maxPixels = std::clamp(pixels, kFewestPixels, kMostPixels); });
 }
 
@@ -219,11 +229,14 @@ void ImagingForm::setLimitsBytes(bool limits) {
   });
 }
 
-qint64 ImagingForm::maxKilobytes() const {
-  return limitsBytes() ? std::max<qint64>(1, (*now().maxBytes + kKilobyte / 2) / kKilobyte) : lastKilobytes_;
+int ImagingForm::maxKilobytes() const {
+  if (!limitsBytes())
+    return lastKilobytes_;
+  const std::int64_t most = std::min(*now().maxBytes, kMostKilobytes * kKilobyte);
+  return static_cast<int>(std::max<std::int64_t>(1, (most + kKilobyte / 2) / kKilobyte));
 }
 
-void ImagingForm::setMaxKilobytes(qint64 kilobytes) {
+void ImagingForm::setMaxKilobytes(int kilobytes) {
   store([&](auto &options) {
     options.maxBytes = std::clamp(kilobytes, kFewestKilobytes, kMostKilobytes) * kKilobyte;
   });

@@ -26,11 +26,11 @@ class ImagingForm : public QObject {
   Q_PROPERTY(QVariantList presets READ presets CONSTANT)
 
   Q_PROPERTY(bool limitsPixels READ limitsPixels WRITE setLimitsPixels NOTIFY changed)
-  Q_PROPERTY(qint64 maxPixels READ maxPixels WRITE setMaxPixels NOTIFY changed)
+  Q_PROPERTY(int maxPixels READ maxPixels WRITE setMaxPixels NOTIFY changed)
   Q_PROPERTY(QString pixelsMeaning READ pixelsMeaning NOTIFY changed)
   Q_PROPERTY(bool limitsBytes READ limitsBytes WRITE setLimitsBytes NOTIFY changed)
   // In KB (thousands of bytes).
-  Q_PROPERTY(qint64 maxKilobytes READ maxKilobytes WRITE setMaxKilobytes NOTIFY changed)
+  Q_PROPERTY(int maxKilobytes READ maxKilobytes WRITE setMaxKilobytes NOTIFY changed)
   // "keep", "jpeg", "heic" or "png"; what to choose from, each with `text` and `value`.
   Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY changed)
   Q_PROPERTY(QVariantList formats READ formats CONSTANT)
@@ -66,13 +66,13 @@ public:
   [[nodiscard]] static QVariantList presets();
   [[nodiscard]] bool limitsPixels() const { return now().maxPixels.value_or(0) > 0; }
   void setLimitsPixels(bool limits);
-  [[nodiscard]] qint64 maxPixels() const { return limitsPixels() ? *now().maxPixels : lastPixels_; }
-  void setMaxPixels(qint64 pixels);
+  [[nodiscard]] int maxPixels() const;
+  void setMaxPixels(int pixels);
   [[nodiscard]] QString pixelsMeaning() const;
   [[nodiscard]] bool limitsBytes() const { return now().maxBytes.value_or(0) > 0; }
   void setLimitsBytes(bool limits);
-  [[nodiscard]] qint64 maxKilobytes() const;
-  void setMaxKilobytes(qint64 kilobytes);
+  [[nodiscard]] int maxKilobytes() const;
+  void setMaxKilobytes(int kilobytes);
   [[nodiscard]] QString format() const;
   void setFormat(const QString &format);
   [[nodiscard]] static QVariantList formats();
@@ -113,8 +113,8 @@ private:
   AppController &controller_;
   const FormServices services_;
   fennick::ImagingOptions known_; // that were last announced
-  qint64 lastPixels_;             // that applied while there was a limit
-  qint64 lastKilobytes_;
+  int lastPixels_;                // the limits that are, or were last
+  int lastKilobytes_;
   std::optional<bool> writesHEIC_; // once it is known
   PhotoExample::Example typical_;
   std::optional<PhotoExample::Example> tried_; // the latest photo, if there is one that can be tried

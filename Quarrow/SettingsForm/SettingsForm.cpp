@@ -22,10 +22,10 @@ using fennick::PrefixSequenceNaming;
 constexpr int kLowestPort = 1024; // those below need rights that we do not have
 constexpr int kHighestPort = 65535;
 constexpr std::int64_t kMegabyte = 1'000'000;
-constexpr qint64 kMostMegabytes = 1'000'000;
+constexpr std::int64_t kMostMegabytes = 1'000'000;
 constexpr int kUsualFolderLimit = 500;
 constexpr int kMostPhotos = 1'000'000;
-constexpr qint64 kHighestStart = 999'999'999;
+constexpr std::int64_t kHighestStart = 999'999'999;
 constexpr std::int64_t kVideoBytesPerSecond = 2'850'000; // of 4K at 30 pictures a second, as phones record it
 
 QString text(const std::string &utf8) { return QString::fromStdString(utf8); }
@@ -226,17 +226,23 @@ void SettingsForm::setDigits(int digits) {
   });
 }
 
-void SettingsForm::setStart(qint64 start) {
-  storeNumbering([&](auto &naming) { naming.start = std::clamp<qint64>(start, 0, kHighestStart); });
+int SettingsForm::start() const {
+  return static_cast<int>(std::clamp<std::int64_t>(numbering().start, 0, kHighestStart));
 }
 
-qint64 SettingsForm::uploadLimit() const {
-  return std::max<qint64>(1, (now().maxUploadBytes + kMegabyte / 2) / kMegabyte);
+void SettingsForm::setStart(int start) {
+  storeNumbering([&](auto &naming) { naming.start = std::clamp<std::int64_t>(start, 0, kHighestStart); });
+}
+
+int SettingsForm::uploadLimit() const {
+  const auto megabytes =
+      now().maxUploadBytes / kMegabyte + (now().maxUploadBytes % kMegabyte >= kMegabyte / 2);
+  return static_cast<int>(std::clamp<std::int64_t>(megabytes, 1, kMostMegabytes));
 }
 
 // A limit that rounds to the same number stays what it is.
-void SettingsForm::setUploadLimit(qint64 megabytes) {
-  const qint64 wanted = std::clamp<qint64>(megabytes, 1, kMostMegabytes);
+void SettingsForm::setUploadLimit(int megabytes) {
+  const std::int64_t wanted = std::clamp<std::int64_t>(megabytes, 1, kMostMegabytes);
   if (wanted != uploadLimit())
     store([&](auto &settings) { settings.maxUploadBytes = wanted * kMegabyte; });
 }

@@ -44,9 +44,9 @@ class SettingsForm : public QObject {
   Q_PROPERTY(QString separator READ separator WRITE setSeparator NOTIFY changed)
   Q_PROPERTY(QString separatorError READ separatorError NOTIFY errorsChanged)
   Q_PROPERTY(int digits READ digits WRITE setDigits NOTIFY changed)
-  Q_PROPERTY(qint64 start READ start WRITE setStart NOTIFY changed)
+  Q_PROPERTY(int start READ start WRITE setStart NOTIFY changed)
   // Of one file, in whole MB (millions of bytes).
-  Q_PROPERTY(qint64 uploadLimit READ uploadLimit WRITE setUploadLimit NOTIFY changed)
+  Q_PROPERTY(int uploadLimit READ uploadLimit WRITE setUploadLimit NOTIFY changed)
   Q_PROPERTY(QString uploadLimitMeaning READ uploadLimitMeaning NOTIFY changed)
   // Whether a folder may be full, and when.
   Q_PROPERTY(bool limitsFolder READ limitsFolder WRITE setLimitsFolder NOTIFY changed)
@@ -95,11 +95,11 @@ public:
   void setSeparator(const QString &separator);
   [[nodiscard]] int digits() const { return static_cast<int>(numbering().digits); }
   void setDigits(int digits);
-  [[nodiscard]] qint64 start() const { return numbering().start; }
-  void setStart(qint64 start);
+  [[nodiscard]] int start() const;
+  void setStart(int start);
 
-  [[nodiscard]] qint64 uploadLimit() const;
-  void setUploadLimit(qint64 megabytes);
+  [[nodiscard]] int uploadLimit() const;
+  void setUploadLimit(int megabytes);
   [[nodiscard]] QString uploadLimitMeaning() const;
   [[nodiscard]] bool limitsFolder() const { return now().folderLimit.value_or(0) > 0; }
   void setLimitsFolder(bool limits);
