@@ -94,6 +94,7 @@ void handleLaunch(quarrow::AppController &controller, const std::vector<std::str
 void lendToQml(quarrow::AppController &controller, quarrow::Shell &shell) {
   quarrow::ServerSingleton::instance = &controller.server();
   quarrow::ProgressSingleton::instance = &controller.progress();
+  quarrow::ImportsSingleton::instance = &controller.imports();
   quarrow::ShellSingleton::instance = &shell;
   controller.progress().setWatched(true);
 }

@@ -8,6 +8,7 @@
 #include <QSize>
 #include <QString>
 #include <QUrl>
+#include <QVariant>
 #include <QVariantList>
 
 #include <cstdint>
@@ -26,7 +27,8 @@ class QuickLook : public QObject {
   Q_PROPERTY(bool open READ isOpen WRITE setOpen NOTIFY openChanged)
   Q_PROPERTY(QUrl file READ file WRITE setFile NOTIFY fileChanged)
   Q_PROPERTY(Kind kind READ kind NOTIFY kindChanged)
-  Q_PROPERTY(QImage picture READ picture NOTIFY pictureChanged) // upright; null while there is none
+  Q_PROPERTY(
+      QVariant picture READ pictureValue NOTIFY pictureChanged) // a QImage, upright; null: there is none
   Q_PROPERTY(QSize pixels READ pixels NOTIFY factsChanged)      // of the photo, upright; empty: not known
   // How long the picture's longer side is shown, in pixels of the screen.
   Q_PROPERTY(int shownPixels READ shownPixels WRITE setShownPixels NOTIFY shownPixelsChanged)
@@ -76,6 +78,7 @@ private:
     QImage picture;
   };
 
+  [[nodiscard]] QVariant pictureValue() const { return QVariant::fromValue(picture()); }
   [[nodiscard]] std::filesystem::path path() const;
   [[nodiscard]] const fennick::PhotoItem *listed(const std::filesystem::path &file) const;
   void load();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quarrow/Actions/PhotoActions.h"
+#include "Quarrow/App/PhotoImport.h"
 #include "Quarrow/App/ServerModel.h"
 #include "Quarrow/App/UploadProgress.h"
 #include "Quarrow/Desktop/Shell.h"
@@ -41,6 +42,17 @@ struct ProgressSingleton {
 public:
   static inline UploadProgress *instance = nullptr;
   static UploadProgress *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
+};
+
+struct ImportsSingleton {
+  Q_GADGET
+  QML_FOREIGN(quarrow::PhotoImport)
+  QML_NAMED_ELEMENT(Imports)
+  QML_SINGLETON
+
+public:
+  static inline PhotoImport *instance = nullptr;
+  static PhotoImport *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
 
 struct ShellSingleton {

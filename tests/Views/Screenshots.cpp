@@ -87,6 +87,7 @@ int run(const QString &folder, const QString &only) {
   const auto scale = qRound(qGuiApp->devicePixelRatio());
   auto shots = serviceShots();
   std::ranges::move(settingsShots(), std::back_inserter(shots));
+  std::ranges::move(lookShots(), std::back_inserter(shots));
   for (const auto &shot : shots)
     for (const bool dark : {false, true}) {
       const auto name =

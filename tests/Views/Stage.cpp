@@ -1,7 +1,10 @@
 #include "tests/Views/Stage.h"
 
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Storage/PhotoOrigin.h"
 #include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/Registration.h"
+#include "tests/Views/Landscape.h"
 
 #include <QDir>
 
@@ -30,6 +33,7 @@ Stage::Stage()
                    .network = network_}) {
   ServerSingleton::instance = &controller_.server();
   ProgressSingleton::instance = &controller_.progress();
+  ImportsSingleton::instance = &controller_.imports();
   ShellSingleton::instance = &shell_;
   WallSingleton::instance = &wall_;
   LookSingleton::instance = &look_;
@@ -41,6 +45,7 @@ Stage::Stage()
 Stage::~Stage() {
   ServerSingleton::instance = nullptr;
   ProgressSingleton::instance = nullptr;
+  ImportsSingleton::instance = nullptr;
   ShellSingleton::instance = nullptr;
   WallSingleton::instance = nullptr;
   LookSingleton::instance = nullptr;
@@ -86,6 +91,61 @@ void Stage::blockByFirewall() {
   using Finding = fennick::FirewallFinding;
   server().setFirewall(Finding{
       .kind = Finding::Kind::ufw, .port = Finding::Port::closed, .command = "sudo ufw allow 8000/tcp"});
+}
+
+void Stage::hang(const QStringList &names, const QSize &photo) {
+  decoder_.setFacts(fennick::PictureFacts{.type = fennick::PictureType::jpeg,
+                                          .frames = 1,
+                                          .width = photo.width(),
+                                          .height = photo.height(),
+                                          .orientation = {}});
+  decoder_.setThumbnail(landscape(photo.scaled(1600, 1600, Qt::KeepAspectRatio)));
+  hangFiles(names);
+}
+
+void Stage::hangBroken(const QString &name) {
+  using fennick::PictureFault;
+  decoder_.setFacts(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
+  decoder_.setThumbnail(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
+  hangFiles({name});
+}
+
+void Stage::hangFiles(const QStringList &names) {
+  auto &library = controller_.library();
+  library.setFolder(std::nullopt);
+  std::filesystem::remove_all(disk_ / "photos");
+  // On a day of its own: what is remembered of files of the same names is of others.
+  const auto day = std::chrono::sys_days(std::chrono::May / 1 / 2024) + std::chrono::days(hangings_++);
+  fennick::Instant taken = day + std::chrono::hours(2);
+  for (const QString &name : names) {
+    const auto file = disk_.write("photos/" + name.toStdString(), std::string(2'412'345, 'p'));
+    std::ignore = fennick::setModificationTime(file, taken -= std::chrono::minutes(7));
+  }
+  library.setFolder(disk_ / "photos");
+  queue_.runUntil([&] { return std::ssize(library.items()) == names.size(); });
+  wall_.moveCurrent(-wall_.count());
+}
+
+void Stage::awaitLook() {
+  queue_.runUntil([this] {
+    return look_.kind() == QuickLook::Nothing ||
+           (look_.kind() != QuickLook::Loading && !look_.details().isEmpty());
+  });
+}
+
+void Stage::rememberOrigin() {
+  const auto file = controller_.library().items().front().url;
+  disk_.write("photos/originals/IMG_0412.HEIC");
+  fennick::writeOrigin(file, {.address = "192.168.1.34",
+                              .name = "IMG_0412.HEIC",
+                              .receivedAt = fennick::Instant(std::chrono::seconds(1'714'527'000)),
+                              .note = "3.2 MB → 4032px · q85 · 2.4 MB · JPEG · 已转正 / rotated",
+                              .original = "IMG_0412.HEIC"});
+  decoder_.setDetails(fennick::PictureDetails{.camera = "Apple iPhone 15 Pro",
+                                              .lens = "iPhone 15 Pro back triple camera 6.765mm f/1.78",
+                                              .taken = "2024-05-01 09:23:11",
+                                              .offset = "+08:00",
+                                              .exposure = "1/125 s · f/1.8 · ISO 100 · 24 mm"});
 }
 
 void Stage::setError(const QString &error) {

@@ -16,6 +16,7 @@
 #include "tests/Support/TemporaryFolder.h"
 
 #include <QObject>
+#include <QSize>
 #include <QStringList>
 
 #include <memory>
@@ -48,6 +49,17 @@ public:
     server().setShared(name.toStdString(), count);
   }
 
+  // The wall shows these files, of the size `photo`; the first one has the keyboard. Every picture is a
+  // made-up landscape.
+  Q_INVOKABLE void hang(const QStringList &names, const QSize &photo = {4032, 3024});
+  // The same for one file that is no picture inside.
+  Q_INVOKABLE void hangBroken(const QString &name);
+  // The quick look has its picture, if there is one, and knows all it can know.
+  Q_INVOKABLE void awaitLook();
+  // The first file on the wall was sent by a phone, processed, and its original kept.
+  void rememberOrigin();
+  [[nodiscard]] fennick::test::FakeDecoder &decoder() { return decoder_; }
+
   [[nodiscard]] ServerModel &server() { return controller_.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 
@@ -59,6 +71,8 @@ public:
   Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller_.settings().accessKey()); }
 
 private:
+  void hangFiles(const QStringList &names);
+
   fennick::test::TemporaryFolder disk_;
   fennick::FilePreferences preferences_{disk_ / "preferences.json"};
   fennick::test::FaultyFileSystem files_;
@@ -79,11 +93,9 @@ private:
                    .clock = queue_.clock(),
                    .decoder = decoder_,
                    .cacheDirectory = disk_ / "cache"}};
-  QuickLook look_{controller_,
-                  {.files = files_,
-                   .decoder = decoder_,
-                   .mainQueue = queue_,
-                   .cacheDirectory = disk_ / "cache"}};
+  QuickLook look_{
+      controller_,
+      {.files = files_, .decoder = decoder_, .mainQueue = queue_, .cacheDirectory = disk_ / "cache"}};
   PhotoActions actions_{
       controller_,
       {.mainQueue = queue_, .files = files_, .decoder = decoder_, .trash = trash_, .desktop = desktop_}};
@@ -95,6 +107,7 @@ private:
                       .desktop = desktop_,
                       .sampleFolder = disk_ / "sample"}};
   std::optional<fennick::UploadActivity::Upload> upload_;
+  int hangings_ = 0; // how often the wall was filled
 };
 
 } // namespace quarrow::test

@@ -1,0 +1,107 @@
+import QtQuick
+import Tevrin
+
+// The photo that has the keyboard on the wall, over everything else in the window. Place it last in the window's
+// content and let it fill that; what it covers is best disabled while it is `opened`. It takes the keyboard.
+FocusScope {
+    id: look
+
+    readonly property bool opened: Look.open
+    property bool detailed: false
+
+    signal closed
+
+    function open() {
+        Wall.moveCurrent(0);
+        stage.reset();
+        Look.open = true;
+        stage.forceActiveFocus();
+    }
+
+    function close() {
+        Look.open = false;
+        closed();
+    }
+
+    objectName: "quickLook"
+    visible: opacity > 0
+    enabled: opened
+    opacity: opened ? 1 : 0
+    Accessible.role: Accessible.Dialog
+    Accessible.name: qsTr("快速查看")
+    Accessible.ignored: !opened
+
+    Binding {
+        target: Look
+        property: "file"
+        value: Wall.currentFile
+    }
+    Behavior on opacity {
+        enabled: !Theme.still
+
+        NumberAnimation {
+            duration: Theme.motion
+            easing.type: Easing.OutCubic
+        }
+    }
+
+    Keys.onPressed: event => event.accepted = keys.press(event)
+
+    LookKeys {
+        id: keys
+
+        stage: stage
+        onCloses: look.close()
+        onTogglesDetails: look.detailed = !look.detailed
+    }
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.background
+
+        MouseArea { // nothing beneath is meant
+            anchors.fill: parent
+            hoverEnabled: true
+            onWheel: wheel => wheel.accepted = true
+        }
+    }
+    LookStage {
+        id: stage
+
+        focus: true
+        anchors.left: parent.left
+        anchors.right: look.width < 640 ? parent.right : side.left
+        anchors.top: bar.bottom
+        anchors.bottom: parent.bottom
+    }
+    LookSide {
+        id: side
+
+        anchors.top: bar.bottom
+        anchors.bottom: parent.bottom
+        x: look.width - width * drawn
+        width: Math.min(300, look.width - 64)
+        visible: drawn > 0
+        enabled: look.detailed
+
+        property real drawn: look.detailed ? 1 : 0
+
+        Behavior on drawn {
+            enabled: !Theme.still
+
+            NumberAnimation {
+                duration: Theme.motion
+                easing.type: Easing.OutCubic
+            }
+        }
+    }
+    LookBar {
+        id: bar
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        zoom: stage.zoom
+        detailed: look.detailed
+        onTogglesDetails: look.detailed = !look.detailed
+        onCloses: look.close()
+    }
+}
