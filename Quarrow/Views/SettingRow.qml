@@ -2,18 +2,24 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What a setting is called and means, and beside it its control.
-RowLayout {
+// What a setting is called and means, and beside it its control: below it where there is no room.
+GridLayout {
     id: row
 
     default property alias control: place.data
     property string text
     property string detail
+    readonly property bool stacked: width < 420 && place.implicitWidth > 130
 
-    spacing: 16
+    columns: stacked ? 1 : 2
+    columnSpacing: 16
+    rowSpacing: 8
+    Layout.fillWidth: true
 
     ColumnLayout {
         spacing: 2
+        Layout.alignment: place.implicitHeight > 44 ? Qt.AlignTop : Qt.AlignVCenter
+        Layout.fillWidth: true
 
         Words {
             text: row.text
@@ -32,5 +38,6 @@ RowLayout {
 
         spacing: 8
         Layout.fillWidth: false
+        Layout.alignment: implicitHeight > 44 || row.stacked ? Qt.AlignTop : Qt.AlignVCenter
     }
 }

@@ -5,99 +5,44 @@ import Tevrin
 AppWindow {
     id: window
 
+    property alias page: switcher.current
+
     title: qsTr("设置")
-    width: 600
+    width: 640
     height: 740
     minimumWidth: 380
     minimumHeight: 360
+    Component.onCompleted: Settings.watched = true
+    Component.onDestruction: Settings.watched = false
 
-    ScrollPage {
+    ColumnLayout {
         anchors.fill: parent
-        widest: 640
-        spacing: 24
+        spacing: 0
 
-        ErrorNotice {
+        PageSwitcher {
+            id: switcher
+
+            objectName: "pages"
+            focus: true
+            pages: [{text: qsTr("通用"), icon: "settings"}, {text: qsTr("图片处理"), icon: "image"}, {text: qsTr("收到之后"), icon: "bolt"}]
+            Layout.topMargin: 16
+            Layout.leftMargin: 24
+            Layout.rightMargin: 24
+            Layout.maximumWidth: 640
             Layout.fillWidth: true
+            Layout.alignment: Qt.AlignHCenter
         }
-        Section {
-            title: qsTr("保存")
+        StackLayout {
+            currentIndex: switcher.current
+            Layout.fillWidth: true
+            Layout.fillHeight: true
 
-            SettingRow {
-                text: qsTr("保存目录")
-                detail: Phrases.folder(Server.saveFolder)
-
-                PushButton {
-                    text: qsTr("打开")
-                    Accessible.name: qsTr("打开保存目录")
-                    onClicked: Shell.openSaveFolder()
-                }
-                PushButton {
-                    text: qsTr("更改…")
-                    Accessible.name: qsTr("更改保存目录")
-                    onClicked: chooser.open()
-                }
+            GeneralPage {
+                onResetAsked: confirmation.open()
             }
+            ImagingPage {}
+            WorkflowPage {}
         }
-        Section {
-            title: qsTr("手机")
-
-            GalleryToggle {
-                Layout.fillWidth: true
-            }
-            Rule {}
-            PortRow {}
-            Rule {}
-            ColumnLayout {
-                spacing: 8
-
-                SettingRow {
-                    text: qsTr("快捷指令上传地址")
-                    detail: qsTr("填进 iPhone 的快捷指令，不扫码也能传。用法见帮助。")
-                }
-                UploadAddress {
-                    Layout.fillWidth: true
-                }
-            }
-            Rule {}
-            SettingRow {
-                text: qsTr("访问密钥")
-                detail: qsTr("不想让扫过码的人再传照片时，换一把新的。")
-
-                PushButton {
-                    objectName: "resetKey"
-                    text: qsTr("重置…")
-                    Accessible.name: qsTr("重置访问密钥")
-                    onClicked: confirmation.open()
-                }
-            }
-        }
-        Section {
-            title: qsTr("这台电脑")
-
-            ToggleRow {
-                text: qsTr("登录时启动")
-                detail: qsTr("在后台等着收照片，不打开窗口")
-                checked: Shell.startsAtLogin
-                Layout.fillWidth: true
-                onToggled: Shell.startsAtLogin = checked
-            }
-            Rule {}
-            SettingRow {
-                text: qsTr("全局快捷键")
-                detail: qsTr("随时打开二维码。⌃ Ctrl　⌥ Alt　⇧ Shift　⌘ Super")
-
-                Choice {
-                    objectName: "hotKey"
-                    name: qsTr("全局快捷键")
-                    model: Phrases.hotKeyChoices(Shell.hotKeyPresets)
-                    value: Shell.hotKeyPreset
-                    onChosen: preset => Shell.hotKeyPreset = preset
-                }
-            }
-        }
-    }
-    FolderChooser {
-        id: chooser
     }
     ConfirmationSheet {
         id: confirmation

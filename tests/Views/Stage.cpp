@@ -175,6 +175,22 @@ bool Stage::isStillAfter(const QString &group, const QString &key, const QVarian
   return appearance.still();
 }
 
+void Stage::lookAhead() {
+  form_.setWatched(true);
+  queue_.runUntil([this] { return !form_.nextName().isEmpty(); });
+}
+
+void Stage::offerApplications(const QStringList &names) {
+  queue_.runUntil([this] { return !form_.workflow()->isSearching(); });
+  std::vector<fennick::InstalledApplication> applications;
+  for (const auto &name : names)
+    applications.push_back({.entry = disk_.write(name.toStdString() + ".desktop"),
+                            .name = name.toStdString(),
+                            .icon = {},
+                            .isMadeForIt = true});
+  form_.workflow()->applications()->setApplications(std::move(applications));
+}
+
 QStringList Stage::asked() {
   QStringList all;
   for (const auto &each : desktop_.take())

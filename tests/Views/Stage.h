@@ -60,6 +60,12 @@ public:
   void rememberOrigin();
   [[nodiscard]] fennick::test::FakeDecoder &decoder() { return decoder_; }
 
+  // The settings' examples are those of the folder.
+  Q_INVOKABLE void lookAhead();
+  // These applications are installed, and were found.
+  Q_INVOKABLE void offerApplications(const QStringList &names);
+  [[nodiscard]] SettingsForm &form() { return form_; }
+
   [[nodiscard]] ServerModel &server() { return controller_.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 

@@ -1,0 +1,27 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// A field with what it is called above it.
+ColumnLayout {
+    id: field
+
+    default property alias content: place.data
+    property string text
+
+    spacing: 4
+    Layout.fillWidth: true
+    Layout.alignment: Qt.AlignTop
+
+    Words {
+        text: field.text
+        quiet: true
+        font.pixelSize: Theme.caption
+        Accessible.ignored: true
+    }
+    RowLayout {
+        id: place
+
+        Layout.fillWidth: true
+    }
+}

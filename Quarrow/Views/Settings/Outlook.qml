@@ -1,0 +1,36 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// What the settings above it mean for the next photo.
+RowLayout {
+    id: outlook
+
+    property string text
+    property string what
+
+    spacing: 8
+    Accessible.role: Accessible.StaticText
+    Accessible.name: qsTr("%1 %2").arg(text).arg(what)
+
+    Icon {
+        name: "image"
+        color: Theme.accent
+        Layout.preferredWidth: 18
+        Layout.preferredHeight: 18
+    }
+    Words {
+        text: outlook.text
+        quiet: true
+        font.pixelSize: Theme.caption
+        wrapMode: Text.NoWrap
+        Accessible.ignored: true
+    }
+    Words {
+        text: outlook.what || "…"
+        font.pixelSize: Theme.caption
+        wrapMode: Text.WrapAnywhere
+        Layout.fillWidth: true
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,53 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// Sets of options under plain names; whoever changes a field has options of their own.
+ColumnLayout {
+    id: picker
+
+    readonly property ImagingForm imaging: Settings.imaging
+
+    spacing: 8
+
+    Words {
+        text: qsTr("怎么处理照片")
+        font.weight: Font.DemiBold
+        Layout.leftMargin: 4
+        Layout.fillWidth: true
+        Accessible.role: Accessible.Heading
+    }
+    GridLayout {
+        columns: width < 440 ? 1 : 2
+        columnSpacing: 12
+        rowSpacing: 12
+        Layout.fillWidth: true
+
+        Repeater {
+            objectName: "presets"
+            model: picker.imaging.presets
+
+            // qmllint disable unqualified
+            PresetCard {
+                required property var modelData
+
+                text: modelData.text
+                detail: modelData.detail
+                checked: picker.imaging.preset === modelData.value
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredWidth: 1
+                onClicked: picker.imaging.preset = modelData.value
+            }
+            // qmllint enable unqualified
+        }
+    }
+    Words {
+        visible: picker.imaging.preset === "own"
+        text: qsTr("现在是自定义：下面的设置由你自己定。选上面任意一项可以回到现成的组合。")
+        quiet: true
+        font.pixelSize: Theme.caption
+        Layout.leftMargin: 4
+        Layout.fillWidth: true
+    }
+}

@@ -1,0 +1,36 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// An action that can be switched on, and tried; below it what came of the try.
+ColumnLayout {
+    id: row
+
+    property alias text: toggle.text
+    property alias detail: toggle.detail
+    property alias checked: toggle.checked
+    property int action
+
+    signal toggled(bool checked)
+
+    spacing: 8
+
+    RowLayout {
+        spacing: 16
+
+        ToggleRow {
+            id: toggle
+
+            Layout.fillWidth: true
+            onToggled: row.toggled(checked)
+        }
+        TryButton {
+            attempt: row.action
+            what: row.text
+        }
+    }
+    Outcome {
+        action: row.action
+        Layout.fillWidth: true
+    }
+}
