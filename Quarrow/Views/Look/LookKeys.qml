@@ -48,6 +48,7 @@ QtObject {
 
     // False for keys that mean nothing here.
     function press(event) {
+        stage.ringed = event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab;
         const modifiers = event.modifiers & ~Qt.KeypadModifier;
         const meant = modifiers === Qt.ShiftModifier ? shifted[event.key] : modifiers ? null : plain[event.key];
         if (meant)

@@ -7,6 +7,7 @@ FocusScope {
 
     readonly property alias zoom: zoom
     readonly property bool shows: Look.kind === Look.Picture
+    property bool ringed: false // whether the keyboard is on its way around the window
 
     function reset() {
         zoom.reset();
@@ -90,21 +91,24 @@ FocusScope {
         width: Math.min(360, parent.width - 128)
         visible: Look.kind > Look.Picture
     }
-    Words {
-        id: patience
-
+    Words { // only where it takes a while
         anchors.centerIn: parent
         text: qsTr("正在打开…")
         quiet: true
-        visible: Look.kind === Look.Loading && slow
+        visible: Look.kind === Look.Loading
 
-        property bool slow: false
-
-        Timer {
-            interval: 400
+        SequentialAnimation on opacity {
             running: Look.kind === Look.Loading
-            onTriggered: patience.slow = true
-            onRunningChanged: patience.slow = false
+
+            PropertyAction {
+                value: 0
+            }
+            PauseAnimation {
+                duration: 400
+            }
+            PropertyAction {
+                value: 1
+            }
         }
     }
     LookTurn {
@@ -124,13 +128,9 @@ FocusScope {
     }
     FocusRing {
         anchors.margins: 2
-        shown: photo.activeFocus && photo.visible && keyboard
+        shown: stage.ringed && photo.activeFocus && photo.visible
         innerRadius: 0
-
-        readonly property bool keyboard: stage.Window.active && stage.tabbed
     }
-
-    property bool tabbed: false
 
     component Glide: NumberAnimation {
         duration: Theme.motion

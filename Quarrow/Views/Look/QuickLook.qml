@@ -24,7 +24,7 @@ FocusScope {
     }
 
     objectName: "quickLook"
-    visible: opacity > 0
+    visible: opened || opacity > 0
     enabled: opened
     opacity: opened ? 1 : 0
     Accessible.role: Accessible.Dialog
@@ -35,6 +35,14 @@ FocusScope {
         target: Look
         property: "file"
         value: Wall.currentFile
+    }
+    Connections { // the last photo is gone
+        function onCurrentChanged() {
+            if (look.opened && Wall.currentIndex < 0)
+                look.close();
+        }
+
+        target: Wall
     }
     Behavior on opacity {
         enabled: !Theme.still
