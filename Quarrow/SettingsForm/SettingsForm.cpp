@@ -55,10 +55,10 @@ QString sessionProblem(const std::string &name) {
     return {};
   if (fennick::isReservedFolderName(name))
     return SettingsForm::tr("“%1”留给程序自己用，请换一个名称").arg(text(name));
-  if (name.starts_with('.'))
-    return SettingsForm::tr("名称不能以“.”开头：那样的文件夹是隐藏的");
   if (name.contains('/'))
     return SettingsForm::tr("只能是一层文件夹，名称里不能有“/”");
+  if (name.starts_with('.'))
+    return SettingsForm::tr("名称不能以“.”开头：那样的文件夹是隐藏的");
   return SettingsForm::tr("名称太长，或者含有不能用的字符");
 }
 

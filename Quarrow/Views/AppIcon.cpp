@@ -10,7 +10,9 @@ constexpr qreal kSide = 32;
 constexpr const char *kOwn = ":/qt/qml/Tevrin/icons/app.svg";
 } // namespace
 
-AppIcon::AppIcon(QQuickItem *parent) : QQuickPaintedItem(parent) { setImplicitSize(kSide, kSide); }
+AppIcon::AppIcon(QQuickItem *parent) : QQuickPaintedItem(parent), icon_(kOwn) {
+  setImplicitSize(kSide, kSide);
+}
 
 void AppIcon::setName(const QString &name) {
   if (name_ == name)

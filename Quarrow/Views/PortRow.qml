@@ -8,7 +8,7 @@ SettingRow {
     NumberBox {
         objectName: "port"
         name: qsTr("端口")
-        implicitWidth: 140
+        implicitWidth: error ? 250 : 140
         explains: true
         from: 1024
         to: 65535

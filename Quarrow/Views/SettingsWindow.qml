@@ -32,17 +32,28 @@ AppWindow {
             Layout.fillWidth: true
             Layout.alignment: Qt.AlignHCenter
         }
-        StackLayout {
-            currentIndex: switcher.current
+        Loader {
+            sourceComponent: [general, imaging, workflow][switcher.current]
             Layout.fillWidth: true
             Layout.fillHeight: true
-
-            GeneralPage {
-                onResetAsked: confirmation.open()
-            }
-            ImagingPage {}
-            WorkflowPage {}
         }
+    }
+    Component {
+        id: general
+
+        GeneralPage {
+            onResetAsked: confirmation.open()
+        }
+    }
+    Component {
+        id: imaging
+
+        ImagingPage {}
+    }
+    Component {
+        id: workflow
+
+        WorkflowPage {}
     }
     ConfirmationSheet {
         id: confirmation

@@ -1,5 +1,7 @@
 #include "tests/Views/Shots.h"
 
+#include "Quarrow/Views/Registration.h"
+
 #include <QMetaObject>
 #include <QQuickItem>
 #include <QQuickWindow>
@@ -55,11 +57,20 @@ void everythingOn(Stage &stage) {
 
 void choseApplication(Stage &stage) {
   everythingOn(stage);
-  auto &workflow = *stage.form().workflow();
-  workflow.chooseApplication("/etc/hostname", "GNU 图像处理程序");
+  stage.form().workflow()->chooseApplication("/etc/hostname", "GNU 图像处理程序");
   stage.hang({"IMG_2041.jpg"});
-  workflow.tryOut(WorkflowForm::Copy);
-  workflow.tryOut(WorkflowForm::Open);
+}
+
+void latestPhoto(Stage &stage) {
+  stage.hang({"七月旅行_042.jpg"});
+  stage.form().imaging()->setPreset("share");
+  stage.form().imaging()->setStripAllMetadata(true);
+  stage.lookAhead();
+}
+
+void tryAll(QObject &) {
+  for (const auto action : {WorkflowForm::Copy, WorkflowForm::Open, WorkflowForm::Sound, WorkflowForm::Note})
+    SettingsSingleton::instance->workflow()->tryOut(action);
 }
 
 void applications(Stage &stage) {
@@ -121,9 +132,10 @@ std::vector<Shot> settingsShots() {
               [](QObject &window) {
                 window.findChild<QQuickItem *>("limitsPixels")->forceActiveFocus(Qt::TabFocusReason);
               }),
+      shot("imaging-photo", Imaging, latestPhoto),
       shot("workflow", Workflow),
-      shot("workflow-plenty", Workflow, choseApplication),
-      sized(shot("workflow-narrow", Workflow, choseApplication), {380, 740}),
+      touched(shot("workflow-plenty", Workflow, choseApplication), tryAll),
+      touched(sized(shot("workflow-narrow", Workflow, choseApplication), {380, 740}), tryAll),
       touched(shot("workflow-chooser", Workflow, applications),
               [](QObject &window) { open(window, "applications"); }),
   };

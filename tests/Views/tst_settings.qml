@@ -63,12 +63,12 @@ TestCase {
         find("pages").forceActiveFocus(Qt.TabFocusReason);
         press(Qt.Key_Right);
         compare(window.page, 1);
-        verify(find("exampleAfter").visible && !find("sessionSubfolder").visible);
+        verify(find("exampleAfter") && !find("sessionSubfolder"));
         press(Qt.Key_Right, Qt.Key_Right);
         compare(window.page, 0);
         press(Qt.Key_Left);
         compare(window.page, 2);
-        verify(find("copy").visible);
+        verify(find("copy"));
     }
 
     function test_whatCannotBeTakenIsSaidBesideTheFieldAndEscapeBringsBackWhatHolds() {

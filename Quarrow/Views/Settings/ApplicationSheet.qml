@@ -61,7 +61,7 @@ Sheet {
         // qmllint disable unqualified
         delegate: ApplicationItem {
             width: ListView.view.width
-            ringed: ListView.isCurrentItem && list.activeFocus
+            ringed: ListView.isCurrentItem
             chosen: entry === sheet.workflow.applicationEntry
             onClicked: {
                 list.currentIndex = index;

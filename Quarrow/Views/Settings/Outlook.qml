@@ -18,19 +18,28 @@ RowLayout {
         color: Theme.accent
         Layout.preferredWidth: 18
         Layout.preferredHeight: 18
+        Layout.alignment: Qt.AlignTop
     }
-    Words {
-        text: outlook.text
-        quiet: true
-        font.pixelSize: Theme.caption
-        wrapMode: Text.NoWrap
-        Accessible.ignored: true
-    }
-    Words {
-        text: outlook.what || "…"
-        font.pixelSize: Theme.caption
-        wrapMode: Text.WrapAnywhere
-        Layout.fillWidth: true
-        Accessible.ignored: true
+    GridLayout {
+        columns: outlook.width < 440 ? 1 : 2
+        columnSpacing: 8
+        rowSpacing: 2
+        Layout.topMargin: 1
+
+        Words {
+            text: outlook.text
+            quiet: true
+            font.pixelSize: Theme.caption
+            wrapMode: Text.NoWrap
+            Layout.alignment: Qt.AlignTop
+            Accessible.ignored: true
+        }
+        Words {
+            text: outlook.what || "…"
+            font.pixelSize: Theme.caption
+            wrapMode: Text.WrapAnywhere
+            Layout.fillWidth: true
+            Accessible.ignored: true
+        }
     }
 }
