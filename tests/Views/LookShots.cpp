@@ -42,6 +42,8 @@ void damaged(Stage &stage) {
   look(stage);
 }
 
+void importing(Stage &) { ImportsSingleton::instance->importFiles({"none"}); }
+
 QObject *named(QObject &window, const char *name) { return window.findChild<QObject *>(name); }
 
 void detail(QObject &window) { named(window, "quickLook")->setProperty("detailed", true); }
@@ -74,12 +76,13 @@ std::vector<Shot> lookShots() {
       shot("small", at(kName, {320, 240})),
       shot("next", at(kName), reach),
       shot("zoomed", at(kName), zoom),
-      shot("details", remembered, detail),
+      shot("details", remembered, detail, {1000, 860}),
       shot("long", at(kLongName), detail),
       shot("narrow", at(kLongName), detail, {420, 620}),
       shot("video", at("20240501_092311.mov")),
       shot("oversized", at(kName, {30'000, 20'000})),
       shot("damaged", damaged),
+      {.view = "ImportBar", .state = "begins", .arrange = importing, .size = {360, 52}},
   };
 }
 
