@@ -28,15 +28,13 @@ QSGNode *Photo::updatePaintNode(QSGNode *old, UpdatePaintNodeData *) {
   if (image_.isNull())
     return nullptr;
   auto *node = static_cast<QSGImageNode *>(owned.get());
-  if (node == nullptr) {
+  if (node == nullptr || isNew_) {
     node = window()->createImageNode();
-    owned.reset(node);
+    owned.reset(node); // the old one goes with its texture
     node->setOwnsTexture(true);
-    isNew_ = true;
-  }
-  if (isNew_)
     node->setTexture(window()->createTextureFromImage(image_, QQuickWindow::TextureHasMipmaps));
-  isNew_ = false;
+    isNew_ = false;
+  }
   node->setFiltering(QSGTexture::Linear);
   node->setMipmapFiltering(QSGTexture::Linear);
   node->setRect(boundingRect());
