@@ -125,7 +125,7 @@ void PhotoActions::adopt(const std::vector<fennick::Renaming> &renamings) {
 }
 
 void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &numbering,
-                               const std::function<void(const QString &)> &finished) {
+                               const std::function<void(bool, const QString &)> &finished) {
   jobs_.run(
       static_cast<int>(photos.size()),
       [photos, numbering, services = services_](FileJobs::Ticket &ticket) {
@@ -140,10 +140,11 @@ void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &number
         const auto *renamed = std::get_if<Rename>(&outcome.done);
         if (renamed != nullptr)
           adopt(renamed->files);
-        if (!isEmpty(outcome.done) && outcome.problem.isEmpty())
+        const bool worked = !isEmpty(outcome.done) && outcome.problem.isEmpty();
+        if (worked)
           say(tr("已重命名 %1 项").arg(countOf(outcome.done)), true);
         remember(std::move(outcome.done));
-        finished(outcome.problem);
+        finished(worked, outcome.problem);
       });
 }
 
@@ -255,7 +256,7 @@ void PhotoActions::setNoteHeld(bool held) {
     return;
   if (!held)
     hideNoteLater();
-  emit noteChanged();
+  emit noteHeldChanged();
 }
 
 void PhotoActions::dismissNote() {
@@ -266,7 +267,7 @@ void PhotoActions::dismissNote() {
   emit noteChanged();
 }
 
-void PhotoActions::fail(const QString &sentence, Failures failures) {
+void PhotoActions::fail(const QString &sentence, Failures &&failures) {
   failure_ = sentence;
   failures_ = std::move(failures);
   emit failureChanged();

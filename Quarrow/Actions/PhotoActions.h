@@ -38,7 +38,7 @@ class PhotoActions : public QObject {
   Q_PROPERTY(QString note READ note NOTIFY noteChanged)
   Q_PROPERTY(bool noteCanBeUndone READ noteCanBeUndone NOTIFY noteChanged)
   // Somebody reads the note, or is about to press its button: it stays until this is false again.
-  Q_PROPERTY(bool noteHeld READ noteHeld WRITE setNoteHeld NOTIFY noteChanged)
+  Q_PROPERTY(bool noteHeld READ noteHeld WRITE setNoteHeld NOTIFY noteHeldChanged)
   Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged)
   // What went wrong last: a sentence, and a line for each file. Empty until something does, and again once it
   // is dismissed.
@@ -87,6 +87,7 @@ signals:
   void selectionChanged();
   void applicationsChanged();
   void noteChanged();
+  void noteHeldChanged();
   void undoChanged();
   void failureChanged();
   void askedToOpenMany(int count);
@@ -94,14 +95,14 @@ signals:
 private:
   void follow();
   void renameBatch(const Paths &photos, const fennick::PhotoFileOps::Numbering &numbering,
-                   const std::function<void(const QString &)> &finished);
+                   const std::function<void(bool, const QString &)> &finished);
   void finishTrash(Outcome outcome);
   void finishUndo(const Deed &deed, Outcome outcome);
   void adopt(const std::vector<fennick::Renaming> &renamings);
   void remember(Deed deed);
   void say(const QString &note, bool canBeUndone);
   void hideNoteLater();
-  void fail(const QString &sentence, Failures failures);
+  void fail(const QString &sentence, Failures &&failures);
   [[nodiscard]] Desktop::Failed failedTo(const QString &what);
 
   AppController &controller_;

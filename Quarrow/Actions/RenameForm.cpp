@@ -87,14 +87,15 @@ void RenameForm::show(int edition, const ops::Result<Renamings> &names) {
 void RenameForm::apply() {
   if (!std::exchange(ready_, false))
     return;
-  rename_(photos_, numbering(), [this](const QString &problem) { end(problem); });
+  rename_(photos_, numbering(), [this](bool renamed, const QString &problem) { end(renamed, problem); });
   emit changed();
 }
 
-void RenameForm::end(const QString &problem) {
+void RenameForm::end(bool renamed, const QString &problem) {
   problem_ = problem;
+  ready_ = !renamed && problem.isEmpty(); // it was stopped, and can be tried again
   emit changed();
-  emit finished(problem.isEmpty());
+  emit finished(renamed);
 }
 
 } // namespace quarrow

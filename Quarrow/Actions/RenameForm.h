@@ -35,9 +35,9 @@ public:
   static constexpr int kHighestStart = 999'999'999;
 
   // `services` and `jobs` outlive the form. `selected` gives the photos in their order; `rename` renames them
-  // and calls its last argument with what stood in the way, or nothing.
+  // and tells its last argument whether it did, and what stood in the way if it was not just stopped.
   using Apply = std::function<void(const Paths &, const fennick::PhotoFileOps::Numbering &,
-                                   std::function<void(const QString &)>)>;
+                                   std::function<void(bool, const QString &)>)>;
   RenameForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected, Apply rename);
 
   [[nodiscard]] const QString &prefix() const { return prefix_; }
@@ -66,7 +66,7 @@ private:
   void edited();
   void look();
   void show(int edition, const fennick::PhotoFileOps::Result<Renamings> &names);
-  void end(const QString &problem);
+  void end(bool renamed, const QString &problem);
 
   const ActionServices services_;
   FileJobs &jobs_;

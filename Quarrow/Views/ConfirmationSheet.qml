@@ -3,12 +3,13 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// Asks before something that cannot be taken back; Escape and a click beside it mean no.
+// Asks before something that is hard to take back; Escape and a click beside it mean no.
 T.Dialog {
     id: sheet
 
     property string text
     property string confirmText
+    property int confirmKind: PushButton.Danger
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -44,7 +45,7 @@ T.Dialog {
             PushButton {
                 objectName: "confirm"
                 text: sheet.confirmText
-                kind: PushButton.Danger
+                kind: sheet.confirmKind
                 onClicked: sheet.accept()
             }
         }

@@ -50,18 +50,5 @@ Flickable {
         spacing: 12
     }
 
-    T.ScrollBar.vertical: T.ScrollBar {
-        padding: 2
-        implicitWidth: 10
-        minimumSize: 0.1
-        visible: size < 1
-        Accessible.name: qsTr("滚动条")
-
-        contentItem: Rectangle {
-            implicitWidth: 6
-            radius: 3
-            color: Theme.edge
-            opacity: 0.6
-        }
-    }
+    T.ScrollBar.vertical: ThinBar {}
 }

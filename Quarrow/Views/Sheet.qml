@@ -33,8 +33,9 @@ T.Dialog {
             padding: 6 // for the rings around controls
             spacing: 16
             implicitHeight: fittingHeight
-            Layout.leftMargin: -6
-            Layout.rightMargin: -6
+            widest: sheet.availableWidth // what is left at its sides is the scroll bar's
+            Layout.leftMargin: -14
+            Layout.rightMargin: -14
             Layout.topMargin: 6
             Layout.fillWidth: true
             Layout.fillHeight: true

@@ -86,6 +86,7 @@ int run(const QString &folder, const QString &only) {
   QDir().mkpath(folder);
   const auto scale = qRound(qGuiApp->devicePixelRatio());
   auto shots = serviceShots();
+  std::ranges::move(actionsShots(), std::back_inserter(shots));
   std::ranges::move(settingsShots(), std::back_inserter(shots));
   std::ranges::move(lookShots(), std::back_inserter(shots));
   for (const auto &shot : shots)

@@ -23,6 +23,7 @@ struct Shot {
 void trouble(Stage &stage);
 void plenty(Stage &stage);
 
+std::vector<Shot> actionsShots();
 std::vector<Shot> lookShots();
 std::vector<Shot> serviceShots();
 std::vector<Shot> settingsShots();

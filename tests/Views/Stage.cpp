@@ -191,6 +191,28 @@ void Stage::offerApplications(const QStringList &names) {
   form_.workflow()->applications()->setApplications(std::move(applications));
 }
 
+void Stage::select(const QStringList &names) {
+  PhotoSelection::Paths chosen;
+  for (const auto &item : controller_.library().items())
+    if (names.contains(QString::fromStdString(item.name)))
+      chosen.insert(item.url);
+  controller_.selection().set(std::move(chosen));
+}
+
+void Stage::awaitActions() {
+  queue_.advance(fennick::Seconds(0.2));
+  bool answered = false; // after everything that was asked before
+  actions_.jobs()->ask([] { return true; }, [&answered](bool) { answered = true; });
+  queue_.runUntil([&] { return answered; });
+}
+
+QStringList Stage::photoNames() {
+  QStringList names;
+  for (const auto &name : disk_.names("photos"))
+    names.append(QString::fromStdString(name));
+  return names;
+}
+
 QStringList Stage::asked() {
   QStringList all;
   for (const auto &each : desktop_.take())

@@ -12,6 +12,7 @@
 #include "tests/App/RecordingDesktop.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/KeepingTrash.h"
 #include "tests/Support/ManualQueue.h"
 #include "tests/Support/TemporaryFolder.h"
 
@@ -66,6 +67,15 @@ public:
   Q_INVOKABLE void offerApplications(const QStringList &names);
   [[nodiscard]] SettingsForm &form() { return form_; }
 
+  // Files are saved where the photos on the wall lie.
+  Q_INVOKABLE void saveWithPhotos() { server().setSaveFolder(disk_ / "photos"); }
+  // Selects these of the photos on the wall.
+  Q_INVOKABLE void select(const QStringList &names);
+  // What was asked of the photo actions is done, and what was typed has been looked at.
+  Q_INVOKABLE void awaitActions();
+  // The names in the folder that the wall shows, sorted.
+  Q_INVOKABLE QStringList photoNames();
+
   [[nodiscard]] ServerModel &server() { return controller_.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 
@@ -84,9 +94,7 @@ private:
   fennick::test::FaultyFileSystem files_;
   fennick::test::ManualQueue queue_;
   fennick::test::FakeDecoder decoder_;
-  class NoTrash final : public fennick::Trash {
-    fennick::IOResult<fennick::Trashed> moveToTrash(const std::filesystem::path &) override { return {}; }
-  } trash_;
+  fennick::test::KeepingTrash trash_{disk_ / "trash"};
   RecordingDesktop desktop_;
   HandNetwork network_;
   AppController controller_;

@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// What an action could not do, file by file; what it could do is done.
+Sheet {
+    id: sheet
+
+    objectName: "failureSheet"
+    title: Actions.failure
+    widest: 440
+    first: fine
+    onClosed: Actions.dismissFailure()
+
+    FileLines {
+        visible: lines.length > 0
+        lines: Actions.failureLines
+        Layout.fillWidth: true
+    }
+
+    buttons: [
+        Item {
+            Layout.fillWidth: true
+        },
+        PushButton {
+            id: fine
+
+            text: qsTr("知道了")
+            kind: PushButton.Primary
+            onClicked: sheet.close()
+        }
+    ]
+}

@@ -1,0 +1,130 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Tevrin
+
+// New names for a batch: what is entered, and what each photo will be called.
+Sheet {
+    id: sheet
+
+    readonly property RenameForm form: Actions.renaming
+    property bool busy: false
+
+    function apply() {
+        if (form.ready && !busy) {
+            busy = true;
+            form.apply();
+        }
+    }
+
+    objectName: "renameSheet"
+    title: qsTr("重命名 %1 项").arg(form.count)
+    detail: qsTr("按照片墙上的顺序编号，扩展名不变。")
+    widest: 520
+    first: prefix
+    closePolicy: busy ? T.Popup.NoAutoClose : T.Popup.CloseOnEscape
+    onAboutToShow: {
+        busy = false;
+        form.begin();
+    }
+
+    Connections {
+        target: sheet.form
+
+        function onFinished(renamed) {
+            sheet.busy = false;
+            if (renamed)
+                sheet.close();
+            else
+                prefix.forceActiveFocus();
+        }
+    }
+    RowLayout {
+        spacing: 12
+        enabled: !sheet.busy
+        Keys.onReturnPressed: sheet.apply()
+        Keys.onEnterPressed: sheet.apply()
+
+        FieldColumn {
+            label: qsTr("开头")
+            Layout.fillWidth: true
+            Layout.alignment: Qt.AlignTop
+
+            TextBox {
+                id: prefix
+
+                objectName: "prefix"
+                name: qsTr("名称的开头")
+                placeholder: qsTr("例如 海边-")
+                value: sheet.form.prefix
+                error: sheet.form.problem
+                pause: 0
+                maximumLength: 200
+                onTaken: text => sheet.form.prefix = text
+                Layout.fillWidth: true
+            }
+        }
+        FieldColumn {
+            label: qsTr("位数")
+            Layout.fillWidth: false
+            Layout.alignment: Qt.AlignTop
+
+            NumberBox {
+                objectName: "digits"
+                name: qsTr("编号的位数")
+                implicitWidth: 72
+                from: 1
+                to: 9
+                number: sheet.form.digits
+                onEntered: number => sheet.form.digits = number
+            }
+        }
+        FieldColumn {
+            label: qsTr("从几开始")
+            Layout.fillWidth: false
+            Layout.alignment: Qt.AlignTop
+
+            NumberBox {
+                objectName: "start"
+                name: qsTr("第一个编号")
+                implicitWidth: 112
+                number: sheet.form.start
+                onEntered: number => sheet.form.start = number
+            }
+        }
+    }
+    NamePreview {
+        opacity: sheet.form.problem ? 0.45 : 1
+        model: sheet.form.preview
+        Layout.fillWidth: true
+    }
+    WorkProgress {
+        visible: sheet.busy
+        verb: qsTr("正在重命名")
+        Layout.fillWidth: true
+    }
+
+    buttons: [
+        Item {
+            Layout.fillWidth: true
+        },
+        PushButton {
+            objectName: "cancel"
+            text: sheet.busy ? qsTr("停止") : qsTr("取消")
+            enabled: !sheet.busy || !Actions.jobs.stopping
+            onClicked: {
+                if (sheet.busy)
+                    Actions.jobs.stop();
+                else
+                    sheet.close();
+            }
+        },
+        PushButton {
+            objectName: "apply"
+            text: qsTr("重命名")
+            kind: PushButton.Primary
+            enabled: sheet.form.ready && !sheet.busy
+            onClicked: sheet.apply()
+        }
+    ]
+}
