@@ -1,0 +1,178 @@
+#include "tests/Actions/ActionsFixture.h"
+
+#include <QSignalSpy>
+
+#include <cerrno>
+
+namespace quarrow {
+namespace {
+
+using fennick::test::FakeDecoder;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Operation = fennick::test::FaultyFileSystem::Operation;
+
+class PhotoActionsTest : public test::ActionsTest {};
+
+TEST_F(PhotoActionsTest, WhatIsSelectedIsHandedOverInTheOrderOfTheWall) {
+  hang({"b.jpg", "a.jpg", "c.mov"});
+  actions.open();
+  EXPECT_THAT(desktop.take(), IsEmpty());
+  select({"a.jpg", "b.jpg", "gone.jpg"});
+  EXPECT_EQ(actions.count(), 2);
+  select({"a.jpg", "b.jpg", "c.mov"});
+  EXPECT_EQ(actions.count(), 3);
+  EXPECT_EQ(actions.pictures(), 2);
+  actions.open();
+  actions.showInFolder();
+  actions.copy();
+  EXPECT_THAT(desktop.take(),
+              ElementsAre("open b.jpg a.jpg c.mov", "show b.jpg a.jpg c.mov", "copy b.jpg a.jpg c.mov"));
+  EXPECT_EQ(actions.note(), "已拷贝 3 项");
+  actions.openWith("/usr/share/applications/viewer.desktop");
+  EXPECT_THAT(desktop.take(), ElementsAre("open b.jpg a.jpg c.mov with viewer.desktop"));
+  EXPECT_EQ(actions.failureLines(), QStringList("b.jpg：no such program"));
+}
+
+TEST_F(PhotoActionsTest, ManyAreOpenedOnlyAfterAQuestion) {
+  Names names;
+  for (int i = 0; i <= PhotoActions::kManyToOpen; ++i)
+    names.push_back(fmt::format("{:02}.jpg", i));
+  hang(names);
+  select(names);
+  QSignalSpy asked(&actions, &PhotoActions::askedToOpenMany);
+  actions.open();
+  EXPECT_EQ(asked.count(), 1);
+  EXPECT_THAT(desktop.take(), IsEmpty());
+  actions.open(true);
+  EXPECT_EQ(desktop.take().size(), 1U);
+}
+
+TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
+  hang({"a.jpg", "b.jpg"});
+  select({"a.jpg"});
+  EXPECT_EQ(actions.rename("b"), "已存在同名文件：b.jpg");
+  EXPECT_EQ(actions.rename("x/y"), "文件名不合法");
+  EXPECT_EQ(actions.rename("a"), "");
+  EXPECT_FALSE(actions.canUndo());
+  EXPECT_EQ(actions.rename(" c "), "");
+  EXPECT_THAT(wall(), ElementsAre("c.jpg", "b.jpg"));
+  EXPECT_THAT(selected(), ElementsAre("c.jpg"));
+  actions.undo();
+  settle();
+  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg"));
+  EXPECT_THAT(selected(), ElementsAre("a.jpg"));
+  EXPECT_EQ(disk.read("photos/a.jpg"), "content of a.jpg");
+}
+
+TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
+  hang({"a.jpg", "b.jpg", "c.jpg", "d.jpg"});
+  trash.refused = "c.jpg";
+  select({"a.jpg", "c.jpg", "d.jpg"});
+  actions.trash();
+  settle();
+  EXPECT_THAT(wall(), ElementsAre("b.jpg", "c.jpg"));
+  EXPECT_THAT(selected(), ElementsAre("c.jpg"));
+  EXPECT_EQ(actions.note(), "已将 2 项移到废纸篓");
+  EXPECT_TRUE(actions.noteCanBeUndone());
+  EXPECT_EQ(actions.failure(), "1 项没能移到废纸篓");
+  EXPECT_EQ(actions.failureLines(), QStringList("c.jpg：它所在的磁盘没有废纸篓"));
+  select({"b.jpg"});
+  actions.trash();
+  settle();
+
+  actions.undo();
+  settle();
+  EXPECT_THAT(selected(), ElementsAre("b.jpg"));
+  disk.write("photos/d.jpg", "a new one");
+  actions.undo();
+  settle();
+  EXPECT_EQ(actions.note(), "原来的名字已被占用，放回为 d_2.jpg");
+  EXPECT_THAT(selected(), ElementsAre("a.jpg", "d_2.jpg"));
+  EXPECT_FALSE(actions.canUndo());
+  queue.runUntil([this] { return wall().size() == 5; });
+  EXPECT_EQ(disk.read("photos/d_2.jpg"), "content of d.jpg");
+  EXPECT_EQ(disk.read("photos/d.jpg"), "a new one");
+}
+
+TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
+  hang({"a.jpg", "b.jpg"});
+  select({"a.jpg", "b.jpg"});
+  actions.trash();
+  settle();
+  files.failAlways(Operation::moveNoReplace, EACCES);
+  actions.undo();
+  settle();
+  EXPECT_EQ(actions.failureLines(), (QStringList{"a.jpg：没有权限", "b.jpg：没有权限"}));
+  files.mend(Operation::moveNoReplace);
+  ASSERT_TRUE(actions.canUndo());
+  actions.undo();
+  awaitWall({"a.jpg", "b.jpg"});
+  EXPECT_EQ(actions.note(), "已放回 2 项");
+}
+
+TEST_F(PhotoActionsTest, TheNoteStaysForAWhileAndForAsLongAsItIsHeld) {
+  hang({"a.jpg", "b.jpg", "c.jpg"});
+  const auto deleteOne = [this](const char *name) {
+    select({name});
+    actions.trash();
+    settle();
+  };
+  deleteOne("a.jpg");
+  queue.advance(fennick::Seconds(5));
+  deleteOne("b.jpg"); // begins its own time
+  queue.advance(fennick::Seconds(5));
+  EXPECT_EQ(actions.note(), "已将 1 项移到废纸篓");
+  queue.advance(fennick::Seconds(4));
+  EXPECT_EQ(actions.note(), "");
+  EXPECT_TRUE(actions.canUndo()) << "the keyboard takes it back even then";
+  deleteOne("c.jpg");
+  actions.setNoteHeld(true);
+  queue.advance(fennick::Seconds(60));
+  EXPECT_NE(actions.note(), "");
+  actions.setNoteHeld(false);
+  queue.advance(fennick::Seconds(9));
+  EXPECT_EQ(actions.note(), "");
+}
+
+TEST_F(PhotoActionsTest, PicturesTurnAndTurnBackAndVideosAreLeftAlone) {
+  hang({"a.jpg", "b.jpg", "c.mov"});
+  select({"a.jpg", "b.jpg", "c.mov"});
+  actions.rotate(true);
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 6turned 6");
+  EXPECT_EQ(disk.read("photos/c.mov"), "content of c.mov");
+  actions.undo();
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
+  EXPECT_FALSE(actions.canUndo());
+  decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::unsupported));
+  actions.rotate(false);
+  settle();
+  EXPECT_EQ(actions.failure(), "2 张没能旋转");
+  EXPECT_EQ(actions.failureLines(), (QStringList{"a.jpg：写入失败", "b.jpg：写入失败"}));
+  EXPECT_FALSE(actions.canUndo());
+}
+
+TEST_F(PhotoActionsTest, WorkTellsHowFarItIsAndStopsAfterTheFileItIsAt) {
+  hang({"a.jpg", "b.jpg", "c.jpg"});
+  select({"a.jpg", "b.jpg", "c.jpg"});
+  decoder.hold();
+  actions.rotate(true);
+  actions.rotate(true);
+  decoder.awaitHeld(1);
+  EXPECT_EQ(actions.jobs()->total(), 6);
+  actions.jobs()->stop();
+  EXPECT_TRUE(actions.jobs()->stopping());
+  decoder.release();
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg"), "turned 6");
+  EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
+  EXPECT_EQ(actions.jobs()->total(), 0);
+  actions.undo(); // of the one
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
+}
+
+} // namespace
+} // namespace quarrow

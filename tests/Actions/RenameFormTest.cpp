@@ -1,0 +1,108 @@
+#include "tests/Actions/ActionsFixture.h"
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+
+#include <atomic>
+#include <cerrno>
+#include <latch>
+
+namespace quarrow {
+namespace {
+
+using ::testing::ElementsAre;
+using Operation = fennick::test::FaultyFileSystem::Operation;
+
+class RenameFormTest : public test::ActionsTest {
+protected:
+  // The new names, once they are those of what is entered.
+  Names preview() {
+    awaitAnswers();
+    Names names;
+    for (int row = 0; row < form.preview()->rowCount(); ++row)
+      names.push_back(form.preview()->index(row).data(RenamePreview::NewName).toString().toStdString());
+    return names;
+  }
+  bool apply() {
+    QSignalSpy finished(&form, &RenameForm::finished);
+    form.apply();
+    queue.runUntil([&] { return finished.count() == 1; });
+    return finished[0][0].toBool();
+  }
+
+  RenameForm &form = *actions.renaming();
+  QAbstractItemModelTester tester{form.preview(), QAbstractItemModelTester::FailureReportingMode::Fatal};
+};
+
+TEST_F(RenameFormTest, TheNamesAreShownBeforehandAndThenGivenAndTakenBack) {
+  hang({"b.jpg", "a.png", "other.jpg", "x-2.png"});
+  select({"a.png", "b.jpg"});
+  form.begin();
+  EXPECT_THAT(preview(), ElementsAre("001.jpg", "002.png"));
+  form.setPrefix("x-");
+  form.setDigits(1);
+  EXPECT_FALSE(form.ready());
+  EXPECT_THAT(preview(), ElementsAre("x-1.jpg", "x-3.png"));
+  form.setStart(9);
+  EXPECT_THAT(preview(), ElementsAre("x-9.jpg", "x-10.png"));
+  ASSERT_TRUE(apply());
+  EXPECT_THAT(wall(), ElementsAre("x-9.jpg", "x-10.png", "other.jpg", "x-2.png"));
+  EXPECT_THAT(selected(), ElementsAre("x-10.png", "x-9.jpg"));
+  EXPECT_EQ(disk.read("photos/x-9.jpg"), "content of b.jpg");
+  EXPECT_EQ(actions.note(), "已重命名 2 项");
+  actions.undo();
+  settle();
+  EXPECT_THAT(wall(), ElementsAre("b.jpg", "a.png", "other.jpg", "x-2.png"));
+}
+
+TEST_F(RenameFormTest, WhatStandsInTheWayIsSaidAndNothingIsHalfDone) {
+  hang({"a.jpg", "b.jpg"});
+  select({"a.jpg", "b.jpg"});
+  form.begin();
+  std::ignore = preview();
+  form.setPrefix(".x");
+  std::ignore = preview();
+  EXPECT_EQ(form.problem(), "名称不能以点开头，也不能含有 / 和 :");
+  EXPECT_FALSE(form.ready());
+  form.setPrefix(QString(90, u'长'));
+  std::ignore = preview();
+  EXPECT_EQ(form.problem(), "文件名太长");
+  form.setPrefix("x");
+  EXPECT_THAT(preview(), ElementsAre("x001.jpg", "x002.jpg"));
+  EXPECT_EQ(form.problem(), "");
+  files.failNext(Operation::moveNoReplace, EACCES);
+  EXPECT_FALSE(apply());
+  EXPECT_EQ(form.problem(), "没有权限");
+  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg"));
+  EXPECT_FALSE(actions.canUndo());
+}
+
+TEST_F(RenameFormTest, ABatchThatIsStoppedKeepsTheOldNames) {
+  hang({"a.jpg", "b.jpg", "c.jpg"});
+  select({"a.jpg", "b.jpg", "c.jpg"});
+  form.begin();
+  std::ignore = preview();
+  std::latch begun(1);
+  std::latch goesOn(1);
+  std::atomic<int> moves = 0;
+  files.before(Operation::moveNoReplace, [&] {
+    if (++moves != 4)
+      return;
+    begun.count_down();
+    goesOn.wait();
+  });
+  QSignalSpy finished(&form, &RenameForm::finished);
+  form.apply();
+  begun.wait();
+  actions.jobs()->stop();
+  goesOn.count_down();
+  queue.runUntil([&] { return finished.count() == 1; });
+  EXPECT_FALSE(finished[0][0].toBool());
+  EXPECT_TRUE(form.ready() && form.problem().isEmpty()) << "it can be tried again";
+  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
+  EXPECT_THAT(disk.names("photos"), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
+  EXPECT_EQ(actions.note(), "");
+}
+
+} // namespace
+} // namespace quarrow
