@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QPainter>
+#include <QPixmap>
 
 namespace quarrow {
 
@@ -27,7 +28,9 @@ void AppIcon::setName(const QString &name) {
 
 void AppIcon::paint(QPainter *painter) {
   painter->setRenderHint(QPainter::SmoothPixmapTransform);
-  icon_.paint(painter, boundingRect().toRect());
+  const QSize pixels = (boundingRect().size() * painter->deviceTransform().m11()).toSize();
+  const QPixmap drawn = icon_.pixmap(pixels, 1.0);
+  painter->drawPixmap(boundingRect(), drawn, drawn.rect());
 }
 
 } // namespace quarrow

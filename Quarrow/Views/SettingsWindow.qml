@@ -42,7 +42,7 @@ AppWindow {
         id: general
 
         GeneralPage {
-            onResetAsked: confirmation.open()
+            onResetAsked: confirmation.open() // qmllint disable unqualified
         }
     }
     Component {

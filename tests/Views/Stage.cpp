@@ -177,7 +177,7 @@ bool Stage::isStillAfter(const QString &group, const QString &key, const QVarian
 
 void Stage::lookAhead() {
   form_.setWatched(true);
-  queue_.runUntil([this] { return !form_.nextName().isEmpty(); });
+  queue_.runUntil([this] { return !form_.nextName().isEmpty() && !form_.imaging()->exampleBusy(); });
 }
 
 void Stage::offerApplications(const QStringList &names) {
