@@ -202,8 +202,8 @@ void ImagingForm::setLimitsPixels(bool limits) {
 }
 
 int ImagingForm::maxPixels() const {
-  return limitsPixels() ? static_cast<int>(std::min<std::int64_t>(*now().maxPixels, kMostPixels))
-                        : lastPixels_;
+  const auto limit = now().maxPixels.value_or(0);
+  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, kMostPixels)) : lastPixels_;
 }
 
 void ImagingForm::setMaxPixels(int pixels) {
@@ -211,11 +211,11 @@ void ImagingForm::setMaxPixels(int pixels) {
 }
 
 QString ImagingForm::pixelsMeaning() const {
-  if (!limitsPixels())
+  const auto edge = now().maxPixels.value_or(0);
+  if (edge < 1)
     return tr("照片保持原来的尺寸");
   constexpr std::int64_t kLong = 4032;
   constexpr std::int64_t kShort = 3024;
-  const auto edge = *now().maxPixels;
   if (edge >= kLong)
     return tr("一张 12 MP 的照片不会变小，更大的会缩到长边 %1").arg(edge);
   return tr("一张 12 MP 的照片会缩到 %1 × %2")
@@ -230,10 +230,9 @@ void ImagingForm::setLimitsBytes(bool limits) {
 }
 
 int ImagingForm::maxKilobytes() const {
-  if (!limitsBytes())
-    return lastKilobytes_;
-  const std::int64_t most = std::min(*now().maxBytes, kMostKilobytes * kKilobyte);
-  return static_cast<int>(std::max<std::int64_t>(1, (most + kKilobyte / 2) / kKilobyte));
+  const auto limit = std::min(now().maxBytes.value_or(0), kMostKilobytes * kKilobyte);
+  return limit > 0 ? static_cast<int>(std::max<std::int64_t>(1, (limit + kKilobyte / 2) / kKilobyte))
+                   : lastKilobytes_;
 }
 
 void ImagingForm::setMaxKilobytes(int kilobytes) {

@@ -8,10 +8,8 @@
 #include <optional>
 #include <string>
 
-namespace quarrow {
-
 // What processing makes of one photo, to show what options mean. Values and functions; any thread.
-namespace PhotoExample {
+namespace quarrow::PhotoExample {
 
 struct Size {
   std::int64_t width = 0; // as shown, turned upright
@@ -42,6 +40,4 @@ struct Example {
                                              const fennick::ImagingOptions &options,
                                              fennick::PictureDecoder &decoder);
 
-} // namespace PhotoExample
-
-} // namespace quarrow
+} // namespace quarrow::PhotoExample

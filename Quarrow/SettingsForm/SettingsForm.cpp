@@ -235,9 +235,8 @@ void SettingsForm::setStart(int start) {
 }
 
 int SettingsForm::uploadLimit() const {
-  const auto megabytes =
-      now().maxUploadBytes / kMegabyte + (now().maxUploadBytes % kMegabyte >= kMegabyte / 2);
-  return static_cast<int>(std::clamp<std::int64_t>(megabytes, 1, kMostMegabytes));
+  const auto bytes = std::clamp<std::int64_t>(now().maxUploadBytes, kMegabyte, kMostMegabytes * kMegabyte);
+  return static_cast<int>((bytes + kMegabyte / 2) / kMegabyte);
 }
 
 // A limit that rounds to the same number stays what it is.
@@ -267,8 +266,8 @@ void SettingsForm::setLimitsFolder(bool limits) {
 }
 
 int SettingsForm::folderLimit() const {
-  return limitsFolder() ? static_cast<int>(std::min<std::int64_t>(*now().folderLimit, kMostPhotos))
-                        : lastLimit_;
+  const auto limit = now().folderLimit.value_or(0);
+  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, kMostPhotos)) : lastLimit_;
 }
 
 void SettingsForm::setFolderLimit(int limit) {
@@ -311,7 +310,6 @@ QString SettingsForm::galleryFolderMeaning() const {
   const auto chosen = now().galleryFolder.value_or("");
   if (chosen.empty())
     return tr("手机看到的就是新照片所在的文件夹");
-  std::error_code ignored;
   const auto shown = controller_.galleryURL();
   if (shown == (controller_.makeDestination().folder / chosen).lexically_normal())
     return tr("手机只看得到保存目录里的“%1”").arg(text(chosen));

@@ -166,6 +166,8 @@ TEST_F(FormTest, WhatIsSwitchedOffComesBackAsItWas) {
 }
 
 TEST_F(FormTest, TheNextPhotosNameAndFolderAreThoseThatItWillGet) {
+  const auto day = fennick::localDayText(queue.clock().now());
+  const auto second = fennick::localSecondText(queue.clock().now());
   disk.write("photos/IMG_041.jpg"), disk.write("photos/note.txt"), disk.write("photos/.hidden.jpg");
   form.setNumbered(true);
   EXPECT_EQ(utf8(form.nextName()), ""); // nobody looks
@@ -183,11 +185,10 @@ TEST_F(FormTest, TheNextPhotosNameAndFolderAreThoseThatItWillGet) {
   runUntil([&] { return form.nextName() == "IMG_008.png"; });
   EXPECT_EQ(form.nextFolder().toStdString(), (disk / "photos/trip").string());
   form.setDateSubfolders(true);
-  const auto day = fennick::localDayText(queue.clock().now());
   runUntil([&] { return form.nextFolder().toStdString() == (disk / "photos" / day / "trip").string(); });
   EXPECT_EQ(utf8(form.nextName()), "IMG_001.png");
   form.setNumbered(false);
-  runUntil([&] { return utf8(form.nextName()) == fennick::localSecondText(queue.clock().now()) + ".png"; });
+  runUntil([&] { return utf8(form.nextName()) == second + ".png"; });
 }
 
 TEST_F(FormTest, TheFoldersForPhonesAreThoseThatAreThereAndTheChosenOne) {
