@@ -2,94 +2,105 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The way in for photos, at a glance.
+// The photo wall; while it has no photos, the way in for them.
 AppWindow {
     id: window
 
-    readonly property bool wide: width >= 720
+    readonly property bool filled: Wall.state === Wall.Filled
+    readonly property bool empty: Wall.state === Wall.Empty
 
     title: qsTr("Tevrin")
-    width: 840
-    height: 540
+    width: 1080
+    height: 720
     minimumWidth: 380
     minimumHeight: 360
+    onFilledChanged: {
+        if (filled && !look.opened)
+            grid.focusGrid();
+    }
 
-    ScrollPage {
+    Shortcut {
+        enabled: !look.opened && !grid.renaming && !actions.sheetOpen
+        sequences: ["Ctrl+Z"]
+        onActivated: Actions.undo()
+    }
+    Shortcut {
+        enabled: !look.opened && !grid.renaming && !actions.sheetOpen
+        sequences: ["Ctrl+V"]
+        onActivated: Wall.paste()
+    }
+    ColumnLayout {
         anchors.fill: parent
-        anchors.bottomMargin: bar.height
-        padding: 32
-        widest: window.wide ? 760 : 360
+        spacing: 0
+        enabled: !look.opened
 
-        Item {
-            id: place
-
-            implicitHeight: Math.max(least, window.height - bar.height - 64)
+        WallHeader {
+            visible: !window.empty
             Layout.fillWidth: true
+        }
+        ErrorNotice {
+            visible: Server.error && !window.empty && Wall.state !== Wall.Missing
+            Layout.fillWidth: true
+            Layout.margins: 8
+            Layout.bottomMargin: 0
+        }
+        FirewallNotice {
+            visible: Server.firewallAdvice && Shell.receivedCount === 0 && window.filled
+            Layout.fillWidth: true
+            Layout.margins: 8
+            Layout.bottomMargin: 0
+        }
+        Item {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
 
-            readonly property real least: window.wide ? Math.max(code.height, words.height) : code.height + 24 + words.height
-            readonly property real upper: Math.round((height - least) / 2)
+            PhotoGrid {
+                id: grid
 
-            ColumnLayout {
-                id: code
-
-                x: window.wide ? 0 : Math.round((place.width - width) / 2)
-                y: window.wide ? Math.round((place.height - height) / 2) : place.upper
-                width: 312
-                spacing: 8
-
-                QRCard {
-                    Layout.fillWidth: true
-                }
-                AddressLine {
-                    Layout.fillWidth: true
-                }
+                anchors.fill: parent
+                visible: window.filled
+                focus: window.filled
+                bottomSpace: importing.visible || Actions.note ? 64 : 0
+                Keys.forwardTo: [actions]
+                onLookedAt: look.open()
+                onMenuWanted: tile => tile ? actions.popupAt(tile) : actions.popup()
             }
-            GreetingColumn {
-                id: words
-
-                x: window.wide ? code.width + 48 : 0
-                y: window.wide ? Math.round((place.height - height) / 2) : code.y + code.height + 24
-                width: place.width - x
+            EmptyWall {
+                anchors.fill: parent
+                visible: window.empty
+                focus: window.empty
             }
+            WallMessages {
+                anchors.fill: parent
+            }
+            WallDrop {
+                anchors.fill: parent
+                clip: true
+                layout: grid.layout
+                onScrolled: distance => grid.scrollBy(distance)
+            }
+            ImportBar {
+                id: importing
+
+                anchors.horizontalCenter: parent.horizontalCenter
+                anchors.bottom: parent.bottom
+                anchors.bottomMargin: Actions.note ? 72 : 16
+            }
+            ActionsLayer {
+                id: actions
+
+                anchors.fill: parent
+                onRenameAsked: grid.rename()
+                onReleased: grid.focusGrid()
+            }
+        }
+        WallFooter {
+            Layout.fillWidth: true
         }
     }
-    Rectangle {
-        id: bar
+    QuickLook {
+        id: look
 
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.bottom: parent.bottom
-        height: 52
-        color: Theme.surface
-
-        Rectangle {
-            width: parent.width
-            height: 1
-            color: Theme.line
-        }
-        RowLayout {
-            anchors.fill: parent
-            anchors.leftMargin: 16
-            anchors.rightMargin: 12
-            spacing: 4
-
-            FolderRow {
-                Layout.fillWidth: true
-                Layout.maximumWidth: implicitContentWidth
-            }
-            Item {
-                Layout.fillWidth: true
-            }
-            IconButton {
-                text: qsTr("设置")
-                icon.name: "settings"
-                onClicked: Shell.showSettings()
-            }
-            IconButton {
-                text: qsTr("帮助")
-                icon.name: "help"
-                onClicked: Shell.showHelp()
-            }
-        }
+        onClosed: grid.focusGrid()
     }
 }

@@ -1,14 +1,24 @@
 #include "Quarrow/Views/View.h"
 
+#include "Quarrow/Views/Registration.h"
+#include "Quarrow/Views/TileImages.h"
+
 #include <QQmlComponent>
 #include <QQmlEngine>
 
 namespace quarrow {
 
-std::expected<std::unique_ptr<QObject>, QString> makeView(QQmlEngine &engine, const QString &name) {
+void prepareEngine(QQmlEngine &engine) {
   const QString modules = ":/qt/qml";
   if (!engine.importPathList().contains(modules))
     engine.addImportPath(modules);
+  if (engine.imageProvider(WallThumbnails::kProvider) == nullptr)
+    engine.addImageProvider(WallThumbnails::kProvider,
+                            std::make_unique<TileImages>(WallSingleton::instance->thumbnails()).release());
+}
+
+std::expected<std::unique_ptr<QObject>, QString> makeView(QQmlEngine &engine, const QString &name) {
+  prepareEngine(engine);
   QQmlComponent component(&engine);
   // Through an import, which makes the types in C++ known, unlike the file's own address.
   component.setData("import Tevrin\n" + name.toUtf8() + " {}", QUrl());

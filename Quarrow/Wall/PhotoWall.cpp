@@ -103,7 +103,6 @@ PhotoWall::PhotoWall(AppController &controller, const Services &services)
     model_.setSelected(controller_.selection().files());
     emit selectionChanged();
   });
-  connect(&controller_.imports(), &PhotoImport::changed, this, &PhotoWall::importChanged);
   model_.setRecent(library.recentlyAdded());
   show();
 }
@@ -383,16 +382,6 @@ bool PhotoWall::paste() {
       return true;
     }
   return false;
-}
-
-void PhotoWall::stopImport() { controller_.imports().stop(); }
-
-QString PhotoWall::importText() const {
-  const auto &imports = controller_.imports();
-  if (!imports.isRunning())
-    return {};
-  return imports.total() > 0 ? tr("正在导入 %1 / %2").arg(imports.done()).arg(imports.total())
-                             : tr("正在导入…");
 }
 
 void PhotoWall::moveSelectionTo(int place) {

@@ -24,7 +24,7 @@ namespace quarrow {
 // are counted from 0 in the order of `model`; lengths are in the units of the views. Main thread.
 class PhotoWall : public QObject {
   Q_OBJECT
-  Q_PROPERTY(quarrow::PhotoListModel *model READ model CONSTANT)
+  Q_PROPERTY(QAbstractItemModel *model READ model CONSTANT)
   Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY filterChanged)
   Q_PROPERTY(State state READ state NOTIFY stateChanged)
   Q_PROPERTY(int count READ count NOTIFY countsChanged) // of what is shown
@@ -38,8 +38,6 @@ class PhotoWall : public QObject {
   Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
   // The wanted side of a tile; kept across runs.
   Q_PROPERTY(int tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
-  Q_PROPERTY(
-      QString importText READ importText NOTIFY importChanged) // empty: nothing is brought in right now
   Q_PROPERTY(int smallestTile READ smallestTile CONSTANT)
   Q_PROPERTY(int largestTile READ largestTile CONSTANT)
 
@@ -118,8 +116,6 @@ public:
   Q_INVOKABLE void importFiles(const QList<QUrl> &files);
   // The same for files or a picture on the clipboard; false when it holds neither.
   Q_INVOKABLE bool paste();
-  Q_INVOKABLE void stopImport();
-  [[nodiscard]] QString importText() const;
 
   // Puts the selected photos before the one at `place` (or behind all), in their order.
   Q_INVOKABLE void moveSelectionTo(int place);
@@ -131,7 +127,6 @@ signals:
   void selectionChanged();
   void currentChanged();
   void tileSizeChanged();
-  void importChanged();
 
 private:
   using Items = PhotoListModel::Items;

@@ -71,14 +71,16 @@ WallThumbnails::WallThumbnails(fennick::FileSystem &files, const fs::path &cache
 QString WallThumbnails::address(const fennick::PhotoItem &item) {
   if (item.isVideo || item.isOversized || !item.pixelWidth)
     return {};
-  const auto path = bytesOf(item.url.native()).toBase64(kEncoding);
-  return QStringLiteral("image://%1/%2-%3-%4x%5/%6")
-      .arg(kProvider)
+  return QStringLiteral("image://%1/%2").arg(QLatin1StringView(kProvider), idOf(item));
+}
+
+QString WallThumbnails::idOf(const fennick::PhotoItem &item) {
+  return QStringLiteral("%1-%2-%3x%4/%5")
       .arg(item.date.time_since_epoch().count())
       .arg(item.bytes)
-      .arg(*item.pixelWidth)
+      .arg(item.pixelWidth.value_or(0))
       .arg(item.pixelHeight.value_or(0))
-      .arg(QString::fromLatin1(path));
+      .arg(QString::fromLatin1(bytesOf(item.url.native()).toBase64(kEncoding)));
 }
 
 QImage WallThumbnails::tile(const QString &id, int side) {

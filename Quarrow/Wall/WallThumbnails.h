@@ -25,8 +25,11 @@ public:
   // for pictures that are not decoded.
   [[nodiscard]] static QString address(const fennick::PhotoItem &item);
 
-  // The middle of the picture as a square of `side` pixels with round corners, from what follows
-  // "image://thumbs/" in its address; null when there is none. Blocks while the thumbnail is made.
+  // What follows "image://thumbs/" in the address.
+  [[nodiscard]] static QString idOf(const fennick::PhotoItem &item);
+
+  // The middle of the picture as a square of `side` pixels with round corners; null when there is none.
+  // Blocks while the thumbnail is made.
   [[nodiscard]] QImage tile(const QString &id, int side);
 
 private:

@@ -3,7 +3,9 @@
 #include "tests/Support/QRReader.h"
 
 #include <QAccessible>
+#include <QDragEnterEvent>
 #include <QImage>
+#include <QMimeData>
 #include <QSet>
 #include <QTest>
 
@@ -42,6 +44,27 @@ void Hands::press(QQuickWindow *window, int key, int modifiers) {
   QTest::keyClick(window, static_cast<Qt::Key>(key), static_cast<Qt::KeyboardModifiers>(modifiers));
 }
 
+bool Hands::drag(QQuickWindow *window, const QVariantMap &data, const QVariantList &points, bool drops) {
+  QMimeData content;
+  for (auto each = data.begin(); each != data.end(); ++each)
+    content.setData(each.key(), each.value().toString().toUtf8());
+  QDragLeaveEvent leave; // an earlier one is over
+  QCoreApplication::sendEvent(window, &leave);
+  const auto first = points.first().toPointF().toPoint();
+  QDragEnterEvent enter(first, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+  QCoreApplication::sendEvent(window, &enter);
+  const bool accepted = enter.isAccepted();
+  for (const auto &point : points) {
+    QDragMoveEvent move(point.toPointF().toPoint(), Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &move);
+  }
+  if (drops) {
+    QDropEvent drop(points.last().toPointF(), Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &drop);
+  }
+  return accepted;
+}
+
 QStringList Hands::unnamed(QQuickWindow *window) {
   QAccessible::setActive(true);
   QStringList problems;
@@ -65,7 +88,8 @@ QStringList Hands::unreached(QQuickWindow *window) {
   QSet<QQuickItem *> met;
   for (qsizetype i = 0; i <= stops.size(); ++i) {
     press(window, Qt::Key_Tab);
-    met.insert(window->activeFocusItem());
+    for (auto *item = window->activeFocusItem(); item != nullptr; item = item->parentItem())
+      met.insert(item); // a list that gives the keyboard to one of its items has been come to
   }
   QStringList missed;
   for (const auto *each : stops - met)

@@ -14,6 +14,11 @@ class Hands : public QObject {
 public:
   Q_INVOKABLE static void press(QQuickWindow *window, int key, int modifiers = Qt::NoModifier);
 
+  // Drags `data` (by format, as text) from one point of the window to the next, and drops it on the last one
+  // if `drops`. Whether it may be dropped there.
+  Q_INVOKABLE static bool drag(QQuickWindow *window, const QVariantMap &data, const QVariantList &points,
+                               bool drops);
+
   // What is wrong in the window's accessible tree: everything that takes the keyboard has a role and a name.
   Q_INVOKABLE static QStringList unnamed(QQuickWindow *window);
   // The controls that Tab does not come to on its way around the window.

@@ -49,9 +49,16 @@ std::unique_ptr<QQuickWindow> show(QQmlEngine &engine, const Shot &shot) {
   return window;
 }
 
-// Until the layouts have found their sizes and the changes of colour are over.
-void settle() {
-  for (int turn = 0; turn < 20; ++turn)
+bool isLoading(const QQuickItem &item) {
+  constexpr int kLoading = 2; // Image.Loading
+  if (item.inherits("QQuickImageBase") && item.property("status").toInt() == kLoading)
+    return true;
+  return std::ranges::any_of(item.childItems(), [](const auto *child) { return isLoading(*child); });
+}
+
+// Until the layouts have found their sizes, the changes of colour are over and the pictures are there.
+void settle(const QQuickWindow &window) {
+  for (int turn = 0; turn < 20 || isLoading(*window.contentItem()); ++turn)
     QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
@@ -62,7 +69,7 @@ void fit(QQuickWindow &window, const Shot &shot) {
     return;
   item->setHeight(item->implicitHeight());
   window.resize(item->size().toSize());
-  settle();
+  settle(window);
 }
 
 bool take(const Shot &shot, bool dark, const QString &file) {
@@ -76,8 +83,9 @@ bool take(const Shot &shot, bool dark, const QString &file) {
   if (!window)
     return false;
   window->show();
+  settle(*window);
   shot.touch(*window);
-  settle();
+  settle(*window);
   fit(*window, shot);
   return window->grabWindow().save(file);
 }
@@ -89,6 +97,7 @@ int run(const QString &folder, const QString &only) {
   std::ranges::move(actionsShots(), std::back_inserter(shots));
   std::ranges::move(settingsShots(), std::back_inserter(shots));
   std::ranges::move(lookShots(), std::back_inserter(shots));
+  std::ranges::move(wallShots(), std::back_inserter(shots));
   for (const auto &shot : shots)
     for (const bool dark : {false, true}) {
       const auto name =

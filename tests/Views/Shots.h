@@ -27,5 +27,6 @@ std::vector<Shot> actionsShots();
 std::vector<Shot> lookShots();
 std::vector<Shot> serviceShots();
 std::vector<Shot> settingsShots();
+std::vector<Shot> wallShots();
 
 } // namespace quarrow::test

@@ -8,6 +8,9 @@
 
 #include <QDir>
 
+#include <algorithm>
+#include <filesystem>
+
 namespace quarrow::test {
 
 namespace {
@@ -66,6 +69,7 @@ void Stage::settle() {
   shareFolder("fennick", 128);
   shell_.setGalleryEnabled(false);
   shell_.setPreferredInterface({});
+  clearWall();
   asked();
 }
 
@@ -167,6 +171,54 @@ void Stage::beginUpload() {
 void Stage::endUploads() {
   upload_.reset();
   queue_.advance(fennick::Seconds(1));
+}
+
+void Stage::makePhoto(const QString &name, int age) {
+  const auto file = disk_.write("photos/" + name.toStdString(), "");
+  const auto bytes = fennick::isVideoName(name.toStdString()) ? 24'000'000U : 2'400'000U;
+  std::filesystem::resize_file(file, bytes + static_cast<unsigned>(std::abs(age)) % 30 * 100'000);
+  std::ignore = fennick::setModificationTime(file, queue_.clock().now() - std::chrono::minutes(age));
+}
+
+void Stage::fillWall(const QStringList &names) {
+  decoder_.makeUp(true);
+  std::filesystem::remove_all(disk_ / "photos");
+  for (qsizetype i = 0; i < names.size(); ++i)
+    makePhoto(names[i], static_cast<int>(i));
+  auto &library = controller_.library();
+  library.setFolder({});
+  library.setFolder(disk_ / "photos");
+  queue_.runUntil([&] { return library.isListed(); });
+}
+
+void Stage::arrive(const QString &name) {
+  makePhoto(name, -1);
+  controller_.library().noteAdded(disk_ / ("photos/" + name.toStdString()));
+  awaitOnWall(name);
+}
+
+void Stage::awaitOnWall(const QString &name) {
+  queue_.runUntil([&] { return wallNames().contains(name); });
+}
+
+void Stage::losePhotos() {
+  auto &library = controller_.library();
+  library.setFolder(disk_ / "gone");
+  queue_.runUntil([&] { return library.isListed(); });
+}
+
+void Stage::clearWall() {
+  decoder_.makeUp(false);
+  controller_.library().setFolder({});
+  wall_.setFilter(PhotoWall::All);
+  wall_.setTileSize(PhotoWall::kUsualTile);
+}
+
+QStringList Stage::wallNames() {
+  QStringList names;
+  for (const auto &item : WallSingleton::instance->model()->items())
+    names.append(QString::fromStdString(item.name));
+  return names;
 }
 
 bool Stage::isStillAfter(const QString &group, const QString &key, const QVariant &value) {

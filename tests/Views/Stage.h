@@ -10,11 +10,11 @@
 #include "Quarrow/Wall/PhotoWall.h"
 #include "tests/App/HandNetwork.h"
 #include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/KeepingTrash.h"
 #include "tests/Support/ManualQueue.h"
 #include "tests/Support/TemporaryFolder.h"
+#include "tests/Views/MadeUpPhotos.h"
 
 #include <QObject>
 #include <QSize>
@@ -76,6 +76,22 @@ public:
   // The names in the folder that the wall shows, sorted.
   Q_INVOKABLE QStringList photoNames();
 
+  // The save folder holds made-up files of these names, the first one the newest, and the wall shows them.
+  Q_INVOKABLE void fillWall(const QStringList &names);
+  Q_INVOKABLE void arrive(const QString &name); // one more
+  Q_INVOKABLE void losePhotos();                // with their folder
+  Q_INVOKABLE void clearWall();
+  // The names on the wall, in its order.
+  Q_INVOKABLE static QStringList wallNames();
+  // A second wall over the same folder, and over the thumbnails that the first has left on the disk.
+  [[nodiscard]] std::unique_ptr<PhotoWall> anotherWall() {
+    return std::make_unique<PhotoWall>(controller_, wallServices());
+  }
+  // Lets time pass.
+  Q_INVOKABLE void pass(double seconds) { queue_.advance(fennick::Seconds(seconds)); }
+  // Runs what other threads hand over until a photo of this name is on the wall.
+  Q_INVOKABLE void awaitOnWall(const QString &name);
+
   [[nodiscard]] ServerModel &server() { return controller_.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 
@@ -88,25 +104,28 @@ public:
 
 private:
   void hangFiles(const QStringList &names);
+  void makePhoto(const QString &name, int age); // in minutes
+  [[nodiscard]] PhotoWall::Services wallServices() {
+    return {.preferences = preferences_,
+            .mainQueue = queue_,
+            .files = files_,
+            .clock = queue_.clock(),
+            .decoder = decoder_,
+            .cacheDirectory = disk_ / "cache"};
+  }
 
   fennick::test::TemporaryFolder disk_;
   fennick::FilePreferences preferences_{disk_ / "preferences.json"};
   fennick::test::FaultyFileSystem files_;
   fennick::test::ManualQueue queue_;
-  fennick::test::FakeDecoder decoder_;
+  MadeUpPhotos decoder_;
   fennick::test::KeepingTrash trash_{disk_ / "trash"};
   RecordingDesktop desktop_;
   HandNetwork network_;
   AppController controller_;
   LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
   Shell shell_{controller_, loginItem_};
-  PhotoWall wall_{controller_,
-                  {.preferences = preferences_,
-                   .mainQueue = queue_,
-                   .files = files_,
-                   .clock = queue_.clock(),
-                   .decoder = decoder_,
-                   .cacheDirectory = disk_ / "cache"}};
+  PhotoWall wall_{controller_, wallServices()};
   QuickLook look_{
       controller_,
       {.files = files_, .decoder = decoder_, .mainQueue = queue_, .cacheDirectory = disk_ / "cache"}};

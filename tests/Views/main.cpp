@@ -1,3 +1,4 @@
+#include "Quarrow/Views/View.h"
 #include "tests/Views/Hands.h"
 #include "tests/Views/Stage.h"
 
@@ -27,7 +28,7 @@ public slots:
   void qmlEngineAvailable(QQmlEngine *engine) {
     stage_.reset();
     stage_ = std::make_unique<quarrow::test::Stage>();
-    engine->addImportPath(":/qt/qml");
+    quarrow::prepareEngine(*engine);
   }
   void cleanupTestCase() { stage_.reset(); }
 

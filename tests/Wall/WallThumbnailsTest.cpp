@@ -66,8 +66,8 @@ TEST(WallThumbnailsTest, aTileIsTheMiddleOfThePictureFromARenditionThatIsSharpEn
     fennick::test::FaultyFileSystem files;
     Decoder decoder(size);
     WallThumbnails thumbnails(files, disk / "cache", decoder);
-    const auto address = WallThumbnails::address(pictureIn(disk.write("a \xFF 照片.jpg")));
-    const QImage tile = thumbnails.tile(address.mid(15), side);
+    const auto id = WallThumbnails::idOf(pictureIn(disk.write("a \xFF 照片.jpg")));
+    const QImage tile = thumbnails.tile(id, side);
     EXPECT_EQ(tile.size(), QSize(side, side));
     EXPECT_EQ(decoder.asked, asked) << size.width();
     EXPECT_EQ(qAlpha(tile.pixel(0, 0)), 0); // round
@@ -82,8 +82,8 @@ TEST(WallThumbnailsTest, whatCannotBeReadHasNoTile) {
   fennick::test::FakeDecoder decoder;
   WallThumbnails thumbnails(files, disk / "cache", decoder);
   const auto tileOf = [&](const std::filesystem::path &file) {
-    const auto address = WallThumbnails::address(pictureIn(file));
-    return thumbnails.tile(address.mid(15), 100);
+    const auto id = WallThumbnails::idOf(pictureIn(file));
+    return thumbnails.tile(id, 100);
   };
   EXPECT_TRUE(tileOf(disk / "gone.jpg").isNull());
   EXPECT_TRUE(tileOf(disk.write("damaged thumbnail.jpg")).isNull());

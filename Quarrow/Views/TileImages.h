@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Quarrow/Wall/WallThumbnails.h"
+
+#include <QQuickAsyncImageProvider>
+#include <QThreadPool>
+
+namespace quarrow {
+
+// Gives the views the pictures on the wall's tiles, "image://thumbs/…", without making anybody wait. What a
+// tile that was scrolled away had asked for is not made. Any thread.
+class TileImages final : public QQuickAsyncImageProvider {
+public:
+  // `thumbnails` outlives the object.
+  explicit TileImages(WallThumbnails &thumbnails);
+  ~TileImages() override; // waits for what is being made
+  TileImages(const TileImages &) = delete;
+  TileImages &operator=(const TileImages &) = delete;
+
+  QQuickImageResponse *requestImageResponse(const QString &id, const QSize &requestedSize) override;
+
+private:
+  WallThumbnails &thumbnails_;
+  QThreadPool pool_;
+};
+
+} // namespace quarrow

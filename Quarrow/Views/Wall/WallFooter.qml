@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// Where photos go, what is on its way, and how the service stands.
+Rectangle {
+    id: footer
+
+    readonly property bool wide: width >= 640
+
+    implicitHeight: 44
+    color: Theme.surface
+
+    Rectangle {
+        width: parent.width
+        height: 1
+        color: Theme.line
+    }
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: 16
+        anchors.rightMargin: 16
+        spacing: 16
+
+        FolderRow {
+            Layout.fillWidth: true
+            Layout.maximumWidth: implicitContentWidth
+        }
+        Item {
+            Layout.fillWidth: true
+        }
+        Words {
+            visible: footer.wide && text && !Arrivals.busy
+            text: Wall.limitText
+            quiet: true
+            wrapMode: Text.NoWrap
+            elide: Text.ElideRight
+            Layout.fillWidth: true
+            Layout.maximumWidth: implicitWidth
+        }
+        ProgressLine {
+            visible: Arrivals.busy
+            spacing: 4
+            Layout.fillWidth: false
+            Layout.preferredWidth: 220
+        }
+        StatusLine {
+            visible: !Arrivals.busy
+            Layout.fillWidth: false
+            Layout.maximumWidth: implicitWidth
+            Layout.preferredWidth: implicitWidth
+        }
+    }
+}

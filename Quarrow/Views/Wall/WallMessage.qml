@@ -1,0 +1,45 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// What a wall without photos says, and what to do about it.
+ColumnLayout {
+    id: message
+
+    default property alias actions: row.data
+    property string icon
+    property string title
+    property string text
+    property bool grave: false
+
+    width: Math.min(420, parent.width - 48)
+    spacing: 8
+
+    Badge {
+        icon: message.icon
+        ink: message.grave ? Theme.warning : Theme.accent
+        color: message.grave ? Theme.warningTint : Theme.accentTint
+        Layout.alignment: Qt.AlignHCenter
+        Layout.bottomMargin: 16
+    }
+    Heading {
+        text: message.title
+        horizontalAlignment: Text.AlignHCenter
+        Layout.fillWidth: true
+    }
+    Words {
+        visible: text
+        text: message.text
+        quiet: true
+        lineHeight: 1.15
+        horizontalAlignment: Text.AlignHCenter
+        Layout.fillWidth: true
+    }
+    RowLayout {
+        id: row
+
+        spacing: 8
+        Layout.topMargin: 16
+        Layout.alignment: Qt.AlignHCenter
+    }
+}

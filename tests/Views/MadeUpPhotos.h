@@ -1,0 +1,22 @@
+#pragma once
+
+#include "tests/Support/FakeDecoder.h"
+
+#include <atomic>
+
+namespace quarrow::test {
+
+// Once it is told to, it reads every file as a made-up photo whose form follows from its name: "pano" is very
+// wide, "tall" very tall, "huge" beyond all limits, and "broken" cannot be read. Any thread.
+class MadeUpPhotos final : public fennick::test::FakeDecoder {
+public:
+  void makeUp(bool all) { all_ = all; }
+  fennick::PictureResult<fennick::PictureFacts> facts(const std::filesystem::path &file) override;
+  fennick::PictureResult<std::string> thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
+                                                double quality) override;
+
+private:
+  std::atomic<bool> all_ = false;
+};
+
+} // namespace quarrow::test
