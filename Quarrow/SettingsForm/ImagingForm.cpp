@@ -32,10 +32,10 @@ constexpr int kHigh = 80;
 constexpr int kMiddling = 60;
 
 struct Preset {
-  const char *value;
-  const char *text;
-  const char *detail;
-  ImagingOptions options;
+  const char *value = "";
+  const char *text = "";
+  const char *detail = "";
+  ImagingOptions options{};
 };
 
 const std::array kPresets{
@@ -69,12 +69,13 @@ QString text(std::string_view utf8) {
 
 int percent(double share) { return static_cast<int>(std::lround(share * 100)); }
 
-QString wordsFor(int quality) {
-  const QString word = quality >= kHigh       ? ImagingForm::tr("高")
-                       : quality >= kMiddling ? ImagingForm::tr("中")
-                                              : ImagingForm::tr("低");
-  return ImagingForm::tr("%1 · %2").arg(word).arg(quality);
+QString wordFor(int quality) {
+  if (quality >= kHigh)
+    return ImagingForm::tr("高");
+  return quality >= kMiddling ? ImagingForm::tr("中") : ImagingForm::tr("低");
 }
+
+QString wordsFor(int quality) { return ImagingForm::tr("%1 · %2").arg(wordFor(quality)).arg(quality); }
 
 QString wordsFor(const PhotoExample::Size &size, bool estimated) {
   const QString bytes = text(fennick::fileSizeText(size.bytes));
@@ -124,8 +125,7 @@ ImagingForm::ImagingForm(AppController &controller, const FormServices &services
         if (latestPhoto(controller_.library()).value_or("") != triedFile_)
           tryLatest();
       })) {
-  lastPixels_ = maxPixels();
-  lastKilobytes_ = maxKilobytes();
+  rememberLimits();
 }
 
 void ImagingForm::setWatched(bool watched) {
@@ -142,14 +142,16 @@ void ImagingForm::setWatched(bool watched) {
 void ImagingForm::follow(const ImagingOptions &options) {
   if (std::exchange(known_, options) == options)
     return;
-  if (limitsPixels())
-    lastPixels_ = maxPixels();
-  if (limitsBytes())
-    lastKilobytes_ = maxKilobytes();
+  rememberLimits();
   typical_ = PhotoExample::ofTypicalPhoto(options, writesHEIC_.value_or(true));
   emit changed();
   tryLatest();
   emit exampleChanged();
+}
+
+void ImagingForm::rememberLimits() {
+  lastPixels_ = maxPixels();
+  lastKilobytes_ = maxKilobytes();
 }
 
 void ImagingForm::tryLatest() {

@@ -106,6 +106,7 @@ private:
   }
   void store(const std::function<void(fennick::ImagingOptions &)> &change);
   void follow(const fennick::ImagingOptions &options);
+  void rememberLimits();
   void tryLatest();
   // What is shown: the photo that was tried, or the typical one.
   [[nodiscard]] const PhotoExample::Example &shown() const { return tried_ ? *tried_ : typical_; }

@@ -42,12 +42,15 @@ double jpegBits(double quality) {
   return below.bits + share * (above->bits - below.bits);
 }
 
+double bitsInFullSize(PictureType type, double quality) {
+  if (type == PictureType::png)
+    return kPNGBits;
+  return type == PictureType::heic ? jpegBits(quality) * kHEICShare : jpegBits(quality);
+}
+
 // Shrinking leaves more detail to a pixel.
 double bitsPerPixel(PictureType type, double quality, double scale) {
-  const double bits = type == PictureType::png    ? kPNGBits
-                      : type == PictureType::heic ? jpegBits(quality) * kHEICShare
-                                                  : jpegBits(quality);
-  return bits / std::sqrt(scale);
+  return bitsInFullSize(type, quality) / std::sqrt(scale);
 }
 
 Size scaled(const Size &size, std::int64_t longEdge) {
@@ -86,7 +89,7 @@ Size reckoned(const RenderRequest &request) {
 bool turns(const fennick::PictureFacts &facts) { return facts.orientation.value_or(fennick::kUpright) >= 5; }
 
 Size sizeOf(const fennick::PictureFacts &facts, std::int64_t bytes) {
-  Size size{.width = *facts.width, .height = *facts.height, .bytes = bytes};
+  Size size{.width = facts.width.value_or(0), .height = facts.height.value_or(0), .bytes = bytes};
   if (turns(facts))
     std::swap(size.width, size.height);
   return size;
