@@ -117,7 +117,12 @@ void QuickLook::showItem(const fennick::PhotoItem &item) {
   pixels_ = sizeOf(item);
   if (const QImage *picture = ready(item))
     screen_ = *picture;
-  setKind(item.isVideo ? Video : item.isOversized ? Oversized : screen_.isNull() ? Loading : Picture);
+  if (item.isVideo)
+    setKind(Video);
+  else if (item.isOversized)
+    setKind(Oversized);
+  else
+    setKind(screen_.isNull() ? Loading : Picture);
 }
 
 // The photo may have been changed in its place, turned for one: the old picture stays until the new one is
