@@ -77,15 +77,19 @@ std::unexpected<OpError> systemError(std::error_code cause) {
   return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = cause});
 }
 
+Paths oldNames(std::span<const Renaming> renamings) {
+  Paths names;
+  for (const auto &renaming : renamings)
+    names.push_back(renaming.from);
+  return names;
+}
+
 // The moves of one batch, each file's to a name of its own and then to its new one, and the way back.
 class Batch {
 public:
   Batch(std::span<const Renaming> renamings, FileSystem &files, const Proceed &proceed)
-      : files_(files), proceed_(proceed), moves_(2 * renamings.size()) {
-    for (const auto &renaming : renamings)
-      original_.push_back(renaming.from);
-    current_ = original_;
-  }
+      : files_(files), proceed_(proceed), moves_(2 * renamings.size()), original_(oldNames(renamings)),
+        current_(original_) {}
 
   // Moves every file on to its place in `targets`, or as far as it goes.
   IOResult<void> moveAll(const Paths &targets) {

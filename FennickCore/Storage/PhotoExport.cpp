@@ -138,34 +138,50 @@ private:
   bool begun_ = false;
 };
 
-} // namespace
-
-std::expected<Exported, Failure> exportFile(const fs::path &source, const fs::path &folder,
-                                            const ImagingOptions &options, Seconds timeout,
-                                            const ImagePipeline::Services &services) {
-  const auto failed = [](std::error_code error) { return std::unexpected<Failure>(error); };
-  const auto work = workOn(source, options, services.decoder);
-  if (!work)
-    return std::unexpected(work.error());
-  Exported result{.copied = !work->encode, .keepsMetadata = keepsWhatWasToGo(*work, options)};
-  if (const auto made = services.files.createDirectories(folder); !made)
-    return failed(made.error());
-  Part part(folder, services.files);
+// Fills the part: with a new encoding, or with the file as it is.
+std::expected<void, Failure> fill(Part &part, const fs::path &source, const Work &work, Seconds timeout,
+                                  PictureDecoder &decoder, Exported &result) {
   IOResult<void> written;
-  if (work->encode) {
-    const auto rendering = services.decoder.render(source, work->encode->request, timeout);
+  if (work.encode) {
+    const auto &request = work.encode->request;
+    const auto rendering = decoder.render(source, request, timeout);
     if (!rendering)
-      return std::unexpected(ImagePipeline::failureOf(rendering.error(), work->encode->request.output));
+      return std::unexpected(ImagePipeline::failureOf(rendering.error(), request.output));
     result.withinMaxBytes = rendering->withinMaxBytes;
     written = part.write(rendering->bytes);
   } else {
     written = part.copy(source);
   }
   if (!written)
-    return failed(written.error());
+    return std::unexpected<Failure>(written.error());
+  return {};
+}
+
+Outlook outlookOf(const fs::path &source, const Work &work) {
+  Outlook result{.name = nameOf(source, work).string(), .copied = !work.encode, .bytes = work.status.bytes};
+  if (work.facts && work.facts->width && work.facts->height)
+    result.longEdge = std::max(*work.facts->width, *work.facts->height);
+  result.newLongEdge = work.encode ? work.encode->request.longEdge : result.longEdge;
+  return result;
+}
+
+} // namespace
+
+std::expected<Exported, Failure> exportFile(const fs::path &source, const fs::path &folder,
+                                            const ImagingOptions &options, Seconds timeout,
+                                            const ImagePipeline::Services &services) {
+  const auto work = workOn(source, options, services.decoder);
+  if (!work)
+    return std::unexpected(work.error());
+  Exported result{.copied = !work->encode, .keepsMetadata = keepsWhatWasToGo(*work, options)};
+  if (const auto made = services.files.createDirectories(folder); !made)
+    return std::unexpected<Failure>(made.error());
+  Part part(folder, services.files);
+  if (const auto filled = fill(part, source, *work, timeout, services.decoder, result); !filled)
+    return std::unexpected(filled.error());
   auto placed = part.place(nameOf(source, *work), work->status);
   if (!placed)
-    return failed(placed.error());
+    return std::unexpected<Failure>(placed.error());
   result.file = std::move(*placed);
   return result;
 }
@@ -175,12 +191,7 @@ std::expected<Outlook, Failure> outlook(const fs::path &source, const ImagingOpt
   const auto work = workOn(source, options, decoder);
   if (!work)
     return std::unexpected(work.error());
-  Outlook result{
-      .name = nameOf(source, *work).string(), .copied = !work->encode, .bytes = work->status.bytes};
-  if (work->facts && work->facts->width && work->facts->height)
-    result.longEdge = std::max(*work->facts->width, *work->facts->height);
-  result.newLongEdge = work->encode ? work->encode->request.longEdge : result.longEdge;
-  return result;
+  return outlookOf(source, *work);
 }
 
 } // namespace fennick::PhotoExport

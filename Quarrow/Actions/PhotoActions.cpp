@@ -13,6 +13,8 @@ namespace ops = fennick::PhotoFileOps;
 namespace {
 
 constexpr fennick::Seconds kNoteTime{8};
+using Application = fennick::InstalledApplication;
+
 constexpr std::size_t kMostDeeds = 50; // that are remembered
 
 } // namespace
@@ -75,11 +77,12 @@ void PhotoActions::lookForApplications() {
     return;
   jobs_.ask([file = selected_.front()] { return fennick::installedApplications(file); },
             [this](const auto &installed) {
+              const bool someSuit = std::ranges::any_of(installed, &Application::isMadeForIt);
               QVariantList found;
               for (const auto &each : installed)
-                found.append(QVariantMap{{"id", QFile::decodeName(each.entry.c_str())},
-                                         {"name", QString::fromStdString(each.name)},
-                                         {"suits", each.isMadeForIt}});
+                if (each.isMadeForIt || !someSuit)
+                  found.append(QVariantMap{{"id", QFile::decodeName(each.entry.c_str())},
+                                           {"name", QString::fromStdString(each.name)}});
               if (std::exchange(applications_, found) != found)
                 emit applicationsChanged();
             });
@@ -219,6 +222,8 @@ void PhotoActions::finishUndo(const Deed &deed, Outcome outcome) {
     adopt(renamed->files);
   else
     controller_.library().scan();
+  for (auto &earlier : deeds_)
+    quarrow::follow(earlier, outcome.renamed);
   if (wasDeletion && !outcome.files.empty())
     controller_.selection().set({outcome.files.begin(), outcome.files.end()});
   remember(std::move(outcome.left));

@@ -29,7 +29,8 @@ class PhotoActions : public QObject {
   Q_OBJECT
   Q_PROPERTY(int count READ count NOTIFY selectionChanged)       // selected photos and videos
   Q_PROPERTY(int pictures READ pictures NOTIFY selectionChanged) // of them, what can be turned
-  // The programs that open the first one, each with `id` and `name`; see `lookForApplications`.
+  // The programs that are made for files like the first one (all that take files when none is), the usual one
+  // first, each with `id` and `name`; see `lookForApplications`.
   Q_PROPERTY(QVariantList applications READ applications NOTIFY applicationsChanged)
   Q_PROPERTY(quarrow::FileJobs *jobs READ jobs CONSTANT)
   Q_PROPERTY(quarrow::RenameForm *renaming READ renaming CONSTANT)

@@ -51,6 +51,22 @@ int countOf(const Deed &deed) {
   return std::visit([](const auto &each) { return static_cast<int>(each.files.size()); }, deed);
 }
 
+void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings) {
+  const auto adopt = [&](fs::path &file) {
+    for (const auto &[from, to] : renamings)
+      if (file == from) {
+        file = to;
+        return;
+      }
+  };
+  if (auto *turned = std::get_if<Turn>(&deed))
+    for (auto &file : turned->files)
+      adopt(file);
+  if (auto *renamed = std::get_if<Rename>(&deed))
+    for (auto &renaming : renamed->files)
+      adopt(renaming.to);
+}
+
 Outcome moveToTrash(const std::vector<fs::path> &files, const ActionServices &services,
                     FileJobs::Ticket &ticket) {
   Outcome outcome;

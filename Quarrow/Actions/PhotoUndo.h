@@ -31,6 +31,9 @@ using Deed = std::variant<Deletion, Rename, Turn>;
 // A deed that changed nothing needs no way back.
 [[nodiscard]] inline bool isEmpty(const Deed &deed) { return countOf(deed) == 0; }
 
+// The files of a deed that lie under other names by now, so that taking it back finds them and nobody else.
+void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings);
+
 // What came of an action, or of taking one back.
 struct Outcome {
   Deed done;              // what can be taken back now

@@ -48,6 +48,7 @@ ops::Numbering RenameForm::numbering() const {
 
 void RenameForm::begin() {
   photos_ = selected_();
+  appliesWhenReady_ = false;
   preview_.set({});
   ++edition_;
   look();
@@ -57,6 +58,8 @@ void RenameForm::begin() {
 // What is typed in one go is looked at once.
 void RenameForm::edited() {
   ready_ = false;
+  pending_ = true;
+  appliesWhenReady_ = false;
   services_.mainQueue.postAfter(kTypingPause, [this, edition = ++edition_, alive = std::weak_ptr(alive_)] {
     if (alive.lock() && edition == edition_)
       look();
@@ -66,6 +69,7 @@ void RenameForm::edited() {
 
 void RenameForm::look() {
   ready_ = false;
+  pending_ = true;
   jobs_.ask([photos = photos_, numbering = numbering(),
              &files = services_.files] { return ops::numberedNames(photos, numbering, files); },
             [this, edition = edition_, alive = std::weak_ptr(alive_)](const auto &names) {
@@ -77,21 +81,27 @@ void RenameForm::look() {
 void RenameForm::show(int edition, const ops::Result<Renamings> &names) {
   if (edition != edition_)
     return;
+  pending_ = false;
   problem_ = names ? QString() : previewProblem(names.error());
   if (names)
     preview_.set(*names);
   ready_ = names && std::ranges::any_of(*names, [](const auto &each) { return each.from != each.to; });
   emit changed();
+  if (std::exchange(appliesWhenReady_, false))
+    apply();
 }
 
 void RenameForm::apply() {
-  if (!std::exchange(ready_, false))
+  appliesWhenReady_ = pending_;
+  if (pending_ || busy_ || !std::exchange(ready_, false))
     return;
+  busy_ = true;
   rename_(photos_, numbering(), [this](bool renamed, const QString &problem) { end(renamed, problem); });
   emit changed();
 }
 
 void RenameForm::end(bool renamed, const QString &problem) {
+  busy_ = false;
   problem_ = problem;
   ready_ = !renamed && problem.isEmpty(); // it was stopped, and can be tried again
   emit changed();

@@ -27,6 +27,7 @@ class RenameForm : public QObject {
   Q_PROPERTY(QString problem READ problem NOTIFY changed)
   // The preview is that of what is entered, and there is something to do.
   Q_PROPERTY(bool ready READ ready NOTIFY changed)
+  Q_PROPERTY(bool busy READ busy NOTIFY changed) // photos are being renamed
 
 public:
   using Paths = std::vector<std::filesystem::path>;
@@ -50,10 +51,12 @@ public:
   [[nodiscard]] RenamePreview *preview() { return &preview_; }
   [[nodiscard]] const QString &problem() const { return problem_; }
   [[nodiscard]] bool ready() const { return ready_; }
+  [[nodiscard]] bool busy() const { return busy_; }
 
   // Begins with the photos that are selected now.
   Q_INVOKABLE void begin();
-  // Renames them; `finished` follows.
+  // Renames them, once what is entered has been looked at; `finished` follows unless there is a problem with
+  // it.
   Q_INVOKABLE void apply();
 
 signals:
@@ -81,6 +84,9 @@ private:
   RenamePreview preview_;
   QString problem_;
   bool ready_ = false;
+  bool busy_ = false;
+  bool pending_ = false; // what is entered was not looked at yet
+  bool appliesWhenReady_ = false;
   int edition_ = 0; // of what is entered
 };
 

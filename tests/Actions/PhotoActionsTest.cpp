@@ -67,6 +67,9 @@ TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
 
 TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   hang({"a.jpg", "b.jpg", "c.jpg", "d.jpg"});
+  select({"d.jpg"});
+  actions.rotate(true);
+  settle();
   trash.refused = "c.jpg";
   select({"a.jpg", "c.jpg", "d.jpg"});
   actions.trash();
@@ -89,9 +92,12 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   settle();
   EXPECT_EQ(actions.note(), "原来的名字已被占用，放回为 d_2.jpg");
   EXPECT_THAT(selected(), ElementsAre("a.jpg", "d_2.jpg"));
-  EXPECT_FALSE(actions.canUndo());
   queue.runUntil([this] { return wall().size() == 5; });
-  EXPECT_EQ(disk.read("photos/d_2.jpg"), "content of d.jpg");
+  EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 6");
+  actions.undo(); // of the turn: it is found under its new name
+  settle();
+  EXPECT_FALSE(actions.canUndo());
+  EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 8");
   EXPECT_EQ(disk.read("photos/d.jpg"), "a new one");
 }
 

@@ -8,31 +8,19 @@ Sheet {
     id: sheet
 
     readonly property RenameForm form: Actions.renaming
-    property bool busy: false
-
-    function apply() {
-        if (form.ready && !busy) {
-            busy = true;
-            form.apply();
-        }
-    }
 
     objectName: "renameSheet"
     title: qsTr("重命名 %1 项").arg(form.count)
     detail: qsTr("按照片墙上的顺序编号，扩展名不变。")
     widest: 520
     first: prefix
-    closePolicy: busy ? T.Popup.NoAutoClose : T.Popup.CloseOnEscape
-    onAboutToShow: {
-        busy = false;
-        form.begin();
-    }
+    closePolicy: form.busy ? T.Popup.NoAutoClose : T.Popup.CloseOnEscape
+    onAboutToShow: form.begin()
 
     Connections {
         target: sheet.form
 
         function onFinished(renamed) {
-            sheet.busy = false;
             if (renamed)
                 sheet.close();
             else
@@ -41,9 +29,9 @@ Sheet {
     }
     RowLayout {
         spacing: 12
-        enabled: !sheet.busy
-        Keys.onReturnPressed: sheet.apply()
-        Keys.onEnterPressed: sheet.apply()
+        enabled: !sheet.form.busy
+        Keys.onReturnPressed: sheet.form.apply()
+        Keys.onEnterPressed: sheet.form.apply()
 
         FieldColumn {
             label: qsTr("开头")
@@ -99,7 +87,7 @@ Sheet {
         Layout.fillWidth: true
     }
     WorkProgress {
-        visible: sheet.busy
+        visible: sheet.form.busy
         verb: qsTr("正在重命名")
         Layout.fillWidth: true
     }
@@ -110,10 +98,10 @@ Sheet {
         },
         PushButton {
             objectName: "cancel"
-            text: sheet.busy ? qsTr("停止") : qsTr("取消")
-            enabled: !sheet.busy || !Actions.jobs.stopping
+            text: sheet.form.busy ? qsTr("停止") : qsTr("取消")
+            enabled: !sheet.form.busy || !Actions.jobs.stopping
             onClicked: {
-                if (sheet.busy)
+                if (sheet.form.busy)
                     Actions.jobs.stop();
                 else
                     sheet.close();
@@ -123,8 +111,8 @@ Sheet {
             objectName: "apply"
             text: qsTr("重命名")
             kind: PushButton.Primary
-            enabled: sheet.form.ready && !sheet.busy
-            onClicked: sheet.apply()
+            enabled: sheet.form.ready && !sheet.form.busy
+            onClicked: sheet.form.apply()
         }
     ]
 }
