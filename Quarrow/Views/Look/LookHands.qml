@@ -7,6 +7,14 @@ Item {
 
     required property Zoom zoom
 
+    function moves(wheel) {
+        return !zoom.fitted && !(wheel.modifiers & Qt.ControlModifier);
+    }
+
+    function zoomBy(wheel) {
+        zoom.zoomBy(Math.pow(2, wheel.angleDelta.y / 480), Qt.point(wheel.x, wheel.y));
+    }
+
     HoverHandler {
         cursorShape: hands.zoom.fitted ? Qt.ArrowCursor : drag.active ? Qt.ClosedHandCursor : Qt.OpenHandCursor
     }
@@ -38,14 +46,23 @@ Item {
             last = activeScale;
         }
     }
-    // Two fingers on a touch pad move a photo that is larger than the view; everything else zooms.
     WheelHandler {
-        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+        acceptedDevices: PointerDevice.Mouse
+        onWheel: event => hands.zoomBy(event)
+    }
+    // Two fingers on a touch pad move a photo that is larger than the view, along both axes.
+    WheelHandler {
+        acceptedDevices: PointerDevice.TouchPad
+        blocking: false
+        onWheel: event => hands.moves(event) ? hands.zoom.pan(Qt.point(0, event.pixelDelta.y)) : hands.zoomBy(event)
+    }
+    WheelHandler {
+        acceptedDevices: PointerDevice.TouchPad
+        orientation: Qt.Horizontal
+        blocking: false
         onWheel: event => {
-            if (event.hasPixelDelta && !(event.modifiers & Qt.ControlModifier) && !hands.zoom.fitted)
-                hands.zoom.pan(Qt.point(event.pixelDelta.x, event.pixelDelta.y));
-            else
-                hands.zoom.zoomBy(Math.pow(2, event.angleDelta.y / 480), Qt.point(event.x, event.y));
+            if (hands.moves(event))
+                hands.zoom.pan(Qt.point(event.pixelDelta.x, 0));
         }
     }
 }
