@@ -101,6 +101,7 @@ AppWindow {
     QuickLook {
         id: look
 
+        anchors.fill: parent
         onClosed: grid.focusGrid()
     }
 }
