@@ -102,6 +102,14 @@ FocusScope {
             }
         }
     }
+    UndoBar { // what the wall says is covered
+        objectName: "lookUndoBar"
+        anchors.horizontalCenter: stage.horizontalCenter
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 16
+        width: Math.min(implicitWidth, stage.width - 32)
+        onReleased: stage.forceActiveFocus()
+    }
     LookBar {
         id: bar
 
