@@ -95,6 +95,7 @@ AppWindow {
             }
         }
         WallFooter {
+            alone: window.empty
             Layout.fillWidth: true
         }
     }

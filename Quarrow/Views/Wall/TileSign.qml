@@ -54,6 +54,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Layout.leftMargin: 8
         Layout.rightMargin: 8
+        Layout.topMargin: sign.name ? 0 : 8
         Accessible.ignored: true
     }
     Item {

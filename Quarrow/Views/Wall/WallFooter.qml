@@ -7,6 +7,7 @@ Rectangle {
     id: footer
 
     readonly property bool wide: width >= 640
+    property bool alone: false // without a header, on a wall that says the rest itself
 
     implicitHeight: 44
     color: Theme.surface
@@ -39,16 +40,31 @@ Rectangle {
             Layout.maximumWidth: implicitWidth
         }
         ProgressLine {
-            visible: Arrivals.busy
+            visible: Arrivals.busy && !footer.alone
             spacing: 4
             Layout.fillWidth: false
             Layout.preferredWidth: 220
         }
         StatusLine {
-            visible: !Arrivals.busy
+            visible: !Arrivals.busy && !footer.alone
             Layout.fillWidth: false
             Layout.maximumWidth: implicitWidth
             Layout.preferredWidth: implicitWidth
+        }
+        RowLayout {
+            visible: footer.alone
+            spacing: 4
+
+            IconButton {
+                text: qsTr("设置")
+                icon.name: "settings"
+                onClicked: Shell.showSettings()
+            }
+            IconButton {
+                text: qsTr("帮助")
+                icon.name: "help"
+                onClicked: Shell.showHelp()
+            }
         }
     }
 }
