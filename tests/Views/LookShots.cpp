@@ -82,6 +82,7 @@ std::vector<Shot> lookShots() {
       shot("video", at("20240501_092311.mov")),
       shot("oversized", at(kName, {30'000, 20'000})),
       shot("damaged", damaged),
+      {.view = "MainWindow", .state = "look", .arrange = at(kName)},
       {.view = "ImportBar", .state = "begins", .arrange = importing, .size = {360, 52}},
   };
 }
