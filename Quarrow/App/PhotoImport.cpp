@@ -37,7 +37,7 @@ bool isShownFrom(const fs::path &file, const fs::path &folder) {
 
 fs::path resolved(const fs::path &file) {
   std::error_code error;
-  fs::path path = fs::weakly_canonical(file, error);
+  const fs::path path = fs::weakly_canonical(file, error);
   return error ? file : path;
 }
 
