@@ -42,7 +42,7 @@ ExportForm::ExportForm(const ActionServices &services, FileJobs &jobs, std::func
 
 // What is dragged or typed in one go is looked at once.
 template <typename T>
-void ExportForm::edit(T &field, T value) {
+void ExportForm::edit(T &field, const T &value) {
   if (std::exchange(field, value) == value)
     return;
   services_.mainQueue.postAfter(kTypingPause, [this, edition = ++edition_, alive = std::weak_ptr(alive_)] {

@@ -107,7 +107,7 @@ private:
                                         const fennick::ImagingOptions &options,
                                         const ActionServices &services, FileJobs::Ticket &ticket);
   template <typename T>
-  void edit(T &field, T value);
+  void edit(T &field, const T &value);
   void look();
   void show(const Sample &sample);
   void finish(Report report);
