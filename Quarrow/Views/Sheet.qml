@@ -58,7 +58,7 @@ T.Dialog {
     modal: true
     focus: true
     closePolicy: T.Popup.CloseOnEscape
-    onOpened: (first ?? page).forceActiveFocus(Qt.TabFocusReason)
+    onOpened: (first ?? page)?.forceActiveFocus(Qt.TabFocusReason)
 
     contentItem: body
     background: Rectangle {

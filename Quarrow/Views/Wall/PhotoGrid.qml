@@ -110,6 +110,15 @@ FocusScope {
         delegate: PhotoTile {
             layout: plan
         }
+        footer: Words {
+            width: grid.width
+            height: text ? 48 : 0
+            visible: text
+            text: Wall.limitText
+            quiet: true
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+        }
         // qmllint enable unqualified
         T.ScrollBar.vertical: bar
     }

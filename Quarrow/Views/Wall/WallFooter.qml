@@ -6,7 +6,6 @@ import Tevrin
 Rectangle {
     id: footer
 
-    readonly property bool wide: width >= 640
     property bool alone: false // without a header, on a wall that says the rest itself
 
     implicitHeight: 44
@@ -29,15 +28,6 @@ Rectangle {
         }
         Item {
             Layout.fillWidth: true
-        }
-        Words {
-            visible: footer.wide && text && !Arrivals.busy
-            text: Wall.limitText
-            quiet: true
-            wrapMode: Text.NoWrap
-            elide: Text.ElideRight
-            Layout.fillWidth: true
-            Layout.maximumWidth: implicitWidth
         }
         ProgressLine {
             visible: Arrivals.busy && !footer.alone

@@ -20,10 +20,18 @@ QtObject {
             [Qt.Key_Minus]: () => Wall.tileSize -= 24
         })
 
+    readonly property var withShift: ({
+            [Qt.Key_F10]: () => keys.menuWanted()
+        })
+
     // False for keys that mean nothing here.
     function press(event) {
-        const modifiers = event.modifiers & ~Qt.KeypadModifier;
-        const meant = modifiers === Qt.ControlModifier ? withControl[event.key] : modifiers ? null : plain[event.key];
+        const all = {
+            [Qt.NoModifier]: plain,
+            [Qt.ControlModifier]: withControl,
+            [Qt.ShiftModifier]: withShift
+        };
+        const meant = all[event.modifiers & ~Qt.KeypadModifier]?.[event.key];
         if (meant)
             meant();
         return Boolean(meant) || Wall.press(event.key, event.modifiers, event.text, layout.columns, layout.rows);
