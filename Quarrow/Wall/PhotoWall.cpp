@@ -376,12 +376,12 @@ bool PhotoWall::paste() {
     importFiles(content->urls());
     return true;
   }
-  for (const auto *format : kPastedFormats)
-    if (content->hasFormat(format)) {
-      controller_.importPicture(content->data(format).toStdString(), tr("粘贴的图片").toStdString());
-      return true;
-    }
-  return false;
+  const auto *const format =
+      std::ranges::find_if(kPastedFormats, [&](const char *each) { return content->hasFormat(each); });
+  if (format == std::end(kPastedFormats))
+    return false;
+  controller_.importPicture(content->data(*format).toStdString(), tr("粘贴的图片").toStdString());
+  return true;
 }
 
 void PhotoWall::moveSelectionTo(int place) {
