@@ -115,15 +115,18 @@ QString PhotoActions::rename(const QString &name) {
   return {};
 }
 
-// Library and selection go along with new names.
-void PhotoActions::adopt(const std::vector<fennick::Renaming> &renamings) {
+// Library and selection go along with new names. The library may have looked at the folder while a batch was
+// under way, when its photos had other names for a moment.
+void PhotoActions::adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting) {
   auto selection = controller_.selection().files();
   PhotoSelection::Paths added;
   for (const auto &[from, to] : renamings)
-    if (selection.erase(from) > 0)
+    if (selection.erase(from) > 0 || selecting == Selecting::all)
       added.insert(to);
   selection.merge(added);
   controller_.library().rename(renamings);
+  if (renamings.size() > 1)
+    controller_.library().scan();
   controller_.selection().set(std::move(selection));
 }
 
@@ -142,7 +145,7 @@ void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &number
       [this, finished](Outcome outcome) {
         const auto *renamed = std::get_if<Rename>(&outcome.done);
         if (renamed != nullptr)
-          adopt(renamed->files);
+          adopt(renamed->files, Selecting::all);
         const bool worked = !isEmpty(outcome.done) && outcome.problem.isEmpty();
         if (worked)
           say(tr("已重命名 %1 项").arg(countOf(outcome.done)), true);

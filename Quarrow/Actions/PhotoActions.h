@@ -99,7 +99,8 @@ private:
                    const std::function<void(bool, const QString &)> &finished);
   void finishTrash(Outcome outcome);
   void finishUndo(const Deed &deed, Outcome outcome);
-  void adopt(const std::vector<fennick::Renaming> &renamings);
+  enum class Selecting { whatWas, all };
+  void adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting = Selecting::whatWas);
   void remember(Deed deed);
   void say(const QString &note, bool canBeUndone);
   void hideNoteLater();

@@ -48,7 +48,7 @@ std::optional<std::filesystem::path> samplePicture(const std::filesystem::path &
   const auto file = folder / "sample.jpg";
   std::error_code ignored;
   if (std::filesystem::is_regular_file(file, ignored))
-    return std::optional(file);
+    return file;
   std::filesystem::create_directories(folder, ignored);
   return landscape().save(QFile::decodeName(file.c_str()), "JPEG") ? std::optional(file) : std::nullopt;
 }

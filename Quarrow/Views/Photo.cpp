@@ -27,7 +27,7 @@ QSGNode *Photo::updatePaintNode(QSGNode *old, UpdatePaintNodeData *) {
   std::unique_ptr<QSGNode> owned(old);
   if (image_.isNull())
     return nullptr;
-  auto *node = static_cast<QSGImageNode *>(owned.get());
+  auto *node = dynamic_cast<QSGImageNode *>(owned.get());
   if (node == nullptr || isNew_) {
     node = window()->createImageNode();
     owned.reset(node); // the old one goes with its texture

@@ -7,6 +7,8 @@
 #include <QSize>
 #include <QSizeF>
 
+#include <numbers>
+
 namespace quarrow {
 
 // Where a photo stands in a view that may be smaller than it: zoomed about a point, moved within bounds. A
@@ -28,8 +30,8 @@ class Zoom : public QObject {
   Q_PROPERTY(bool glides READ glides NOTIFY changed)
 
 public:
-  static constexpr qreal kMost = 8;     // pixels of the screen to one of the photo
-  static constexpr qreal kStep = 1.414; // two steps double
+  static constexpr qreal kMost = 8;                   // pixels of the screen to one of the photo
+  static constexpr qreal kStep = std::numbers::sqrt2; // two steps double
 
   using QObject::QObject;
 

@@ -48,13 +48,13 @@ TEST_F(RenameFormTest, TheNamesAreShownBeforehandAndThenGivenAndTakenBack) {
   form.apply();
   EXPECT_THAT(preview(), ElementsAre("x-9.jpg", "x-10.png"));
   queue.runUntil([&] { return finished.count() == 1; });
-  EXPECT_THAT(wall(), ElementsAre("x-9.jpg", "x-10.png", "other.jpg", "x-2.png"));
+  awaitWall({"x-9.jpg", "x-10.png", "other.jpg", "x-2.png"});
   EXPECT_THAT(selected(), ElementsAre("x-10.png", "x-9.jpg"));
   EXPECT_EQ(disk.read("photos/x-9.jpg"), "content of b.jpg");
   EXPECT_EQ(actions.note(), "已重命名 2 项");
   actions.undo();
   settle();
-  EXPECT_THAT(wall(), ElementsAre("b.jpg", "a.png", "other.jpg", "x-2.png"));
+  awaitWall({"b.jpg", "a.png", "other.jpg", "x-2.png"});
 }
 
 TEST_F(RenameFormTest, WhatStandsInTheWayIsSaidAndNothingIsHalfDone) {
