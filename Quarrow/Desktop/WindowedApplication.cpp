@@ -4,6 +4,7 @@
 
 #include <QEvent>
 #include <QFont>
+#include <QFontInfo>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -38,7 +39,7 @@ WindowedApplication::WindowedApplication(int &argc, char **argv) : QApplication(
   setQuitOnLastWindowClosed(false);
   // Outside of Chinese sessions Chinese characters would be taken from whatever font comes first, in other
   // shapes.
-  QFont::insertSubstitution(font().family(), "Noto Sans CJK SC");
+  QFont::insertSubstitutions(font().family(), {QFontInfo(font()).family(), "Noto Sans CJK SC"});
   catalogue_ = catalogueFor(QLocale().uiLanguages());
   if (catalogue_)
     installTranslator(catalogue_.get());
