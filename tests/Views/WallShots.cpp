@@ -114,7 +114,7 @@ std::vector<Shot> wallShots() {
              item(window, "grid").forceActiveFocus();
              choose({3});
              QTest::keyClick(qobject_cast<QWindow *>(&window), Qt::Key_F2);
-             item(window, "renameBox").setProperty("error", "这个文件夹里已经有叫这个名字的文件了。");
+             item(window, "renameBox").setProperty("error", "已存在同名文件：IMG_4181.HEIC");
            }},
       {.view = "MainWindow",
        .state = "wall-code",
