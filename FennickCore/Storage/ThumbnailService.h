@@ -22,8 +22,8 @@ public:
   using Data = MemoryCache::Data; // shared by all who asked; never changed
 
   // Pictures of at most `maxPixel` on the longer side, at most `concurrency` made at once; whoever asks for
-  // one more waits. `cacheDir` is made here and belongs to this object alone; without it nothing is kept on
-  // the disk. `files` and `decoder` outlive the object.
+  // one more waits. `cacheDir` is made here; without it nothing is kept on the disk. Objects for the same
+  // `maxPixel` may share one: the gallery and the photo wall do. `files` and `decoder` outlive the object.
   ThumbnailService(FileSystem &files, std::filesystem::path cacheDir, std::int64_t maxPixel, int concurrency,
                    PictureDecoder &decoder);
 
@@ -31,7 +31,7 @@ public:
   // died or took too long. A picture that was changed is made anew. Blocks while it is made.
   [[nodiscard]] Data thumbnail(const std::filesystem::path &file);
 
-  // Forgets everything, on the disk as well.
+  // Forgets everything, on the disk as well; others that share the folder make anew what they ask it for.
   void clear();
 
 private:
