@@ -45,7 +45,7 @@ QImage landscape() {
 } // namespace
 
 std::optional<std::filesystem::path> samplePicture(const std::filesystem::path &folder) {
-  const auto file = folder / "sample.jpg";
+  auto file = folder / "sample.jpg";
   std::error_code ignored;
   if (std::filesystem::is_regular_file(file, ignored))
     return file;
