@@ -1,5 +1,6 @@
 #include "tests/Support/FaultyFileSystem.h"
 
+#include <cerrno>
 #include <utility>
 
 namespace fennick::test {
@@ -54,6 +55,22 @@ void FaultyFileSystem::before(Operation operation, std::function<void()> action)
   switches_[operation].before = std::move(action);
 }
 
+void FaultyFileSystem::dieAt(int change) {
+  const Locked locked(lock_);
+  deathAt_ = changes_ + change;
+}
+
+bool FaultyFileSystem::died() const {
+  const Locked locked(lock_);
+  return deathAt_ > 0 && changes_ >= deathAt_;
+}
+
+bool FaultyFileSystem::isDead(Operation operation) {
+  if (operation == Operation::list || operation == Operation::availableBytes)
+    return false;
+  return ++changes_ >= deathAt_ && deathAt_ > 0;
+}
+
 void FaultyFileSystem::setAvailableBytes(std::optional<std::int64_t> bytes) {
   const Locked locked(lock_);
   availableBytes_ = bytes;
@@ -74,8 +91,9 @@ IOResult<void> FaultyFileSystem::enter(Operation operation) {
     Switch &chosen = switches_[operation];
     ++chosen.calls;
     before = chosen.before;
-    fails = chosen.always || chosen.calls == chosen.failAt;
-    error = chosen.error;
+    const bool dead = isDead(operation);
+    fails = dead || chosen.always || chosen.calls == chosen.failAt;
+    error = dead ? EIO : chosen.error;
   }
   if (before)
     before();

@@ -36,6 +36,12 @@ public:
   // Runs `action` at the start of every coming call, with no lock held: whatever another program does just
   // then.
   void before(Operation operation, std::function<void()> action);
+  // From the `change`-th changing call on, counted from 1, every changing call fails with EIO and has no
+  // effect: the disk stays as if the program had been killed just before that call. Changing calls are all
+  // but `list` and `availableBytes`. A close still closes the descriptor.
+  void dieAt(int change);
+  // Whether the change given to `dieAt` was reached.
+  [[nodiscard]] bool died() const;
   void setAvailableBytes(std::optional<std::int64_t> bytes);
   // Calls so far, failed ones included.
   [[nodiscard]] int calls(Operation operation) const;
@@ -62,6 +68,7 @@ private:
 
   // Counts a call; the error when this one is to fail.
   IOResult<void> enter(Operation operation);
+  bool isDead(Operation operation) REQUIRES(lock_);
   template <typename Call>
   auto run(Operation operation, Call call) -> decltype(call()) {
     if (const auto entered = enter(operation); !entered)
@@ -73,6 +80,8 @@ private:
   mutable Mutex lock_;
   std::map<Operation, Switch> switches_ GUARDED_BY(lock_);
   std::optional<std::int64_t> availableBytes_ GUARDED_BY(lock_);
+  int changes_ GUARDED_BY(lock_) = 0;
+  int deathAt_ GUARDED_BY(lock_) = 0; // the number of the change; 0 for none
 };
 
 } // namespace fennick::test
