@@ -247,4 +247,13 @@ ProcessResult process(const fs::path &url, const ImagingOptions &options, Second
   return unprocessed(url, "未处理 / skipped: " + description(result.error()));
 }
 
+IOResult<ProcessResult> completeCommit(const fs::path &source, const fs::path &target,
+                                       const ImagingOptions &options, const Services &services) {
+  std::ignore = options;
+  if (source != target && fileStatus(source))
+    if (const auto removed = services.files.remove(source); !removed)
+      return std::unexpected(removed.error());
+  return ProcessResult{.finalURL = target, .processed = true};
+}
+
 } // namespace fennick::ImagePipeline

@@ -4,6 +4,7 @@
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Trash.h"
 
 #include <cstdint>
 #include <expected>
@@ -54,10 +55,31 @@ using Failure = std::variant<PipelineError, std::error_code>;
 // In the words that follow "未处理 / skipped: ".
 [[nodiscard]] std::string description(const Failure &failure);
 
+// Told before a finished encoding takes its name: from here until the photo's old name is gone, the end of
+// the program can leave the photo under both names, or under its name but without the record that it was
+// processed. Called on the thread that processes.
+class CommitJournal {
+public:
+  virtual ~CommitJournal() = default;
+  // `output` is the finished encoding in the work folder (<UUID>.out), `target` the name that it is about to
+  // be moved to: free just now, or `source` itself when the name stays. Called again with another target when
+  // somebody else took the name. Returns once this is on the disk; a failure ends the commit with the photo
+  // as it was. After a kill: while `output` exists or `target` does not, the photo has to be processed again;
+  // otherwise the encoding is in place and completeCommit does the rest. `output` must not be cleaned up
+  // before this was decided.
+  virtual IOResult<void> willPlace(const std::filesystem::path &source, const std::filesystem::path &output,
+                                   const std::filesystem::path &target) = 0;
+  // The encoding could not be placed after all, and `output` is about to be removed: what willPlace recorded
+  // for `source` no longer holds.
+  virtual void didNotPlace(const std::filesystem::path &source) = 0;
+};
+
 // What reading and placing go through.
 struct Services {
   PictureDecoder &decoder;
   FileSystem &files;
+  Trash *trash = nullptr;           // for originals that the user did not ask to convert; null: there is none
+  CommitJournal *journal = nullptr; // null: nobody completes a commit that was interrupted
 };
 
 // Decides what is to be done and does it. `timeout` bounds the work on the picture.
@@ -69,6 +91,14 @@ struct Services {
 // why.
 [[nodiscard]] ProcessResult process(const std::filesystem::path &url, const ImagingOptions &options,
                                     Seconds timeout, const Services &services);
+
+// Completes a commit that the end of the program interrupted after its encoding was placed: `target` is the
+// encoding, `source` the file it was made from, which may be gone already or be `target` itself. Does with
+// `source` what processing with `options` does with it. On failure `source` is where it was; calling again is
+// harmless.
+[[nodiscard]] IOResult<ProcessResult> completeCommit(const std::filesystem::path &source,
+                                                     const std::filesystem::path &target,
+                                                     const ImagingOptions &options, const Services &services);
 
 } // namespace ImagePipeline
 
