@@ -1,0 +1,217 @@
+// Files from other programs and devices through the pipeline and the real, locked-down process: what becomes
+// of each under four sets of options. A row is cheap; add one for a kind of file that is treated differently.
+
+#include "FennickCore/Imaging/DecoderPool.h"
+#include "FennickCore/Imaging/ImagePipeline.h"
+#include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Platform/Log.h"
+#include "tests/Imaging/PictureSamples.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vips/vips8>
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using namespace picture::test;
+using picture::jpegSegment;
+using picture::pngChunk;
+using testing::HasSubstr;
+using vips::VImage;
+
+constexpr std::size_t kOptionSets = 4;
+const std::array<ImagingOptions, kOptionSets> kOptions{
+    ImagingOptions{}, ImagingOptions{.maxPixels = 1600, .stripLocation = true, .keepOriginal = true},
+    ImagingOptions{.format = OutputFormat::heic, .stripAllMetadata = true},
+    ImagingOptions{.maxBytes = 300'000, .format = OutputFormat::jpeg}};
+
+// What becomes of a file. What holds for every file that is processed with an option (its type, its size, no
+// location, ...) is checked for each.
+struct Fate {
+  bool processed = false;
+  std::string note{};                      // a part of it
+  void (*check)(const std::string &) = {}; // the bytes of the result
+};
+using Fates = std::array<Fate, kOptionSets>;
+
+Fates keptAlways(const std::string &note) {
+  Fates fates;
+  fates.fill({.note = note});
+  return fates;
+}
+Fate kept(const std::string &note = "no change needed") { return {.note = note}; }
+Fate processed(const std::string &note = "px", void (*check)(const std::string &) = {}) {
+  return {.processed = true, .note = note, .check = check};
+}
+
+using Colour = std::array<double, 3>;
+
+struct Row {
+  std::string name; // of the file
+  std::string bytes;
+  Fates fates;
+  std::optional<Colour> shown{}; // in the middle of the thumbnail; absent: there is no thumbnail
+};
+
+// What the builders paint with: an even field of this colour, unless they are told otherwise.
+constexpr Colour kOrange{220, 130, 40};
+
+VImage field(int width = 400, int height = 300, const Colour &colour = kOrange) {
+  return VImage::black(width, height)
+      .new_from_image(std::vector<double>(colour.begin(), colour.end()))
+      .cast(VIPS_FORMAT_UCHAR)
+      .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+// `suffix` names the format, with options of libvips: ".tif[compression=lzw]".
+std::string saved(const VImage &image, const std::string &suffix) {
+  const test::TemporaryFolder folder;
+  const auto name = "saved" + suffix.substr(0, suffix.find('['));
+  image.write_to_file(((folder / "saved").string() + suffix).c_str());
+  return folder.read(name);
+}
+
+// An EXIF block with a location goes behind the start of the file.
+std::string jpegWithLocation(const VImage &image = field()) {
+  return saved(image, ".jpg")
+      .insert(2, *jpegSegment(picture::kAPP1, std::string(picture::kExifPrefix) +
+                                                  sampleExif({.orientation = 1, .hasPreview = false})));
+}
+constexpr std::size_t kBehindHeader = 33; // of a PNG
+std::string pngWith(const std::string &chunks, const VImage &image = field()) {
+  return saved(image, ".png").insert(kBehindHeader, chunks);
+}
+
+// Each subject has a function of its own, so that rows are found and added where they belong.
+
+std::vector<Row> ordinaryRows() {
+  const auto exif = pngChunk("eXIf", sampleExif({.orientation = 1, .hasPreview = false}));
+  return {
+      {"text.jpg", "no picture", keptAlways("非图片，原样保存 / not an image, kept as is")},
+      {"located.jpg", jpegWithLocation(), {kept(), processed(), processed(), kept()}, kOrange},
+      {"large.jpg",
+       jpegWithLocation(field(2000, 1500)),
+       {kept(), processed("1600px"), processed("HEIC"), kept()},
+       kOrange},
+      {"located.png", pngWith(exif), {kept(), processed(), processed("HEIC"), processed("JPEG")}, kOrange},
+      {"photo.webp",
+       saved(field(), ".webp"),
+       {processed("webp → JPEG"), processed("webp → JPEG"), processed("HEIC"), processed("JPEG")},
+       kOrange},
+  };
+}
+
+// Camera raw files: only their maker's programs can develop them.
+std::vector<Row> rawRows() { return {}; }
+
+// More than one picture in a file.
+std::vector<Row> sequenceRows() {
+  const std::string control = pngChunk("acTL", "\0\0\0\2\0\0\0\0"s);
+  return {
+      {"still.gif", saved(field(), ".gif"), keptAlways("kept as is (gif)"), kOrange},
+      {"moving.png", pngWith(control), keptAlways("kept as is (png)"), kOrange},
+  };
+}
+
+// Samples, colours and dynamic ranges beyond 8-bit sRGB.
+std::vector<Row> sampleRows() { return {}; }
+
+// JPEG files that do not follow the standard to the letter.
+std::vector<Row> irregularJpegRows() { return {}; }
+
+// What JPEG files carry beside the picture: motion videos, gain maps, further pictures, trailers.
+std::vector<Row> companionRows() { return {}; }
+
+class ForeignFilesTest : public testing::Test {
+protected:
+  static void SetUpTestSuite() { ASSERT_EQ(vips_init("tests"), 0); }
+  ForeignFilesTest() {
+    logTo([](std::string_view) {});
+  }
+  ~ForeignFilesTest() override { logTo({}); }
+
+  void check(const std::vector<Row> &rows) {
+    for (const Row &row : rows) {
+      const SCOPED_TRACE(row.name);
+      for (std::size_t i = 0; i < kOptionSets; ++i) {
+        const SCOPED_TRACE("option set " + std::to_string(i + 1));
+        checkProcessing(row, kOptions.at(i), row.fates.at(i));
+      }
+      checkThumbnail(row);
+    }
+  }
+
+private:
+  void checkProcessing(const Row &row, const ImagingOptions &options, const Fate &fate) {
+    const test::TemporaryFolder folder;
+    const auto file = folder.write(row.name, row.bytes);
+    SystemFileSystem files;
+    const auto result =
+        ImagePipeline::process(file, options, Seconds(90), {.decoder = pool_, .files = files});
+    EXPECT_THAT(result.note.value_or(""), HasSubstr(fate.note));
+    ASSERT_EQ(result.processed, fate.processed) << result.note.value_or("");
+    const auto name = result.finalURL.filename().string();
+    if (!fate.processed) {
+      EXPECT_THAT(folder.names(), testing::ElementsAre(row.name));
+      EXPECT_TRUE(folder.read(name) == row.bytes) << "the file is not the one that was sent";
+      return;
+    }
+    if (options.keepOriginal) {
+      EXPECT_TRUE(folder.read("originals/" + row.name) == row.bytes);
+    }
+    checkResult(result.finalURL, options);
+    if (fate.check != nullptr)
+      fate.check(folder.read(name));
+  }
+
+  void checkResult(const fs::path &file, const ImagingOptions &options) {
+    const auto facts = pool_.facts(file);
+    ASSERT_TRUE(facts) << facts.error().detail;
+    EXPECT_LE(std::max(*facts->width, *facts->height), options.maxPixels.value_or(20'000));
+    EXPECT_LE(static_cast<std::int64_t>(fs::file_size(file)), options.maxBytes.value_or(1 << 30));
+    EXPECT_FALSE(facts->hasLocation && (options.stripLocation || options.stripAllMetadata));
+    EXPECT_FALSE(facts->hasMetadata && options.stripAllMetadata);
+    EXPECT_EQ(facts->orientation.value_or(kUpright), kUpright);
+    const std::map<OutputFormat, PictureType> wanted{
+        {OutputFormat::jpeg, PictureType::jpeg},
+        {OutputFormat::heic, pool_.canEncodeHEIC() ? PictureType::heic : PictureType::jpeg}};
+    if (const auto type = wanted.find(options.format); type != wanted.end()) {
+      EXPECT_EQ(facts->type, type->second);
+    }
+  }
+
+  void checkThumbnail(const Row &row) {
+    const test::TemporaryFolder folder;
+    const auto thumbnail = pool_.thumbnail(folder.write(row.name, row.bytes), 200, 0.9);
+    ASSERT_EQ(thumbnail.has_value(), row.shown.has_value());
+    if (!thumbnail)
+      return;
+    constexpr double kTolerance = 12;
+    const auto image = VImage::new_from_buffer(*thumbnail, "");
+    const auto colour = image.getpoint(image.width() / 2, image.height() / 2);
+    for (std::size_t band = 0; band < row.shown->size(); ++band)
+      EXPECT_NEAR(colour.at(band), row.shown->at(band), kTolerance) << "band " << band;
+  }
+
+  DecoderPool pool_{{.program = IMAGING_PROGRAM}};
+};
+
+TEST_F(ForeignFilesTest, OrdinaryPicturesAreProcessedAsAsked) { check(ordinaryRows()); }
+TEST_F(ForeignFilesTest, RawPhotosAreKeptAndShowTheirPreview) { check(rawRows()); }
+TEST_F(ForeignFilesTest, SeveralPicturesInAFileAreKept) { check(sequenceRows()); }
+TEST_F(ForeignFilesTest, PicturesThatTheOutputCannotRepresentAreKept) { check(sampleRows()); }
+TEST_F(ForeignFilesTest, IrregularJpegFilesAreProcessed) { check(irregularJpegRows()); }
+TEST_F(ForeignFilesTest, CompanionsOfAPictureFollowItOrAreNamed) { check(companionRows()); }
+
+} // namespace
+} // namespace fennick
