@@ -26,12 +26,14 @@ std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
 // Nothing of the user's: no home, no display. VIPSHOME keeps libvips from loading loaders of further formats.
 std::vector<std::string> environment() { return {"LC_ALL=C", "TZ=UTC", "VIPSHOME=/nonexistent"}; }
 
-steady_clock::time_point deadlineIn(Seconds length) {
+using Deadline = steady_clock::time_point;
+
+Deadline deadlineIn(Seconds length) {
   constexpr Seconds kMost{1e6}; // so that no time-out overflows the clock
   return steady_clock::now() + std::chrono::duration_cast<steady_clock::duration>(std::min(length, kMost));
 }
 
-Seconds untilThen(steady_clock::time_point deadline) { return deadline - steady_clock::now(); }
+Seconds untilThen(Deadline deadline) { return deadline - steady_clock::now(); }
 
 // What the memory file holds; empty when it is none, too long, or there is no memory for it.
 std::string resultOf(const FileDescriptor &attached, std::int64_t most) {
@@ -79,7 +81,8 @@ PictureResult<std::string> DecoderPool::thumbnail(const std::filesystem::path &f
                                                   double quality) {
   auto reply = ask(file, {.request = wire::ThumbnailRequest{.maxPixel = maxPixel, .quality = quality},
                           .timeout = options_.thumbnailTimeout,
-                          .mostBytes = wire::kMostThumbnailBytes});
+                          .mostBytes = wire::kMostThumbnailBytes,
+                          .purpose = Purpose::thumbnail});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return std::move(reply->bytes);
@@ -90,7 +93,7 @@ PictureResult<Rendering> DecoderPool::render(const std::filesystem::path &file, 
   auto reply = ask(file, {.request = request,
                           .timeout = timeout,
                           .mostBytes = wire::kMostResultBytes,
-                          .process = Process::ofItsOwn});
+                          .purpose = Purpose::replacement});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return Rendering{.bytes = std::move(reply->bytes),
@@ -104,7 +107,7 @@ PictureResult<std::string> DecoderPool::withOrientation(const std::filesystem::p
   auto reply = ask(file, {.request = wire::OrientationRequest{.orientation = orientation},
                           .timeout = options_.orientationTimeout,
                           .mostBytes = wire::kMostResultBytes,
-                          .process = Process::ofItsOwn});
+                          .purpose = Purpose::replacement});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return std::move(reply->bytes);
@@ -116,7 +119,7 @@ bool DecoderPool::canEncodeHEIC() {
     if (encodesHEIC_)
       return *encodesHEIC_;
   }
-  if (auto worker = acquire(Process::anyWarm, deadlineIn(options_.startTimeout)))
+  if (auto worker = acquire(Purpose::facts))
     release(std::move(*worker));
   const Locked locked(lock_);
   return encodesHEIC_.value_or(false);
@@ -128,15 +131,14 @@ std::size_t DecoderPool::processCount() const {
 }
 
 PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &file, const Task &task) {
-  const auto deadline = deadlineIn(task.timeout);
   const auto opened = ReadableFile::open(file);
   if (!opened)
     return fail(PictureFault::unreadable, opened.error().message());
-  auto worker = acquire(task.process, deadline);
+  auto worker = acquire(task.purpose);
   if (!worker)
     return std::unexpected(std::move(worker.error()));
-  auto reply = converse(**worker, opened->descriptor(), task, deadline);
-  if (reply && task.process == Process::anyWarm) {
+  auto reply = converse(**worker, opened->descriptor(), task);
+  if (reply && task.purpose != Purpose::replacement) {
     release(std::move(*worker));
   } else {
     const std::string death = (*worker)->process.kill();
@@ -155,7 +157,8 @@ PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &
 
 // Any error means that the process cannot be used any more.
 PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const FileDescriptor &file,
-                                                        const Task &task, Deadline deadline) {
+                                                        const Task &task) {
+  const auto deadline = deadlineIn(task.timeout);
   const std::string message = wire::encoded(task.request);
   if (!worker.socket.send(std::as_bytes(std::span(message)), &file))
     return gone();
@@ -185,30 +188,62 @@ std::unexpected<PictureError> DecoderPool::gone() const {
   return fail(ending_ ? PictureFault::stopped : PictureFault::crashed, {});
 }
 
-PictureResult<DecoderPool::WorkerPtr> DecoderPool::acquire(Process process, Deadline deadline) {
-  auto worker = takeIdle(process, deadline);
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::acquire(Purpose purpose) {
+  auto worker = takeIdle(purpose);
   if (!worker || *worker)
     return worker;
-  worker = start(deadline);
+  worker = start();
   if (!worker)
     giveUp();
   return worker;
 }
 
+std::size_t DecoderPool::mostAtWork(Purpose purpose) const {
+  const std::size_t most = std::max(options_.mostProcesses, std::size_t{1});
+  switch (purpose) {
+  case Purpose::thumbnail:
+    return std::clamp(options_.mostForThumbnails, std::size_t{1}, most);
+  case Purpose::facts:
+    return std::min(options_.mostForThumbnails + 1, most);
+  case Purpose::replacement:
+    break;
+  }
+  return most;
+}
+
+bool DecoderPool::isNext(Purpose purpose, std::uint64_t number) const {
+  return waiting_.at(static_cast<std::size_t>(purpose)).front() == number &&
+         alive_ - idle_.size() < mostAtWork(purpose);
+}
+
+// Returns the reason if there will be no process for the caller.
+std::optional<PictureError> DecoderPool::awaitFreeProcess(Locked &locked, Purpose purpose) {
+  auto &waiting = waiting_.at(static_cast<std::size_t>(purpose));
+  const std::uint64_t number = ++lastNumber_;
+  waiting.push_back(number);
+  const auto deadline = deadlineIn(options_.waitTimeout);
+  bool next = isNext(purpose, number);
+  while (!ending_ && !next && untilThen(deadline) > Seconds(0)) {
+    locked.waitFor(changed_, untilThen(deadline));
+    next = isNext(purpose, number);
+  }
+  std::erase(waiting, number);
+  changed_.notify_all(); // another one is the first now
+  if (ending_)
+    return PictureError{.fault = PictureFault::stopped, .detail = "the program ends"};
+  if (!next)
+    return PictureError{.fault = PictureFault::busy, .detail = "all processes are at work"};
+  return std::nullopt;
+}
+
 // The process used last is the warmest. Null when a new one is to be started: because one of its own is
-// wanted, for which an idle one gives way, or because all are at work.
-PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Process process, Deadline deadline) {
+// wanted, for which an idle one gives way if there are too many, or because none is idle.
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Purpose purpose) {
   std::list<WorkerPtr> ended; // outlives the lock: ending a process takes a moment
   Locked locked(lock_);
-  while (!ending_ && idle_.empty() && alive_ >= options_.mostProcesses) {
-    const Seconds left = untilThen(deadline);
-    if (left <= Seconds(0))
-      return fail(PictureFault::timedOut, "all processes are at work");
-    locked.waitFor(changed_, left);
-  }
-  if (ending_)
-    return fail(PictureFault::stopped, "the program ends");
-  while (process == Process::anyWarm && !idle_.empty()) {
+  if (auto error = awaitFreeProcess(locked, purpose))
+    return std::unexpected(std::move(*error));
+  while (purpose != Purpose::replacement && !idle_.empty()) {
     auto worker = std::move(idle_.back());
     idle_.pop_back();
     if (worker->socket.isConnected()) {
@@ -218,7 +253,7 @@ PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Process process, Dea
     --alive_; // somebody ended it while it was idle
     ended.push_back(std::move(worker));
   }
-  if (alive_ >= options_.mostProcesses) {
+  if (alive_ >= options_.mostProcesses && !idle_.empty()) {
     ended.splice(ended.end(), idle_, idle_.begin());
     --alive_;
   }
@@ -226,7 +261,7 @@ PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Process process, Dea
   return nullptr;
 }
 
-PictureResult<DecoderPool::WorkerPtr> DecoderPool::start(Deadline deadline) {
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::start() {
   auto ends = MessageSocket::makePair();
   if (!ends)
     return fail(PictureFault::noDecoder, ends.error().message());
@@ -245,13 +280,13 @@ PictureResult<DecoderPool::WorkerPtr> DecoderPool::start(Deadline deadline) {
   }
   // Only the child holds the other end from now on, so that its death is noticed.
   ends->second = MessageSocket(FileDescriptor());
-  return greeted(std::move(worker), std::min(deadline, deadlineIn(options_.startTimeout)));
+  return greeted(std::move(worker));
 }
 
 // `worker` once it has said hello.
-PictureResult<DecoderPool::WorkerPtr> DecoderPool::greeted(WorkerPtr worker, Deadline deadline) {
+PictureResult<DecoderPool::WorkerPtr> DecoderPool::greeted(WorkerPtr worker) {
   std::array<std::byte, wire::kMostMessageBytes> buffer{};
-  const auto received = worker->socket.receive(buffer, untilThen(deadline));
+  const auto received = worker->socket.receive(buffer, options_.startTimeout);
   const auto hello =
       received ? wire::decodedHello(text(std::span(buffer).first(received->bytes))) : std::nullopt;
   const std::string reason = hello ? hello->detail : worker->process.kill();

@@ -7,10 +7,12 @@
 #include "FennickCore/Platform/MessageSocket.h"
 #include "FennickCore/Platform/Mutex.h"
 
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <expected>
 #include <filesystem>
 #include <list>
@@ -29,18 +31,27 @@ namespace fennick {
 // to take the place of a photo is made by a process that reads that photo alone, so that no picture can forge
 // another.
 //
+// Requests that find no free process wait in the order of their arrival. Thumbnails may occupy
+// `mostForThumbnails` processes. Reading facts may use one more, and what takes the place of a photo may use
+// all: the processing of received photos does not wait behind thumbnails, however many a phone asks for. A
+// request that has waited for `waitTimeout` fails with `busy`. The time-outs of the requests begin when a
+// process has been found and started, so that waiting never counts against a picture.
+//
 // Any thread; guarded by its own lock. Destroying the pool ends its processes; no call may be under way then.
 class DecoderPool final : public PictureDecoder {
 public:
   struct Options {
     std::filesystem::path program;        // the imaging process
     std::vector<std::string> arguments{}; // for it
-    std::size_t mostProcesses = 8;        // two thumbnail gates of 4 and 2, the pipeline, the library
-    Seconds idleTime{30};                 // how long a process with nothing to do is kept
-    Seconds startTimeout{20};             // a computer that is swapping still gets it started in this time
-    Seconds factsTimeout{20};             // headers only; a slow network drive has to deliver them
-    Seconds thumbnailTimeout{30};         // ten times what the largest picture takes
-    Seconds orientationTimeout{30};       // copying, no decoding
+    // Thumbnails of two sizes, 4 and 2 at once (see Thumbnails.h), and two more for facts and new encodings.
+    std::size_t mostProcesses = 8;     // at work and idle
+    std::size_t mostForThumbnails = 6; // less than `mostProcesses` by at least 2, so that nothing else waits
+    Seconds idleTime{30};              // how long a process with nothing to do is kept
+    Seconds waitTimeout{60};           // for a free process: twice the longest that a thumbnail occupies one
+    Seconds startTimeout{20};          // a computer that is swapping still gets it started in this time
+    Seconds factsTimeout{20};          // headers only; a slow network drive has to deliver them
+    Seconds thumbnailTimeout{30};      // ten times what the largest picture takes
+    Seconds orientationTimeout{30};    // copying, no decoding
   };
 
   explicit DecoderPool(Options options) : options_(std::move(options)) {}
@@ -65,8 +76,6 @@ public:
   [[nodiscard]] std::size_t processCount() const;
 
 private:
-  using Deadline = std::chrono::steady_clock::time_point;
-
   struct Worker {
     ChildProcess process;
     MessageSocket socket;
@@ -74,12 +83,14 @@ private:
   };
   using WorkerPtr = std::unique_ptr<Worker>;
 
-  enum class Process { anyWarm, ofItsOwn };
+  // What a process is wanted for. The later ones may use processes that the earlier ones leave free.
+  enum class Purpose : std::uint8_t { thumbnail, facts, replacement };
+  static constexpr std::size_t kPurposes = 3;
   struct Task {
     wire::Request request;
-    Seconds timeout;            // from the call to its answer
+    Seconds timeout;            // from the request to its answer
     std::int64_t mostBytes = 0; // of the result; 0: there is none
-    Process process = Process::anyWarm;
+    Purpose purpose = Purpose::facts;
   };
   struct Reply {
     wire::Answer answer;
@@ -87,13 +98,15 @@ private:
   };
 
   PictureResult<Reply> ask(const std::filesystem::path &file, const Task &task);
-  PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const Task &task,
-                                Deadline deadline);
+  PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const Task &task);
   [[nodiscard]] std::unexpected<PictureError> gone() const;
-  PictureResult<WorkerPtr> acquire(Process process, Deadline deadline);
-  PictureResult<WorkerPtr> takeIdle(Process process, Deadline deadline);
-  PictureResult<WorkerPtr> start(Deadline deadline);
-  PictureResult<WorkerPtr> greeted(WorkerPtr worker, Deadline deadline);
+  PictureResult<WorkerPtr> acquire(Purpose purpose);
+  PictureResult<WorkerPtr> takeIdle(Purpose purpose);
+  [[nodiscard]] std::optional<PictureError> awaitFreeProcess(Locked &locked, Purpose purpose) REQUIRES(lock_);
+  [[nodiscard]] bool isNext(Purpose purpose, std::uint64_t number) const REQUIRES(lock_);
+  [[nodiscard]] std::size_t mostAtWork(Purpose purpose) const;
+  PictureResult<WorkerPtr> start();
+  PictureResult<WorkerPtr> greeted(WorkerPtr worker);
   void release(WorkerPtr worker);
   void discard(WorkerPtr worker);
   void giveUp();
@@ -105,6 +118,8 @@ private:
   std::list<WorkerPtr> idle_ GUARDED_BY(lock_);       // used last comes last
   std::set<const Worker *> atWork_ GUARDED_BY(lock_); // starting ones included
   std::size_t alive_ GUARDED_BY(lock_) = 0;           // idle, at work and about to be started
+  std::array<std::deque<std::uint64_t>, kPurposes> waiting_ GUARDED_BY(lock_); // numbers, first come first
+  std::uint64_t lastNumber_ GUARDED_BY(lock_) = 0;
   std::optional<bool> encodesHEIC_ GUARDED_BY(lock_);
   bool ending_ GUARDED_BY(lock_) = false;
   std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for long enough

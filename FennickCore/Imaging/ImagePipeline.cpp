@@ -186,6 +186,8 @@ Failure failureOf(const PictureError &error, PictureType output) {
     return PipelineError{.kind = unsupportedType, .type = type()};
   case PictureFault::timedOut:
     return PipelineError{.kind = timedOut};
+  case PictureFault::busy:
+    return PipelineError{.kind = busy};
   case PictureFault::noDecoder:
     return PipelineError{.kind = noDecoder};
   case PictureFault::stopped:
@@ -206,6 +208,8 @@ std::string description(const Failure &failure) {
     return "不处理的类型 " + error.type;
   case PipelineError::Kind::timedOut:
     return "处理超时 timed out";
+  case PipelineError::Kind::busy:
+    return "图片处理程序正忙 / the picture processes are busy";
   case PipelineError::Kind::noDecoder:
     return "隔离的图片处理程序无法启动 / the locked-down picture process cannot be started";
   case PipelineError::Kind::stopped:

@@ -40,6 +40,7 @@ struct PipelineError {
     unsupportedType,
     decodeFailed,
     timedOut,
+    busy,
     noDecoder,
     stopped
   };

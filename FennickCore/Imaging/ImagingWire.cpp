@@ -152,7 +152,7 @@ PictureDetails details(const Json &object) {
 Answer answer(const Json &object) {
   Answer result;
   if (const auto fault = object.find("fault"); fault != object.end()) {
-    result.error = PictureError{.fault = enumerated(*fault, PictureFault::stopped),
+    result.error = PictureError{.fault = enumerated(*fault, PictureFault::unsupported),
                                 .detail = cut(object.at("detail").get<std::string>())};
     return result;
   }

@@ -11,7 +11,8 @@
 
 namespace fennick {
 
-// Why a picture was not read. Whatever it is, the file is untouched.
+// Why a picture was not read. Whatever it is, the file is untouched. The imaging process reports those up to
+// `unsupported`; the others are found out by whoever looks after it.
 enum class PictureFault : std::uint8_t {
   unreadable,  // the file cannot be opened: gone, no permission, a link, not a regular file
   notAPicture, // its content is none of PictureType
@@ -19,7 +20,8 @@ enum class PictureFault : std::uint8_t {
   unencodable, // decoded, but the result could not be written or did not pass its check
   unsupported, // the format cannot carry what was asked for
   crashed,     // the decoder died over it
-  timedOut,    // the decoder took too long and was ended
+  timedOut,    // the decoder took too long over it and was ended
+  busy,        // no decoder became free in time; says nothing about the picture, ask again later
   noDecoder,   // the locked-down decoder cannot be started here, and there is no decoding without it
   stopped,     // the program ends
 };

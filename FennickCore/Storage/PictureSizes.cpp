@@ -24,7 +24,7 @@ PictureSize shown(const PictureFacts &facts) {
 
 // Whether asking again about the same file may give another answer.
 bool mayPass(PictureFault fault) {
-  return fault == PictureFault::unreadable || fault == PictureFault::noDecoder;
+  return fault == PictureFault::unreadable || fault == PictureFault::noDecoder || fault == PictureFault::busy;
 }
 
 // A computer short of memory may be to blame as well as the picture.

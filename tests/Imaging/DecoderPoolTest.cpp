@@ -102,6 +102,28 @@ TEST_F(DecoderPoolTest, NoMoreProcessesThanAllowedAndIdleOnesEnd) {
     std::this_thread::yield();
 }
 
+TEST_F(DecoderPoolTest, ThumbnailsThatFindNoProcessAreToldSoAndLeaveSomeForFactsAndForNewEncodings) {
+  auto options = misbehaving("hang");
+  options.mostProcesses = 3;
+  options.mostForThumbnails = 1;
+  options.thumbnailTimeout = Seconds(90);
+  options.waitTimeout = Seconds(0);
+  DecoderPool pool(options);
+  auto hanging = std::async(std::launch::async, [&] { return pool.thumbnail(bad, 400, 0.7); });
+  while (pool.processCount() == 0)
+    std::this_thread::yield();
+  EXPECT_EQ(pool.thumbnail(good, 400, 0.7).error().fault, PictureFault::busy);
+  EXPECT_TRUE(pool.facts(good));
+  auto rendering = std::async(std::launch::async, [&] { return pool.render(bad, {}, Seconds(90)); });
+  while (pool.processCount() < 3) // the hanging ones, and one that has read facts and is idle
+    std::this_thread::yield();
+  EXPECT_TRUE(pool.withOrientation(good, 6)); // the idle process gives way
+  EXPECT_EQ(pool.facts(good).error().fault, PictureFault::busy);
+  pool.stop();
+  EXPECT_EQ(hanging.get().error().fault, PictureFault::stopped);
+  EXPECT_EQ(rendering.get().error().fault, PictureFault::stopped);
+}
+
 TEST_F(DecoderPoolTest, WhatTakesThePlaceOfAPhotoIsMadeByAProcessThatReadsNoOther) {
   DecoderPool pool(misbehaving("crash"));
   const std::string warm = processServing(pool);

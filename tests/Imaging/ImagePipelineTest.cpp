@@ -193,6 +193,7 @@ TEST_F(ImagePipelineTest, APhotoThatSomebodyChangedMeanwhileIsTheirs) {
 TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
   const std::vector<std::pair<PictureFault, std::string>> notes{
       {PictureFault::timedOut, "处理超时 timed out"},
+      {PictureFault::busy, "图片处理程序正忙 / the picture processes are busy"},
       {PictureFault::crashed, "无法解码图片"},
       {PictureFault::stopped, "接收已结束，照片原样保存 / receiving has ended, the photo is kept as is"},
       {PictureFault::unencodable, "无法编码为 public.jpeg"},

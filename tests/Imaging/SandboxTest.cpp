@@ -96,6 +96,18 @@ TEST(SandboxTest, MemoryAndDescriptorsAreLimited) {
   })));
 }
 
+TEST(SandboxTest, TheKernelEndsThisProcessFirstWhenMemoryRunsOut) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    offerToOutOfMemoryKiller();
+    ::_exit(std::atoi(readFile("/proc/self/oom_score_adj").value_or("").c_str()) >= 500 ? kSurvived
+                                                                                        : kRefused);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
+}
+
 TEST(SandboxTest, ReadingMemoryAndThreadsStillWork) {
   const FileDescriptor file(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
   const int status = statusAfter([&] {

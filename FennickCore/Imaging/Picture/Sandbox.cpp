@@ -18,6 +18,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
@@ -33,6 +34,11 @@ constexpr rlim_t kMostMemory = rlim_t{4} << 30;
 // The empty standard ones, the socket, a picture, a result and some to spare: memory files do not count as
 // memory, so their number bounds what can be taken.
 constexpr rlim_t kMostDescriptors = 12;
+
+// Added to what the process counts for when the kernel looks for one to end: half of the computer's memory.
+// The whole range is 1000, with which even an idle decoder would go before a program that has taken all
+// memory.
+constexpr int kOutOfMemoryScore = 500;
 
 using Outcome = std::expected<void, std::string>;
 
@@ -161,6 +167,17 @@ void allowRest(Filter &filter) {
 }
 
 } // namespace
+
+void offerToOutOfMemoryKiller() {
+  const FileDescriptor file(::open("/proc/self/oom_score_adj", O_RDWR | O_CLOEXEC));
+  std::array<char, 16> current{};
+  if (!file.isOpen() || ::pread(file.get(), current.data(), current.size() - 1, 0) <= 0 ||
+      std::atoi(current.data()) >= kOutOfMemoryScore)
+    return;
+  const std::string score = std::to_string(kOutOfMemoryScore);
+  if (::pwrite(file.get(), score.data(), score.size(), 0) < 0)
+    return; // a container that keeps it as it is
+}
 
 Outcome limitResources() {
   if (auto limited = limit(RLIMIT_CORE, 0); !limited)

@@ -28,6 +28,11 @@ inline constexpr bool kSanitized = false;
 // be given up; nothing must be decoded then.
 [[nodiscard]] std::expected<void, std::string> lockDown();
 
+// Makes the kernel end this process before others, above all before the program that started it, when the
+// computer runs out of memory: a picture that was being read costs less than a receiver that is gone. Does
+// nothing where that is not allowed or has been set higher already. Before lockDown.
+void offerToOutOfMemoryKiller();
+
 // Limits that go with it: memory, the size of what is written, no core dumps. Before lockDown.
 [[nodiscard]] std::expected<void, std::string> limitResources();
 

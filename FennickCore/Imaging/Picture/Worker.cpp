@@ -123,6 +123,7 @@ bool sendOutcome(MessageSocket &socket, const Outcome &outcome) {
 }
 
 std::expected<void, std::string> prepared() {
+  offerToOutOfMemoryKiller();
   if (auto limited = limitResources(); !limited)
     return limited;
   if (auto ready = prepareCodecs(); !ready)
