@@ -103,7 +103,7 @@ fennick::Uptime HastyClock::uptime() const {
 
 Service::Service(const fs::path &folder, const Options &options)
     : files_(options.sync),
-      router_(providers(folder, options), folder, files_, hasty_, activity_, options.thumbnails),
+      router_(providers(folder, options), folder, files_, incoming_, hasty_, activity_, options.thumbnails),
       limiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, limiter_, clock_) {}
 
 std::uint16_t Service::start() { return server_.start(0, 1).value(); }

@@ -71,6 +71,7 @@ private:
   HastyClock hasty_;
   fennick::SystemClock clock_;
   fennick::UploadActivity activity_;
+  fennick::IncomingFolder incoming_{files_};
   fennick::UploadRouter router_;
   fennick::RateLimiter limiter_;
   fennick::HTTPServer server_;

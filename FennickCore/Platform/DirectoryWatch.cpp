@@ -29,9 +29,28 @@ constexpr std::uint32_t kZFSMagic = 0x2FC12FC1;
 constexpr std::uint32_t kBcachefsMagic = 0xCA451A4E;
 constexpr std::uint32_t kHFSPlusMagic = 0x482B;
 
-// Whether every change is made through this computer's kernel, so that none goes unseen. What is not known to
-// be so counts as shared: network drives, FUSE, folders that a virtual machine's host lends.
-bool isLocal(const std::filesystem::path &folder) {
+DirectoryChange::Kind kindOf(std::uint32_t mask) {
+  using Kind = DirectoryChange::Kind;
+  if ((mask & (IN_CREATE | IN_MOVED_TO)) != 0)
+    return Kind::appeared;
+  return (mask & kChanges) != 0 ? Kind::changed : Kind::vanished;
+}
+
+DirectoryChange changeOf(const inotify_event &event, const char *name) {
+  using Kind = DirectoryChange::Kind;
+  if ((event.mask & IN_Q_OVERFLOW) != 0)
+    return {.kind = Kind::overflow, .watch = 0, .name = {}};
+  if ((event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT)) != 0)
+    return {.kind = Kind::lost, .watch = event.wd, .name = {}};
+  return {.kind = kindOf(event.mask),
+          .watch = event.wd,
+          .name = name,
+          .isDirectory = (event.mask & IN_ISDIR) != 0};
+}
+
+} // namespace
+
+bool isOnLocalDrive(const std::filesystem::path &folder) {
   struct statfs volume{};
   if (::statfs(folder.c_str(), &volume) != 0)
     return false;
@@ -57,33 +76,12 @@ bool isLocal(const std::filesystem::path &folder) {
   }
 }
 
-DirectoryChange::Kind kindOf(std::uint32_t mask) {
-  using Kind = DirectoryChange::Kind;
-  if ((mask & (IN_CREATE | IN_MOVED_TO)) != 0)
-    return Kind::appeared;
-  return (mask & kChanges) != 0 ? Kind::changed : Kind::vanished;
-}
-
-DirectoryChange changeOf(const inotify_event &event, const char *name) {
-  using Kind = DirectoryChange::Kind;
-  if ((event.mask & IN_Q_OVERFLOW) != 0)
-    return {.kind = Kind::overflow, .watch = 0, .name = {}};
-  if ((event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED | IN_UNMOUNT)) != 0)
-    return {.kind = Kind::lost, .watch = event.wd, .name = {}};
-  return {.kind = kindOf(event.mask),
-          .watch = event.wd,
-          .name = name,
-          .isDirectory = (event.mask & IN_ISDIR) != 0};
-}
-
-} // namespace
-
 DirectoryWatch::DirectoryWatch(Shared shared)
     : shared_(shared), inotify_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       wakeup_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 IOResult<int> DirectoryWatch::add(const std::filesystem::path &folder, Scope scope) {
-  if (!inotify_.isOpen() || (shared_ == Shared::refuse && !isLocal(folder)))
+  if (!inotify_.isOpen() || (shared_ == Shared::refuse && !isOnLocalDrive(folder)))
     return std::unexpected(std::make_error_code(std::errc::not_supported));
   const int watch =
       ::inotify_add_watch(inotify_.get(), folder.c_str(), scope == Scope::content ? kContent : kNames);

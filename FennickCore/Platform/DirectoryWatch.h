@@ -24,6 +24,10 @@ struct DirectoryChange {
   bool isDirectory = false; // what the entry is, or was
 };
 
+// Whether every change in `folder` is made through this computer's kernel. What is not known to be so counts
+// as shared with others: network drives, FUSE, folders that a virtual machine's host lends.
+[[nodiscard]] bool isOnLocalDrive(const std::filesystem::path &folder);
+
 // Tells which entries come and go directly inside folders (inotify). The kernel queues each change before the
 // call that made it returns, so a `drain` sees everything that programs on this computer have done so far.
 // Nothing runs in the background. One thread at a time, `interrupt` apart.

@@ -37,10 +37,10 @@ std::expected<void, ImportFault> outcomeOf(const HTTPResponse &answer) {
 
 } // namespace
 
-FileImporter::FileImporter(Providers providers, FileSystem &files, const Clock &clock,
-                           UploadActivity &activity)
-    : providers_(std::move(providers)), files_(files), clock_(clock), activity_(activity), allocator_(files),
-      incoming_(files) {}
+FileImporter::FileImporter(Providers providers, FileSystem &files, IncomingFolder &incoming,
+                           const Clock &clock, UploadActivity &activity)
+    : providers_(std::move(providers)), files_(files), incoming_(incoming), clock_(clock),
+      activity_(activity), allocator_(files) {}
 
 std::expected<void, ImportFault> FileImporter::importFile(const std::filesystem::path &file) {
   auto opened = ReadableFile::open(file, Links::follow);

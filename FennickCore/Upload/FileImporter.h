@@ -40,8 +40,9 @@ public:
     std::function<bool()> isStopped = [] { return false; };
   };
 
-  // `files`, `clock` and `activity` outlive the importer.
-  FileImporter(Providers providers, FileSystem &files, const Clock &clock, UploadActivity &activity);
+  // `files`, `incoming`, `clock` and `activity` outlive the importer.
+  FileImporter(Providers providers, FileSystem &files, IncomingFolder &incoming, const Clock &clock,
+               UploadActivity &activity);
 
   // Blocks until the copy is saved, its processing apart. The file itself stays as it is.
   [[nodiscard]] std::expected<void, ImportFault> importFile(const std::filesystem::path &file);
@@ -59,10 +60,10 @@ private:
 
   const Providers providers_;
   FileSystem &files_;
+  IncomingFolder &incoming_;
   const Clock &clock_;
   UploadActivity &activity_;
   NameAllocator allocator_;
-  IncomingFolder incoming_;
 };
 
 } // namespace fennick

@@ -1,6 +1,7 @@
 #include "FennickCore/Upload/IncomingFolder.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Platform/DirectoryWatch.h"
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Random.h"
 
@@ -33,15 +34,23 @@ bool isTemporaryName(std::string_view name) {
 void IncomingFolder::adopt(const std::filesystem::path &saveFolder) {
   const auto incoming = saveFolder / kIncomingFolder;
   if (fileKind(incoming) == FileKind::directory)
-    hold(incoming);
+    share(incoming);
 }
 
-IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &saveFolder) {
+IOResult<IncomingHold> IncomingFolder::hold(const std::filesystem::path &saveFolder) {
   const auto incoming = saveFolder / kIncomingFolder;
   if (auto made = files_.createDirectories(incoming); !made)
     return std::unexpected(made.error());
-  IncomingPart part{
-      .file = incoming / (newUUID() + std::string(kPartSuffix)), .handle = nullptr, .hold = hold(incoming)};
+  return share(incoming);
+}
+
+IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &saveFolder) {
+  auto held = hold(saveFolder);
+  if (!held)
+    return std::unexpected(held.error());
+  IncomingPart part{.file = saveFolder / kIncomingFolder / (newUUID() + std::string(kPartSuffix)),
+                    .handle = nullptr,
+                    .hold = std::move(*held)};
   auto handle = files_.createFile(part.file);
   if (!handle)
     return std::unexpected(handle.error());
@@ -49,29 +58,44 @@ IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &s
   return part;
 }
 
-// The hold on `incoming`, taken anew when the save folder changed or the folder was replaced by another one.
-std::shared_ptr<const DirectoryLock> IncomingFolder::hold(const std::filesystem::path &incoming) {
-  const Locked locked(lock_);
+// The hold under which others of this program work, or a new one: when nobody does, the save folder changed
+// or the folder was replaced by another one. Two threads that begin at once have one each.
+IncomingHold IncomingFolder::share(const std::filesystem::path &incoming) {
   const auto identity = fileIdentity(incoming);
-  if (held_ && heldFolder_ == incoming && identity && *identity == held_->identity())
-    return held_;
-  held_ = acquire(incoming);
+  {
+    const Locked locked(lock_);
+    if (auto held = held_.lock();
+        held && heldFolder_ == incoming && identity && *identity == held->identity())
+      return held;
+  }
+  auto fresh = acquire(incoming);
+  const Locked locked(lock_);
+  held_ = fresh;
   heldFolder_ = incoming;
-  return held_;
+  return fresh;
 }
 
 // Alone in the folder: what lies in it was left by a run that ended badly. Not alone: leave it all, and wait
 // out another program that is clearing it just now.
-std::shared_ptr<const DirectoryLock> IncomingFolder::acquire(const std::filesystem::path &incoming) {
-  auto lock = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::exclusive);
-  if (lock) {
-    removeLeftovers(incoming);
-    if (!lock->share())
-      return nullptr;
-  } else {
-    lock = DirectoryLock::lock(incoming, DirectoryLock::Mode::shared);
+IncomingHold IncomingFolder::acquire(const std::filesystem::path &incoming) {
+  auto alone = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::exclusive);
+  if (!alone) {
+    auto shared = DirectoryLock::lock(incoming, DirectoryLock::Mode::shared);
+    return shared ? std::make_shared<const DirectoryLock>(std::move(*shared)) : nullptr;
   }
-  return lock ? std::make_shared<const DirectoryLock>(std::move(*lock)) : nullptr;
+  const auto hold = std::make_shared<DirectoryLock>(std::move(*alone));
+  if (mayTakeOver(incoming)) {
+    if (takeOver_)
+      takeOver_(incoming, hold);
+    removeLeftovers(incoming);
+  }
+  return hold->share() ? hold : nullptr;
+}
+
+bool IncomingFolder::mayTakeOver(const std::filesystem::path &incoming) {
+  const bool isLocal = isOnLocalDrive(incoming);
+  const Locked locked(lock_);
+  return seen_.insert(incoming).second || isLocal;
 }
 
 void IncomingFolder::removeLeftovers(const std::filesystem::path &incoming) {

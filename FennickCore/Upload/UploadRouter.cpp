@@ -67,10 +67,10 @@ std::optional<HTTPResponse> download(const std::filesystem::path &file) {
 } // namespace
 
 UploadRouter::UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files,
-                           const Clock &clock, UploadActivity &activity,
+                           IncomingFolder &incoming, const Clock &clock, UploadActivity &activity,
                            const std::optional<Thumbnails> &thumbnails)
-    : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), clock_(clock),
-      activity_(activity), allocator_(files), incoming_(files), uploadThrottle_(kMostUploads, kUploadWindow) {
+    : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), incoming_(incoming),
+      clock_(clock), activity_(activity), allocator_(files), uploadThrottle_(kMostUploads, kUploadWindow) {
   if (!thumbnails)
     return;
   thumbs_.emplace(files, thumbnails->cacheDir / "s", kThumbPixels, kThumbsAtOnce, thumbnails->decoder);

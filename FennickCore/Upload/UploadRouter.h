@@ -52,14 +52,13 @@ public:
     PictureDecoder &decoder; // outlives the router
   };
 
-  // `files`, `clock` and `activity` outlive the router. Without `thumbnails` the gallery has none.
-  UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, const Clock &clock,
-               UploadActivity &activity, const std::optional<Thumbnails> &thumbnails = std::nullopt);
+  // `files`, `incoming`, `clock` and `activity` outlive the router. Without `thumbnails` the gallery has
+  // none.
+  UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, IncomingFolder &incoming,
+               const Clock &clock, UploadActivity &activity,
+               const std::optional<Thumbnails> &thumbnails = std::nullopt);
 
   HTTPRouteDecision route(const HTTPRequestHead &head, const std::string &remote) override;
-
-  // Clears away what a crashed run left in the save folder. For the start.
-  void adoptSaveFolder(const std::filesystem::path &saveFolder) { incoming_.adopt(saveFolder); }
 
 private:
   [[nodiscard]] bool hasKey(const HTTPRequestHead &head) const;
@@ -76,10 +75,10 @@ private:
   const Providers providers_;
   const PhonePage page_;
   FileSystem &files_;
+  IncomingFolder &incoming_;
   const Clock &clock_;
   UploadActivity &activity_;
   NameAllocator allocator_;
-  IncomingFolder incoming_;
   SlidingWindowLimiter uploadThrottle_;
   std::optional<ThumbnailService> thumbs_;      // for the grid
   std::optional<ThumbnailService> largeThumbs_; // for the full screen

@@ -56,6 +56,7 @@ HTTPResponse UploadSink::finish() {
 void UploadSink::announce(const std::filesystem::path &file) {
   try {
     onUpload_({.url = file,
+               .saveFolder = upload_.destination.folder,
                .bytes = written_,
                .remoteAddress = upload_.remote,
                .mediaType = upload_.mediaType,

@@ -24,7 +24,8 @@ enum class UploadSource { phone, thisComputer };
 
 // What a finished upload reports.
 struct UploadRecord {
-  std::filesystem::path url; // the saved file under its final name
+  std::filesystem::path url;        // the saved file under its final name
+  std::filesystem::path saveFolder; // the one that it came into; its incoming folder is held during the call
   std::int64_t bytes = 0;
   std::string remoteAddress;
   std::optional<std::string> mediaType;  // as the request named it

@@ -67,8 +67,8 @@ bool isDirectory(const fs::path &folder) {
 struct AppController::Server {
   Server(AppController &controller, std::uint16_t port)
       : preferredPort(port),
-        router(controller.providers(), fennick::resourceBundle(), controller.files_, controller.clock_,
-               controller.progress_.counter(),
+        router(controller.providers(), fennick::resourceBundle(), controller.files_, controller.incoming_,
+               controller.clock_, controller.progress_.counter(),
                fennick::UploadRouter::Thumbnails{.cacheDir = controller.options_.cacheDirectory / "thumbs",
                                                  .decoder = controller.decoder_}),
         http(router, fennick::kServiceLimits, limiter, controller.clock_) {}
@@ -217,7 +217,7 @@ void AppController::startServer() {
 }
 
 void AppController::finishStart(Server &server) {
-  server.router.adoptSaveFolder(saveFolder());
+  incoming_.adopt(saveFolder());
   log(fmt::format("starting server on {}", server.preferredPort));
   const auto port = server.http.start(server.preferredPort, kPortAttempts);
   if (!port) {
@@ -260,6 +260,7 @@ std::unique_ptr<PhotoImport> AppController::makeImports() {
                                           .canSave = [this] { return routerConfig_.canSave(); },
                                           .onUpload = [this](const auto &record) { handleUpload(record); }},
                             .files = files_,
+                            .incoming = incoming_,
                             .clock = clock_,
                             .activity = progress_.counter(),
                             .mainQueue = mainQueue_});
@@ -446,7 +447,7 @@ void AppController::finishImports(const QString &problem) {
 
 // On the upload's or the import's thread.
 void AppController::handleUpload(const fennick::UploadRecord &record) {
-  processingQueue_->post([this, record] {
+  processingQueue_->post([this, record, hold = incoming_.hold(record.saveFolder)] {
     fennick::ImagingOptions options;
     {
       const Locked locked(imagingLock_);

@@ -198,6 +198,7 @@ private:
   std::shared_ptr<Server> httpServer_;
   bool stopped_ = false;
 
+  fennick::IncomingFolder incoming_{files_}; // of all uploads, imports and processing
   fennick::Mutex imagingLock_;
   fennick::ImagingOptions imaging_ GUARDED_BY(imagingLock_); // the current settings', for the processing
   std::unique_ptr<fennick::SerialQueue> processingQueue_ =

@@ -55,7 +55,8 @@ std::vector<fs::path> mediaIn(const fs::path &folder) {
 
 PhotoImport::PhotoImport(Services services)
     : mainQueue_(services.mainQueue), destination_(services.providers.destination),
-      importer_(withStop(std::move(services.providers)), services.files, services.clock, services.activity) {}
+      importer_(withStop(std::move(services.providers)), services.files, services.incoming, services.clock,
+                services.activity) {}
 
 PhotoImport::~PhotoImport() { end(); }
 

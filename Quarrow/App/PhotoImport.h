@@ -30,6 +30,7 @@ public:
   struct Services {
     fennick::FileImporter::Providers providers;
     fennick::FileSystem &files;
+    fennick::IncomingFolder &incoming;
     const fennick::Clock &clock;
     fennick::UploadActivity &activity;
     fennick::MainQueue &mainQueue;

@@ -6,6 +6,9 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include <optional>
+#include <thread>
+
 namespace fennick {
 namespace {
 
@@ -60,6 +63,48 @@ TEST_F(IncomingFolderTest, NothingIsClearedWhileAnotherProgramReceivesThere) {
   EXPECT_EQ(lying().size(), 1U);
   part.reset(); // its upload ends without tidying up
   IncomingFolder(files).adopt(photos);
+  EXPECT_THAT(lying(), IsEmpty());
+}
+
+TEST_F(IncomingFolderTest, AnIdleFolderIsNotHeldAndEachBeginningOfWorkHoldsItAnew) {
+  IncomingFolder folder(files);
+  IncomingFolder other(files);
+  const auto isHeld = [&] {
+    return !DirectoryLock::tryLock(photos / ".fennick-incoming", DirectoryLock::Mode::exclusive);
+  };
+  for (int round = 0; round < 2; ++round) {
+    auto part = std::optional(folder.createPart(photos).value());
+    const auto more = folder.hold(photos).value();
+    EXPECT_EQ(part->hold, more) << "all work of one program goes under one hold";
+    EXPECT_TRUE(isHeld());
+    const auto theirs = other.createPart(photos).value();
+    EXPECT_TRUE(fs::exists(part->file));
+    part.reset();
+    EXPECT_TRUE(fs::exists(folder.createPart(photos)->file) && fs::exists(theirs.file));
+  }
+  EXPECT_FALSE(isHeld());
+}
+
+TEST_F(IncomingFolderTest, WorkThatBeginsDuringTheClearingWaitsForItsEnd) {
+  std::jthread phone;
+  std::optional<IncomingPart> part;
+  IncomingHold kept;
+  IncomingFolder other(files);
+  IncomingFolder folder(files, [&](const fs::path &incoming, const IncomingHold &hold) {
+    EXPECT_EQ(incoming, photos / ".fennick-incoming");
+    EXPECT_EQ(lying().size(), 1U) << "records are read before leftovers go";
+    kept = hold;
+    phone = std::jthread([&] { part = other.createPart(photos).value(); });
+  });
+  disk.write("photos/.fennick-incoming/0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.out");
+  folder.adopt(photos);
+  phone.join();
+  EXPECT_THAT(lying(), ElementsAre(part->file.filename().string()));
+  part.reset();
+  other.adopt(photos);
+  EXPECT_EQ(lying().size(), 1U) << "what was taken over is held";
+  kept.reset();
+  other.adopt(photos);
   EXPECT_THAT(lying(), IsEmpty());
 }
 

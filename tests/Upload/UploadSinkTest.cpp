@@ -31,6 +31,7 @@ TEST_F(UploadSinkTest, ASavedPhotoIsReportedOnceWithWhatWasKnownAtItsAdmission) 
   destination.folder = disk / "another";
   EXPECT_EQ(finish(std::move(sink), kJPEG), "200 IMG_001.jpg");
   EXPECT_THAT(reported(), ElementsAre(UploadRecord{.url = disk / "photos/IMG_001.jpg",
+                                                   .saveFolder = disk / "photos",
                                                    .bytes = std::ssize(kJPEG),
                                                    .remoteAddress = "192.168.1.20",
                                                    .mediaType = "image/jpeg",

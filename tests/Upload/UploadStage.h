@@ -90,6 +90,7 @@ protected:
   std::optional<std::filesystem::path> gallery;
   UploadRouter::UploadPolicy policy;
 
+  IncomingFolder incomingFolder{files};
   TemporaryFolder cache;
   FakeDecoder decoder;
   UploadRouter router{{.key = [this] { return key; },
@@ -104,6 +105,7 @@ protected:
                        .policy = [this] { return policy; }},
                       disk / "bundle",
                       files,
+                      incomingFolder,
                       clock,
                       activity,
                       UploadRouter::Thumbnails{.cacheDir = cache.path(), .decoder = decoder}};
