@@ -22,6 +22,14 @@ Instant instantOf(const struct statx_timestamp &time) {
   return Instant(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
+// A refusal says that the file system has no such thing or leaves it to somebody else.
+IOResult<void> toleratingRefusal(const IOResult<void> &changed) {
+  constexpr std::array kRefusals{EPERM, EACCES, EOPNOTSUPP, ENOSYS, EINVAL};
+  if (!changed && std::ranges::find(kRefusals, changed.error().value()) != kRefusals.end())
+    return {};
+  return changed;
+}
+
 IOResult<FileStatus> statusAt(int folder, const char *name) {
   struct statx found{};
   if (::statx(folder, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, STATX_BASIC_STATS | STATX_BTIME, &found) !=
@@ -67,6 +75,18 @@ IOResult<void> setModificationTime(const fs::path &file, Instant modified) {
 
 IOResult<void> setPermissions(const fs::path &file, std::uint32_t permissions) {
   return checked(::fchmodat(AT_FDCWD, file.c_str(), permissions, AT_SYMLINK_NOFOLLOW));
+}
+
+IOResult<void> copyPermissionsAndTime(const FileStatus &like, const fs::path &file) {
+  const auto now = fileStatus(file);
+  if (!now)
+    return std::unexpected(now.error());
+  if (now->permissions != like.permissions)
+    if (auto set = toleratingRefusal(setPermissions(file, like.permissions)); !set)
+      return set;
+  if (now->modified == like.modified)
+    return {};
+  return toleratingRefusal(setModificationTime(file, like.modified));
 }
 
 } // namespace fennick

@@ -44,8 +44,13 @@ struct FolderEntry {
 readFolder(const std::filesystem::path &folder, Links links,
            const std::function<bool(std::string_view name, FileKind kind)> &wanted);
 
-// Both follow no link.
+// These follow no link.
 [[nodiscard]] IOResult<void> setModificationTime(const std::filesystem::path &file, Instant modified);
 [[nodiscard]] IOResult<void> setPermissions(const std::filesystem::path &file, std::uint32_t permissions);
+// Gives `file` the permissions and the modification time of `like`, each only if it differs. It is not an
+// error when the file system refuses to change them, as network mounts and FAT do: the file then keeps its
+// own.
+[[nodiscard]] IOResult<void> copyPermissionsAndTime(const FileStatus &like,
+                                                    const std::filesystem::path &file);
 
 } // namespace fennick

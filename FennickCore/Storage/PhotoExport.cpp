@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/ProcessingPlan.h"
 #include "FennickCore/Platform/AsideFile.h"
+#include "FennickCore/Platform/FileCopy.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/FreeName.h"
 #include "FennickCore/Platform/Random.h"
@@ -22,8 +23,6 @@ namespace {
 
 using ImagePipeline::Encode;
 using ImagePipeline::Failure;
-
-constexpr std::size_t kCopyPiece = 256UZ * 1024;
 
 // What is to become of one file.
 struct Work {
@@ -72,60 +71,37 @@ bool keepsWhatWasToGo(const Work &work, const ImagingOptions &options) {
          (options.stripLocation && work.facts->hasLocation);
 }
 
-IOResult<void> pour(ReadableFile &from, WritableFile &into) {
-  std::vector<std::byte> piece(kCopyPiece);
-  for (;;) {
-    const auto read = from.read(piece);
-    if (!read)
-      return std::unexpected(read.error());
-    if (*read == 0)
-      return into.sync();
-    if (auto written = into.write(std::span(piece).first(*read)); !written)
-      return written;
-  }
-}
-
 // A file that comes into being beside its final name; what was not placed goes.
 class Part {
 public:
   Part(const fs::path &folder, FileSystem &files)
       : files_(files), folder_(folder), path_(folder / (".export-" + newUUID() + ".part")) {}
   ~Part() {
-    if (begun_)
+    if (isWritten_)
       std::ignore = files_.remove(path_);
   }
   Part(const Part &) = delete;
   Part &operator=(const Part &) = delete;
 
   IOResult<void> write(std::string_view bytes) {
-    begun_ = true;
-    return writeAside(files_, path_, bytes, Durability::onDisk);
+    auto written = writeAside(files_, path_, bytes, Durability::onDisk);
+    isWritten_ = written.has_value();
+    return written;
   }
   IOResult<void> copy(const fs::path &source) {
-    auto from = ReadableFile::open(source);
-    if (!from)
-      return std::unexpected(from.error());
-    auto into = files_.createFile(path_);
-    if (!into)
-      return std::unexpected(into.error());
-    begun_ = true;
-    auto copied = pour(*from, **into);
-    if (auto closed = (*into)->close(); copied)
-      copied = closed;
+    auto copied = copyFile(files_, source, path_);
+    isWritten_ = copied.has_value();
     return copied;
   }
   // Under `name` or a free one like it, with the time and the permissions of the original.
   IOResult<fs::path> place(const fs::path &name, const FileStatus &original) {
-    auto dressed = setPermissions(path_, original.permissions);
-    if (dressed)
-      dressed = setModificationTime(path_, original.modified);
-    if (!dressed)
+    if (const auto dressed = copyPermissionsAndTime(original, path_); !dressed)
       return std::unexpected(dressed.error());
     auto placed = underFreeName(
         folder_, name, [this](const fs::path &target) { return files_.moveNoReplace(path_, target); });
     if (!placed)
       return placed;
-    begun_ = false;
+    isWritten_ = false;
     // It is whole under its name whether or not this works.
     std::ignore = files_.syncDirectory(folder_);
     return placed;
@@ -135,7 +111,7 @@ private:
   FileSystem &files_;
   const fs::path &folder_;
   const fs::path path_;
-  bool begun_ = false;
+  bool isWritten_ = false;
 };
 
 // Fills the part: with a new encoding, or with the file as it is.

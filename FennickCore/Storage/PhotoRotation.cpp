@@ -37,10 +37,9 @@ std::unexpected<OpError> failure(OpError::Kind kind) { return std::unexpected(Op
 // The attributes of the old file on the new one. The time is a whole second, as remembered by those who keep
 // no fractions.
 IOResult<void> dress(const fs::path &file, const FileStatus &old) {
-  if (auto set = setPermissions(file, old.permissions); !set)
-    return set;
-  return setModificationTime(file, std::chrono::floor<std::chrono::seconds>(old.modified) +
-                                       std::chrono::seconds(1));
+  FileStatus wanted = old;
+  wanted.modified = std::chrono::floor<std::chrono::seconds>(old.modified) + std::chrono::seconds(1);
+  return copyPermissionsAndTime(wanted, file);
 }
 
 // Puts `content` in the place of `file`, unless that has changed since `old` was taken.

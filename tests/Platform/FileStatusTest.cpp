@@ -38,6 +38,20 @@ TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
   EXPECT_EQ(fileStatus(file)->created(), fresh.born.value_or(fileStatus(file)->modified));
 }
 
+// No file system here changes the permissions of a link, so a link stands in for a file on one that refuses
+// to change those of files.
+TEST_F(FileStatusTest, ARefusalToChangePermissionsIsToleratedAndTheTimeIsCopiedAllTheSame) {
+  FileStatus like;
+  like.modified = Instant(std::chrono::seconds(5));
+  like.permissions = 0640;
+  const auto link = folder / "link";
+  fs::create_symlink(folder.write("photo"), link);
+  ASSERT_FALSE(setPermissions(link, 0640));
+  EXPECT_TRUE(copyPermissionsAndTime(like, link));
+  EXPECT_EQ(fileStatus(link)->modified, like.modified);
+  EXPECT_FALSE(copyPermissionsAndTime(like, folder / "gone"));
+}
+
 TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBackAndComesBackWithoutATrace) {
   ASSERT_EQ(kDataHomeIsSet, 0);
   SystemTrash trash;
