@@ -1,18 +1,15 @@
 #include "FennickCore/Imaging/ImagePipeline.h"
 
-#include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Imaging/Originals.h"
+#include "FennickCore/Imaging/PictureCommit.h"
 #include "FennickCore/Imaging/ProcessingPlan.h"
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/FileAttributes.h"
 #include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/FreeName.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
-
-#include <fmt/format.h>
 
 #include <chrono>
+#include <string_view>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace fennick::ImagePipeline {
 
@@ -36,140 +33,52 @@ ProcessResult unprocessed(const fs::path &url, std::string note) {
   return {.finalURL = url, .note = std::move(note)};
 }
 
-// The hidden work folder that uploads into this folder have made, there or one of two levels above; else one
-// in the folder itself.
-fs::path workFolder(const fs::path &folder) {
-  fs::path above = folder;
-  for (int level = 0; level <= 2; ++level, above = above.parent_path())
-    if (const auto kind = fileKind(above / kIncomingFolder); kind && *kind == FileKind::directory)
-      return above / kIncomingFolder;
-  return folder / kIncomingFolder;
+std::optional<std::string_view> remarkOn(OriginalFate fate) {
+  switch (fate) {
+  case OriginalFate::trash:
+    return "原图已移到废纸篓 / original moved to the Trash";
+  case OriginalFate::keep:
+    return "原图在 originals 文件夹 / original kept in originals";
+  case OriginalFate::remove:
+    break;
+  }
+  return std::nullopt;
 }
 
-// Somebody may have renamed, changed or deleted a photo while it was being worked on: theirs counts.
-bool isStillThere(const fs::path &url, const FileStatus &before) {
-  const auto now = fileStatus(url);
-  return now && now->identity == before.identity && now->bytes == before.bytes &&
-         now->modified == before.modified;
+// What the note says of the original: only what the user would not expect.
+std::vector<std::string> remarksOn(const Encode &encode, OriginalFate fate) {
+  std::vector<std::string> remarks = encode.remarks;
+  if (const auto remark = remarkOn(fate); remark && encode.isUnasked)
+    remarks.emplace_back(*remark);
+  return remarks;
 }
 
-// Puts a new encoding in the place of a file. Every step either leaves all as it was or has the picture whole
-// under both its names.
-class Commit {
-public:
-  Commit(const fs::path &source, const FileStatus &status, FileSystem &files)
-      : source_(source), status_(status), files_(files),
-        output_(workFolder(source.parent_path()) / (newUUID() + std::string(kProcessedSuffix))) {}
-  // Whatever was not moved into place goes.
-  ~Commit() {
-    if (written_)
-      std::ignore = files_.remove(output_);
-  }
-  Commit(const Commit &) = delete;
-  Commit &operator=(const Commit &) = delete;
-
-  // On the disk, with the modification time and the permissions of the file it is made from.
-  IOResult<void> write(const std::string &bytes) {
-    if (auto made = files_.createDirectories(output_.parent_path()); !made)
-      return made;
-    if (auto done = writeAside(files_, output_, bytes, Durability::onDisk); !done)
-      return done;
-    written_ = true;
-    copyUserAttributes(source_, output_);
-    if (auto done = setPermissions(output_, status_.permissions); !done)
-      return done;
-    return setModificationTime(output_, status_.modified);
-  }
-
-  // A second name in "originals" for the file as it arrived, or where the file system has no second names,
-  // the file itself.
-  IOResult<fs::path> keepOriginal() {
-    const fs::path originals = source_.parent_path() / kOriginalsFolder;
-    if (auto made = files_.createDirectories(originals); !made)
-      return std::unexpected(made.error());
-    auto kept = underFreeName(originals, source_.filename(),
-                              [&](const fs::path &target) { return files_.link(source_, target); });
-    if (!kept && kept.error() != std::errc::file_exists) {
-      kept = underFreeName(originals, source_.filename(),
-                           [&](const fs::path &target) { return files_.moveNoReplace(source_, target); });
-      moved_ = kept.has_value();
-    }
-    if (kept) {
-      original_ = *kept;
-      if (auto synced = files_.syncDirectory(originals); !synced)
-        return std::unexpected(synced.error());
-    }
-    return kept;
-  }
-
-  // Undoes keepOriginal.
-  void takeBack() {
-    if (original_.empty())
-      return;
-    if (moved_)
-      std::ignore = files_.moveNoReplace(original_, source_);
-    else
-      std::ignore = files_.remove(original_);
-  }
-
-  // Moves the encoding to the file's name with `extension`, or a free one like it; the file it is made from
-  // is gone then.
-  IOResult<fs::path> place(std::string_view extension) {
-    const fs::path name = source_.stem().concat(fmt::format(".{}", extension));
-    const bool sameName = name == source_.filename();
-    if (!isStillThere(moved_ ? original_ : source_, status_))
-      return std::unexpected(std::make_error_code(std::errc::no_such_file_or_directory));
-    IOResult<fs::path> placed = source_.parent_path() / name;
-    if (sameName && !moved_) {
-      if (auto replaced = files_.replace(output_, source_); !replaced)
-        return std::unexpected(replaced.error());
-    } else {
-      placed = underFreeName(source_.parent_path(), name,
-                             [&](const fs::path &target) { return files_.moveNoReplace(output_, target); });
-      if (!placed)
-        return placed;
-    }
-    written_ = false;
-    if (!sameName && !moved_)
-      if (const auto removed = files_.remove(source_); !removed)
-        log(fmt::format("{} stays beside its new encoding: {}", source_.filename().string(),
-                        removed.error().message()));
-    // The picture is whole under its new name whether or not this works.
-    std::ignore = files_.syncDirectory(source_.parent_path());
-    return placed;
-  }
-
-private:
-  const fs::path &source_;
-  const FileStatus &status_;
-  FileSystem &files_;
-  fs::path output_;
-  fs::path original_;
-  bool written_ = false;
-  bool moved_ = false; // the file itself lies in "originals", not only a second name of it
-};
-
-Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptions &options,
-               const Encode &encode, const Rendering &rendering, FileSystem &files) {
-  Commit commit(url, status, files);
+Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptions &options, Encode encode,
+               const Rendering &rendering, const Services &services) {
+  PictureCommit commit(url, status, fateOf(options, encode.isUnasked), services);
   if (const auto written = commit.write(rendering.bytes); !written)
     return fail(written.error());
-  ProcessResult result{.finalURL = url, .processed = true, .note = noteOf(encode, rendering)};
-  if (options.keepOriginal) {
-    const auto kept = commit.keepOriginal();
-    if (!kept) {
-      commit.takeBack();
-      return fail(kept.error());
-    }
-    result.originalURL = *kept;
-  }
-  const auto placed = commit.place(preferredExtension(encode.request.output));
-  if (!placed) {
-    commit.takeBack();
+  auto placed = commit.place(preferredExtension(encode.request.output));
+  if (!placed)
     return fail(placed.error());
-  }
-  result.finalURL = *placed;
+  encode.remarks = remarksOn(encode, placed->original.fate);
+  ProcessResult result{
+      .finalURL = std::move(placed->file), .processed = true, .note = noteOf(encode, rendering)};
+  if (placed->original.fate == OriginalFate::keep)
+    result.originalURL = std::move(placed->original.file);
   return result;
+}
+
+// What was to become of `source`, the file that `target` was made from. When it cannot be told for sure, the
+// Trash is right: nothing is destroyed, and nothing stays beside the photo.
+OriginalFate fateAfterInterruption(const fs::path &source, const fs::path &target,
+                                   const ImagingOptions &options, const Services &services) {
+  const auto before = fileStatus(source);
+  const auto after = fileStatus(target);
+  const auto type = services.decoder.facts(source);
+  const auto newType = services.decoder.facts(target);
+  const bool isSure = before && after && before->modified == after->modified && type && newType;
+  return fateOf(options, !isSure || isUnaskedConversion(type->type, newType->type, options.format));
 }
 
 } // namespace
@@ -240,7 +149,7 @@ Outcome tryProcess(const fs::path &url, const ImagingOptions &options, Seconds t
   const auto rendering = services.decoder.render(url, encode->request, std::max(left, Seconds(0)));
   if (!rendering)
     return fail(rendering.error(), encode->request.output);
-  return commit(url, *status, options, *encode, *rendering, services.files);
+  return commit(url, *status, options, *encode, *rendering, services);
 }
 
 ProcessResult process(const fs::path &url, const ImagingOptions &options, Seconds timeout,
@@ -251,13 +160,30 @@ ProcessResult process(const fs::path &url, const ImagingOptions &options, Second
   return unprocessed(url, "未处理 / skipped: " + description(result.error()));
 }
 
+bool wasPlaced(const fs::path &output, const fs::path &target) {
+  const auto placed = fileIdentity(target);
+  const auto left = fileIdentity(output);
+  return placed && (!left || *left == *placed);
+}
+
 IOResult<ProcessResult> completeCommit(const fs::path &source, const fs::path &target,
                                        const ImagingOptions &options, const Services &services) {
-  std::ignore = options;
-  if (source != target && fileStatus(source))
-    if (const auto removed = services.files.remove(source); !removed)
-      return std::unexpected(removed.error());
-  return ProcessResult{.finalURL = target, .processed = true};
+  ProcessResult result{.finalURL = target,
+                       .processed = true,
+                       .note = "处理曾中断，已补完 / interrupted, completed afterwards"};
+  const auto left = fileKind(source);
+  if (source == target || (!left && left.error() == std::errc::no_such_file_or_directory))
+    return result;
+  if (!left)
+    return std::unexpected(left.error());
+  auto original =
+      disposeOfOriginal(source, fateAfterInterruption(source, target, options, services), services);
+  if (!original)
+    return std::unexpected(original.error());
+  std::ignore = services.files.syncDirectory(source.parent_path());
+  if (original->fate == OriginalFate::keep)
+    result.originalURL = std::move(original->file);
+  return result;
 }
 
 } // namespace fennick::ImagePipeline

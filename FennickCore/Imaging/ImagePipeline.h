@@ -65,9 +65,8 @@ public:
   // `output` is the finished encoding in the work folder (<UUID>.out), `target` the name that it is about to
   // be moved to: free just now, or `source` itself when the name stays. Called again with another target when
   // somebody else took the name. Returns once this is on the disk; a failure ends the commit with the photo
-  // as it was. After a kill: while `output` exists or `target` does not, the photo has to be processed again;
-  // otherwise the encoding is in place and completeCommit does the rest. `output` must not be cleaned up
-  // before this was decided.
+  // as it was. After a kill wasPlaced tells whether the photo has to be processed again or completeCommit
+  // does the rest; `output` must not be cleaned up before that is decided.
   virtual IOResult<void> willPlace(const std::filesystem::path &source, const std::filesystem::path &output,
                                    const std::filesystem::path &target) = 0;
   // The encoding could not be placed after all, and `output` is about to be removed: what willPlace recorded
@@ -92,6 +91,9 @@ struct Services {
 // why.
 [[nodiscard]] ProcessResult process(const std::filesystem::path &url, const ImagingOptions &options,
                                     Seconds timeout, const Services &services);
+
+// Whether the encoding `output`, which was about to be moved to `target`, is in its place.
+[[nodiscard]] bool wasPlaced(const std::filesystem::path &output, const std::filesystem::path &target);
 
 // Completes a commit that the end of the program interrupted after its encoding was placed: `target` is the
 // encoding, `source` the file it was made from, which may be gone already or be `target` itself. Does with

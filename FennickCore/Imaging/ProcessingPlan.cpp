@@ -59,7 +59,25 @@ bool isNeeded(const PictureFacts &facts, const ImagingOptions &options, bool res
          (facts.hasMetadata && options.stripAllMetadata);
 }
 
+std::optional<PictureType> chosenType(OutputFormat format) {
+  switch (format) {
+  case OutputFormat::jpeg:
+    return PictureType::jpeg;
+  case OutputFormat::heic:
+    return PictureType::heic;
+  case OutputFormat::png:
+    return PictureType::png;
+  case OutputFormat::keep:
+    break;
+  }
+  return std::nullopt;
+}
+
 } // namespace
+
+bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format) {
+  return !isOwnType(source, output) && output != chosenType(format);
+}
 
 Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,
           const std::function<bool()> &canEncodeHEIC) {
@@ -87,7 +105,8 @@ Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &o
                             .stripLocation = options.stripLocation,
                             .stripAllMetadata = options.stripAllMetadata},
                 .turns = facts.orientation.value_or(kUpright) != kUpright,
-                .remarks = std::move(output.remarks)};
+                .remarks = std::move(output.remarks),
+                .isUnasked = isUnaskedConversion(facts.type, output.type, options.format)};
 }
 
 std::string noteOf(const Encode &encode, const Rendering &rendering) {

@@ -22,6 +22,7 @@ struct Encode {
   RenderRequest request;
   bool turns = false;                 // the stored picture does not stand upright
   std::vector<std::string> remarks{}; // on the choice of the format
+  bool isUnasked = false;             // converts to a format that the user did not choose
 };
 
 // The size cannot be read.
@@ -32,6 +33,11 @@ using Plan = std::variant<LeaveAlone, Encode, Undecodable>;
 // `bytes` is the file's size. `canEncodeHEIC` is asked only when it matters.
 [[nodiscard]] Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,
                         const std::function<bool()> &canEncodeHEIC);
+
+// Whether a picture of type `source` that is written as `output` gets a format that the user, who chose
+// `format`, did not ask for: a WebP that becomes a JPEG because no format was chosen, or because this
+// computer cannot write the chosen one.
+[[nodiscard]] bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format);
 
 // The note on a finished encoding.
 [[nodiscard]] std::string noteOf(const Encode &encode, const Rendering &rendering);

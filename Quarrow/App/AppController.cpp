@@ -453,8 +453,8 @@ void AppController::handleUpload(const fennick::UploadRecord &record) {
       const Locked locked(imagingLock_);
       options = imaging_;
     }
-    const auto result = fennick::ImagePipeline::process(record.url, options, kProcessingTimeout,
-                                                        {.decoder = decoder_, .files = files_});
+    const auto result = fennick::ImagePipeline::process(
+        record.url, options, kProcessingTimeout, {.decoder = decoder_, .files = files_, .trash = &trash_});
     writeOrigin(result.finalURL, originOf(record, result));
     mainQueue_.post(whileAlive([this, record, result] { finishUpload(record, result); }));
   });

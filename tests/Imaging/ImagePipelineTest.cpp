@@ -5,17 +5,20 @@
 #include "FennickCore/Platform/Log.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
+#include "tests/Support/KillAtEveryChange.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <map>
+#include <ostream>
 
 namespace fennick {
 namespace {
 
 namespace fs = std::filesystem;
 using Operation = test::FaultyFileSystem::Operation;
-using testing::AnyOf;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -167,20 +170,6 @@ TEST_F(ImagePipelineTest, WhateverFailsThePhotoIsAsItWasAndNothingElseIsLeft) {
     }
 }
 
-TEST_F(ImagePipelineTest, BetweenAnyTwoStepsThePhotoExists) {
-  options.keepOriginal = true;
-  for (const bool links : {true, false}) {
-    source = folder.write("a.jpg", "original");
-    links ? files.mend(Operation::link) : files.failAlways(Operation::link, EPERM);
-    for (const auto step : {Operation::link, Operation::moveNoReplace, Operation::replace, Operation::remove,
-                            Operation::syncDirectory})
-      files.before(step, [&] { EXPECT_THAT(contents(), testing::Contains(AnyOf("original", "encoded"))); });
-    EXPECT_TRUE(process().processed);
-    EXPECT_THAT(contents(), testing::Contains("original"));
-    fs::remove_all(folder / "originals");
-  }
-}
-
 TEST_F(ImagePipelineTest, APhotoThatSomebodyChangedMeanwhileIsTheirs) {
   decoder.before([&] {
     if (decoder.calls() == 2)
@@ -208,10 +197,116 @@ TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
   auto turned = photo(PictureType::tiff);
   turned.orientation = 8;
   decoder.setFacts(turned);
-  EXPECT_THAT(*process().note,
-              EndsWith("JPEG · 已转正 / rotated · tiff → JPEG；已到最小尺寸/质量，仍超出体积上限 / at "
-                       "minimum, still over the size limit"));
+  EXPECT_THAT(
+      *process().note,
+      EndsWith("JPEG · 已转正 / rotated · tiff → JPEG；原图在 originals 文件夹 / original kept in originals；"
+               "已到最小尺寸/质量，仍超出体积上限 / at minimum, still over the size limit"));
 }
+
+// What a user finds after processing was interrupted and completed: the photo's name in the save folder, and
+// the folder that has the original, if any.
+struct InterruptedCase {
+  std::string name;
+  PictureType type;
+  std::string photo;
+  std::string originalIn = {};
+  bool keepOriginal = false;
+  bool hasLinks = true;
+  bool hasTrash = true;
+};
+
+void PrintTo(const InterruptedCase &each, std::ostream *out) {
+  *out << each.name << " to " << each.photo << ", original in \"" << each.originalIn << '"';
+}
+
+class InterruptedCommitTest : public testing::TestWithParam<InterruptedCase> {
+protected:
+  class Decoder : public test::FakeDecoder {
+    PictureResult<PictureFacts> facts(const fs::path &file) override {
+      return photo(readFile(file) == "encoded" ? PictureType::jpeg : GetParam().type);
+    }
+  };
+  // The trash, the journal and the photos of one disk, whose program may die at any change and start again.
+  class Disk : public ImagePipeline::CommitJournal, public Trash {
+  public:
+    Disk() { decoder_.setRendering(Rendering{.bytes = "encoded", .longEdge = 2048, .quality = 0.77}); }
+    void run(test::FaultyFileSystem &files) {
+      files_ = &files;
+      if (!GetParam().hasLinks)
+        files.failAlways(Operation::link, EPERM);
+      const ImagePipeline::Services services{decoder_, files, this, this};
+      if (target_ && ImagePipeline::wasPlaced(output_, *target_))
+        EXPECT_TRUE(ImagePipeline::completeCommit(source_, *target_, options_, services) || files.died());
+      else
+        std::ignore = ImagePipeline::process(source_, options_, Seconds(90), services);
+    }
+    IOResult<void> willPlace(const fs::path &, const fs::path &output, const fs::path &target) override {
+      auto recorded = files_->syncDirectory(folder_.path());
+      if (recorded)
+        std::tie(output_, target_) = std::pair(output, target);
+      return recorded;
+    }
+    void didNotPlace(const fs::path &) override {
+      if (files_->syncDirectory(folder_.path()))
+        target_.reset();
+    }
+    IOResult<Trashed> moveToTrash(const fs::path &file) override {
+      if (!GetParam().hasTrash)
+        return std::unexpected(std::make_error_code(std::errc::not_supported));
+      const auto moved = files_->moveNoReplace(file, folder_ / "trash" / file.filename());
+      return moved ? IOResult<Trashed>(Trashed{}) : std::unexpected(moved.error());
+    }
+    // Path and content of every file, temporaries apart.
+    std::map<std::string, std::string> contents() const {
+      std::map<std::string, std::string> found;
+      for (const auto &entry : fs::recursive_directory_iterator(folder_.path()))
+        if (entry.is_regular_file() && entry.path().extension() != ".out")
+          found.emplace(entry.path().lexically_relative(folder_.path()), readFile(entry.path()).value());
+      return found;
+    }
+
+  private:
+    test::TemporaryFolder folder_;
+    fs::path trash_ = folder_.makeFolder("trash");
+    fs::path source_ = folder_.write(GetParam().name, "original");
+    ImagingOptions options_{.maxPixels = 2048, .keepOriginal = GetParam().keepOriginal};
+    Decoder decoder_;
+    test::FaultyFileSystem *files_ = nullptr;
+    fs::path output_;
+    std::optional<fs::path> target_;
+  };
+};
+
+TEST_P(InterruptedCommitTest, LeavesOnePhotoAndOneOriginalHoweverOftenTheProgramIsKilled) {
+  std::map<std::string, std::string> expected{{GetParam().photo, "encoded"}};
+  if (!GetParam().originalIn.empty())
+    expected.emplace(GetParam().originalIn + "/" + GetParam().name, "original");
+  test::killAtEveryChange([&](test::FaultyFileSystem &files) {
+    Disk disk;
+    disk.run(files);
+    for (int change = files.died() ? 1 : 1000; change <= 1000; ++change) {
+      const auto found = disk.contents();
+      EXPECT_TRUE(found.contains(GetParam().name) || found.contains(GetParam().photo));
+      test::FaultyFileSystem next;
+      next.dieAt(change);
+      disk.run(next);
+      if (!next.died())
+        break;
+    }
+    EXPECT_EQ(disk.contents(), expected);
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Commits, InterruptedCommitTest,
+    testing::Values(InterruptedCase{"a.png", PictureType::png, "a.png"},
+                    InterruptedCase{"a.png", PictureType::png, "a.png", "originals", true},
+                    InterruptedCase{"a.png", PictureType::png, "a.png", "originals", true, false},
+                    InterruptedCase{"a.jpg", PictureType::jpeg, "a.jpeg"},
+                    InterruptedCase{"a.jpg", PictureType::jpeg, "a.jpeg", "originals", true, false},
+                    InterruptedCase{"a.webp", PictureType::webp, "a.jpeg", "trash"},
+                    InterruptedCase{"a.webp", PictureType::webp, "a.jpeg", "originals", false, true, false},
+                    InterruptedCase{"a.jpeg", PictureType::webp, "a.jpeg", "originals"}));
 
 } // namespace
 } // namespace fennick

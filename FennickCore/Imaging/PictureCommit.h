@@ -1,0 +1,54 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagePipeline.h"
+#include "FennickCore/Imaging/Originals.h"
+#include "FennickCore/Platform/FileStatus.h"
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace fennick::ImagePipeline {
+
+// Puts a new encoding in the place of a received file. Whenever the program ends in between, the photo is
+// complete under its own name or its new one. On failure the photo is as it was, and what was written so far
+// goes with the object. The arguments are borrowed for the object's life. One thread.
+class PictureCommit {
+public:
+  PictureCommit(const std::filesystem::path &source, const FileStatus &status, OriginalFate fate,
+                const Services &services);
+  ~PictureCommit();
+  PictureCommit(const PictureCommit &) = delete;
+  PictureCommit &operator=(const PictureCommit &) = delete;
+
+  struct Placed {
+    std::filesystem::path file; // the photo from now on
+    Original original;
+  };
+
+  // Writes the encoding to the work folder and syncs it, with the modification time, the permissions and the
+  // user's attributes of the received file.
+  [[nodiscard]] IOResult<void> write(std::string_view bytes);
+  // Moves the encoding to the received file's name with `extension`, or to a free one like it, and does with
+  // the received file what its fate says. Where the name stays, a file that is to go to the Trash is kept in
+  // "originals" instead: it must be safe before it is replaced, and the Trash takes files only under their
+  // own names.
+  [[nodiscard]] IOResult<Placed> place(std::string_view extension);
+
+private:
+  [[nodiscard]] IOResult<Placed> replaceSource();
+  [[nodiscard]] IOResult<Placed> placeBeside(const std::filesystem::path &name);
+  [[nodiscard]] IOResult<void> announce(const std::filesystem::path &target);
+  void takeBack(const std::filesystem::path &target);
+
+  const std::filesystem::path &source_;
+  const FileStatus &status_;
+  const OriginalFate fate_;
+  const Services &services_;
+  FileSystem &files_;
+  const std::filesystem::path output_;
+  bool isWritten_ = false;
+  bool isAnnounced_ = false; // the journal has a record that must not outlive a failure
+};
+
+} // namespace fennick::ImagePipeline
