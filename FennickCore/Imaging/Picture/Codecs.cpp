@@ -20,8 +20,8 @@ constexpr unsigned kMostThreads = 4;
 
 // libvips knows more formats than we take; their loaders are out of reach.
 void blockOtherLoaders() {
-  static constexpr std::array kLoaders{"VipsForeignLoadJpeg", "VipsForeignLoadPng", "VipsForeignLoadWebp",
-                                       "VipsForeignLoadTiff", "VipsForeignLoadNsgif"};
+  static constexpr std::array kLoaders{"VipsForeignLoadPng", "VipsForeignLoadWebp", "VipsForeignLoadTiff",
+                                       "VipsForeignLoadNsgif"};
   ::vips_operation_block_set("VipsForeignLoad", 1);
   for (const char *loader : kLoaders)
     ::vips_operation_block_set(loader, 0);

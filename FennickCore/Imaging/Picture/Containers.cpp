@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #define ZLIB_CONST // what zlib reads is const to it
 #include <zlib.h>
@@ -25,21 +26,28 @@ const Bytef *zlibBytes(std::string_view text) { return reinterpret_cast<const By
 // Start of image, restarts and the temporary marker stand alone.
 bool standsAlone(unsigned marker) { return marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8); }
 
-// The marker at or behind `at`, which fill bytes may precede, with the position behind it.
+// The markers of frames are a range of their own, but for those of tables and the reserved one.
+bool isFrame(unsigned marker) {
+  return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+}
+
+// The next marker at or behind `at`, which other bytes and fill bytes may precede, with the position behind
+// it.
 struct Marker {
   unsigned code = 0;
   std::size_t at = 0;
   std::size_t end = 0;
 };
-std::optional<Marker> markerAt(std::string_view file, std::size_t at) {
-  if (at >= file.size() || file[at] != '\xFF')
-    return std::nullopt;
-  std::size_t code = at + 1;
-  while (code < file.size() && file[code] == '\xFF')
-    ++code;
-  if (code >= file.size() || file[code] == '\0')
-    return std::nullopt;
-  return Marker{static_cast<unsigned char>(file[code]), at, code + 1};
+std::optional<Marker> nextMarker(std::string_view file, std::size_t at) {
+  for (at = file.find('\xFF', at); at != std::string_view::npos; at = file.find('\xFF', at)) {
+    const std::size_t code = file.find_first_not_of('\xFF', at);
+    if (code == std::string_view::npos)
+      break;
+    if (file[code] != '\0')
+      return Marker{static_cast<unsigned char>(file[code]), at, code + 1};
+    at = code;
+  }
+  return std::nullopt;
 }
 
 std::optional<JpegSegment> segmentOf(std::string_view file, const Marker &marker) {
@@ -94,7 +102,7 @@ std::vector<JpegSegment> jpegSegments(std::string_view file) {
     return segments;
   std::size_t at = 2;
   while (segments.size() < kMostParts) {
-    const auto marker = markerAt(file, at);
+    const auto marker = nextMarker(file, at);
     if (!marker || marker->code == kStartOfScan || marker->code == kEndOfImage)
       break;
     at = marker->end;
@@ -109,6 +117,26 @@ std::vector<JpegSegment> jpegSegments(std::string_view file) {
   return segments;
 }
 
+bool isGapless(const std::vector<JpegSegment> &segments, std::string_view file) {
+  std::size_t at = 2;
+  for (const JpegSegment &segment : segments)
+    if (segment.at != std::exchange(at, segment.end))
+      return false;
+  return file.substr(at).starts_with("\xFF\xDA"sv);
+}
+
+std::optional<PixelSize> jpegFrameSize(std::string_view file) {
+  const auto segments = jpegSegments(file);
+  const auto frame =
+      std::ranges::find_if(segments, [](const JpegSegment &segment) { return isFrame(segment.marker); });
+  if (frame == segments.end() || frame->payloadBytes < 5)
+    return std::nullopt;
+  const auto number = [&](std::size_t at) {
+    return static_cast<std::int64_t>(readNumber(frame->payload(file), at, 2).value_or(0));
+  };
+  return PixelSize{.width = number(3), .height = number(1)};
+}
+
 std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload) {
   if (payload.size() > kMostPayload)
     return std::nullopt;
@@ -118,7 +146,7 @@ std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view pay
 
 std::optional<std::size_t> jpegEnd(std::string_view file) {
   std::size_t at = 0;
-  while (const auto marker = markerAt(file, at)) {
+  while (const auto marker = nextMarker(file, at)) {
     at = marker->end;
     if (marker->code == kEndOfImage)
       return at;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/Bytes.h"
 
 #include <cstddef>
@@ -36,8 +37,13 @@ struct Part {
 struct JpegSegment : Part {
   std::uint8_t marker = 0;
 };
-// The segments with a payload, from the start of the picture to its first scan.
+// The segments with a payload, from the start of the picture to its first scan. Bytes between segments that
+// belong to none are passed over, as decoders do.
 [[nodiscard]] std::vector<JpegSegment> jpegSegments(std::string_view file);
+// Whether every byte before the first scan belongs to one of `segments`, which are the file's.
+[[nodiscard]] bool isGapless(const std::vector<JpegSegment> &segments, std::string_view file);
+// The size that the frame header states, of whatever kind the frame is.
+[[nodiscard]] std::optional<PixelSize> jpegFrameSize(std::string_view file);
 // Nothing for a payload beyond 65,533 bytes.
 [[nodiscard]] std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload);
 // Where the picture ends, behind its last marker, thumbnails within segments left aside; nothing when that is

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/Bytes.h"
 
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,28 +11,22 @@
 // JPEG pixels by libjpeg-turbo. One thread at a time.
 namespace fennick::picture {
 
-struct JpegHeader {
-  int width = 0; // in pixels
-  int height = 0;
-  bool gray = false;
-  bool threeColours = false; // YCbCr or gray: what the functions below decode
-};
-
-[[nodiscard]] std::optional<JpegHeader> readJpegHeader(Bytes file);
+// The size that the file states, also of kinds of JPEG that cannot be decoded here (12 bits, lossless).
+[[nodiscard]] std::optional<PixelSize> jpegSize(Bytes file);
 
 enum class Damage { refuse, tolerate }; // what to do with a picture of which only a part can be decoded
 
-// Interleaved 8-bit pixels, 1 (gray) or 3 (RGB) a pixel, rows without padding.
-struct RasterRGB {
+// Interleaved 8-bit pixels, rows without padding. Of CMYK, 255 is full ink.
+struct JpegRaster {
   int width = 0;
   int height = 0;
-  int bands = 3;
+  int bands = 3; // 1 (gray), 3 (RGB) or 4 (CMYK)
   std::vector<unsigned char> pixels;
 };
 
 // The picture reduced while decoding, by eighths, to the smallest size whose longer side is at least
 // `longEdge`; full size when that is larger. Gray stays gray.
-[[nodiscard]] std::optional<RasterRGB> decodeJpeg(Bytes file, int longEdge, Damage damage);
+[[nodiscard]] std::optional<JpegRaster> decodeJpeg(Bytes file, int longEdge, Damage damage);
 
 // One of the three planes of a picture in YCbCr.
 struct Plane {
@@ -48,7 +41,8 @@ struct PlanarPicture {
   bool gray = false;
 };
 
-// As decodeJpeg, without leaving the colour space of the file.
+// As decodeJpeg, without leaving the colour space of the file. Only for gray and for YCbCr whose luma has the
+// full resolution; planes are as large as is convenient for the decoder, luma as large as the picture.
 [[nodiscard]] std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge, Damage damage);
 
 // `quality` from 0 to 1. Colours are stored at half resolution below 0.9. Empty when the encoder refuses.

@@ -33,7 +33,8 @@ bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool s
   return segment.marker != 0xFE; // a comment
 }
 
-// A second block of a kind would be seen by some readers and not by others.
+// A second block of a kind, or anything between the segments, would be seen by some readers and not by
+// others.
 bool isCleanJpeg(std::string_view file, bool stripAll) {
   const auto segments = jpegSegments(file);
   const auto count = [&](std::string_view prefix) {
@@ -42,7 +43,8 @@ bool isCleanJpeg(std::string_view file, bool stripAll) {
     });
   };
   return count(kExifPrefix) <= 1 && count(kXMPPrefix) <= 1 && count("Photoshop"sv) <= 1 &&
-         jpegEnd(file) == file.size() && std::ranges::all_of(segments, [&](const JpegSegment &segment) {
+         isGapless(segments, file) && jpegEnd(file) == file.size() &&
+         std::ranges::all_of(segments, [&](const JpegSegment &segment) {
            return isExpectedSegment(segment, file, stripAll);
          });
 }

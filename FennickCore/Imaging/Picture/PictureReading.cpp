@@ -46,8 +46,8 @@ PictureHeader readByVips(Bytes file) {
 
 PictureHeader readHeader(Bytes file, PictureType type) {
   if (type == PictureType::jpeg) {
-    const auto header = readJpegHeader(file);
-    return header ? PictureHeader{.width = header->width, .height = header->height} : PictureHeader{};
+    const auto size = jpegSize(file);
+    return size ? PictureHeader{.width = size->width, .height = size->height} : PictureHeader{};
   }
   if (isHeif(type))
     return readHeif(file);

@@ -45,16 +45,14 @@ VImage loaded(Bytes file, Damage damage) {
 }
 
 VImage loadedJpeg(Bytes file, std::int64_t longEdge, Damage damage) {
-  const auto header = readJpegHeader(file);
-  if (!header)
-    throw undecodable();
-  if (!header->threeColours) // CMYK
-    return loaded(file, damage);
   auto raster =
       decodeJpeg(file, static_cast<int>(std::min<std::int64_t>(longEdge, ImageLimits::kMaxSide)), damage);
   if (!raster)
     throw undecodable();
-  return imageOf(std::move(raster->pixels), raster->width, raster->height, raster->bands, false);
+  const VImage image =
+      imageOf(std::move(raster->pixels), raster->width, raster->height, raster->bands, false);
+  return raster->bands < 4 ? image
+                           : image.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_CMYK));
 }
 
 std::string displayP3Profile() {

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "FennickCore/Imaging/Picture/Bytes.h"
+
+#include <csetjmp>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio> // jpeglib.h needs it
+
+#include <jpeglib.h>
+
+// The one place where libjpeg's decoder is called. Its errors leave by longjmp: every function here that
+// calls it has no local objects with a destructor.
+namespace fennick::picture {
+
+// Decodes one JPEG. Irregularities that lose no pixels are ignored: stray bytes between segments, unusual
+// scan parameters, a missing end marker, padding. One thread at a time.
+class JpegReader {
+public:
+  // What comes out: pixels in a colour space, or the planes as the file stores them.
+  struct Output {
+    int eighths = 8; // of the full size, 1 to 8
+    J_COLOR_SPACE colours = JCS_RGB;
+    bool planes = false; // `colours` is that of the file
+  };
+
+  explicit JpegReader(Bytes file) : file_(file) {} // `file` outlives the object
+  ~JpegReader();
+  JpegReader(const JpegReader &) = delete;
+  JpegReader &operator=(const JpegReader &) = delete;
+
+  // The four steps, in this order. Each returns false on an error that ends the decoding, after which no
+  // further step may follow.
+  [[nodiscard]] bool readHeader();
+  [[nodiscard]] bool start(const Output &output);
+  // Reads at most `count` rows of pixels; see jpeg_read_scanlines.
+  [[nodiscard]] bool readRows(JSAMPARRAY rows, JDIMENSION count);
+  // Reads one row of MCUs; see jpeg_read_raw_data.
+  [[nodiscard]] bool readPlanes(JSAMPIMAGE rows);
+
+  [[nodiscard]] bool isDone() const { return info_.output_scanline >= info_.output_height; }
+  // Whether the file held all data of the picture, without corruption that the decoder can notice. To be
+  // called once, when all rows have been read; no step may follow.
+  [[nodiscard]] bool isWhole();
+
+  [[nodiscard]] const jpeg_decompress_struct &info() const { return info_; }
+
+private:
+  [[noreturn]] static void onError(j_common_ptr info);
+  static void onMessage(j_common_ptr info, int level);
+  static void onProgress(j_common_ptr info);
+
+  void classifyWarning();
+  [[nodiscard]] bool isPadding(std::size_t skipped) const;
+  [[nodiscard]] bool hasEveryScan() const;
+  void readToEnd();
+
+  Bytes file_;
+  jpeg_decompress_struct info_{};
+  jpeg_error_mgr errors_{};
+  jpeg_progress_mgr progress_{};
+  std::jmp_buf escape_{};
+  bool endIsMissing_ = false;
+  bool isDamaged_ = false;
+};
+
+} // namespace fennick::picture
