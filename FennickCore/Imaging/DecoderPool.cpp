@@ -35,6 +35,10 @@ Deadline deadlineIn(Seconds length) {
 
 Seconds untilThen(Deadline deadline) { return deadline - steady_clock::now(); }
 
+// The part of a time-out in which a new encoding is searched for; the rest is for checking and handing it
+// over.
+constexpr double kSearchShare = 0.9;
+
 // What the memory file holds; empty when it is none, too long, or there is no memory for it.
 std::string resultOf(const FileDescriptor &attached, std::int64_t most) {
   try {
@@ -90,7 +94,9 @@ PictureResult<std::string> DecoderPool::thumbnail(const std::filesystem::path &f
 
 PictureResult<Rendering> DecoderPool::render(const std::filesystem::path &file, const RenderRequest &request,
                                              Seconds timeout) {
-  auto reply = ask(file, {.request = request,
+  RenderRequest inTime = request;
+  inTime.searchTime = std::min(request.searchTime.value_or(timeout), kSearchShare * timeout);
+  auto reply = ask(file, {.request = inTime,
                           .timeout = timeout,
                           .mostBytes = wire::kMostResultBytes,
                           .purpose = Purpose::replacement});

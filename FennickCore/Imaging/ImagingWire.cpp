@@ -48,6 +48,11 @@ std::optional<std::int64_t> optionalNumber(const Json &object, const char *key) 
   return found == object.end() ? std::nullopt : std::optional(number(*found));
 }
 
+std::optional<Seconds> optionalSeconds(const Json &object, const char *key) {
+  const auto found = object.find(key);
+  return found == object.end() ? std::nullopt : std::optional(Seconds(found->get<double>()));
+}
+
 template <typename Enumeration>
 Enumeration enumerated(const Json &value, Enumeration last) {
   const auto raw = number(value);
@@ -72,6 +77,8 @@ Json json(const RenderRequest &request) {
               {"stripLocation", request.stripLocation},
               {"stripAllMetadata", request.stripAllMetadata}};
   put(object, "maxBytes", request.maxBytes);
+  if (request.searchTime)
+    object["searchTime"] = request.searchTime->count();
   return object;
 }
 
@@ -86,7 +93,8 @@ RenderRequest renderRequest(const Json &object) {
           .quality = share(object.at("quality")),
           .qualityFloor = share(object.at("qualityFloor")),
           .stripLocation = object.at("stripLocation").get<bool>(),
-          .stripAllMetadata = object.at("stripAllMetadata").get<bool>()};
+          .stripAllMetadata = object.at("stripAllMetadata").get<bool>(),
+          .searchTime = optionalSeconds(object, "searchTime")};
 }
 
 Request request(const Json &object) {

@@ -45,13 +45,16 @@ struct RenderRequest {
   double qualityFloor = 0.5;              // how low the search for `maxBytes` may go
   bool stripLocation = false;
   bool stripAllMetadata = false;
+  // When the search for `maxBytes` ends with the smallest file so far, counted from the request. The first
+  // encoding is made in any case. Absent: the search ends when it has found what it can.
+  std::optional<Seconds> searchTime{};
 };
 
 struct Rendering {
   std::string bytes;         // the whole file; what was to be removed from it has been looked for and is gone
   std::int64_t longEdge = 0; // of the result, in pixels
   double quality = 0;        // of the last encoding tried
-  bool withinMaxBytes = true; // false: the smallest that could be made, still over `maxBytes`
+  bool withinMaxBytes = true; // false: the smallest that could be made in time, still over `maxBytes`
 };
 
 // The one way in which pictures are read: nothing else in the program looks inside them. Every call opens the
@@ -69,7 +72,7 @@ public:
   [[nodiscard]] virtual PictureResult<std::string> thumbnail(const std::filesystem::path &file,
                                                              std::int64_t maxPixel, double quality) = 0;
   // A new encoding of the file's only picture. A damaged picture, of which only a part could be shown, is
-  // undecodable here. `timeout` ends the work.
+  // undecodable here. `timeout` ends the work; the search for `maxBytes` ends in time to answer before it.
   [[nodiscard]] virtual PictureResult<Rendering> render(const std::filesystem::path &file,
                                                         const RenderRequest &request, Seconds timeout) = 0;
   // The whole file with only its orientation changed to `orientation` (1 to 8), pixels as they were.

@@ -132,6 +132,7 @@ TEST_F(DecoderPoolTest, WhatTakesThePlaceOfAPhotoIsMadeByAProcessThatReadsNoOthe
     processes.insert(pool.render(good, {}, Seconds(30))->bytes);
   processes.insert(pool.withOrientation(good, 6).value());
   EXPECT_EQ(processes.size(), 5U);
+  EXPECT_EQ(pool.render(good, {}, Seconds(30))->longEdge, 27) << "the search ends before the time is over";
   EXPECT_EQ(processServing(pool), warm);
 }
 

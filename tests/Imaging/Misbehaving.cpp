@@ -30,6 +30,15 @@ bool isGood(const FileDescriptor &file) {
   return ::pread(file.get(), start.data(), start.size(), 0) == 4 && std::string(start.data(), 4) == "good";
 }
 
+// The length is the time that the search for a size has, in seconds.
+wire::Answer answerTo(std::span<const std::byte> message) {
+  wire::Answer answer;
+  const auto request = wire::decodedRequest({reinterpret_cast<const char *>(message.data()), message.size()});
+  if (const auto *render = request ? std::get_if<RenderRequest>(&*request) : nullptr)
+    answer.longEdge = static_cast<std::int64_t>(render->searchTime.value_or(Seconds(-1)).count());
+  return answer;
+}
+
 void misbehave(const std::string &way, MessageSocket &socket) {
   if (way == "crash")
     std::abort();
@@ -74,6 +83,6 @@ int main(int, char *argv[]) {
       continue;
     }
     const auto bytes = sealedMemoryFile(std::to_string(::getpid()));
-    send(socket, wire::encoded(wire::Answer{}), &*bytes);
+    send(socket, wire::encoded(answerTo(std::span(buffer).first(request->bytes))), &*bytes);
   }
 }

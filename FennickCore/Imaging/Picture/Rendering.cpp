@@ -5,9 +5,10 @@
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
+#include "FennickCore/Imaging/Picture/SizeSearch.h"
 
 #include <algorithm>
-#include <cmath>
+#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -16,14 +17,6 @@ namespace fennick::picture {
 namespace {
 
 using vips::VImage;
-
-// The search for a file of at most so many bytes: first the quality goes down, then the size.
-constexpr int kMostEncodes = 14;
-constexpr double kQualityStep = 0.08;
-constexpr double kQualitySlack = 0.0001;    // for sums of the step that miss the floor by rounding
-constexpr std::int64_t kSmallestEdge = 640; // below this a photo is no use
-constexpr double kSizeMargin = 0.9;         // aims below the limit, since bytes do not follow pixels exactly
-constexpr double kLargestStep = 0.95;       // each size is at least this much smaller than the one before
 
 std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
   return std::unexpected(PictureError{.fault = fault, .detail = std::move(detail)});
@@ -94,47 +87,15 @@ private:
   std::optional<VImage> current_; // image_ at the size asked for last
 };
 
-// Nothing when an encoding fails.
-std::optional<Rendering> search(Encoding &encoding, const RenderRequest &request) {
-  const bool lossless = request.output == PictureType::png;
-  Rendering smallest;
-  std::int64_t edge = encoding.fullEdge();
-  double quality = request.quality;
-  for (int encodes = 0; encodes < kMostEncodes; ++encodes) {
-    std::string file = encoding.at(edge, quality);
-    if (file.empty())
-      return std::nullopt;
-    if (smallest.bytes.empty() || file.size() < smallest.bytes.size()) {
-      smallest.bytes = std::move(file);
-      smallest.longEdge = edge;
-    }
-    smallest.quality = quality;
-    const auto size = static_cast<std::int64_t>(smallest.bytes.size());
-    if (!request.maxBytes || size <= *request.maxBytes)
-      return smallest;
-    const double lower = quality - kQualityStep;
-    if (!lossless && lower >= request.qualityFloor - kQualitySlack) {
-      quality = std::max(lower, request.qualityFloor);
-      continue;
-    }
-    if (edge <= kSmallestEdge)
-      break;
-    const double step =
-        std::min(kSizeMargin * std::sqrt(static_cast<double>(*request.maxBytes) / static_cast<double>(size)),
-                 kLargestStep);
-    edge = std::max(static_cast<std::int64_t>(static_cast<double>(edge) * step), kSmallestEdge);
-    quality = request.quality;
-  }
-  smallest.withinMaxBytes = false;
-  return smallest;
-}
-
-PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequest &request) {
+PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequest &request,
+                                  const Elapsed &elapsed) {
   DecodedPicture decoded = decodePicture(file, type, request.longEdge, Damage::refuse);
   const VImage image = fit(upright(reduced(decoded.image, request.longEdge), decoded.turn), request.output);
   decoded.image = VImage(); // gives its memory back
   Encoding encoding(image, readMetadata(file, type), request);
-  auto result = search(encoding, request);
+  auto result = searchSize(
+      encoding.fullEdge(), request,
+      [&](std::int64_t edge, double quality) { return encoding.at(edge, quality); }, elapsed);
   if (!result)
     return fail(PictureFault::unencodable, "the encoder gave nothing");
   if (!proveRemoved(bytesOf(result->bytes), request.output, request.stripLocation, request.stripAllMetadata))
@@ -145,6 +106,7 @@ PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequ
 } // namespace
 
 PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
+  const auto started = std::chrono::steady_clock::now();
   const auto type = sniffType(file);
   if (!type)
     return fail(PictureFault::notAPicture, {});
@@ -152,7 +114,7 @@ PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
   if (!ImageLimits::check(header.width, header.height) || request.longEdge < 1)
     return fail(PictureFault::undecodable, "oversized");
   try {
-    return rendered(file, *type, request);
+    return rendered(file, *type, request, [started] { return std::chrono::steady_clock::now() - started; });
   } catch (const vips::VError &error) {
     return fail(PictureFault::undecodable, error.what());
   } catch (const std::bad_alloc &) {
