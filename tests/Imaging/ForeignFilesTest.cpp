@@ -127,7 +127,39 @@ std::vector<Row> sequenceRows() {
 std::vector<Row> sampleRows() { return {}; }
 
 // JPEG files that do not follow the standard to the letter.
-std::vector<Row> irregularJpegRows() { return {}; }
+std::vector<Row> irregularJpegRows() {
+  const std::string photo = jpegWithLocation();
+  const auto behind = [&](const std::string &marker, std::size_t bytes) {
+    return photo.find(marker) + bytes;
+  };
+  const auto insertedAt = [&](std::size_t at, const std::string &bytes) {
+    return std::string(photo).insert(at, bytes);
+  };
+  const auto replacedAt = [](std::string file, std::size_t at, const std::string &bytes) {
+    return file.replace(at, bytes.size(), bytes);
+  };
+  const auto quantization = behind("\xFF\xDB", 0), scanParameters = behind("\xFF\xDA", 11);
+  const std::string zeros(20'000, '\0'), endless = photo.substr(0, photo.size() - 2),
+                                         cut = photo.substr(0, photo.size() - 400);
+  const std::string square = jpegWithLocation(field(256, 256)); // as many MCUs of 8 x 32 as of 16 x 16 pixels
+  const Fates fates{kept(), processed(), processed(), kept()};
+  const Fates damaged{kept(), kept("无法解码图片"), kept("无法解码图片"), kept()};
+  return {
+      {"stray.jpg", insertedAt(quantization, std::string(14, '\x05')), fates, kOrange},
+      {"stray-before-exif.jpg", insertedAt(2, "\xFF\xE0\0\4ab"s + "stray\xFF\0"s), fates, kOrange},
+      {"scan-parameters.jpg", replacedAt(photo, scanParameters, "\0\0\0"s), fates, kOrange},
+      {"endless.jpg", endless, fates, kOrange},
+      {"endless-padded.jpg", endless + zeros, fates, kOrange},
+      {"padded.jpg", photo + zeros, fates, kOrange},
+      {"padded-scan.jpg", insertedAt(photo.size() - 2, zeros), fates, kOrange},
+      {"sampled-1x4.jpg", replacedAt(square, square.find("\1\x22\0"s) + 1, "\x14"), fates, kOrange},
+      {"cut.jpg", cut, damaged, kOrange},
+      {"cut-with-end.jpg", cut + "\xFF\xD9", damaged, kOrange},
+      {"never-written.jpg", cut + zeros, damaged, kOrange},
+      {"garbage.jpg", insertedAt(photo.size() - 2, saved(field(), ".webp")), damaged, kOrange},
+      {"twelve-bits.jpg", replacedAt(photo, behind("\xFF\xC0", 4), "\x0C"), damaged},
+  };
+}
 
 // What JPEG files carry beside the picture: motion videos, gain maps, further pictures, trailers.
 std::vector<Row> companionRows() { return {}; }

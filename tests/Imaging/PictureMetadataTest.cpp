@@ -136,6 +136,7 @@ TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
   EXPECT_FALSE(clean(sampleJpeg(exif + hidden), PictureType::jpeg, false));
   EXPECT_FALSE(clean(sampleJpeg(preview), PictureType::jpeg, false));
   EXPECT_FALSE(clean(sampleJpeg() + hidden, PictureType::jpeg, false));
+  EXPECT_FALSE(clean(sampleJpeg("stray" + exif), PictureType::jpeg, false));
   EXPECT_FALSE(clean(sampleJpeg(*jpegSegment(0xFE, "a comment")), PictureType::jpeg, true));
   EXPECT_FALSE(clean(samplePng() + "more", PictureType::png, false));
   EXPECT_FALSE(clean(sampleHeif(), PictureType::heic, false));

@@ -20,11 +20,13 @@ std::string turned(const std::string &file, PictureType type, std::int64_t orien
 
 TEST(PictureOrientation, AJpegKeepsItsLengthWhereItStatesOne) {
   const std::string xmp = std::string(kXMPPrefix) + sampleXmp(R"(tiff:Orientation="6")");
-  const std::string file =
-      sampleJpeg(*jpegSegment(kAPP1, "Exif\0\0"s + sampleExif()) + *jpegSegment(kAPP1, xmp));
-  const std::string result = turned(file, PictureType::jpeg, 8);
-  EXPECT_THAT(result, testing::HasSubstr(R"(tiff:Orientation="8")"));
-  EXPECT_EQ(turned(result, PictureType::jpeg, 6), file);
+  const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif());
+  for (const std::string &stray : {""s, "stray\xFF\0bytes"s}) {
+    const std::string file = sampleJpeg(stray + exif + stray + *jpegSegment(kAPP1, xmp));
+    const std::string result = turned(file, PictureType::jpeg, 8);
+    EXPECT_THAT(result, testing::HasSubstr(R"(tiff:Orientation="8")"));
+    EXPECT_EQ(turned(result, PictureType::jpeg, 6), file);
+  }
 }
 
 // A directory of two pictures, the second at `offset` from the directory's own header.
