@@ -53,23 +53,33 @@ fs::path topOfVolume(fs::path folder) {
   return folder;
 }
 
-// The file that was `before` keeps its identity in the trash, where it may have another name: the trash of
-// the home folder, or one of the two places that a volume may have its own in.
+// The name in `files` of the file that had `status` in its old folder: usually the old one. If that was
+// taken, the trash chose another one that begins like it.
+std::optional<std::string> nameInTrash(const fs::path &files, const fs::path &original,
+                                       const FileStatus &status) {
+  const std::string name = original.filename().string();
+  if (const auto same = fileStatus(files / name); same && same->identity == status.identity)
+    return name;
+  const std::string stem = original.stem().string();
+  const auto entries = readFolder(files, Links::refuse,
+                                  [&](std::string_view other, FileKind) { return other.starts_with(stem); });
+  if (entries)
+    for (const auto &entry : *entries)
+      if (entry.status.identity == status.identity)
+        return entry.name;
+  return std::nullopt;
+}
+
+// The file that was `before` keeps its identity in the trash: the trash of the home folder, or one of the two
+// places that a volume may have its own in.
 Trashed findInTrash(const fs::path &original, const FileStatus &before) {
   std::error_code unresolved;
   const fs::path top = topOfVolume(fs::canonical(original.parent_path(), unresolved));
   const std::string user = std::to_string(::getuid());
-  const std::string stem = original.stem().string();
   for (const fs::path &trash : std::array{fs::path(::g_get_user_data_dir()) / "Trash", top / ".Trash" / user,
-                                          top / (".Trash-" + user)}) {
-    const auto entries = readFolder(trash / "files", Links::refuse,
-                                    [&](std::string_view name, FileKind) { return name.starts_with(stem); });
-    if (!entries)
-      continue;
-    for (const auto &[name, status] : *entries)
-      if (status.identity == before.identity)
-        return {original, trash / "files" / name, trash / "info" / (name + ".trashinfo")};
-  }
+                                          top / (".Trash-" + user)})
+    if (const auto name = nameInTrash(trash / "files", original, before))
+      return {original, trash / "files" / *name, trash / "info" / (*name + ".trashinfo")};
   return {.original = original, .file = {}, .record = {}};
 }
 
@@ -79,11 +89,17 @@ IOResult<Trashed> SystemTrash::moveToTrash(const fs::path &file) {
   const auto before = fileStatus(file);
   if (!before)
     return std::unexpected(before.error());
+  if (const auto moved = discard(file); !moved)
+    return std::unexpected(moved.error());
+  return findInTrash(file, *before);
+}
+
+IOResult<void> SystemTrash::discard(const fs::path &file) {
   // The local file system itself: the desktop's other places would be asked over its bus.
   const std::unique_ptr<GFile, Unref> target(::g_vfs_get_file_for_path(::g_vfs_get_local(), file.c_str()));
   GError *raw = nullptr;
   if (::g_file_trash(target.get(), nullptr, &raw) != FALSE)
-    return findInTrash(file, *before);
+    return {};
   const std::unique_ptr<GError, Unref> error(raw);
   log(fmt::format("cannot move {} to the trash: {}", file.string(), error->message));
   return std::unexpected(std::make_error_code(codeOf(*error)));

@@ -10,19 +10,25 @@
 namespace fennick::FolderPruner {
 
 std::vector<std::filesystem::path> prune(const std::filesystem::path &folder, std::int64_t limit,
-                                         Trash &trash) {
+                                         Trash &trash, const Proceed &proceed) {
   if (limit < 1)
     return {};
   auto entries = readFolder(folder, Links::follow, countsAsMedia);
   if (!entries || std::ssize(*entries) <= limit)
     return {};
   std::ranges::sort(*entries, {}, [](const FolderEntry &entry) {
-    return std::tuple(entry.status.created(), std::string_view(entry.name));
+    // Many files may have the same date where the file system counts in seconds: "_9" is before "_10".
+    const std::string_view name = entry.name;
+    return std::tuple(entry.status.created(), name.substr(0, name.rfind('.')).size(), name);
   });
   std::vector<std::filesystem::path> pruned;
-  for (const auto &entry : std::span(*entries).first(entries->size() - static_cast<std::size_t>(limit)))
-    if (trash.moveToTrash(folder / entry.name))
-      pruned.push_back(folder / entry.name);
+  for (const auto &[name, status] :
+       std::span(*entries).first(entries->size() - static_cast<std::size_t>(limit))) {
+    if (proceed && !proceed())
+      break;
+    if (const auto file = folder / name; fileStatus(file) == status && trash.discard(file))
+      pruned.push_back(file);
+  }
   return pruned;
 }
 

@@ -4,15 +4,20 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
-// Keeps a folder under the person's limit. Any thread.
+// Keeps a folder under the user's limit. Any thread.
 namespace fennick::FolderPruner {
 
-// Moves the oldest photos and videos directly in `folder` to the trash until `limit` are left, and gives
-// those that went. What is counted is what the folder limit counts; a file that the trash does not take stays
-// and is passed over. A limit below 1 prunes nothing.
-[[nodiscard]] std::vector<std::filesystem::path> prune(const std::filesystem::path &folder,
-                                                       std::int64_t limit, Trash &trash);
+// Asked before each file, on the calling thread; false stops.
+using Proceed = std::function<bool()>;
+
+// Moves the oldest photos and videos directly in `folder` to the trash until `limit` are left, and returns
+// those that were moved. What is counted is what the folder limit counts. A file that the trash does not take
+// stays and is skipped, as is one that was changed or replaced since the folder was listed: no photo
+// that arrives meanwhile is moved. A limit below 1 prunes nothing.
+[[nodiscard]] std::vector<std::filesystem::path>
+prune(const std::filesystem::path &folder, std::int64_t limit, Trash &trash, const Proceed &proceed = {});
 
 } // namespace fennick::FolderPruner

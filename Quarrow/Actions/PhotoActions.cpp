@@ -188,8 +188,7 @@ void PhotoActions::trash() {
 }
 
 void PhotoActions::finishTrash(Outcome outcome) {
-  controller_.library().remove(outcome.files);
-  controller_.selection().remove(outcome.files);
+  controller_.forget(outcome.files);
   if (!isEmpty(outcome.done))
     say(tr("已将 %1 项移到废纸篓").arg(countOf(outcome.done)), true);
   remember(std::move(outcome.done));

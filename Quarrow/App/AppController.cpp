@@ -2,7 +2,6 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/FolderPruner.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
@@ -83,7 +82,9 @@ AppController::AppController(Options options, const Services &services)
     : options_(std::move(options)), preferences_(services.preferences), mainQueue_(services.mainQueue),
       files_(services.files), clock_(services.clock), decoder_(services.decoder), trash_(services.trash),
       desktop_(services.desktop), network_(services.network), settings_(preferences_),
-      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_), imports_(makeImports()) {
+      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_),
+      folderLimit_(trash_, mainQueue_, [this](const auto &files) { forget(files); }),
+      imports_(makeImports()) {
   if (options_.overrides)
     settings_.overrideForRun(options_.overrides);
 }
@@ -131,6 +132,7 @@ void AppController::stop() {
     httpServer_->http.stop();
   httpServer_.reset();
   retirement_.reset();
+  folderLimit_.stop();
   imports_->end();
   processingQueue_.reset(); // last: until here others hand it what they received
 }
@@ -478,17 +480,13 @@ void AppController::finishUpload(const fennick::UploadRecord &record, const fenn
 
 void AppController::pruneIfNeeded() {
   const auto &settings = settings_.settings();
-  const std::int64_t limit = settings.folderLimit.value_or(0);
-  if (limit < 1 || !settings.autoPrune)
-    return;
-  const auto folder = makeDestination().directory(clock_.now());
-  const auto removed = fennick::FolderPruner::prune(folder, limit, trash_);
-  for (const auto &file : removed)
-    log(fmt::format("moved {} to the trash, the folder is limited to {}", file.filename().string(), limit));
-  if (removed.empty())
-    return;
-  library_.remove(removed);
-  selection_.remove(removed);
+  if (settings.autoPrune && settings.folderLimit.value_or(0) >= 1)
+    folderLimit_.prune(makeDestination().directory(clock_.now()), *settings.folderLimit);
+}
+
+void AppController::forget(std::span<const fs::path> files) {
+  library_.remove(files);
+  selection_.remove(files);
 }
 
 void AppController::runWorkflow(const fs::path &url, std::int64_t bytes) {

@@ -17,6 +17,7 @@
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Upload/UploadRouter.h"
 #include "Quarrow/App/Desktop.h"
+#include "Quarrow/App/FolderLimit.h"
 #include "Quarrow/App/LocalNetwork.h"
 #include "Quarrow/App/PhotoImport.h"
 #include "Quarrow/App/PhotoSelection.h"
@@ -31,6 +32,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -122,6 +124,9 @@ public:
   void importPicture(std::string bytes, std::string name) {
     imports_->importPicture(std::move(bytes), std::move(name));
   }
+  // Photos of the save folder were moved to the trash, by the user or to keep the folder limit: drops
+  // everything that is remembered about them. All removals come through here.
+  void forget(std::span<const std::filesystem::path> files);
   // Takes the error that is shown away; the person has read it.
   void dismissError();
   // Checks anew whether phones can reach the service, and what stands in their way.
@@ -204,7 +209,8 @@ private:
   std::unique_ptr<fennick::SerialQueue> processingQueue_ =
       std::make_unique<fennick::SerialQueue>("fennick.imaging");
   std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
-  const std::unique_ptr<PhotoImport> imports_;       // last: it hands what it saves to the processing
+  FolderLimit folderLimit_;
+  const std::unique_ptr<PhotoImport> imports_; // last: it hands what it saves to the processing
 };
 
 } // namespace quarrow

@@ -84,8 +84,8 @@ TEST_F(ControllerTest, TheFolderIsPrunedToItsLimitAndWhatWentIsNowhereAnyMore) {
     upload();
     runUntilReceived(i);
   }
+  queue.runUntil([&] { return controller->selection().files().empty(); });
   EXPECT_THAT(disk.names("photos"), ElementsAre(".fennick-incoming", "IMG_002.jpg", "IMG_003.jpg"));
-  EXPECT_THAT(controller->selection().files(), IsEmpty());
   queue.runUntil([&] { return controller->library().items().size() == 2; });
   for (const auto &item : controller->library().items())
     EXPECT_NE(item.url.filename(), "IMG_001.jpg");

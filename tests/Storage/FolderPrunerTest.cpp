@@ -20,9 +20,12 @@ public:
     if (file.filename() == refused)
       return std::unexpected(std::make_error_code(std::errc::not_supported));
     fs::remove(file);
+    if (before)
+      before();
     return Trashed{};
   }
   std::string refused;
+  std::function<void()> before; // the next file
 };
 
 class FolderPrunerTest : public ::testing::Test {
@@ -58,6 +61,17 @@ TEST_F(FolderPrunerTest, WhatTheTrashRefusesStaysAndNoYoungerOneGoesInItsPlace) 
   trash.refused = "a.jpg";
   EXPECT_THAT(prune(1), ElementsAre(disk / "b.jpg"));
   EXPECT_THAT(disk.names(), ElementsAre("a.jpg", "c.jpg"));
+}
+
+TEST_F(FolderPrunerTest, NeitherANewPhotoUnderAnOldNameNorAnythingAfterAStopIsPruned) {
+  for (const char *name : {"a.jpg", "a_9.jpg", "a_10.jpg", "b.jpg"})
+    write(name, 1); // a file system that counts in seconds
+  trash.before = [&] { write("new", 9), fs::rename(disk / "new", disk / "a_9.jpg"); };
+  EXPECT_THAT(prune(1), ElementsAre(disk / "a.jpg", disk / "b.jpg"));
+  write("c.jpg", 10);
+  int files = 0;
+  EXPECT_THAT(FolderPruner::prune(disk.path(), 1, trash, [&] { return ++files == 1; }),
+              ElementsAre(disk / "a_10.jpg"));
 }
 
 } // namespace

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Trash.h"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quarrow {
+
+// Keeps the folder that uploads go to under the user's limit by moving its oldest photos to the trash, on a
+// thread of its own ("fennick.prune") and in one run at a time. Main thread.
+class FolderLimit {
+public:
+  using Paths = std::vector<std::filesystem::path>;
+
+  // `trash` and `mainQueue` outlive the object. `pruned` is called on the main thread after each run with the
+  // files that are gone, if there are any.
+  FolderLimit(fennick::Trash &trash, fennick::MainQueue &mainQueue,
+              std::function<void(const Paths &)> pruned);
+  ~FolderLimit();
+  FolderLimit(const FolderLimit &) = delete;
+  FolderLimit &operator=(const FolderLimit &) = delete;
+
+  // Starts a run. During a run, all calls together ask for one more, with what the last one says.
+  void prune(std::filesystem::path folder, std::int64_t limit);
+  // Ends a run after its current file, waits for it and starts no other.
+  void stop();
+
+private:
+  struct Run {
+    std::filesystem::path folder;
+    std::int64_t limit = 0;
+  };
+
+  void start(Run run);
+  void finish(const Run &run, const Paths &files);
+
+  fennick::Trash &trash_;
+  fennick::MainQueue &mainQueue_;
+  const std::function<void(const Paths &)> pruned_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  bool running_ = false;
+  std::optional<Run> next_;
+  std::atomic<bool> stopped_ = false;
+  std::unique_ptr<fennick::SerialQueue> queue_; // from the first run on; last: it uses the above
+};
+
+} // namespace quarrow
