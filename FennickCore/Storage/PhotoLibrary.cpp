@@ -1,9 +1,5 @@
 #include "FennickCore/Storage/PhotoLibrary.h"
 
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Storage/PhotoOrder.h"
-#include "FennickCore/Storage/PhotoScan.h"
-
 #include <algorithm>
 #include <tuple>
 #include <unordered_map>
@@ -22,34 +18,6 @@ constexpr int kMostPostponements = 10;
 
 bool liesIn(const fs::path &file, const std::optional<fs::path> &folder) {
   return folder && std::ranges::mismatch(*folder, file).in1 == folder->end();
-}
-
-// The items in the places that their folders have by date, each folder's in the order in which they come.
-PhotoLibrary::Items placedByFolder(const PhotoLibrary::Items &wanted) {
-  std::map<fs::path, std::vector<const PhotoItem *>> folders;
-  std::vector<const PhotoItem *> byDate;
-  for (const auto &item : wanted) {
-    folders[item.url.parent_path()].push_back(&item);
-    byDate.push_back(&item);
-  }
-  std::ranges::sort(byDate, [](const PhotoItem *a, const PhotoItem *b) {
-    return a->date != b->date ? a->date > b->date
-                              : a < b; // they lie in one row: the order in which they come
-  });
-  std::map<fs::path, std::size_t> next;
-  PhotoLibrary::Items placed;
-  for (const auto *item : byDate) {
-    const fs::path folder = item->url.parent_path();
-    placed.push_back(*folders[folder][next[folder]++]);
-  }
-  return placed;
-}
-
-std::map<fs::path, std::vector<std::string>> namesByFolder(const PhotoLibrary::Items &items) {
-  std::map<fs::path, std::vector<std::string>> names;
-  for (const auto &item : items)
-    names[item.url.parent_path()].push_back(item.name);
-  return names;
 }
 
 } // namespace
@@ -73,6 +41,14 @@ Subscription PhotoLibrary::observeFolder(std::function<void(const std::optional<
 
 Subscription PhotoLibrary::observeListed(std::function<void(const bool &)> observer) {
   return listedObservers_.add(std::move(observer));
+}
+
+Subscription PhotoLibrary::observeArranged(std::function<void(const bool &)> observer) {
+  return arrangedObservers_.add(std::move(observer));
+}
+
+Subscription PhotoLibrary::observeRearrangements(std::function<void(const RearrangementRef &)> observer) {
+  return rearrangementObservers_.add(std::move(observer));
 }
 
 Subscription PhotoLibrary::observeRecentlyAdded(std::function<void(const Paths &)> observer) {
@@ -100,6 +76,7 @@ void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
   if (isNew) {
     listed_ = false;
     publish({});
+    setArranged(false);
     listedObservers_.publish(listed_);
     folderObservers_.publish(folder_);
   }
@@ -117,19 +94,20 @@ void PhotoLibrary::scan() {
   queue_.post([this, folder = *folder_, generation = generation_.load()] {
     auto found = PhotoScan::items(folder, limit_, sizes_, [&] { return generation_ != generation; });
     mainQueue_.post(
-        whileAlive([this, generation, items = std::move(found)] { finishScan(generation, items); }));
+        whileAlive([this, generation, listing = std::move(found)] { finishScan(generation, listing); }));
   });
 }
 
-void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<Items> items) {
+void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found) {
   scanning_ = false;
   const bool isCurrent = generation == generation_;
   if (scanAgain_ || !isCurrent)
     scan();
-  if (!isCurrent || !items)
+  if (!isCurrent || !found)
     return;
   const bool wasListed = std::exchange(listed_, true);
-  publish(std::move(*items));
+  publish(std::move(found->items));
+  setArranged(found->isArranged);
   if (!wasListed)
     listedObservers_.publish(listed_);
 }
@@ -191,6 +169,11 @@ void PhotoLibrary::publish(Items items) {
   itemsObservers_.publish(items_);
 }
 
+void PhotoLibrary::setArranged(bool arranged) {
+  if (std::exchange(arranged_, arranged) != arranged)
+    arrangedObservers_.publish(arranged_);
+}
+
 void PhotoLibrary::remove(std::span<const fs::path> files) {
   overtakeScan();
   const Paths gone(files.begin(), files.end());
@@ -207,13 +190,15 @@ void PhotoLibrary::rename(std::span<const Renaming> renamings) {
     targets[from] = to;
     names[from.parent_path()][from.filename().string()] = to.filename().string();
   }
+  Edits edits;
   for (auto &[folder, changes] : names)
-    editOrder(folder, [changed = std::move(changes)](Names order) {
+    edits[folder] = [changed = std::move(changes)](Names order) {
       for (auto &name : order)
         if (const auto found = changed.find(name); found != changed.end())
           name = found->second;
       return order;
-    });
+    };
+  editOrders(std::move(edits));
   Items changed = items_;
   for (auto &item : changed)
     if (const auto found = targets.find(item.url); found != targets.end()) {
@@ -221,52 +206,6 @@ void PhotoLibrary::rename(std::span<const Renaming> renamings) {
       item.name = item.url.filename().string();
     }
   publish(std::move(changed));
-}
-
-void PhotoLibrary::reorder(const std::vector<fs::path> &files) {
-  overtakeScan();
-  std::map<fs::path, std::size_t> ranks;
-  for (const auto &file : files)
-    ranks.try_emplace(file, ranks.size());
-  std::vector<std::pair<std::size_t, const PhotoItem *>> ranked; // those that are not named keep their order
-  for (const auto &item : items_) {
-    const auto found = ranks.find(item.url);
-    ranked.emplace_back(found == ranks.end() ? ranks.size() : found->second, &item);
-  }
-  std::ranges::sort(ranked);
-  Items wanted;
-  for (const auto &[rank, item] : ranked)
-    wanted.push_back(*item);
-  Items placed = placedByFolder(wanted);
-  storeOrders(placed);
-  publish(std::move(placed));
-}
-
-// Stores the order of each folder whose photos stand otherwise than before. Names that are listed in the
-// stored order but not shown come after those that are.
-void PhotoLibrary::storeOrders(const Items &arranged) {
-  const auto before = namesByFolder(items_);
-  for (auto &[folder, names] : namesByFolder(arranged)) {
-    if (before.at(folder) == names)
-      continue;
-    editOrder(folder, [folder, shown = names](const Names &stored) {
-      Names order = shown;
-      const std::set<std::string> known(shown.begin(), shown.end());
-      std::ranges::copy_if(stored, std::back_inserter(order), [&](const std::string &name) {
-        return !known.contains(name) && PathComponent::make(name) && fileKind(folder / name);
-      });
-      return order;
-    });
-  }
-}
-
-void PhotoLibrary::editOrder(const fs::path &folder, std::function<Names(Names)> edit) {
-  queue_.post([this, folder, change = std::move(edit)] {
-    const Names stored = PhotoOrder::load(folder);
-    const Names changed = change(stored);
-    if (changed != stored)
-      PhotoOrder::save(changed, folder, files_);
-  });
 }
 
 } // namespace fennick

@@ -3,10 +3,13 @@
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Mutex.h"
 #include "FennickCore/Platform/Observers.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Storage/PhotoOrder.h"
+#include "FennickCore/Storage/PhotoScan.h"
 #include "FennickCore/Storage/PictureSizes.h"
 
 #include <atomic>
@@ -24,14 +27,23 @@
 namespace fennick {
 
 // What the photo wall shows: the photos and videos of the save folder, newest first unless the person has
-// arranged them, kept up to date with whatever happens in the folder. Main thread; it looks at the folder and
-// at pictures on a thread of its own.
+// arranged them, kept up to date with whatever happens in the folder. It also makes all edits of order files,
+// including those of folders that it does not show, one after another. Main thread, except where noted; it
+// looks at the folder and at pictures, and edits order files, on a thread of its own.
 class PhotoLibrary {
 public:
   using Items = std::vector<PhotoItem>;
   using Paths = std::set<std::filesystem::path>;
 
   static constexpr std::size_t kLimit = 500;
+
+  // One change of custom orders, for `undo`. What is in it belongs to the library's thread.
+  struct Rearrangement {
+    std::vector<PhotoOrder::Change> changes;
+  };
+  using RearrangementRef = std::shared_ptr<Rearrangement>;
+  // Called on the main thread once order files are stored, or could not be; may be empty.
+  using Stored = std::function<void(const IOResult<void> &)>;
 
   // Shows at most `limit` items. `files`, `decoder` and `mainQueue` outlive the library.
   PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue &mainQueue, std::size_t limit = kLimit);
@@ -42,6 +54,8 @@ public:
   [[nodiscard]] const std::optional<std::filesystem::path> &folder() const { return folder_; }
   // Whether the folder has been looked through since it was set: before, an empty list says nothing.
   [[nodiscard]] bool isListed() const { return listed_; }
+  // Whether a folder whose photos are shown has a custom order.
+  [[nodiscard]] bool isArranged() const { return arranged_; }
   // Files that arrived within the last 1.5 seconds, for a short highlight.
   [[nodiscard]] const Paths &recentlyAdded() const { return recentlyAdded_; }
 
@@ -52,6 +66,9 @@ public:
   // Called after the list itself has been published.
   [[nodiscard]] Subscription observeListed(std::function<void(const bool &)> observer);
   [[nodiscard]] Subscription observeRecentlyAdded(std::function<void(const Paths &)> observer);
+  [[nodiscard]] Subscription observeArranged(std::function<void(const bool &)> observer);
+  // Called by `reorder` and `sortByDate` before they return.
+  [[nodiscard]] Subscription observeRearrangements(std::function<void(const RearrangementRef &)> observer);
 
   // Points the library at a folder, or at none: the list is empty until the folder has been looked through.
   void setFolder(std::optional<std::filesystem::path> folder);
@@ -61,27 +78,43 @@ public:
   // elsewhere.
   void noteAdded(const std::filesystem::path &file);
 
+  // Puts a received file first in the custom order of its folder, if there is one. Call it once the file has
+  // its final name. Files received in a burst share one edit. Any thread.
+  void placeFirst(const std::filesystem::path &file);
+  // Photos were taken back out of the trash: from where they had been to where they are. They get their place
+  // in the custom order again.
+  void noteRestored(std::span<const Renaming> restored);
+
   // What was done to files, for the list to follow at once. Others than listed ones are passed over.
   void remove(std::span<const std::filesystem::path> files);
   // A renamed file keeps its place in the order that the person gave its folder.
   void rename(std::span<const Renaming> renamings);
   // Arranges the list like `files`; items that are not among them follow. The order is stored for each folder
   // on its own, so that photos of several folders keep the places that their folder has by date.
-  void reorder(const std::vector<std::filesystem::path> &files);
+  void reorder(const std::vector<std::filesystem::path> &files, Stored stored = {});
+  // Removes the custom orders of the folders whose photos are shown.
+  void sortByDate(Stored stored = {});
+  // Restores the orders as they were before a change. What cannot be stored remains in `what`.
+  void undo(const RearrangementRef &what, Stored stored = {});
 
 private:
-  using Names = std::vector<std::string>;
+  using Names = PhotoOrder::Names;
+  using Edits = std::map<std::filesystem::path, PhotoOrder::Edit>; // by folder
 
   // A task for the main queue that is dropped when the library is gone.
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
-  void finishScan(std::uint64_t generation, std::optional<Items> items);
+  void finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found);
   void rescanSoon();
   void insert(PhotoItem item);
   void highlight(const std::filesystem::path &file);
   void overtakeScan() { ++generation_; }
   void publish(Items items);
-  void editOrder(const std::filesystem::path &folder, std::function<Names(Names)> edit);
-  void storeOrders(const Items &arranged);
+  void setArranged(bool arranged);
+  void editOrders(Edits edits);
+  void placeArrivals();
+  void rearrange(Edits edits, Stored stored);
+  void tell(const Stored &stored, const IOResult<void> &result);
+  [[nodiscard]] Edits ordersOf(const Items &arranged) const;
 
   FileSystem &files_;
   MainQueue &mainQueue_;
@@ -96,8 +129,14 @@ private:
   ObserverList<std::optional<std::filesystem::path>> folderObservers_;
   ObserverList<bool> listedObservers_;
   ObserverList<Paths> recentlyAddedObservers_;
+  ObserverList<bool> arrangedObservers_;
+  ObserverList<RearrangementRef> rearrangementObservers_;
+
+  Mutex arrivalsLock_;
+  std::vector<std::filesystem::path> arrivals_ GUARDED_BY(arrivalsLock_); // that wait for `placeArrivals`
 
   bool listed_ = false;
+  bool arranged_ = false;
   bool scanning_ = false;
   bool scanAgain_ = false;
   std::uint64_t lastHighlight_ = 0;

@@ -4,23 +4,53 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <limits>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-// The order in which a person arranged the photos of one folder, kept in that folder as
-// ".fennick-order.json". Any thread; two that write the same folder at once leave one of both orders.
+// The custom order of the photos in one folder, stored in that folder as ".fennick-order.json". Any thread.
 namespace fennick::PhotoOrder {
 
-// The names in their order. Empty when there is no such file or it is not what `save` writes. A link is not
-// followed.
-[[nodiscard]] std::vector<std::string> load(const std::filesystem::path &folder);
+using Names = std::vector<std::string>;
 
-// Replaces the file in one step; without names, removes it. A name that is not UTF-8 cannot be written and is
-// left out. What the disk refuses is not saved.
-void save(const std::vector<std::string> &names, const std::filesystem::path &folder, FileSystem &files);
+// Returns the names in their order; empty if there is no such file or it is not what `save` writes. Links are
+// not followed.
+[[nodiscard]] Names load(const std::filesystem::path &folder);
+
+// Replaces the file atomically, or removes it if there are no names. Names that are not UTF-8 cannot be
+// stored and are left out. On failure the old file remains.
+IOResult<void> save(const Names &names, const std::filesystem::path &folder, FileSystem &files);
+
+// What one edit did to the order of a folder.
+struct Change {
+  std::filesystem::path folder;
+  Names before;
+  Names after;
+  std::set<std::string> present{}; // the photos in the folder if the edit removed its order; else empty
+};
+using Edit = std::function<Names(const Names &stored)>;
+
+// Loads the order, applies `edit` and saves the result if it differs. A lock on the folder keeps other
+// programs from editing it at the same time; file systems without locks are edited without one.
+[[nodiscard]] IOResult<Change> edit(const std::filesystem::path &folder, const Edit &edit, FileSystem &files);
+
+// The results of edits. Each returns the new order and touches no file.
+
+// Puts new photos first, the last one of `added` foremost. An empty order stays empty: such a folder is
+// sorted by date. Names without a file are kept, because a photo may come back out of the Trash, until the
+// order has grown beyond 1000 names.
+[[nodiscard]] Names withNew(Names order, const Names &added, const std::filesystem::path &folder);
+// `shown` first, then the other names of `order` that are files in the folder.
+[[nodiscard]] Names arranged(const Names &order, const Names &shown, const std::filesystem::path &folder);
+// The order before `change`, with the photos that came since in front of it.
+[[nodiscard]] Names undone(const Names &order, const Change &change);
+// Finds a place for a photo that came back as `name` after it had been removed as `oldName`: the one that it
+// still has, else behind the photo that has its old name now, else the first one.
+[[nodiscard]] Names withRestored(Names order, const std::string &oldName, const std::string &name);
 
 // Where each name stands: listed ones by their place, all others after them.
 class Ranks {

@@ -75,19 +75,20 @@ struct Walk {
     return result;
   }
 
-  // Fills the places of a folder with its files in their own order.
-  void applyOrder(std::size_t folder, std::span<Index> places) const {
+  // Fills the places of a folder with its files in their custom order; returns whether there is one.
+  [[nodiscard]] bool applyOrder(std::size_t folder, std::span<Index> places) const {
     const auto isHere = [&](Index place) { return files[place].folder == folder; };
     if (std::ranges::none_of(places, isHere))
-      return;
+      return false;
     const auto order = PhotoOrder::load(folders[folder]);
     if (order.empty())
-      return;
+      return false;
     const auto members = arranged(folder, PhotoOrder::Ranks(order));
     auto next = members.begin();
     for (Index &place : places)
       if (isHere(place))
         place = *next++;
+    return true;
   }
 };
 
@@ -107,20 +108,21 @@ PhotoItem itemOf(const fs::path &file, std::string name, const FileStatus &statu
 
 } // namespace
 
-std::optional<std::vector<PhotoItem>> items(const fs::path &folder, std::size_t limit, PictureSizes &sizes,
-                                            const std::function<bool()> &overtaken) {
+std::optional<Listing> items(const fs::path &folder, std::size_t limit, PictureSizes &sizes,
+                             const std::function<bool()> &overtaken) {
   Walk walk;
   walk.enter(folder, 0);
   auto places = walk.newest(limit);
+  Listing result;
   for (std::size_t i = 0; i < walk.folders.size(); ++i)
-    walk.applyOrder(i, places);
-  std::vector<PhotoItem> result;
-  result.reserve(places.size());
+    if (walk.applyOrder(i, places))
+      result.isArranged = true;
+  result.items.reserve(places.size());
   for (const Index place : places) {
     if (overtaken())
       return std::nullopt;
     const Found &found = walk.files[place];
-    result.push_back(itemOf(walk.folders[found.folder] / found.name, found.name, found.status, sizes));
+    result.items.push_back(itemOf(walk.folders[found.folder] / found.name, found.name, found.status, sizes));
   }
   sizes.tidy();
   return overtaken() ? std::nullopt : std::optional(std::move(result));

@@ -1,5 +1,7 @@
 #include "Quarrow/Actions/PhotoActions.h"
 
+#include "FennickCore/Imaging/MediaTypes.h"
+
 #include <QFile>
 
 #include <algorithm>
@@ -30,7 +32,11 @@ PhotoActions::PhotoActions(AppController &controller, const ActionServices &serv
           services, jobs_, [this] { return selected_; },
           [this] { return controller_.server().saveFolder().value_or(fs::path()); }) {
   connect(&controller_.selection(), &PhotoSelection::changed, this, [this] { follow(); });
-  itemsSubscription_ = controller_.library().observeItems([this](const auto &) { follow(); });
+  auto &library = controller_.library();
+  subscriptions_.push_back(library.observeItems([this](const auto &) { follow(); }));
+  subscriptions_.push_back(library.observeArranged([this](bool) { emit canSortByDateChanged(); }));
+  subscriptions_.push_back(
+      library.observeRearrangements([this](const auto &change) { remember(Arrangement{.change = change}); }));
   follow();
 }
 
@@ -205,6 +211,19 @@ void PhotoActions::remember(Deed deed) {
   emit undoChanged();
 }
 
+void PhotoActions::sortByDate() {
+  if (!canSortByDate())
+    return;
+  controller_.library().sortByDate([this, alive = std::weak_ptr(alive_)](const auto &stored) {
+    if (!alive.lock())
+      return;
+    if (stored)
+      say(tr("已按时间排列"), true);
+    else
+      failOrder(tr("没能按时间排列"), stored.error());
+  });
+}
+
 void PhotoActions::undo() {
   if (deeds_.empty())
     return;
@@ -212,36 +231,73 @@ void PhotoActions::undo() {
   const Deed deed = std::move(deeds_.back());
   deeds_.pop_back();
   emit undoChanged();
+  if (const auto *arrangement = std::get_if<Arrangement>(&deed))
+    return undoArrangement(*arrangement);
   jobs_.run(
       countOf(deed),
       [deed, services = services_](FileJobs::Ticket &ticket) { return takeBack(deed, services, ticket); },
       [this, deed](Outcome outcome) { finishUndo(deed, std::move(outcome)); });
 }
 
+void PhotoActions::undoArrangement(const Arrangement &arrangement) {
+  controller_.library().undo(arrangement.change,
+                             [this, arrangement, alive = std::weak_ptr(alive_)](const auto &stored) {
+                               if (stored || !alive.lock())
+                                 return;
+                               remember(arrangement);
+                               failOrder(tr("没能恢复之前的顺序，可按 Ctrl+Z 重试"), stored.error());
+                             });
+}
+
+void PhotoActions::failOrder(const QString &what, const std::error_code &reason) {
+  Failures failures;
+  failures.add(fs::path(fennick::kOrderFile), reason);
+  fail(what, std::move(failures));
+}
+
 void PhotoActions::finishUndo(const Deed &deed, Outcome outcome) {
-  const bool wasDeletion = std::holds_alternative<Deletion>(deed);
   if (const auto *renamed = std::get_if<Rename>(&outcome.done))
     adopt(renamed->files);
-  else
-    controller_.library().scan();
   for (auto &earlier : deeds_)
     quarrow::follow(earlier, outcome.renamed);
-  if (wasDeletion && !outcome.files.empty())
-    controller_.selection().set({outcome.files.begin(), outcome.files.end()});
-  remember(std::move(outcome.left));
-  if (outcome.renamed.size() == 1)
+  if (std::holds_alternative<Deletion>(deed))
+    noteRestored(outcome);
+  controller_.library().scan();
+  remember(outcome.left);
+  sayWhatIsLeft(std::move(outcome));
+}
+
+void PhotoActions::noteRestored(const Outcome &outcome) {
+  if (outcome.files.empty())
+    return;
+  std::vector<fennick::Renaming> restored;
+  for (const auto &file : outcome.files) {
+    const auto renamed = std::ranges::find(outcome.renamed, file, &fennick::Renaming::to);
+    restored.push_back({.from = renamed == outcome.renamed.end() ? file : renamed->from, .to = file});
+  }
+  controller_.library().noteRestored(restored);
+  controller_.selection().set({outcome.files.begin(), outcome.files.end()});
+  if (outcome.renamed.empty())
+    say(tr("已放回 %1 项").arg(outcome.files.size()), false);
+  else if (outcome.renamed.size() == 1)
     say(tr("原来的名字已被占用，放回为 %1").arg(nameText(outcome.renamed.front().to)), false);
-  else if (!outcome.renamed.empty())
+  else
     say(tr("已放回 %1 项，其中 %2 项原来的名字已被占用，换了名字")
             .arg(outcome.files.size())
             .arg(outcome.renamed.size()),
         false);
-  else if (wasDeletion && !outcome.files.empty())
-    say(tr("已放回 %1 项").arg(outcome.files.size()), false);
+}
+
+// A stopped undo says how much is left; failures are listed.
+void PhotoActions::sayWhatIsLeft(Outcome &&outcome) {
+  const int left = countOf(outcome.left);
+  const QString again = left > 0 ? tr("，可按 Ctrl+Z 重试") : QString();
   if (!outcome.problem.isEmpty())
-    fail(tr("没能恢复原来的名字：%1").arg(outcome.problem), {});
+    fail(tr("没能恢复原来的名字：%1").arg(outcome.problem) + again, std::move(outcome.failures));
   else if (!outcome.failures.isEmpty())
-    fail(tr("%1 项没能撤销").arg(outcome.failures.count()), std::move(outcome.failures));
+    fail(tr("%1 项没能撤销").arg(outcome.failures.count()) + again, std::move(outcome.failures));
+  else if (left > 0)
+    say(tr("已停止，还有 %1 项没有撤销").arg(left), true);
 }
 
 void PhotoActions::say(const QString &note, bool canBeUndone) {

@@ -41,6 +41,8 @@ class PhotoActions : public QObject {
   // Somebody reads the note, or is about to press its button: it stays until this is false again.
   Q_PROPERTY(bool noteHeld READ noteHeld WRITE setNoteHeld NOTIFY noteHeldChanged)
   Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged)
+  // Some photos on the wall have a custom order.
+  Q_PROPERTY(bool canSortByDate READ canSortByDate NOTIFY canSortByDateChanged)
   // What went wrong last: a sentence, and a line for each file. Empty until something does, and again once it
   // is dismissed.
   Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
@@ -64,6 +66,7 @@ public:
   [[nodiscard]] bool noteHeld() const { return noteHeld_; }
   void setNoteHeld(bool held);
   [[nodiscard]] bool canUndo() const { return !deeds_.empty(); }
+  [[nodiscard]] bool canSortByDate() const { return controller_.library().isArranged(); }
   [[nodiscard]] const QString &failure() const { return failure_; }
   [[nodiscard]] QStringList failureLines() const { return failures_.lines(); }
 
@@ -79,7 +82,10 @@ public:
   Q_INVOKABLE QString rename(const QString &name);
   Q_INVOKABLE void rotate(bool clockwise);
   Q_INVOKABLE void trash();
-  // Takes back what was done last: a deletion, a rotation or new names.
+  // Removes the custom order of the folders that the wall shows.
+  Q_INVOKABLE void sortByDate();
+  // Takes back what was done last: a deletion, a rotation, new names or another order. What fails or is
+  // stopped can be undone again.
   Q_INVOKABLE void undo();
   Q_INVOKABLE void dismissNote();
   Q_INVOKABLE void dismissFailure();
@@ -90,6 +96,7 @@ signals:
   void noteChanged();
   void noteHeldChanged();
   void undoChanged();
+  void canSortByDateChanged();
   void failureChanged();
   void askedToOpenMany(int count);
 
@@ -98,7 +105,11 @@ private:
   void renameBatch(const Paths &photos, const fennick::PhotoFileOps::Numbering &numbering,
                    const std::function<void(bool, const QString &)> &finished);
   void finishTrash(Outcome outcome);
+  void undoArrangement(const Arrangement &arrangement);
   void finishUndo(const Deed &deed, Outcome outcome);
+  void noteRestored(const Outcome &outcome);
+  void sayWhatIsLeft(Outcome &&outcome);
+  void failOrder(const QString &what, const std::error_code &reason);
   enum class Selecting { whatWas, all };
   void adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting = Selecting::whatWas);
   void remember(Deed deed);
@@ -110,7 +121,7 @@ private:
   AppController &controller_;
   const ActionServices services_;
   const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
-  fennick::Subscription itemsSubscription_;
+  std::vector<fennick::Subscription> subscriptions_;
 
   Paths selected_; // in the order of the wall
   QVariantList applications_;

@@ -1,5 +1,8 @@
 #include "Quarrow/Actions/PhotoUndo.h"
 
+#include "FennickCore/Platform/FileStatus.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace quarrow {
@@ -45,10 +48,54 @@ Rename reversed(const Rename &rename) {
   return back;
 }
 
+bool isGone(const fs::path &file) {
+  const auto status = fennick::fileStatus(file);
+  return !status && status.error() == std::errc::no_such_file_or_directory;
+}
+
+// What remains of a rename after an attempt to undo it that failed and left some files with the names in
+// `moved`.
+Rename remaining(Rename rename, const std::vector<fennick::Renaming> &moved) {
+  for (auto &renaming : rename.files) {
+    const auto now = std::ranges::find(moved, renaming.to, &fennick::Renaming::from);
+    if (now != moved.end())
+      renaming.to = now->to;
+  }
+  std::erase_if(rename.files, [](const auto &renaming) { return renaming.from == renaming.to; });
+  return rename;
+}
+
+Outcome renameBack(const Rename &rename, const ActionServices &services, FileJobs::Ticket &ticket) {
+  Rename present;
+  Failures gone;
+  for (const auto &renaming : rename.files)
+    if (isGone(renaming.to))
+      gone.add(renaming.to, std::make_error_code(std::errc::no_such_file_or_directory));
+    else
+      present.files.push_back(renaming);
+  Outcome outcome = renameAll(reversed(present).files, services, ticket);
+  outcome.failures = std::move(gone);
+  if (outcome.files.empty()) // none, or all
+    outcome.left = remaining(present, std::get<Rename>(outcome.done).files);
+  return outcome;
+}
+
+// Whether turning a picture again may work after it failed.
+bool mayTurnLater(const fs::path &file, const ops::OpError &error) {
+  return error.kind != ops::OpError::Kind::notAnImage && !isGone(file);
+}
+
 } // namespace
 
 int countOf(const Deed &deed) {
-  return std::visit([](const auto &each) { return static_cast<int>(each.files.size()); }, deed);
+  return std::visit(
+      [](const auto &each) {
+        if constexpr (requires { each.files; })
+          return static_cast<int>(each.files.size());
+        else
+          return 1;
+      },
+      deed);
 }
 
 void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings) {
@@ -91,16 +138,24 @@ Outcome turn(const std::vector<fs::path> &files, ops::QuarterTurn direction, con
              FileJobs::Ticket &ticket) {
   Outcome outcome;
   Turn turned{.files = {}, .direction = direction};
+  Turn left{.files = {}, .direction = opposite(direction)};
   for (int step = 0; const auto &file : files) {
-    if (!ticket.reached(step++))
-      break;
-    if (const auto done = ops::rotate(file, direction, services.decoder, services.files))
+    if (!ticket.reached(step++)) {
+      left.files.push_back(file);
+      continue;
+    }
+    const auto done = ops::rotate(file, direction, services.decoder, services.files);
+    if (done) {
       turned.files.push_back(file);
-    else
-      outcome.failures.add(file, done.error().description());
+      continue;
+    }
+    outcome.failures.add(file, done.error().description());
+    if (mayTurnLater(file, done.error()))
+      left.files.push_back(file);
   }
   outcome.files = turned.files;
   outcome.done = std::move(turned);
+  outcome.left = std::move(left);
   return outcome;
 }
 
@@ -129,7 +184,7 @@ Outcome takeBack(const Deed &deed, const ActionServices &services, FileJobs::Tic
     return restore(*deletion, services, ticket);
   if (const auto *turned = std::get_if<Turn>(&deed))
     return turn(turned->files, opposite(turned->direction), services, ticket);
-  return renameAll(reversed(std::get<Rename>(deed)).files, services, ticket);
+  return renameBack(std::get<Rename>(deed), services, ticket);
 }
 
 } // namespace quarrow

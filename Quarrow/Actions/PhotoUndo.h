@@ -3,6 +3,7 @@
 #include "FennickCore/Platform/Trash.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/Failures.h"
 #include "Quarrow/Actions/FileJobs.h"
@@ -25,8 +26,13 @@ struct Turn {
   std::vector<std::filesystem::path> files;
   fennick::PhotoFileOps::QuarterTurn direction = fennick::PhotoFileOps::QuarterTurn::clockwise;
 };
-using Deed = std::variant<Deletion, Rename, Turn>;
+// Another order of the photos, which the library takes back.
+struct Arrangement {
+  fennick::PhotoLibrary::RearrangementRef change;
+};
+using Deed = std::variant<Deletion, Rename, Turn, Arrangement>;
 
+// The number of files; 1 for an arrangement.
 [[nodiscard]] int countOf(const Deed &deed);
 // A deed that changed nothing needs no way back.
 [[nodiscard]] inline bool isEmpty(const Deed &deed) { return countOf(deed) == 0; }
@@ -36,8 +42,9 @@ void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings);
 
 // What came of an action, or of taking one back.
 struct Outcome {
-  Deed done;              // what can be taken back now
-  Deed left = Deletion{}; // what could not be taken back, but perhaps can later
+  Deed done; // what can be taken back now
+  // What failed or was stopped and may work later, as the deed whose undoing does it: `undo` keeps it.
+  Deed left = Deletion{};
   Failures failures{};
   QString problem{};                          // of all of it
   std::vector<std::filesystem::path> files{}; // where the files are now
@@ -53,6 +60,7 @@ struct Outcome {
 // All files get their new names, or all keep the old ones.
 [[nodiscard]] Outcome renameAll(const std::vector<fennick::Renaming> &renamings,
                                 const ActionServices &services, FileJobs::Ticket &ticket);
+// Undoes everything but an arrangement. Files that are gone are reported and not left for later.
 [[nodiscard]] Outcome takeBack(const Deed &deed, const ActionServices &services, FileJobs::Ticket &ticket);
 
 } // namespace quarrow

@@ -458,6 +458,7 @@ void AppController::handleUpload(const fennick::UploadRecord &record) {
     const auto result = fennick::ImagePipeline::process(
         record.url, options, kProcessingTimeout, {.decoder = decoder_, .files = files_, .trash = &trash_});
     writeOrigin(result.finalURL, originOf(record, result));
+    library_.placeFirst(result.finalURL);
     mainQueue_.post(whileAlive([this, record, result] { finishUpload(record, result); }));
   });
 }

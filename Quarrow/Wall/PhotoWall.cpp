@@ -396,7 +396,11 @@ void PhotoWall::moveSelectionTo(int place) {
     (isMoved(item) ? moved : arranged).push_back(item.url);
   const auto before = next == shown.end() ? arranged.end() : std::ranges::find(arranged, next->url);
   arranged.insert(before, moved.begin(), moved.end());
-  controller_.library().reorder(arranged);
+  controller_.library().reorder(arranged, [this, alive = std::weak_ptr(alive_)](const auto &stored) {
+    if (!stored && alive.lock())
+      controller_.reportProblem(
+          tr("没能保存照片的顺序：%1").arg(QString::fromStdString(stored.error().message())).toStdString());
+  });
 }
 
 } // namespace quarrow

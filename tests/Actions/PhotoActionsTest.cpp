@@ -115,6 +115,73 @@ TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
   actions.undo();
   awaitWall({"a.jpg", "b.jpg"});
   EXPECT_EQ(actions.note(), "已放回 2 项");
+
+  select({"b.jpg"}); // a name that is taken meanwhile
+  actions.rename("c");
+  disk.write("photos/b.jpg", "another");
+  actions.undo();
+  settle();
+  EXPECT_THAT(actions.failure().toStdString(), ::testing::EndsWith("可按 Ctrl+Z 重试"));
+  std::filesystem::remove(disk / "photos/b.jpg");
+  actions.undo();
+  settle();
+  EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
+
+  select({"a.jpg", "b.jpg"}); // a picture that cannot be written, and one that is gone
+  actions.rotate(true);
+  settle();
+  std::filesystem::remove(disk / "photos/b.jpg");
+  decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::timedOut));
+  actions.undo();
+  settle();
+  EXPECT_EQ(actions.failure(), "2 项没能撤销，可按 Ctrl+Z 重试");
+  decoder.setOriented("turned ");
+  actions.undo();
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
+  EXPECT_FALSE(actions.canUndo());
+}
+
+TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
+  hang({"a.jpg", "b.jpg", "c.jpg"});
+  select({"a.jpg", "b.jpg", "c.jpg"});
+  actions.rotate(true);
+  settle();
+  decoder.hold();
+  actions.undo();
+  decoder.awaitHeld(1);
+  actions.jobs()->stop();
+  decoder.release();
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 8turned 6");
+  EXPECT_EQ(actions.note(), "已停止，还有 2 项没有撤销");
+  EXPECT_TRUE(actions.noteCanBeUndone());
+  actions.undo();
+  settle();
+  EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/c.jpg"), "turned 8turned 8");
+  EXPECT_FALSE(actions.canUndo());
+}
+
+TEST_F(PhotoActionsTest, AnotherOrderIsTakenBackLikeEverythingElse) {
+  hang({"a.jpg", "b.jpg", "c.jpg"});
+  actions.sortByDate(); // without a custom order there is nothing to do
+  EXPECT_FALSE(actions.canUndo());
+  controller.library().reorder({disk / "photos/c.jpg"});
+  EXPECT_TRUE(actions.canSortByDate());
+  select({"c.jpg"});
+  actions.trash();
+  settle();
+  actions.undo();
+  awaitWall({"c.jpg", "a.jpg", "b.jpg"}); // in the place that it had
+  actions.sortByDate();
+  awaitWall({"a.jpg", "b.jpg", "c.jpg"});
+  EXPECT_EQ(actions.note(), "已按时间排列");
+  EXPECT_TRUE(actions.noteCanBeUndone());
+  actions.undo();
+  awaitWall({"c.jpg", "a.jpg", "b.jpg"});
+  actions.undo();
+  awaitWall({"a.jpg", "b.jpg", "c.jpg"});
+  EXPECT_FALSE(actions.canUndo() || actions.canSortByDate());
 }
 
 TEST_F(PhotoActionsTest, TheNoteStaysForAWhileAndForAsLongAsItIsHeld) {

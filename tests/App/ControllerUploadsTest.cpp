@@ -1,3 +1,4 @@
+#include "FennickCore/Storage/PhotoOrder.h"
 #include "tests/App/ControllerFixture.h"
 
 namespace quarrow::test {
@@ -96,6 +97,30 @@ TEST_F(ControllerTest, TheFolderIsPrunedToItsLimitAndWhatWentIsNowhereAnyMore) {
   upload();
   runUntilReceived(4);
   EXPECT_THAT(disk.names("photos"), SizeIs(4));
+}
+
+TEST_F(ControllerTest, AReceivedPhotoComesFirstInACustomOrderUnderItsFinalName) {
+  store.update([](auto &settings) {
+    settings.naming = fennick::PrefixSequenceNaming{};
+    settings.imaging.stripAllMetadata = true;
+  });
+  decoder.setFacts(kLargePicture);
+  decoder.setRendering(fennick::Rendering{.bytes = "smaller", .longEdge = 4000, .quality = 0.85});
+  for (const bool hasPhotoWall : {true, false}) {
+    options.hasPhotoWall = hasPhotoWall;
+    const std::string folder = hasPhotoWall ? "wall" : "terminal";
+    options.saveFolder = disk / folder;
+    disk.write(folder + "/IMG_001.jpg");
+    disk.write(folder + "/.fennick-order.json", R"({"order":["IMG_001.jpg"]})");
+    start();
+    upload();
+    upload();
+    runUntilReceived(2);
+    received.clear();
+    controller.reset(); // waits for the order
+    EXPECT_THAT(fennick::PhotoOrder::load(*options.saveFolder),
+                ElementsAre("IMG_003.jpeg", "IMG_002.jpeg", "IMG_001.jpg"));
+  }
 }
 
 TEST_F(ControllerTest, UploadsGoOnWhileAPictureTakesItsWholeTimeout) {

@@ -2,6 +2,7 @@
 
 #include "FennickCore/Storage/PhotoOrder.h"
 #include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/ManualQueue.h"
 #include "tests/Support/TemporaryFolder.h"
 
@@ -199,6 +200,52 @@ TEST_F(PhotoLibraryTest, WhatThePersonDoesIsShownAtOnceAndByEveryLaterScan) {
   library->remove(std::array{photos / "c.jpg", photos / "unknown.jpg"});
   EXPECT_THAT(shown(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
   EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
+}
+
+TEST_F(PhotoLibraryTest, ACustomOrderIsRemovedAndRestoredWithWhatCameMeanwhileInFront) {
+  write("a.jpg", 9), write("b.jpg", 8), write("c.jpg", 7), write("day/x.jpg", 6), write("day/y.jpg", 5);
+  std::vector<PhotoLibrary::RearrangementRef> made;
+  const auto subscription =
+      library->observeRearrangements([&](const auto &change) { made.push_back(change); });
+  const auto await = [&](const std::vector<std::string> &names) {
+    queue.runUntil([&] { return shown() == names; });
+  };
+  open();
+  EXPECT_FALSE(library->isArranged());
+  library->reorder({photos / "a.jpg"}); // which changes nothing
+  library->reorder({photos / "c.jpg", photos / "day/y.jpg"});
+  ASSERT_EQ(made.size(), 1U);
+  EXPECT_TRUE(library->isArranged());
+  library->sortByDate();
+  await({"a.jpg", "b.jpg", "c.jpg", "x.jpg", "y.jpg"});
+  EXPECT_FALSE(library->isArranged());
+  EXPECT_THAT(disk.names("photos"), ElementsAre("a.jpg", "b.jpg", "c.jpg", "day"));
+
+  library->placeFirst(write("new.jpg", 4));
+  library->undo(made.at(1));
+  await({"new.jpg", "c.jpg", "a.jpg", "y.jpg", "x.jpg", "b.jpg"});
+  EXPECT_TRUE(library->isArranged());
+  library->placeFirst(write("newer.jpg", 3));
+  library->undo(made.at(0));
+  await({"a.jpg", "b.jpg", "c.jpg", "x.jpg", "y.jpg", "new.jpg", "newer.jpg"});
+  EXPECT_FALSE(library->isArranged());
+}
+
+TEST_F(PhotoLibraryTest, AnUndoThatCannotBeStoredCanBeRepeated) {
+  test::FaultyFileSystem faulty;
+  library = std::make_unique<PhotoLibrary>(faulty, decoder, queue);
+  write("a.jpg", 2), write("b.jpg", 1);
+  PhotoLibrary::RearrangementRef made;
+  const auto subscription = library->observeRearrangements([&](const auto &change) { made = change; });
+  open();
+  library->reorder({photos / "b.jpg"});
+  faulty.failNext(test::FaultyFileSystem::Operation::remove, EACCES);
+  std::vector<bool> stored;
+  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
+  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
+  queue.runUntil([&] { return stored.size() == 2; });
+  EXPECT_THAT(stored, ElementsAre(false, true));
+  EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg"));
 }
 
 } // namespace

@@ -70,5 +70,30 @@ TEST_F(PhotoOrderTest, TheOldOrderStandsUntilTheNewOneIsOnTheDisk) {
   }
 }
 
+TEST_F(PhotoOrderTest, EditsMoveWhatTheyAreAboutAndKeepTheRest) {
+  using Names = PhotoOrder::Names;
+  for (const char *name : {"a", "b", "new", "newer"})
+    disk.write(name);
+  const auto withNew = [&](const Names &order) {
+    return PhotoOrder::withNew(order, {"new", "gone", "newer"}, disk.path());
+  };
+  EXPECT_THAT(withNew({}), IsEmpty());
+  EXPECT_THAT(withNew({"b", "new", "trashed", "a"}), ElementsAre("newer", "new", "b", "trashed", "a"));
+  Names many(2000, "trashed");
+  many.emplace_back("a");
+  EXPECT_THAT(withNew(many), ElementsAre("newer", "new", "a"));
+
+  EXPECT_THAT(PhotoOrder::withRestored({"a", "b"}, "b", "b"), ElementsAre("a", "b"));
+  EXPECT_THAT(PhotoOrder::withRestored({"a", "b"}, "a", "a_2"), ElementsAre("a", "a_2", "b"));
+  EXPECT_THAT(PhotoOrder::withRestored({"a", "b"}, "c", "c"), ElementsAre("c", "a", "b"));
+  EXPECT_THAT(PhotoOrder::withRestored({}, "c", "c"), IsEmpty());
+
+  const auto undone = [&](const Names &order, const Names &before, const Names &after) {
+    return PhotoOrder::undone(order, {.folder = disk.path(), .before = before, .after = after});
+  };
+  EXPECT_THAT(undone({"new", "b", "a"}, {"a", "trashed"}, {"b", "a"}), ElementsAre("new", "a", "trashed"));
+  EXPECT_THAT(undone({"new", "b", "a"}, {}, {"b", "a"}), IsEmpty());
+}
+
 } // namespace
 } // namespace fennick
