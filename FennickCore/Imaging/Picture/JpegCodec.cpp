@@ -19,11 +19,11 @@ constexpr double kFullColourQuality = 0.9; // from here on colours keep their fu
 
 using Codec = std::unique_ptr<void, decltype(&::tjDestroy)>;
 
+Codec decompressor() { return {::tjInitDecompress(), &::tjDestroy}; }
 Codec compressor() { return {::tjInitCompress(), &::tjDestroy}; }
 
-// libjpeg decodes at eighths of the size for the price of the pixels it gives.
-int eighthsFor(const jpeg_decompress_struct &info, int longEdge) {
-  const auto stored = static_cast<int>(std::max(info.image_width, info.image_height));
+// The decoder gives eighths of the size for the price of the pixels it gives.
+int eighthsFor(int stored, int longEdge) {
   for (int eighths = 1; eighths < 8; ++eighths)
     if ((stored * eighths + 7) / 8 >= longEdge)
       return eighths;
@@ -70,62 +70,43 @@ bool readPixels(JpegReader &reader, JpegRaster &raster) {
   return true;
 }
 
-bool isPlanar(const jpeg_decompress_struct &info) {
-  const bool isKnown = info.jpeg_color_space == JCS_GRAYSCALE || info.jpeg_color_space == JCS_YCbCr;
-  const jpeg_component_info &luma = info.comp_info[0];
-  return isKnown && luma.h_samp_factor == info.max_h_samp_factor &&
-         luma.v_samp_factor == info.max_v_samp_factor;
+// Whether a decoding gave pixels, if only some of them.
+bool gavePixels(const Codec &codec, int status) {
+  return status == 0 || ::tjGetErrorCode(codec.get()) == TJERR_WARNING;
 }
 
-// Takes one row of MCUs after another: whole blocks, which may reach beyond the edges of a plane.
-class BlockRows {
-public:
-  explicit BlockRows(const jpeg_component_info &component)
-      : width_((static_cast<int>(component.width_in_blocks) + component.h_samp_factor) *
-               component.DCT_scaled_size),
-        height_(component.v_samp_factor * component.DCT_scaled_size), samples_(bytesOf(width_, height_)) {
-    for (int row = 0; row < height_; ++row)
-      rows_.push_back(samples_.data() + bytesOf(width_, row));
-  }
-  BlockRows(BlockRows &&) = default; // the rows lie on the heap
-  BlockRows(const BlockRows &) = delete;
-  JSAMPARRAY rows() { return rows_.data(); }
+const unsigned char *raw(Bytes file) { return reinterpret_cast<const unsigned char *>(file.data()); }
 
-  // What lies inside `plane`, whose rows before the `index`th row of MCUs are there.
-  void copyTo(Plane &plane, int index) const {
-    const int first = index * height_;
-    for (int row = 0; row < std::min(height_, plane.height - first); ++row)
-      std::copy_n(rows_[static_cast<std::size_t>(row)], plane.width,
-                  plane.pixels.data() + bytesOf(plane.width, first + row));
-  }
-
-private:
-  int width_;
-  int height_;
-  std::vector<unsigned char> samples_;
-  std::vector<JSAMPROW> rows_;
+struct PlanarHeader {
+  int width = 0;
+  int height = 0;
+  int subsampling = 0;
+  int colourSpace = 0;
 };
 
-Plane planeFor(const jpeg_component_info &component) {
-  Plane plane{.width = static_cast<int>(component.downsampled_width),
-              .height = static_cast<int>(component.downsampled_height),
-              .pixels = {}};
-  plane.pixels.resize(bytesOf(plane.width, plane.height));
-  return plane;
+std::optional<PlanarHeader> planarHeaderOf(const Codec &codec, Bytes file) {
+  PlanarHeader header;
+  if (!codec ||
+      !gavePixels(codec, ::tjDecompressHeader3(codec.get(), raw(file), file.size(), &header.width,
+                                               &header.height, &header.subsampling, &header.colourSpace)))
+    return std::nullopt;
+  const bool isPlanar = header.colourSpace == TJCS_YCbCr || header.colourSpace == TJCS_GRAY;
+  return isPlanar && header.subsampling >= 0 ? std::optional(header) : std::nullopt;
 }
 
-bool readPlanes(JpegReader &reader, PlanarPicture &picture) {
-  const std::span components(reader.info().comp_info, picture.gray ? 1U : 3U);
-  std::vector<BlockRows> blocks(components.begin(), components.end());
-  std::array<JSAMPARRAY, 3> rows{};
-  std::ranges::transform(blocks, rows.begin(), &BlockRows::rows);
-  for (int index = 0; !reader.isDone(); ++index) {
-    if (!reader.readPlanes(rows.data()))
-      return false;
-    for (std::size_t i = 0; i < blocks.size(); ++i)
-      blocks[i].copyTo(picture.planes.at(i), index);
+// The picture's planes of the given size, without their pixels; nothing if one would have none.
+std::optional<PlanarPicture> emptyPlanes(const PlanarHeader &header, int width, int height) {
+  PlanarPicture picture;
+  picture.gray = header.colourSpace == TJCS_GRAY;
+  for (int i = 0; i < (picture.gray ? 1 : 3); ++i) {
+    Plane &plane = picture.planes.at(static_cast<std::size_t>(i));
+    plane.width = ::tjPlaneWidth(i, width, header.subsampling);
+    plane.height = ::tjPlaneHeight(i, height, header.subsampling);
+    if (plane.width <= 0 || plane.height <= 0)
+      return std::nullopt;
+    plane.pixels.resize(bytesOf(plane.width, plane.height));
   }
-  return true;
+  return picture;
 }
 
 // What the library allocated for an encoded picture.
@@ -150,7 +131,8 @@ std::optional<PixelSize> jpegSize(Bytes file) {
 std::optional<JpegRaster> decodeJpeg(Bytes file, int longEdge, Damage damage) {
   JpegReader reader(file);
   const auto colours = reader.readHeader() ? coloursFor(reader.info()) : std::nullopt;
-  if (!colours || !reader.start({.eighths = eighthsFor(reader.info(), longEdge), .colours = *colours}))
+  const auto stored = static_cast<int>(std::max(reader.info().image_width, reader.info().image_height));
+  if (!colours || !reader.start(eighthsFor(stored, longEdge), *colours))
     return std::nullopt;
   JpegRaster raster{.width = static_cast<int>(reader.info().output_width),
                     .height = static_cast<int>(reader.info().output_height),
@@ -164,18 +146,26 @@ std::optional<JpegRaster> decodeJpeg(Bytes file, int longEdge, Damage damage) {
   return raster;
 }
 
-std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge, Damage damage) {
-  JpegReader reader(file);
-  if (!reader.readHeader() || !isPlanar(reader.info()) ||
-      !reader.start({.eighths = eighthsFor(reader.info(), longEdge),
-                     .colours = reader.info().jpeg_color_space,
-                     .planes = true}))
+std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge) {
+  const Codec codec = decompressor();
+  const auto header = planarHeaderOf(codec, file);
+  if (!header)
     return std::nullopt;
-  PlanarPicture picture;
-  picture.gray = reader.info().num_components == 1;
-  std::ranges::transform(std::span(reader.info().comp_info, picture.gray ? 1U : 3U), picture.planes.begin(),
-                         &planeFor);
-  if (!readPlanes(reader, picture) || (damage == Damage::refuse && !reader.isWhole()))
+  const tjscalingfactor factor{eighthsFor(std::max(header->width, header->height), longEdge), 8};
+  const int width = TJSCALED(header->width, factor);
+  const int height = TJSCALED(header->height, factor);
+  auto picture = emptyPlanes(*header, width, height);
+  if (!picture)
+    return std::nullopt;
+  std::array<unsigned char *, 3> rows{};
+  std::array<int, 3> strides{};
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    rows.at(i) = picture->planes.at(i).pixels.data();
+    strides.at(i) = picture->planes.at(i).width;
+  }
+  const int status = ::tjDecompressToYUVPlanes(codec.get(), raw(file), file.size(), rows.data(), width,
+                                               strides.data(), height, TJFLAG_LIMITSCANS);
+  if (!gavePixels(codec, status))
     return std::nullopt;
   return picture;
 }

@@ -41,9 +41,9 @@ struct PlanarPicture {
   bool gray = false;
 };
 
-// As decodeJpeg, without leaving the colour space of the file. Only for gray and for YCbCr whose luma has the
-// full resolution; planes are as large as is convenient for the decoder, luma as large as the picture.
-[[nodiscard]] std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge, Damage damage);
+// As decodeJpeg for a damaged picture that is tolerated, but faster, without leaving the colour space of the
+// file. Nothing for colours other than gray and YCbCr and for unusual sampling factors.
+[[nodiscard]] std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge);
 
 // `quality` from 0 to 1. Colours are stored at half resolution below 0.9. Empty when the encoder refuses.
 [[nodiscard]] std::string encodeJpeg(const unsigned char *pixels, int width, int height, int bands,

@@ -40,11 +40,10 @@ bool JpegReader::readHeader() {
   return ::jpeg_read_header(&info_, TRUE) == JPEG_HEADER_OK;
 }
 
-bool JpegReader::start(const Output &output) {
-  info_.scale_num = static_cast<unsigned>(output.eighths);
+bool JpegReader::start(int eighths, J_COLOR_SPACE colours) {
+  info_.scale_num = static_cast<unsigned>(eighths);
   info_.scale_denom = 8;
-  info_.out_color_space = output.colours;
-  info_.raw_data_out = output.planes ? TRUE : FALSE;
+  info_.out_color_space = colours;
   if (setjmp(escape_) != 0)
     return false;
   return ::jpeg_start_decompress(&info_) != FALSE;
@@ -54,13 +53,6 @@ bool JpegReader::readRows(JSAMPARRAY rows, JDIMENSION count) {
   if (setjmp(escape_) != 0)
     return false;
   return ::jpeg_read_scanlines(&info_, rows, count) > 0;
-}
-
-bool JpegReader::readPlanes(JSAMPIMAGE rows) {
-  if (setjmp(escape_) != 0)
-    return false;
-  const auto lines = static_cast<JDIMENSION>(info_.max_v_samp_factor * info_.min_DCT_scaled_size);
-  return ::jpeg_read_raw_data(&info_, rows, lines) > 0;
 }
 
 bool JpegReader::isWhole() {

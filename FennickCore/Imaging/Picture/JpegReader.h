@@ -17,26 +17,18 @@ namespace fennick::picture {
 // scan parameters, a missing end marker, padding. One thread at a time.
 class JpegReader {
 public:
-  // What comes out: pixels in a colour space, or the planes as the file stores them.
-  struct Output {
-    int eighths = 8; // of the full size, 1 to 8
-    J_COLOR_SPACE colours = JCS_RGB;
-    bool planes = false; // `colours` is that of the file
-  };
-
   explicit JpegReader(Bytes file) : file_(file) {} // `file` outlives the object
   ~JpegReader();
   JpegReader(const JpegReader &) = delete;
   JpegReader &operator=(const JpegReader &) = delete;
 
-  // The four steps, in this order. Each returns false on an error that ends the decoding, after which no
+  // The three steps, in this order. Each returns false on an error that ends the decoding, after which no
   // further step may follow.
   [[nodiscard]] bool readHeader();
-  [[nodiscard]] bool start(const Output &output);
+  // Decodes to `colours`, reduced to so many eighths of the size, 1 to 8.
+  [[nodiscard]] bool start(int eighths, J_COLOR_SPACE colours);
   // Reads at most `count` rows of pixels; see jpeg_read_scanlines.
   [[nodiscard]] bool readRows(JSAMPARRAY rows, JDIMENSION count);
-  // Reads one row of MCUs; see jpeg_read_raw_data.
-  [[nodiscard]] bool readPlanes(JSAMPIMAGE rows);
 
   [[nodiscard]] bool isDone() const { return info_.output_scanline >= info_.output_height; }
   // Whether the file held all data of the picture, without corruption that the decoder can notice. To be

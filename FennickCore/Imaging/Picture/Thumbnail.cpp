@@ -144,7 +144,7 @@ PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &prof
 // The short way for nearly every picture there is: never leaves the file's own planes, unless its colours are
 // not sRGB. Empty when this JPEG needs the long way.
 std::string jpegThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel, double quality) {
-  auto picture = decodeJpegPlanes(file, static_cast<int>(maxPixel), Damage::tolerate);
+  auto picture = decodeJpegPlanes(file, static_cast<int>(maxPixel));
   if (!picture)
     return {};
   const Size small = within({picture->planes[0].width, picture->planes[0].height}, maxPixel);
