@@ -87,7 +87,7 @@ Json json(const OrientationRequest &request) {
 }
 
 RenderRequest renderRequest(const Json &object) {
-  return {.output = enumerated(object.at("output"), PictureType::dng),
+  return {.output = enumerated(object.at("output"), kLastPictureType),
           .longEdge = number(object.at("longEdge")),
           .maxBytes = optionalNumber(object, "maxBytes"),
           .quality = share(object.at("quality")),
@@ -117,7 +117,8 @@ Json json(const PictureFacts &facts) {
   Json object{{"type", facts.type},
               {"frames", facts.frames},
               {"hasLocation", facts.hasLocation},
-              {"hasMetadata", facts.hasMetadata}};
+              {"hasMetadata", facts.hasMetadata},
+              {"fidelity", facts.fidelity}};
   put(object, "width", facts.width);
   put(object, "height", facts.height);
   put(object, "orientation", facts.orientation);
@@ -125,13 +126,14 @@ Json json(const PictureFacts &facts) {
 }
 
 PictureFacts facts(const Json &object) {
-  return {.type = enumerated(object.at("type"), PictureType::dng),
+  return {.type = enumerated(object.at("type"), kLastPictureType),
           .frames = number(object.at("frames"), 0),
           .width = optionalNumber(object, "width"),
           .height = optionalNumber(object, "height"),
           .orientation = optionalNumber(object, "orientation"),
           .hasLocation = object.at("hasLocation").get<bool>(),
-          .hasMetadata = object.at("hasMetadata").get<bool>()};
+          .hasMetadata = object.at("hasMetadata").get<bool>(),
+          .fidelity = enumerated(object.at("fidelity"), kLastFidelity)};
 }
 
 Json json(const PictureDetails &details) {

@@ -9,26 +9,65 @@
 // What the imaging process finds out about a picture. Values; any thread.
 namespace fennick {
 
-// The picture formats that are told apart, always by content.
-enum class PictureType : std::uint8_t { jpeg, png, heic, heif, webp, tiff, avif, gif, dng };
+// The picture formats that are told apart, always by content. From `dng` on they are camera raw formats;
+// `raw` is one of a maker that is not told apart.
+enum class PictureType : std::uint8_t {
+  jpeg,
+  png,
+  heic,
+  heif,
+  webp,
+  tiff,
+  avif,
+  gif,
+  dng,
+  arw,
+  cr2,
+  dcr,
+  erf,
+  hasselblad3fr,
+  iiq,
+  kdc,
+  mef,
+  mos,
+  nef,
+  nrw,
+  pef,
+  srw,
+  raw
+};
+inline constexpr PictureType kLastPictureType = PictureType::raw;
+
+[[nodiscard]] constexpr bool isRaw(PictureType type) { return type >= PictureType::dng; }
 
 // "public.jpeg", "public.heic", …: the type's name in messages.
 [[nodiscard]] std::string_view typeIdentifier(PictureType type);
-// "jpeg", "png", "heic", "heif", "webp", "tiff", "avif", "gif", "dng".
+// "jpeg", "png", "heic", "nef", "3fr", …
 [[nodiscard]] std::string_view preferredExtension(PictureType type);
 
 // Which of the eight ways a picture is stored turned or mirrored, as EXIF numbers them; 1 is upright.
 inline constexpr std::int64_t kUpright = 1;
 
+// Whether a new encoding, which has at most 16 bits a sample, no high dynamic range and no gamut beyond that
+// of its colour profile, can show the same picture; and if not, why.
+enum class Fidelity : std::uint8_t {
+  faithful,
+  dynamicRange, // PQ or HLG
+  colours,      // BT.2020 or others without a colour profile
+  samples,      // floating point, signed, 32 bits, or channels beyond colour and transparency
+};
+inline constexpr Fidelity kLastFidelity = Fidelity::samples;
+
 struct PictureFacts {
   PictureType type = PictureType::jpeg;
-  std::int64_t frames = 1;              // pictures in the file: animation frames, pages
+  std::int64_t frames = 1;              // pictures in the file: animation frames, pages; 2 for a movie
   std::optional<std::int64_t> width{};  // in pixels as stored, before any turning; absent when unreadable
   std::optional<std::int64_t> height{}; // the same
   std::optional<std::int64_t>
       orientation{};        // as the file says it, which may be out of range; absent: not said
   bool hasLocation = false; // GPS or named places, in EXIF, XMP or IPTC
   bool hasMetadata = false; // any EXIF, TIFF, GPS, IPTC or XMP block
+  Fidelity fidelity = Fidelity::faithful;
 
   bool operator==(const PictureFacts &) const = default;
 };

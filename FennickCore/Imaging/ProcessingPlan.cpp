@@ -7,13 +7,22 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace fennick::ImagePipeline {
 
 namespace {
 
 bool isProcessable(const PictureFacts &facts) {
-  return facts.frames == 1 && facts.type != PictureType::gif && facts.type != PictureType::dng;
+  return facts.frames == 1 && facts.type != PictureType::gif && !isRaw(facts.type);
+}
+
+std::string keptAsIs(const PictureFacts &facts) {
+  constexpr std::array<std::string_view, static_cast<std::size_t>(kLastFidelity) + 1> kReasons{
+      "", ", HDR", ", wide gamut", ", sample format"}; // in the order of the enumeration
+  return fmt::format("原样保存 / kept as is ({}{})", preferredExtension(facts.type),
+                     isProcessable(facts) ? kReasons.at(static_cast<std::size_t>(facts.fidelity)) : "");
 }
 
 bool isHEIF(PictureType type) { return type == PictureType::heic || type == PictureType::heif; }
@@ -82,7 +91,7 @@ bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat fo
 Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,
           const std::function<bool()> &canEncodeHEIC) {
   if (!isProcessable(facts))
-    return LeaveAlone{fmt::format("原样保存 / kept as is ({})", preferredExtension(facts.type))};
+    return LeaveAlone{keptAsIs(facts)};
   if (!facts.width || !facts.height)
     return Undecodable{};
   if (!ImageLimits::check(facts.width, facts.height))
@@ -97,6 +106,8 @@ Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &o
   const bool overSize = maxBytes && *maxBytes < bytes;
   if (!isNeeded(facts, options, resize, overSize) && isOwnType(facts.type, output.type))
     return LeaveAlone{"无需处理 / no change needed"};
+  if (facts.fidelity != Fidelity::faithful)
+    return LeaveAlone{keptAsIs(facts)};
   return Encode{.request = {.output = output.type,
                             .longEdge = resize ? *maxPixels : longEdge,
                             .maxBytes = maxBytes,

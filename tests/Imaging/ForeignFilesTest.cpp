@@ -4,6 +4,7 @@
 #include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Platform/Log.h"
 #include "tests/Imaging/PictureSamples.h"
 #include "tests/Support/TemporaryFolder.h"
@@ -65,6 +66,7 @@ struct Row {
 
 // What the builders paint with: an even field of this colour, unless they are told otherwise.
 constexpr Colour kOrange{220, 130, 40};
+constexpr Colour kGreen{40, 160, 40}; // of the small picture in sampleRaw
 
 VImage field(int width = 400, int height = 300, const Colour &colour = kOrange) {
   return VImage::black(width, height)
@@ -92,6 +94,21 @@ std::string pngWith(const std::string &chunks, const VImage &image = field()) {
   return saved(image, ".png").insert(kBehindHeader, chunks);
 }
 
+// A field whose 8-bit samples mean kOrange in a coding by number.
+std::string pngCoded(char primaries, char transfer, const Colour &samples) {
+  return pngWith(pngChunk("cICP", std::string{primaries, transfer, 0, 1}), field(400, 300, samples));
+}
+
+std::string heic(const std::string &profile = "") {
+  const VImage image = field().copy_memory();
+  return picture::encodeHeic(static_cast<const unsigned char *>(image.data()), image.width(), image.height(),
+                             image.bands(), 0.9, {.icc = profile});
+}
+
+std::string replaced(std::string text, const std::string &old, const std::string &by) {
+  return text.replace(text.find(old), old.size(), by);
+}
+
 // Each subject has a function of its own, so that rows are found and added where they belong.
 
 std::vector<Row> ordinaryRows() {
@@ -112,7 +129,29 @@ std::vector<Row> ordinaryRows() {
 }
 
 // Camera raw files: only their maker's programs can develop them.
-std::vector<Row> rawRows() { return {}; }
+std::vector<Row> rawRows() {
+  const std::string preview = saved(field(), ".jpg");
+  return {
+      {"nikon.tif", sampleRaw({.preview = preview}), keptAlways("kept as is (nef)"), kOrange},
+      {"coolpix.nrw", sampleRaw({.model = "COOLPIX P7800"}), keptAlways("kept as is (nrw)"), kGreen},
+      {"linear.tif", sampleRaw({.make = "Nobody", .preview = preview, .photometric = 34892}),
+       keptAlways("kept as is (raw)"), kOrange},
+      {"scanned.nef", sampleRaw({.preview = preview, .photometric = 1}), keptAlways("kept as is (nef)"),
+       kOrange},
+      {"reduced.tif", sampleRaw({.make = "Nobody", .photometric = 1}), keptAlways("kept as is (tiff)"),
+       kGreen},
+      {"pyramid.tif",
+       saved(field(), ".tif[tile,pyramid,subifd,tile_width=64,tile_height=64]"),
+       {processed(), processed(), processed("HEIC"), processed()},
+       kOrange},
+  };
+}
+
+VImage twoPages() {
+  VImage pages = field().join(field(400, 300, kGreen), VIPS_DIRECTION_VERTICAL);
+  pages.set("page-height", 300);
+  return pages;
+}
 
 // More than one picture in a file.
 std::vector<Row> sequenceRows() {
@@ -120,11 +159,41 @@ std::vector<Row> sequenceRows() {
   return {
       {"still.gif", saved(field(), ".gif"), keptAlways("kept as is (gif)"), kOrange},
       {"moving.png", pngWith(control), keptAlways("kept as is (png)"), kOrange},
+      {"pages.tif", saved(field(), ".tif[tile,pyramid]"), keptAlways("kept as is (tiff)"), kOrange},
+      {"moving.webp", saved(twoPages(), ".webp"), keptAlways("kept as is (webp)"), kOrange},
+      {"moving.heic", heic() + box("moov", ""), keptAlways("kept as is (heic)"), kOrange},
+      {"film.heic", box("ftyp", "msf1\0\0\0\0hevc"s) + box("moov", ""), keptAlways("kept as is (heic)")},
+      {"brand.heic", replaced(heic(), "mif1", "msf1"), {kept(), kept(), kept(), processed()}, kOrange},
   };
 }
 
 // Samples, colours and dynamic ranges beyond 8-bit sRGB.
-std::vector<Row> sampleRows() { return {}; }
+std::vector<Row> sampleRows() {
+  const auto unlessAsked = [](const std::string &note) {
+    return Fates{kept(), kept(), kept(note), kept(note)};
+  };
+  const Fates converted{processed("tiff → JPEG"), processed(), processed("HEIC"), processed()};
+  return {
+      {"float.tif", saved(field().colourspace(VIPS_INTERPRETATION_scRGB), ".tif"),
+       keptAlways("kept as is (tiff, sample format)"), kOrange},
+      {"lab.tif", saved(field().colourspace(VIPS_INTERPRETATION_LABS), ".tif"),
+       keptAlways("kept as is (tiff, wide gamut)"), kOrange},
+      {"channels.tif", saved(field().bandjoin({1.0, 2.0, 3.0}).cast(VIPS_FORMAT_UCHAR), ".tif"),
+       keptAlways("kept as is (tiff, sample format)"), kOrange},
+      {"bits.tif",
+       saved(field(400, 300, {255, 255, 255}).colourspace(VIPS_INTERPRETATION_B_W), ".tif[bitdepth=1]"),
+       converted, Colour{255, 255, 255}},
+      {"pq.png", pngCoded(9, 16, {131, 113, 77}), unlessAsked("kept as is (png, HDR)"), kOrange},
+      {"hlg.png", pngCoded(9, 18, {168, 126, 56}), unlessAsked("kept as is (png, HDR)"), kOrange},
+      {"wide.png", pngCoded(9, 13, {191, 138, 63}), unlessAsked("kept as is (png, wide gamut)"), kOrange},
+      {"srgb.png", pngCoded(1, 13, kOrange), {kept(), kept(), processed("HEIC"), processed("JPEG")}, kOrange},
+      {"pq.heic",
+       replaced(heic("\0\x09\0\x10\0\x06\x80"s), "colrprof",
+                "colrnclx"), // a profile's place for four numbers
+       {kept(), kept(), kept(), kept("kept as is (heic, HDR)")},
+       Colour{255, 0, 0}},
+  };
+}
 
 // JPEG files that do not follow the standard to the letter.
 std::vector<Row> irregularJpegRows() {

@@ -2,6 +2,8 @@
 
 #include "FennickCore/Imaging/Picture/Containers.h"
 
+#include <algorithm>
+
 namespace fennick::picture::test {
 
 using namespace std::string_literals;
@@ -90,6 +92,48 @@ std::string sampleTiff(bool isBigTiff, std::optional<std::uint16_t> orientation,
   if (isDNG)
     values.push_back(TiffWriter::text(0xC612, "\1\4\0\0"s, 1));
   return tiff.finish(tiff.directory(values));
+}
+
+std::string sampleRaw(const SampleRaw &sample) {
+  constexpr ByteOrder kOrder = ByteOrder::big;
+  constexpr std::uint64_t kWidth = 16, kHeight = 12, kScale = 8;
+  TiffWriter tiff(kOrder);
+  const auto picture = [&](std::uint16_t subfile, std::uint64_t scale, std::uint16_t photometric,
+                           const std::string &pixel) {
+    std::string pixels;
+    for (std::uint64_t i = 0; i < kWidth * kHeight * scale * scale; ++i)
+      pixels += pixel;
+    std::string depth;
+    for (std::size_t i = 0; i < pixel.size(); ++i)
+      depth += numberText(8, 2, kOrder);
+    const auto strip = tiff.blob(pixels);
+    return std::vector<TiffValue>{tiff.longValue(0x00FE, subfile),
+                                  tiff.longValue(0x0100, kWidth * scale),
+                                  tiff.longValue(0x0101, kHeight * scale),
+                                  {0x0102, 3, pixel.size(), depth},
+                                  tiff.shortValue(0x0103, 1),
+                                  tiff.shortValue(0x0106, photometric),
+                                  tiff.longValue(0x0111, strip),
+                                  tiff.shortValue(0x0115, static_cast<std::uint16_t>(pixel.size())),
+                                  tiff.longValue(0x0117, pixels.size())};
+  };
+  std::vector<std::size_t> below{tiff.directory(picture(0, kScale, sample.photometric, "x"))};
+  if (!sample.preview.empty()) {
+    const auto preview = tiff.blob(sample.preview);
+    below.push_back(
+        tiff.directory({tiff.longValue(0x00FE, 1), tiff.shortValue(0x0103, 6),
+                        tiff.longValue(0x0201, preview), tiff.longValue(0x0202, sample.preview.size())}));
+  }
+  std::string places;
+  for (const std::size_t place : below)
+    places += numberText(place, 4, kOrder);
+  std::vector<TiffValue> first = picture(1, 1, 2, "\x28\xA0\x28");
+  first.push_back(TiffWriter::text(0x010F, sample.make + '\0'));
+  first.push_back(TiffWriter::text(0x0110, sample.model + '\0'));
+  first.push_back(tiff.shortValue(0x0112, sample.orientation));
+  first.push_back({0x014A, 4, below.size(), places});
+  std::ranges::sort(first, {}, &TiffValue::tag);
+  return tiff.finish(tiff.directory(first));
 }
 
 std::string box(const std::string &type, const std::string &payload) {

@@ -57,6 +57,16 @@ std::string samplePng(const std::string &chunks = "");
 std::string sampleWebp(); // lossless, 300 × 200, without an extended header
 std::string sampleTiff(bool isBigTiff, std::optional<std::uint16_t> orientation, bool isDNG = false);
 
+// A small even green picture of 16 x 12 in the first directory, what it stands for in a sub-directory.
+struct SampleRaw {
+  std::string make = "NIKON CORPORATION";
+  std::string model = "NIKON D90";
+  std::string preview{};              // a JPEG in a sub-directory; empty: none
+  std::uint16_t photometric = 0x8023; // of the large picture: sensor data
+  std::uint16_t orientation = 1;
+};
+std::string sampleRaw(const SampleRaw &sample);
+
 inline constexpr std::uint32_t kPrimary = 1, kThumbnail = 2, kExifItem = 3, kOther = 4;
 struct SampleHeif {
   std::optional<unsigned> quarters = 3; // the primary picture's rotation; absent: it has no such property

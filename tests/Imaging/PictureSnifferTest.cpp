@@ -34,7 +34,8 @@ TEST(PictureSniffer, ContentDecidesAndTheMajorBrandComesFirst) {
 TEST(PictureSniffer, APngMovesWhenItsControlStandsBeforeThePixels) {
   const std::string control = pngChunk("acTL", "\0\0\0\5\0\0\0\0"s);
   EXPECT_EQ(apngFrames(bytesOf(samplePng())), 1);
-  EXPECT_EQ(apngFrames(bytesOf(samplePng(control))), 5);
+  EXPECT_EQ(apngFrames(bytesOf(samplePng(control + pngChunk("fcTL", std::string(26, '\0'))))), 5);
+  EXPECT_EQ(apngFrames(bytesOf(samplePng(control))), 6) << "the picture before the animation is none of it";
   EXPECT_EQ(apngFrames(bytesOf(samplePng(pngChunk("IDAT", "x") + control))), 1);
 }
 

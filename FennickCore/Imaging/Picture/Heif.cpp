@@ -6,6 +6,7 @@
 #include "FennickCore/Imaging/Picture/MetadataXmp.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <vector>
@@ -285,16 +286,26 @@ std::optional<std::uint64_t> exifStart(std::string_view item) {
   return before && slice(item, 4, *before) ? std::optional(4 + *before) : std::nullopt;
 }
 
-std::string colourProfile(std::string_view file, const HeifFile &heif) {
-  const HeifAssociations *own = heif.associations(heif.primary);
+// What the item's colour properties of one of `kinds` say; empty if there is none.
+std::string_view colourProperty(std::string_view file, const HeifFile &heif, std::uint32_t item,
+                                std::initializer_list<std::string_view> kinds) {
+  const HeifAssociations *own = heif.associations(item);
   for (const HeifAssociation &association : own ? own->list : std::vector<HeifAssociation>()) {
     const HeifBox *box = heif.property(association);
     const auto kind =
         (box != nullptr) && box->type == "colr"sv ? slice(file, box->payloadAt, 4) : std::nullopt;
-    if ((kind == "prof"sv || kind == "rICC"sv) && box->end >= box->payloadAt + 4)
-      return std::string(file.substr(box->payloadAt + 4, box->end - box->payloadAt - 4));
+    if (kind && std::ranges::find(kinds, *kind) != kinds.end() && box->end >= box->payloadAt + 4)
+      return file.substr(box->payloadAt + 4, box->end - box->payloadAt - 4);
   }
   return {};
+}
+
+// The first tile of an item that is made of tiles; the item itself if it is not.
+std::uint32_t firstTile(const HeifFile &heif, std::uint32_t item) {
+  for (const HeifReference &reference : heif.references)
+    if (reference.from == item && reference.type == "dimg"sv && !reference.to.empty())
+      return reference.to.front();
+  return item;
 }
 
 // Where the file's EXIF and XMP state an orientation, in place.
@@ -327,6 +338,24 @@ std::optional<std::int64_t> heifOrientation(Bytes bytes) {
   return turningOf(stepsOf(file, *heif, heif->primary)).orientation();
 }
 
+bool heifHasMovie(Bytes bytes) {
+  const std::string_view file = textOf(bytes);
+  const auto boxes = heifBoxes(file, 0, file.size());
+  return std::ranges::find(boxes, "moov"sv, &HeifBox::type) != boxes.end();
+}
+
+std::optional<ColourCoding> heifColours(Bytes bytes) {
+  const std::string_view file = textOf(bytes);
+  const auto heif = HeifFile::parse(file);
+  if (!heif)
+    return std::nullopt;
+  std::string_view numbers = colourProperty(file, *heif, heif->primary, {"nclx"});
+  if (numbers.empty())
+    numbers = colourProperty(file, *heif, firstTile(*heif, heif->primary), {"nclx"});
+  const auto primaries = readNumber(numbers, 0, 2), transfer = readNumber(numbers, 2, 2);
+  return primaries && transfer ? std::optional(ColourCoding{*primaries, *transfer}) : std::nullopt;
+}
+
 HeifBlocks heifBlocks(Bytes bytes) {
   const std::string_view file = textOf(bytes);
   const auto heif = HeifFile::parse(file);
@@ -335,7 +364,7 @@ HeifBlocks heifBlocks(Bytes bytes) {
   const std::string exif = dataOf(file, *heif, heif->describing("Exif", ""));
   return {.exif = exif.substr(exifStart(exif).value_or(exif.size())),
           .xmp = dataOf(file, *heif, heif->describing("mime", kXMPContentType)),
-          .icc = colourProfile(file, *heif)};
+          .icc = std::string(colourProperty(file, *heif, heif->primary, {"prof", "rICC"}))};
 }
 
 std::expected<std::string, PictureFault> heifWithOrientation(Bytes bytes, std::int64_t orientation) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/Picture/Bytes.h"
+#include "FennickCore/Imaging/Picture/ColourCoding.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 
 #include <cstdint>
@@ -11,9 +12,19 @@
 // HEIC, HEIF and AVIF files as far as their boxes go: no pixels. Pure functions; any thread.
 namespace fennick::picture {
 
+[[nodiscard]] constexpr bool isHeif(PictureType type) {
+  return type == PictureType::heic || type == PictureType::heif || type == PictureType::avif;
+}
+
 // Which of the eight orientations the primary picture's rotation and mirroring stand for; 1 when it has none.
 // Nothing for a file without a primary picture.
 [[nodiscard]] std::optional<std::int64_t> heifOrientation(Bytes bytes);
+
+// Whether the file holds a sequence of pictures, with a picture for viewers that show only one or without.
+[[nodiscard]] bool heifHasMovie(Bytes bytes);
+
+// The colours that the primary picture states by number; nullopt if it states none.
+[[nodiscard]] std::optional<ColourCoding> heifColours(Bytes bytes);
 
 // The blocks that describe the primary picture; empty: none.
 struct HeifBlocks {

@@ -167,16 +167,16 @@ Metadata readMetadata(Bytes file, PictureType type) {
   case PictureType::webp:
     return readWebp(textOf(file));
   case PictureType::tiff:
-  case PictureType::dng:
     return readTiff(file);
   case PictureType::heic:
   case PictureType::heif:
   case PictureType::avif:
     return readHeif(file);
   case PictureType::gif:
-    break;
+    return {};
+  default:
+    return readTiff(file); // raw photos
   }
-  return {};
 }
 
 bool hasLocation(const Metadata &metadata) {

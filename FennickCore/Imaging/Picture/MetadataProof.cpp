@@ -78,13 +78,9 @@ bool isCleanContainer(std::string_view file, PictureType type, bool stripAll) {
   case PictureType::heif:
   case PictureType::avif:
     return isCleanHeif(file, stripAll);
-  case PictureType::webp:
-  case PictureType::tiff:
-  case PictureType::gif:
-  case PictureType::dng:
-    break; // never written
+  default:
+    return false; // never written
   }
-  return false;
 }
 
 bool saysPlace(const Exiv2::Exifdatum &datum) {

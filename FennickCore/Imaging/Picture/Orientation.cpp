@@ -29,11 +29,9 @@ Turned turned(Bytes file, PictureType type, std::int64_t orientation) {
   case PictureType::heif:
   case PictureType::avif:
     return heifWithOrientation(file, orientation);
-  case PictureType::gif:
-  case PictureType::dng:
-    break;
+  default:
+    return std::unexpected(PictureFault::unsupported);
   }
-  return std::unexpected(PictureFault::unsupported);
 }
 
 } // namespace
@@ -44,17 +42,15 @@ std::optional<std::int64_t> storedOrientation(Bytes file, PictureType type) {
   case PictureType::png:
   case PictureType::webp:
     return orientationOfBlock(readMetadata(file, type).exif);
-  case PictureType::tiff:
-  case PictureType::dng:
-    return tiffOrientation(textOf(file));
   case PictureType::heic:
   case PictureType::heif:
   case PictureType::avif:
     return heifOrientation(file);
   case PictureType::gif:
-    break;
+    return std::nullopt;
+  default:
+    return tiffOrientation(textOf(file)); // TIFF and raw photos
   }
-  return std::nullopt;
 }
 
 std::expected<std::string, PictureFault> withOrientation(Bytes file, PictureType type,

@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 
+#include "FennickCore/Imaging/Picture/ColourCoding.h"
 #include "FennickCore/Imaging/Picture/ExifDetails.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
@@ -9,6 +10,8 @@
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
 #include "FennickCore/Imaging/Picture/RawPicture.h"
+#include "FennickCore/Imaging/Picture/RawStructure.h"
+#include "FennickCore/Imaging/Picture/ToneMapping.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,18 +20,41 @@ namespace fennick::picture {
 
 namespace {
 
-bool isHeif(PictureType type) {
-  return type == PictureType::heic || type == PictureType::heif || type == PictureType::avif;
-}
-
 PictureHeader readHeif(Bytes file) {
+  const std::int64_t least = heifHasMovie(file) ? 2 : 1;
   const auto header = readHeifHeader(file);
   if (!header)
-    return {};
+    return {.frames = least};
   const auto orientation = heifOrientation(file).value_or(kUpright);
   const auto [width, height] = header->upright;
   const bool lying = orientation >= 5;
-  return {.width = lying ? height : width, .height = lying ? width : height, .frames = header->pictures};
+  return {.width = lying ? height : width,
+          .height = lying ? width : height,
+          .frames = std::max(header->pictures, least)};
+}
+
+// Gray, RGB or CMYK with or without transparency.
+bool hasKnownChannels(const vips::VImage &image) {
+  const auto isWithin = [&](int least) { return image.bands() == least || image.bands() == least + 1; };
+  switch (image.interpretation()) {
+  case VIPS_INTERPRETATION_B_W:
+  case VIPS_INTERPRETATION_GREY16:
+    return isWithin(1);
+  case VIPS_INTERPRETATION_sRGB:
+  case VIPS_INTERPRETATION_RGB16:
+  case VIPS_INTERPRETATION_RGB:
+    return isWithin(3);
+  case VIPS_INTERPRETATION_CMYK:
+    return isWithin(4);
+  default:
+    return false;
+  }
+}
+
+Fidelity fidelityOf(const vips::VImage &image) {
+  if (isLab(image))
+    return Fidelity::colours;
+  return hasUnusualSamples(image) || !hasKnownChannels(image) ? Fidelity::samples : Fidelity::faithful;
 }
 
 PictureHeader readByVips(Bytes file) {
@@ -36,7 +62,8 @@ PictureHeader readByVips(Bytes file) {
     const auto image = vips::VImage::new_from_buffer(file.data(), file.size(), "");
     return {.width = image.width(),
             .height = image.height(),
-            .frames = image.get_typeof(VIPS_META_N_PAGES) != 0 ? image.get_int(VIPS_META_N_PAGES) : 1};
+            .frames = image.get_typeof(VIPS_META_N_PAGES) != 0 ? image.get_int(VIPS_META_N_PAGES) : 1,
+            .fidelity = fidelityOf(image)};
   } catch (const vips::VError &) {
     return {};
   }
@@ -51,13 +78,15 @@ PictureHeader readHeader(Bytes file, PictureType type) {
   }
   if (isHeif(type))
     return readHeif(file);
-  if (type == PictureType::dng) {
+  if (isRaw(type)) {
     const auto size = rawSize(file);
     return size ? PictureHeader{.width = size->width, .height = size->height} : PictureHeader{};
   }
   PictureHeader header = readByVips(file);
   if (type == PictureType::png)
     header.frames = apngFrames(file);
+  if (type == PictureType::tiff && startsWithReducedPicture(textOf(file)))
+    header.frames = std::max<std::int64_t>(header.frames, 2);
   return header;
 }
 
@@ -65,7 +94,7 @@ PictureResult<PictureDetails> readDetails(Bytes file) {
   const auto type = sniffType(file);
   if (!type)
     return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
-  if (*type == PictureType::tiff || *type == PictureType::dng)
+  if (*type == PictureType::tiff || isRaw(*type))
     return exifDetails(textOf(file));
   return exifDetails(readMetadata(file, *type).exif);
 }
@@ -76,13 +105,17 @@ PictureResult<PictureFacts> readFacts(Bytes file) {
     return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
   const PictureHeader header = readHeader(file, *type);
   const Metadata metadata = readMetadata(file, *type);
+  Fidelity fidelity = header.fidelity;
+  if (const auto colours = unusualColours(file, *type, metadata.icc))
+    fidelity = colours->isHDR() ? Fidelity::dynamicRange : Fidelity::colours;
   return PictureFacts{.type = *type,
                       .frames = header.frames,
                       .width = header.width,
                       .height = header.height,
                       .orientation = storedOrientation(file, *type),
                       .hasLocation = hasLocation(metadata),
-                      .hasMetadata = hasMetadata(metadata)};
+                      .hasMetadata = hasMetadata(metadata),
+                      .fidelity = fidelity};
 }
 
 } // namespace fennick::picture

@@ -16,6 +16,7 @@ struct PictureHeader {
   std::optional<std::int64_t> width{}; // as stored
   std::optional<std::int64_t> height{};
   std::int64_t frames = 1;
+  Fidelity fidelity = Fidelity::faithful; // as far as the header tells: without the colour profile
 };
 [[nodiscard]] PictureHeader readHeader(Bytes file, PictureType type);
 

@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 
 #include "FennickCore/Imaging/Picture/ExifTiff.h"
+#include "FennickCore/Imaging/Picture/RawStructure.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr std::uint16_t kDNGVersion = 0xC612;
 constexpr std::size_t kMostBrands = 64;
 
 constexpr std::array kHeicBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"sv, "hevx"sv};
@@ -49,11 +49,6 @@ std::optional<PictureType> sniffBrands(std::string_view file) {
   return type;
 }
 
-PictureType sniffTiff(std::string_view file, const TiffLayout &layout) {
-  const auto first = layout.firstDirectory(file);
-  return first && (first->find(kDNGVersion) != nullptr) ? PictureType::dng : PictureType::tiff;
-}
-
 } // namespace
 
 std::optional<PictureType> sniffType(Bytes bytes) {
@@ -67,19 +62,24 @@ std::optional<PictureType> sniffType(Bytes bytes) {
   if (file.starts_with("RIFF"sv) && slice(file, 8, 4) == "WEBP"sv)
     return PictureType::webp;
   if (const auto layout = TiffLayout::of(file))
-    return sniffTiff(file, *layout);
+    return rawTypeOf(file, *layout).value_or(PictureType::tiff);
   return slice(file, 4, 4) == "ftyp"sv ? sniffBrands(file) : std::nullopt;
 }
 
 std::int64_t apngFrames(Bytes bytes) {
   const std::string_view file = textOf(bytes);
+  std::optional<std::uint64_t> frames;
+  std::int64_t stills =
+      1; // a still picture for viewers that show no animation, which is not one of its frames
   for (std::uint64_t at = 8;;) {
     const auto length = readNumber(file, at, 4);
     const auto type = slice(file, at + 4, 4);
     if (!length || !type || type == "IDAT"sv)
-      return 1;
+      return frames ? static_cast<std::int64_t>(*frames) + stills : 1;
     if (type == "acTL"sv)
-      return std::max<std::int64_t>(1, static_cast<std::int64_t>(readNumber(file, at + 8, 4).value_or(1)));
+      frames = readNumber(file, at + 8, 4);
+    else if (type == "fcTL"sv)
+      stills = 0;
     at += 12 + *length;
   }
 }

@@ -9,11 +9,11 @@
 // What a file is, by what is in it. Pure functions; any thread.
 namespace fennick::picture {
 
-// Nothing for anything that is not a picture: videos, and pictures of other kinds. A TIFF whose first
-// directory carries a DNG version is a DNG.
+// Nothing for anything that is not a picture: videos, and pictures of other kinds. A camera raw
+// file with the structure of a TIFF is told by rawTypeOf.
 [[nodiscard]] std::optional<PictureType> sniffType(Bytes bytes);
 
-// How many pictures the animation of a PNG holds; 1 for a still one.
+// How many pictures a PNG holds: 1, or for an animation its frames and its still picture.
 [[nodiscard]] std::int64_t apngFrames(Bytes bytes);
 
 } // namespace fennick::picture

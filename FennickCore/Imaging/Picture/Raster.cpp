@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/Raster.h"
 
+#include "FennickCore/Imaging/Picture/ColourCoding.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
@@ -110,7 +111,7 @@ bool isWide(const VImage &image) { return image.format() == VIPS_FORMAT_USHORT; 
 } // namespace
 
 DecodedPicture decodePicture(Bytes file, PictureType type, std::int64_t longEdge, Damage damage) {
-  if (type == PictureType::heic || type == PictureType::heif || type == PictureType::avif) {
+  if (isHeif(type)) {
     DecodedPicture decoded{.image = loadedHeif(file, damage)};
     if (const std::string profile = heifBlocks(file).icc; !profile.empty())
       setColourProfile(decoded.image, profile);
@@ -121,6 +122,9 @@ DecodedPicture decodePicture(Bytes file, PictureType type, std::int64_t longEdge
                          .turn = storedOrientation(file, type).value_or(kUpright)};
   if (type == PictureType::jpeg)
     setColourProfile(decoded.image, readMetadata(file, type).icc);
+  if (const auto stated = type == PictureType::png ? statedColours(file, type) : std::nullopt;
+      stated && stated->primaries == ColourCoding::kDisplayP3 && stated->isOrdinary())
+    setColourProfile(decoded.image, displayP3Profile());
   return decoded;
 }
 
@@ -147,7 +151,7 @@ VImage inOrdinaryColours(const VImage &image) {
   if (result.format() != VIPS_FORMAT_UCHAR && !isWide(result))
     result = result.cast(VIPS_FORMAT_UCHAR);
   const int colours = result.bands() < 3 ? 1 : 3;
-  const int wanted = colours + (result.has_alpha() ? 1 : 0);
+  const int wanted = result.bands() == colours + 1 && result.has_alpha() ? colours + 1 : colours;
   if (result.bands() > wanted)
     result = result.extract_band(0, VImage::option()->set("n", wanted));
   result = result.copy(VImage::option()->set("interpretation", interpretationOf(colours, isWide(result))));

@@ -28,20 +28,20 @@ std::optional<PixelSize> rawSize(Bytes file) {
   });
 }
 
-std::optional<std::string> rawPreview(Bytes file) {
-  return guarded([&]() -> std::optional<std::string> {
+bool findRawPreview(Bytes file, const std::function<bool(const std::string &)> &use) {
+  const auto found = guarded([&]() -> std::optional<bool> {
     const auto image = opened(file);
     const Exiv2::PreviewManager previews(*image);
-    auto found = previews.getPreviewProperties(); // smallest first
-    std::ranges::reverse(found);
-    for (const auto &properties : found) {
+    auto largestFirst = previews.getPreviewProperties();
+    std::ranges::reverse(largestFirst);
+    return std::ranges::any_of(largestFirst, [&](const auto &properties) {
       if (properties.mimeType_ != "image/jpeg")
-        continue;
+        return false;
       const auto preview = previews.getPreviewImage(properties);
-      return std::string(reinterpret_cast<const char *>(preview.pData()), preview.size());
-    }
-    return std::nullopt;
+      return use(std::string(reinterpret_cast<const char *>(preview.pData()), preview.size()));
+    });
   });
+  return found.value_or(false);
 }
 
 } // namespace fennick::picture

@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/Bytes.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -12,7 +13,8 @@ namespace fennick::picture {
 
 // The size of the photo itself, before any turning.
 [[nodiscard]] std::optional<PixelSize> rawSize(Bytes file);
-// The largest JPEG inside, turned like the photo itself; nothing when there is none.
-[[nodiscard]] std::optional<std::string> rawPreview(Bytes file);
+// Calls `use` with each JPEG inside, from the largest to the smallest, until it returns true; false if it
+// never does.
+[[nodiscard]] bool findRawPreview(Bytes file, const std::function<bool(const std::string &)> &use);
 
 } // namespace fennick::picture

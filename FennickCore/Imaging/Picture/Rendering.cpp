@@ -3,7 +3,6 @@
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/PictureReading.h"
-#include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
 #include "FennickCore/Imaging/Picture/SizeSearch.h"
 
@@ -107,14 +106,16 @@ PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequ
 
 PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
   const auto started = std::chrono::steady_clock::now();
-  const auto type = sniffType(file);
-  if (!type)
-    return fail(PictureFault::notAPicture, {});
-  const auto header = readHeader(file, *type);
-  if (!ImageLimits::check(header.width, header.height) || request.longEdge < 1)
+  const auto facts = readFacts(file);
+  if (!facts)
+    return std::unexpected(facts.error());
+  if (!ImageLimits::check(facts->width, facts->height) || request.longEdge < 1)
     return fail(PictureFault::undecodable, "oversized");
+  if (isRaw(facts->type) || facts->frames != 1 || facts->fidelity != Fidelity::faithful)
+    return fail(PictureFault::unsupported, "a new encoding cannot show the same");
   try {
-    return rendered(file, *type, request, [started] { return std::chrono::steady_clock::now() - started; });
+    return rendered(file, facts->type, request,
+                    [started] { return std::chrono::steady_clock::now() - started; });
   } catch (const vips::VError &error) {
     return fail(PictureFault::undecodable, error.what());
   } catch (const std::bad_alloc &) {

@@ -1,4 +1,5 @@
 #include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/ColourCoding.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
@@ -8,6 +9,8 @@
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
 #include "FennickCore/Imaging/Picture/RawPicture.h"
+#include "FennickCore/Imaging/Picture/RawStructure.h"
+#include "FennickCore/Imaging/Picture/ToneMapping.h"
 
 #include <libyuv.h>
 
@@ -174,9 +177,16 @@ std::string heifThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
   return encoded(image, quality);
 }
 
-std::string anyThumbnail(Bytes file, PictureType type, std::int64_t maxPixel, double quality) {
+// `colours`: what the samples mean, if it is nothing ordinary.
+std::string anyThumbnail(Bytes file, PictureType type, const std::optional<ColourCoding> &colours,
+                         std::int64_t turn, std::int64_t maxPixel, double quality) {
   const DecodedPicture decoded = decodePicture(file, type, maxPixel, Damage::tolerate);
-  return encoded(upright(reduced(decoded.image, maxPixel), decoded.turn), quality);
+  vips::VImage image = reduced(decoded.image, maxPixel);
+  if (colours)
+    image = toneMapped(image, *colours);
+  else if (hasUnusualSamples(image))
+    image = withOrdinarySamples(image);
+  return encoded(upright(image, isHeif(type) ? decoded.turn : turn), quality);
 }
 
 // `turn` is the orientation that `file`, a picture of `type`, has to be given.
@@ -185,15 +195,31 @@ PictureResult<std::string> thumbnailOf(Bytes file, PictureType type, std::int64_
   const auto header = readHeader(file, type);
   if (!ImageLimits::check(header.width, header.height))
     return undecodable("oversized");
+  const auto colours = unusualColours(file, type, readMetadata(file, type).icc);
   std::string thumbnail;
-  if (type == PictureType::jpeg)
+  if (type == PictureType::jpeg && !colours)
     thumbnail = jpegThumbnail(file, turn, maxPixel, quality);
-  else if (type == PictureType::heic || type == PictureType::heif || type == PictureType::avif)
+  else if (isHeif(type) && !colours)
     thumbnail = heifThumbnail(file, maxPixel, quality);
   if (thumbnail.empty())
-    thumbnail = anyThumbnail(file, type, maxPixel, quality);
+    thumbnail = anyThumbnail(file, type, colours, turn, maxPixel, quality);
   if (thumbnail.empty())
     return undecodable("the thumbnail cannot be encoded");
+  return thumbnail;
+}
+
+// The largest preview that can be decoded; else the small picture that the file begins with. Previews are
+// stored like the photo itself, which is turned by `turn`, unless they say otherwise.
+PictureResult<std::string> rawThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel,
+                                        double quality) {
+  PictureResult<std::string> thumbnail = undecodable("a raw photo without a preview");
+  const auto decode = [&](const std::string &preview) {
+    const auto own = storedOrientation(bytesOf(preview), PictureType::jpeg);
+    thumbnail = thumbnailOf(bytesOf(preview), PictureType::jpeg, own.value_or(turn), maxPixel, quality);
+    return thumbnail.has_value();
+  };
+  if (!findRawPreview(file, decode) && startsWithPicture(textOf(file)))
+    return thumbnailOf(file, PictureType::tiff, turn, maxPixel, quality);
   return thumbnail;
 }
 
@@ -207,12 +233,8 @@ PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, doub
     return undecodable("no such thumbnail size");
   const auto turn = storedOrientation(file, *type).value_or(kUpright);
   try {
-    if (*type != PictureType::dng)
-      return thumbnailOf(file, *type, turn, maxPixel, quality);
-    const auto preview = rawPreview(file);
-    if (!preview)
-      return undecodable("a raw photo without a preview");
-    return thumbnailOf(bytesOf(*preview), PictureType::jpeg, turn, maxPixel, quality);
+    return isRaw(*type) ? rawThumbnail(file, turn, maxPixel, quality)
+                        : thumbnailOf(file, *type, turn, maxPixel, quality);
   } catch (const vips::VError &error) {
     return undecodable(error.what());
   } catch (const std::bad_alloc &) {
