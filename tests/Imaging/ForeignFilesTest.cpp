@@ -109,6 +109,10 @@ std::string replaced(std::string text, const std::string &old, const std::string
   return text.replace(text.find(old), old.size(), by);
 }
 
+// A colour profile of one tag, which states BT.2020 and PQ by number, as the only part of the one in a JPEG.
+const std::string kPQProfile = "ICC_PROFILE\0\1\1"s + std::string(128, '\0') +
+                               "\0\0\0\1cicp\0\0\0\x90\0\0\0\x0C"s + "cicp\0\0\0\0\x09\x10\0\1"s;
+
 // Each subject has a function of its own, so that rows are found and added where they belong.
 
 std::vector<Row> ordinaryRows() {
@@ -187,6 +191,10 @@ std::vector<Row> sampleRows() {
       {"hlg.png", pngCoded(9, 18, {168, 126, 56}), unlessAsked("kept as is (png, HDR)"), kOrange},
       {"wide.png", pngCoded(9, 13, {191, 138, 63}), unlessAsked("kept as is (png, wide gamut)"), kOrange},
       {"srgb.png", pngCoded(1, 13, kOrange), {kept(), kept(), processed("HEIC"), processed("JPEG")}, kOrange},
+      {"pq.jpg",
+       saved(field(400, 300, {131, 113, 77}), ".jpg").insert(2, *jpegSegment(picture::kAPP2, kPQProfile)),
+       {kept(), kept(), kept("kept as is (jpeg, HDR)"), kept()},
+       kOrange},
       {"pq.heic",
        replaced(heic("\0\x09\0\x10\0\x06\x80"s), "colrprof",
                 "colrnclx"), // a profile's place for four numbers
