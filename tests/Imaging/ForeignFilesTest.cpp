@@ -180,6 +180,8 @@ std::vector<Row> sampleRows() {
   return {
       {"float.tif", saved(field().colourspace(VIPS_INTERPRETATION_scRGB), ".tif"),
        keptAlways("kept as is (tiff, sample format)"), kOrange},
+      {"gray.tif", saved(VImage::black(400, 300) + 0.2158, ".tif"), // linear light of a gray of 128
+       keptAlways("kept as is (tiff, sample format)"), Colour{128, 128, 128}},
       {"lab.tif", saved(field().colourspace(VIPS_INTERPRETATION_LABS), ".tif"),
        keptAlways("kept as is (tiff, wide gamut)"), kOrange},
       {"channels.tif", saved(field().bandjoin({1.0, 2.0, 3.0}).cast(VIPS_FORMAT_UCHAR), ".tif"),

@@ -77,10 +77,6 @@ TEST(ProcessingPlanTest, TheFormatFollowsTheChoiceAndWhatCanBeWritten) {
 }
 
 TEST(ProcessingPlanTest, WhatIsNoSinglePictureOfOrdinarySizeIsLeftAlone) {
-  auto animated = photo(PictureType::webp);
-  animated.frames = 2;
-  EXPECT_EQ(planned(animated, {.maxPixels = 100}), "原样保存 / kept as is (webp)");
-  EXPECT_EQ(planned(photo(PictureType::gif), {.maxPixels = 100}), "原样保存 / kept as is (gif)");
   EXPECT_EQ(planned(photo(PictureType::dng), {.maxPixels = 100}), "原样保存 / kept as is (dng)");
   auto wide = photo();
   wide.width = 30'000;

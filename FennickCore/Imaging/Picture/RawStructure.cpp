@@ -81,7 +81,7 @@ public:
   [[nodiscard]] std::optional<PictureType> maker() const {
     const std::string make = text(kMake);
     const std::string model = text(kModel);
-    const auto found = std::ranges::find_if(kMakers, [&](const Maker &maker) {
+    const auto *const found = std::ranges::find_if(kMakers, [&](const Maker &maker) {
       return make.starts_with(maker.make) && model.contains(maker.model);
     });
     return found == kMakers.end() ? std::nullopt : std::optional(found->type);

@@ -147,7 +147,7 @@ VImage threeBands(const VImage &image) {
   if (image.bands() >= 3)
     return image.extract_band(0, VImage::option()->set("n", 3));
   const VImage gray = image.extract_band(0);
-  return gray.bandjoin(std::vector<VImage>{gray, gray});
+  return VImage::bandjoin({gray, gray, gray});
 }
 
 // The samples as 32-bit floating-point numbers, three a pixel.
@@ -212,7 +212,7 @@ VImage withOrdinarySamples(const VImage &image) {
     return forScreen((threeBands(real) * 65'535.0)
                          .cast(VIPS_FORMAT_USHORT)
                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16)));
-  constexpr float kBrightest = static_cast<float>(kPQPeak / kWhite);
+  constexpr auto kBrightest = static_cast<float>(kPQPeak / kWhite);
   // Values far above 1 are on a scale of their own, such as 0 to 255.
   const auto scale = static_cast<float>(largest > kBrightest ? kWhite / largest : kWhite);
   for (float &sample : light)
