@@ -2,9 +2,13 @@
 
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Random.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
+
+#include <string_view>
+#include <tuple>
 
 namespace fennick {
 
@@ -38,6 +42,28 @@ fs::path withoutLinks(const fs::path &file) {
   return missing ? file : target;
 }
 
+// Removes "<name>.<UUID>.tmp", which a killed program leaves in the folder when it writes the file. Others
+// that write it hold the same lock as `FilePreferences::write`.
+void removeTemporaries(const fs::path &file) {
+  const fs::path target = withoutLinks(file);
+  const auto lock =
+      DirectoryLock::tryLock(withoutLinks(target.parent_path()), DirectoryLock::Mode::exclusive);
+  SystemFileSystem files;
+  const auto entries = lock ? files.list(target.parent_path()) : std::unexpected(lock.error());
+  if (!entries)
+    return;
+  const std::string prefix = target.filename().string() + ".";
+  constexpr std::string_view kSuffix = ".tmp";
+  for (const auto &[name, kind] : *entries) {
+    std::string_view middle = name;
+    if (kind != FileKind::regular || !middle.starts_with(prefix) || !middle.ends_with(kSuffix))
+      continue;
+    middle.remove_prefix(prefix.size());
+    if (middle.size() > kSuffix.size() && isUUID(middle.substr(0, middle.size() - kSuffix.size())))
+      std::ignore = files.remove(target.parent_path() / name);
+  }
+}
+
 IOResult<void> putAside(FileSystem &files, const fs::path &file) {
   fs::path aside = file;
   aside += ".damaged";
@@ -57,6 +83,7 @@ IOResult<void> putAside(FileSystem &files, const fs::path &file) {
 FilePreferences::FilePreferences(fs::path file)
     : file_(std::move(file)), values_(std::make_unique<Json>(Json::object())),
       pending_(std::make_unique<Json>(Json::object())) {
+  removeTemporaries(file_);
   auto stored = readObject(file_);
   if (stored)
     *values_ = std::move(*stored);

@@ -33,7 +33,8 @@ public:
   // A missing file is an empty one. One that cannot be read or is no JSON object counts as empty too. What
   // stands in the file's place and cannot be used, whatever it is and whenever it came there, is kept beside
   // as "<name>.damaged" ("<name>.damaged-2" and so on when that is taken) before a write puts a file there
-  // with everything known here. A link stays; what it leads to is read and replaced.
+  // with everything known here. A link stays; what it leads to is read and replaced. Temporary files that a
+  // killed program left beside it are removed.
   explicit FilePreferences(std::filesystem::path file);
   ~FilePreferences() override;
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sys/random.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -36,6 +37,13 @@ std::string newUUID() {
   words[1] = (words[1] & 0x3FFFFFFFFFFFFFFFULL) | 0x8000000000000000ULL; // variant 1
   return fmt::format("{:08X}-{:04X}-{:04X}-{:04X}-{:012X}", words[0] >> 32, words[0] >> 16 & 0xFFFF,
                      words[0] & 0xFFFF, words[1] >> 48, words[1] & 0xFFFFFFFFFFFFULL);
+}
+
+bool isUUID(std::string_view text) {
+  constexpr std::string_view kShape = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
+  return std::ranges::equal(kShape, text, [](char shape, char c) {
+    return shape == 'X' ? (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') : c == shape;
+  });
 }
 
 } // namespace fennick

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 // The operating system's cryptographically secure random source. Any thread; never fails (a kernel without it
 // ends the program, since no key could be trusted then).
@@ -13,5 +14,7 @@ void fillRandom(std::span<std::byte> bytes);
 
 // A new random UUID in upper-case canonical text, 36 characters.
 [[nodiscard]] std::string newUUID();
+// Whether `text` is a UUID in that form.
+[[nodiscard]] bool isUUID(std::string_view text);
 
 } // namespace fennick

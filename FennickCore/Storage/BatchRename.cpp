@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 
 #include <fmt/format.h>
@@ -58,19 +58,6 @@ std::vector<Renaming> numbered(std::span<const fs::path> selection, const Number
     renamings.push_back({.from = file, .to = file.parent_path() / name});
   }
   return renamings;
-}
-
-// UUID-oldname, so that whoever finds it knows what it was; of a long old name the end, with the extension.
-fs::path temporaryName(const fs::path &file) {
-  const std::string prefix = newUUID() + "-";
-  std::string name = file.filename().string();
-  if (prefix.size() + name.size() > kLongestName) {
-    std::size_t cut = prefix.size() + name.size() - kLongestName;
-    while (cut < name.size() && (static_cast<unsigned char>(name[cut]) & 0xC0U) == 0x80U)
-      ++cut;
-    name.erase(0, cut);
-  }
-  return file.parent_path() / (prefix + name);
 }
 
 std::unexpected<OpError> systemError(std::error_code cause) {
@@ -163,10 +150,11 @@ Result<void> renameAll(std::span<const Renaming> renamings, FileSystem &files, c
   Paths targets;
   std::set<fs::path> folders;
   for (const auto &[from, to] : renamings) {
-    temporaries.push_back(temporaryName(from));
+    temporaries.push_back(from.parent_path() / batchName(from.filename().native()));
     targets.push_back(to);
     folders.insert(to.parent_path());
   }
+  const std::vector<FolderUse> uses(folders.begin(), folders.end());
   Batch batch(renamings, files, proceed);
   auto moved = batch.moveAll(temporaries);
   if (moved)

@@ -5,13 +5,14 @@
 #include "FennickCore/Platform/FileCopy.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/FreeName.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Storage/PhotoItem.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <span>
 #include <tuple>
 
@@ -75,7 +76,7 @@ bool keepsWhatWasToGo(const Work &work, const ImagingOptions &options) {
 class Part {
 public:
   Part(const fs::path &folder, FileSystem &files)
-      : files_(files), folder_(folder), path_(folder / (".export-" + newUUID() + ".part")) {}
+      : files_(files), folder_(folder), path_(temporaryIn(folder, Temporary::exported)) {}
   ~Part() {
     if (isWritten_)
       std::ignore = files_.remove(path_);
@@ -84,11 +85,13 @@ public:
   Part &operator=(const Part &) = delete;
 
   IOResult<void> write(std::string_view bytes) {
+    use_.emplace(folder_);
     auto written = writeAside(files_, path_, bytes, Durability::onDisk);
     isWritten_ = written.has_value();
     return written;
   }
   IOResult<void> copy(const fs::path &source) {
+    use_.emplace(folder_);
     auto copied = copyFile(files_, source, path_);
     isWritten_ = copied.has_value();
     return copied;
@@ -111,6 +114,7 @@ private:
   FileSystem &files_;
   const fs::path &folder_;
   const fs::path path_;
+  std::optional<FolderUse> use_; // from the creation of the part on
   bool isWritten_ = false;
 };
 

@@ -4,8 +4,8 @@
 #include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/FileStatus.h"
 #include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
+#include "FennickCore/Storage/Leftovers.h"
 
 #include <nlohmann/json.hpp>
 
@@ -89,7 +89,7 @@ IOResult<void> save(const Names &names, const fs::path &folder, FileSystem &file
     const auto removed = files.remove(file);
     return removed || removed.error() == std::errc::no_such_file_or_directory ? IOResult<void>() : removed;
   }
-  const fs::path aside = file.native() + "." + newUUID() + ".tmp";
+  const fs::path aside = temporaryIn(folder, Temporary::order);
   if (auto written = writeAside(files, aside, json{{"order", std::move(order)}}.dump(), Durability::onDisk);
       !written)
     return written;

@@ -1,7 +1,7 @@
 #include "FennickCore/Platform/AsideFile.h"
 #include "FennickCore/Platform/FileAttributes.h"
 #include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 
 #include <array>
@@ -45,7 +45,8 @@ IOResult<void> dress(const fs::path &file, const FileStatus &old) {
 // Puts `content` in the place of `file`, unless that has changed since `old` was taken.
 IOResult<void> exchange(const fs::path &file, std::string_view content, const FileStatus &old,
                         FileSystem &files) {
-  const fs::path aside = file.parent_path() / (".rotate-" + newUUID() + ".tmp");
+  const FolderUse use(file.parent_path());
+  const fs::path aside = temporaryIn(file.parent_path(), Temporary::rotation);
   if (auto written = writeAside(files, aside, content, Durability::onDisk); !written)
     return written;
   copyUserAttributes(file, aside);

@@ -1,8 +1,8 @@
 #include "FennickCore/Storage/ThumbnailService.h"
 
 #include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/Random.h"
 #include "FennickCore/Platform/Text.h"
+#include "FennickCore/Storage/Leftovers.h"
 
 #include <fmt/format.h>
 #include <glib.h>
@@ -103,6 +103,7 @@ ThumbnailService::ThumbnailService(FileSystem &files, fs::path cacheDir, std::in
     : files_(files), cacheDir_(std::move(cacheDir)), maxPixel_(maxPixel), decoder_(decoder),
       memory_(kMemoryLimit), endedOver_(kEndedLimit), gate_(std::max(concurrency, 1)) {
   std::ignore = files_.createDirectories(cacheDir_);
+  clearThumbnailLeftovers(cacheDir_, files_);
 }
 
 ThumbnailService::Data ThumbnailService::thumbnail(const fs::path &file) {
@@ -168,7 +169,8 @@ PictureResult<std::string> ThumbnailService::render(const fs::path &file) {
 
 // What the disk refuses is made again in the next run.
 void ThumbnailService::store(const std::string &key, const std::string &data) {
-  const fs::path aside = cacheDir_ / ("." + newUUID() + ".tmp");
+  const FolderUse use(cacheDir_);
+  const fs::path aside = temporaryIn(cacheDir_, Temporary::thumbnail);
   if (writeAside(files_, aside, data, Durability::asTheSystemLikes) && !files_.replace(aside, diskFile(key)))
     std::ignore = files_.remove(aside);
 }

@@ -15,18 +15,12 @@ namespace fennick {
 namespace {
 
 constexpr std::string_view kPartSuffix = ".part";
-constexpr std::string_view kUUIDShape = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
-
-bool isUpperHexadecimal(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
 
 // Only what is named like a part file or a new encoding on its way is ever removed.
 bool isTemporaryName(std::string_view name) {
-  const std::string_view suffix = name.substr(std::min(name.size(), kUUIDShape.size()));
-  if (suffix != kPartSuffix && suffix != kProcessedSuffix)
-    return false;
-  return std::ranges::equal(kUUIDShape, name.substr(0, kUUIDShape.size()), [](char shape, char c) {
-    return shape == 'X' ? isUpperHexadecimal(c) : c == shape;
-  });
+  const auto dot = std::min(name.find('.'), name.size());
+  const std::string_view suffix = name.substr(dot);
+  return (suffix == kPartSuffix || suffix == kProcessedSuffix) && isUUID(name.substr(0, dot));
 }
 
 } // namespace

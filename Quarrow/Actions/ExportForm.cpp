@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Platform/Text.h"
+#include "FennickCore/Storage/Leftovers.h"
 
 #include <QDir>
 #include <QFile>
@@ -146,6 +147,7 @@ void ExportForm::show(const Sample &sample) {
 ExportForm::Report ExportForm::exportAll(const Paths &photos, const fs::path &folder,
                                          const fennick::ImagingOptions &options,
                                          const ActionServices &services, FileJobs::Ticket &ticket) {
+  fennick::clearLeftovers(folder, services.files);
   Report report;
   for (int step = 0; const auto &photo : photos) {
     if (!ticket.reached(step++)) {

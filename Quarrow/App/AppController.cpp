@@ -128,6 +128,7 @@ void AppController::stop() {
   network_.unwatch();
   network_.cancel();
   folderWatcher_.reset();
+  cleaner_.stop();
   if (httpServer_)
     httpServer_->http.stop();
   httpServer_.reset();
@@ -322,6 +323,7 @@ void AppController::applySaveFolder() {
 // A drive may be unplugged and come back; a folder that could not be made is no news.
 void AppController::watchSaveFolder() {
   resolve(Matter::missingFolder);
+  cleaner_.clear(saveFolder());
   folderWatcher_ = std::make_unique<fennick::FolderWatcher>(
       saveFolder(), [this] { mainQueue_.post(whileAlive([this] { checkSaveFolder(); })); });
 }
@@ -332,6 +334,8 @@ void AppController::checkSaveFolder() {
     return report(Matter::missingFolder, tr("保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。"));
   drive_ = driveOf(folder);
   if (isDirectory(folder)) {
+    if (stands(Matter::missingFolder))
+      cleaner_.clear(folder);
     resolve(Matter::missingFolder);
     resolve(Matter::makingFolder);
   } else if (!stands(Matter::makingFolder)) {

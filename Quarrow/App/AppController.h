@@ -17,6 +17,7 @@
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Upload/UploadRouter.h"
 #include "Quarrow/App/Desktop.h"
+#include "Quarrow/App/FolderCleaner.h"
 #include "Quarrow/App/FolderLimit.h"
 #include "Quarrow/App/LocalNetwork.h"
 #include "Quarrow/App/PhotoImport.h"
@@ -204,6 +205,7 @@ private:
   bool stopped_ = false;
 
   fennick::IncomingFolder incoming_{files_}; // of all uploads, imports and processing
+  FolderCleaner cleaner_{files_, incoming_};
   fennick::Mutex imagingLock_;
   fennick::ImagingOptions imaging_ GUARDED_BY(imagingLock_); // the current settings', for the processing
   std::unique_ptr<fennick::SerialQueue> processingQueue_ =

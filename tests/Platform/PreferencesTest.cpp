@@ -13,6 +13,7 @@ namespace fennick {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class FilePreferencesTest : public ::testing::Test {
@@ -27,7 +28,10 @@ TEST_F(FilePreferencesTest, ValuesSurviveARestartBesideThoseOfOtherVersionsBehin
   fs::create_directory(folder / "tevrin");
   fs::create_symlink(folder.write("elsewhere.json", R"({"later": {"a": [1, null]}, "on": 1})"), file);
   ASSERT_TRUE(reopened().setText("名", "值\n\"1\""));
+  folder.write("elsewhere.json.0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.tmp", "cut sho");
+  folder.write("elsewhere.json.tmp");
   ASSERT_TRUE(reopened().setFlag("on", true));
+  EXPECT_THAT(folder.names(), ElementsAre("elsewhere.json", "elsewhere.json.tmp", "tevrin"));
   EXPECT_EQ(reopened().text("名"), "值\n\"1\"");
   EXPECT_TRUE(reopened().flag("on"));
   EXPECT_EQ(reopened().text("on"), std::nullopt);

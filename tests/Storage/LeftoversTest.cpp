@@ -1,0 +1,166 @@
+#include "FennickCore/Storage/Leftovers.h"
+
+#include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Storage/PhotoExport.h"
+#include "FennickCore/Storage/PhotoFileOps.h"
+#include "FennickCore/Storage/PhotoOrder.h"
+#include "tests/Support/FakeDecoder.h"
+#include "tests/Support/KillAtEveryChange.h"
+#include "tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <tuple>
+
+namespace fennick {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::AnyOf;
+using ::testing::ElementsAre;
+using ::testing::UnorderedElementsAre;
+
+const auto kNever = [] { return false; };
+
+TEST(LeftoversTest, WhereverAnActionIsKilledEachPhotoHasOneNameAndAllItsBytesAfterTheNextStart) {
+  struct Row {
+    const char *name;
+    std::function<void(const fs::path &folder, FileSystem &files)> act;
+  };
+  test::FakeDecoder decoder;
+  decoder.setRendering(Rendering{.bytes = "encoded"});
+  const std::string longName = std::string(250, 'x') + ".jpg";
+  const std::vector<Row> rows{
+      {"rotate",
+       [&](const fs::path &folder, FileSystem &files) {
+         std::ignore =
+             PhotoFileOps::rotate(folder / "day/2.jpg", PhotoFileOps::QuarterTurn::clockwise, decoder, files);
+       }},
+      {"rename",
+       [](const fs::path &folder, FileSystem &files) {
+         std::ignore = PhotoFileOps::rename(folder / "1.jpg", "new", files);
+       }},
+      {"exchange names",
+       [&](const fs::path &folder, FileSystem &files) {
+         const std::vector selection{folder / "3.jpg", folder / "1.jpg", folder / longName,
+                                     folder / "day/2.jpg"};
+         std::ignore = PhotoFileOps::batchRename(selection, {.prefix = "", .digits = 1}, files);
+       }},
+      {"export",
+       [&](const fs::path &folder, FileSystem &files) {
+         for (const std::int64_t pixels : {10, 100}) // an encoding and a copy
+           std::ignore = PhotoExport::exportFile(folder / "1.jpg", folder / "export", {.maxPixels = pixels},
+                                                 Seconds(90), {.decoder = decoder, .files = files});
+       }},
+      {"reorder",
+       [](const fs::path &folder, FileSystem &files) {
+         for (const auto &order : {PhotoOrder::Names{"3.jpg", "1.jpg"}, PhotoOrder::Names{}})
+           std::ignore = PhotoOrder::save(order, folder, files);
+       }},
+  };
+  for (const auto &row : rows)
+    test::killAtEveryChange([&](FileSystem &files) {
+      SCOPED_TRACE(row.name);
+      const test::TemporaryFolder disk;
+      for (const auto &name :
+           {std::string("1.jpg"), std::string("3.jpg"), longName, std::string("day/2.jpg")})
+        disk.write(name, name);
+      row.act(disk.path(), files);
+      SystemFileSystem system;
+      clearSaveFolder(disk.path(), system, kNever);
+      std::vector<std::string> photos;
+      for (const auto &entry : fs::recursive_directory_iterator(disk.path())) {
+        const std::string name = entry.path().filename();
+        EXPECT_TRUE(name == ".fennick-order.json" || !name.starts_with('.')) << name;
+        EXPECT_FALSE(isUUID(std::string_view(name).substr(0, 36))) << name;
+        if (entry.is_regular_file() && countsAsMedia(name, FileKind::regular) &&
+            entry.path().parent_path() != disk / "export")
+          photos.push_back(readFile(entry.path()).value());
+      }
+      EXPECT_THAT(photos, UnorderedElementsAre("1.jpg", "3.jpg", longName, AnyOf("day/2.jpg", "turned 6")));
+    });
+}
+
+class LeftoversIn : public ::testing::Test {
+protected:
+  void clear() { clearSaveFolder(disk.path(), files, kNever); }
+
+  test::TemporaryFolder disk;
+  SystemFileSystem files;
+  const std::string uuid = "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9";
+};
+
+TEST_F(LeftoversIn, OnlyFilesOfExactlyOurNamesAreClearedAndNobodyIsReplaced) {
+  const std::vector<std::string> kept{".rotate-mine.tmp",
+                                      ".rotate-" + uuid + ".tmp.jpg",
+                                      ".ROTATE-" + uuid + ".tmp",
+                                      ".export-" + uuid + ".tmp",
+                                      "." + uuid + ".tmp",
+                                      uuid,
+                                      uuid + ".jpg",
+                                      uuid + "-",
+                                      uuid + "-notes.txt",
+                                      "0a1b2c3d-4e5f-4071-8293-a4b5c6d7e8f9-a.jpg",
+                                      "a.jpg"};
+  for (const auto &name : kept)
+    disk.write(name, "kept");
+  disk.makeFolder(".rotate-" + uuid + ".tmp");
+  fs::create_symlink(disk / "a.jpg", disk / (".export-" + uuid + ".part"));
+  fs::create_symlink(disk / "a.jpg", disk / (uuid + "-link.jpg"));
+  disk.write("originals/.rotate-" + uuid + ".tmp");
+  disk.write("1/2/3/.rotate-" + uuid + ".tmp");
+  auto expected = disk.names();
+  for (const std::string folder : {"", "1/", "1/2/", "export/"})
+    for (const auto &name :
+         {".rotate-" + uuid + ".tmp", ".fennick-order.json." + uuid + ".tmp", ".export-" + uuid + ".part"})
+      if (!fs::exists(fs::symlink_status(disk / (folder + name))))
+        disk.write(folder + name);
+  disk.write(uuid + "-a.jpg", "restored");
+  disk.write(uuid + "-..hidden.jpg", "shown");
+  clear();
+  expected.insert(expected.end(), {"a_2.jpg", "export", "hidden.jpg"});
+  std::ranges::sort(expected);
+  EXPECT_EQ(disk.names(), expected);
+  EXPECT_THAT(disk.names("1/2"), ElementsAre("3"));
+  EXPECT_THAT(disk.names("export"), ElementsAre());
+  EXPECT_EQ(disk.names("originals").size() + disk.names("1/2/3").size(), 2U);
+  EXPECT_EQ(disk.read("a.jpg") + disk.read("a_2.jpg"), "keptrestored");
+}
+
+// Whoever works in the folder looks, in the middle of it, whether somebody else's start would clear its
+// files.
+TEST_F(LeftoversIn, NothingIsClearedInAFolderInWhichAProgramWorks) {
+  const fs::path one = disk.write("1.jpg", "one");
+  test::FakeDecoder decoder;
+  test::FaultyFileSystem faulty;
+  const auto clearInBetween = [&](test::FaultyFileSystem::Operation operation) {
+    faulty.before(operation, [this] { clear(); });
+  };
+  clearInBetween(test::FaultyFileSystem::Operation::replace);
+  EXPECT_TRUE(PhotoFileOps::rotate(one, PhotoFileOps::QuarterTurn::clockwise, decoder, faulty));
+  EXPECT_TRUE(PhotoOrder::edit(disk.path(), [](const auto &) { return PhotoOrder::Names{"1.jpg"}; }, faulty));
+  clearInBetween(test::FaultyFileSystem::Operation::moveNoReplace);
+  EXPECT_TRUE(PhotoFileOps::batchRename(std::vector{one}, {.prefix = "x", .digits = 1}, faulty));
+  EXPECT_TRUE(PhotoExport::exportFile(disk / "x1.jpg", disk / "export", {}, Seconds(90),
+                                      {.decoder = decoder, .files = faulty}));
+  EXPECT_THAT(disk.names(), ElementsAre(".fennick-order.json", "export", "x1.jpg"));
+  EXPECT_THAT(disk.names("export"), ElementsAre("x1.jpg"));
+}
+
+TEST_F(LeftoversIn, AFolderOfThumbnailsLosesOnlyItsTemporaryFilesAndNoneInUse) {
+  disk.write("." + uuid + ".tmp");
+  disk.write("a-1-2-400.jpg");
+  auto use = std::optional<FolderUse>(disk.path());
+  clearThumbnailLeftovers(disk.path(), files);
+  EXPECT_EQ(disk.names().size(), 2U);
+  use.reset();
+  clearThumbnailLeftovers(disk.path(), files);
+  EXPECT_THAT(disk.names(), ElementsAre("a-1-2-400.jpg"));
+}
+
+} // namespace
+} // namespace fennick
