@@ -24,6 +24,8 @@ constexpr std::uint16_t kSubDirectories = 0x014A;
 constexpr std::uint16_t kSensorPattern = 0x828E; // CFAPattern of TIFF/EP
 constexpr std::uint16_t kDNGVersion = 0xC612;
 
+constexpr std::uint64_t kRGB = 2;
+constexpr std::uint64_t kYCbCr = 6;
 constexpr std::uint64_t kColourFilterArray = 32803;
 constexpr std::uint64_t kLinearRaw = 34892;
 
@@ -102,8 +104,10 @@ private:
   [[nodiscard]] bool isSensorData(const TiffDirectory &directory) const {
     const auto photometric = number(directory, kPhotometric);
     const auto compression = number(directory, kCompression).value_or(0);
+    // Programs that develop raw files may leave the pattern in what they write.
+    const bool isDeveloped = photometric == kRGB || photometric == kYCbCr;
     return photometric == kColourFilterArray || photometric == kLinearRaw ||
-           directory.find(kSensorPattern) != nullptr ||
+           (directory.find(kSensorPattern) != nullptr && !isDeveloped) ||
            std::ranges::find(kMakersCompressions, compression) != kMakersCompressions.end();
   }
 

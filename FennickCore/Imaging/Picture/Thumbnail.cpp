@@ -182,10 +182,10 @@ std::string anyThumbnail(Bytes file, PictureType type, const std::optional<Colou
                          std::int64_t turn, std::int64_t maxPixel, double quality) {
   const DecodedPicture decoded = decodePicture(file, type, maxPixel, Damage::tolerate);
   vips::VImage image = reduced(decoded.image, maxPixel);
-  if (colours)
-    image = toneMapped(image, *colours);
-  else if (hasUnusualSamples(image))
+  if (hasUnusualSamples(image))
     image = withOrdinarySamples(image);
+  else if (colours)
+    image = toneMapped(image, *colours);
   return encoded(upright(image, isHeif(type) ? decoded.turn : turn), quality);
 }
 
