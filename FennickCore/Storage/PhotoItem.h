@@ -22,7 +22,10 @@ struct PhotoItem {
   std::optional<std::int64_t> pixelHeight; // that cannot be read
   bool isVideo = false;
   bool isImage = false;
-  bool isOversized = false; // beyond ImageLimits: never decoded
+  bool isOversized = false; // fails the check of ImageLimits: never decoded
+
+  // Whether the picture is known to be beyond the limits. A header that cannot be read fails the check, too.
+  [[nodiscard]] bool isTooLarge() const { return isOversized && pixelWidth && pixelHeight; }
 
   bool operator==(const PhotoItem &) const = default;
 };

@@ -13,10 +13,7 @@ constexpr std::size_t kMostKnown = 2'000; // four times what the wall shows
 // From this orientation on a picture is stored turned by a quarter.
 constexpr std::int64_t kFirstTurned = 5;
 
-// A header that cannot be read is no sign of a large picture.
 PictureSize shown(const PictureFacts &facts) {
-  if (!facts.width || !facts.height)
-    return {};
   PictureSize size{.width = facts.width,
                    .height = facts.height,
                    .isOversized = !ImageLimits::check(facts.width, facts.height)};

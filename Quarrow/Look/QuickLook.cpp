@@ -120,7 +120,7 @@ void QuickLook::showItem(const fennick::PhotoItem &item) {
   if (item.isVideo)
     setKind(Video);
   else if (item.isOversized)
-    setKind(Oversized);
+    setKind(item.isTooLarge() ? Oversized : Damaged);
   else
     setKind(screen_.isNull() ? Loading : Picture);
 }

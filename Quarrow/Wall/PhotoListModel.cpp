@@ -83,7 +83,7 @@ QVariant PhotoListModel::data(const QModelIndex &index, int role) const {
   case isVideoRole:
     return item.isVideo;
   case isOversizedRole:
-    return item.isOversized;
+    return item.isTooLarge();
   case isRecentRole:
     return recent_.contains(item.url);
   case isSelectedRole:
@@ -104,7 +104,7 @@ QString PhotoListModel::spoken(const PhotoItem &item) const {
   if (item.pixelWidth && item.pixelHeight)
     parts << tr("%1 × %2").arg(*item.pixelWidth).arg(*item.pixelHeight);
   parts << sizeText(item);
-  if (item.isOversized)
+  if (item.isTooLarge())
     parts << tr("尺寸过大");
   if (selected_.contains(item.url))
     parts << tr("已选中");

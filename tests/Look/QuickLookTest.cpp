@@ -143,7 +143,7 @@ TEST_F(QuickLookTest, WhatHasNoPictureSaysWhatItIs) {
   EXPECT_EQ(look->kind(), QuickLook::Oversized);
   EXPECT_THAT(look->line().toStdString(), HasSubstr("30000 × 30000"));
 
-  decoder.setFacts(FakeDecoder::kFault(PictureFault::undecodable));
+  decoder.setFacts(PictureFacts{}); // the header cannot be read
   decoder.setThumbnail(FakeDecoder::kFault(PictureFault::undecodable));
   const auto broken = add("broken.jpg");
   controller->library().noteAdded(broken);
