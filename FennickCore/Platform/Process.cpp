@@ -1,5 +1,6 @@
 #include "FennickCore/Platform/Process.h"
 
+#include <glib.h>
 #include <malloc.h>
 #include <signal.h> // NOLINT(modernize-deprecated-headers): sigaction and its like are POSIX
 #include <unistd.h>
@@ -16,6 +17,11 @@ void prepareProcess() {
   constexpr int kLargeBlock = 128 * 1024;
   ::mallopt(M_MMAP_THRESHOLD, kLargeBlock);
   ::mallopt(M_ARENA_MAX, 2);
+}
+
+void leaveWorkingDirectory() {
+  if (::chdir(::g_get_home_dir()) != 0)
+    std::ignore = ::chdir("/");
 }
 
 bool standardOutputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }

@@ -8,6 +8,10 @@ namespace fennick {
 // leaves no trace in the memory of a program that runs for months.
 void prepareProcess();
 
+// Makes the home directory the working directory, so that the drive of the folder in which the program was
+// started can be unmounted. After relative paths of the command line were made absolute.
+void leaveWorkingDirectory();
+
 [[nodiscard]] bool standardOutputIsTerminal();
 
 // Lets `signal` do to the program what it does when nobody handles it: end it, or stop it until it is

@@ -242,5 +242,6 @@ int main(int argc, char *argv[]) {
         options->showHelp ? quarrow::LaunchOptions::help() : "tevrin " TEVRIN_VERSION "\n", stdout);
     return EXIT_SUCCESS;
   }
+  fennick::leaveWorkingDirectory();
   return options->selfTest ? selfTest(argc, argv, *options) : run(argc, argv, *options);
 }

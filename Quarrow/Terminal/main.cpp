@@ -200,5 +200,6 @@ int main(int argc, char *argv[]) {
     return EXIT_SUCCESS;
   }
   fennick::logToStandardError();
+  fennick::leaveWorkingDirectory();
   return run(argc, argv, *options);
 }
