@@ -58,7 +58,7 @@ public:
     fennick::NamingPolicy naming{};
     std::optional<std::int64_t> folderLimit{};
     std::optional<std::filesystem::path> gallery{}; // the folder that phones may look into
-    std::optional<fennick::UploadRouter::Thumbnails> thumbnails{};
+    fennick::Thumbnails *thumbnails = nullptr;      // outlive the service
   };
   Service(const std::filesystem::path &folder, const Options &options);
 

@@ -24,9 +24,7 @@ class Stand {
 public:
   explicit Stand(const fs::path &parent)
       : scratch_(parent), nginx_(bench::Nginx::start(scratch_.path())),
-        service_(scratch_.path(),
-                 {.gallery = folder(),
-                  .thumbnails = fennick::UploadRouter::Thumbnails{scratch_.path() / "cache", decoder_}}) {
+        service_(scratch_.path(), {.gallery = folder(), .thumbnails = &thumbnails_}) {
     if (!nginx_)
       bench::fail("nginx does not start");
     port_ = service_.start();
@@ -42,6 +40,8 @@ public:
 private:
   bench::Scratch scratch_;
   fennick::DecoderPool decoder_{{.program = fennick::imagingProgram()}};
+  fennick::SystemFileSystem files_;
+  fennick::Thumbnails thumbnails_{files_, scratch_.path() / "cache", decoder_};
   std::unique_ptr<bench::Nginx> nginx_;
   bench::Service service_;
   std::uint16_t port_ = 0;

@@ -87,8 +87,9 @@ double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PE
 // A wall without anything in memory, over the thumbnails on the disk.
 class FreshWall {
 public:
-  explicit FreshWall(quarrow::test::Stage &stage) : before_(quarrow::WallSingleton::instance) {
-    wall_ = stage.anotherWall();
+  explicit FreshWall(quarrow::test::Stage &stage)
+      : before_(quarrow::WallSingleton::instance), thumbnails_(stage.anotherThumbnails()) {
+    wall_ = stage.anotherWall(*thumbnails_);
     quarrow::WallSingleton::instance = wall_.get();
   }
   ~FreshWall() { quarrow::WallSingleton::instance = before_; }
@@ -98,6 +99,7 @@ public:
 
 private:
   PhotoWall *before_;
+  std::unique_ptr<fennick::Thumbnails> thumbnails_;
   std::unique_ptr<PhotoWall> wall_;
 };
 

@@ -13,6 +13,7 @@ namespace {
 
 constexpr Seconds kHighlightTime{1.5};
 constexpr Seconds kRescanDelay{0.3};
+constexpr Seconds kBusyDelay{10}; // until pictures that the decoder was too busy for are looked at again
 // A folder that never rests is looked through all the same, every few seconds.
 constexpr int kMostPostponements = 10;
 
@@ -55,6 +56,10 @@ Subscription PhotoLibrary::observeRecentlyAdded(std::function<void(const Paths &
   return recentlyAddedObservers_.add(std::move(observer));
 }
 
+Subscription PhotoLibrary::observeGone(std::function<void(const Paths &)> observer) {
+  return goneObservers_.add(std::move(observer));
+}
+
 std::function<void()> PhotoLibrary::whileAlive(std::function<void()> task) const {
   return [alive = std::weak_ptr(alive_), task = std::move(task)] {
     if (alive.lock())
@@ -93,23 +98,39 @@ void PhotoLibrary::scan() {
   scanAgain_ = false;
   queue_.post([this, folder = *folder_, generation = generation_.load()] {
     auto found = PhotoScan::items(folder, limit_, sizes_, [&] { return generation_ != generation; });
-    mainQueue_.post(
-        whileAlive([this, generation, listing = std::move(found)] { finishScan(generation, listing); }));
+    mainQueue_.post(whileAlive([this, generation, listing = std::move(found), wasBusy = sizes_.takeBusy()] {
+      finishScan(generation, listing, wasBusy);
+    }));
   });
 }
 
-void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found) {
+void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found,
+                              bool wasBusy) {
   scanning_ = false;
+  if (wasBusy)
+    mainQueue_.postAfter(kBusyDelay, whileAlive([this] { scan(); }));
   const bool isCurrent = generation == generation_;
   if (scanAgain_ || !isCurrent)
     scan();
   if (!isCurrent || !found)
     return;
   const bool wasListed = std::exchange(listed_, true);
+  const Items before = items_;
   publish(std::move(found->items));
+  publishGone(before);
   setArranged(found->isArranged);
   if (!wasListed)
     listedObservers_.publish(listed_);
+}
+
+void PhotoLibrary::publishGone(const Items &before) const {
+  Paths gone;
+  for (const auto &item : before)
+    gone.insert(item.url);
+  for (const auto &item : items_)
+    gone.erase(item.url);
+  if (!gone.empty())
+    goneObservers_.publish(gone);
 }
 
 // Each change puts the scan off a little, so that a burst of them costs one.
@@ -180,13 +201,16 @@ void PhotoLibrary::remove(std::span<const fs::path> files) {
   Items changed = items_;
   std::erase_if(changed, [&](const PhotoItem &item) { return gone.contains(item.url); });
   publish(std::move(changed));
+  goneObservers_.publish(gone);
 }
 
 void PhotoLibrary::rename(std::span<const Renaming> renamings) {
   overtakeScan();
+  Paths gone;
   std::map<fs::path, fs::path> targets;
   std::map<fs::path, std::unordered_map<std::string, std::string>> names;
   for (const auto &[from, to] : renamings) {
+    gone.insert(from);
     targets[from] = to;
     names[from.parent_path()][from.filename().string()] = to.filename().string();
   }
@@ -206,6 +230,7 @@ void PhotoLibrary::rename(std::span<const Renaming> renamings) {
       item.name = item.url.filename().string();
     }
   publish(std::move(changed));
+  goneObservers_.publish(gone);
 }
 
 } // namespace fennick

@@ -69,6 +69,8 @@ public:
   [[nodiscard]] Subscription observeArranged(std::function<void(const bool &)> observer);
   // Called by `reorder` and `sortByDate` before they return.
   [[nodiscard]] Subscription observeRearrangements(std::function<void(const RearrangementRef &)> observer);
+  // Told of files that were removed or renamed, or have left the list: those may still be there.
+  [[nodiscard]] Subscription observeGone(std::function<void(const Paths &)> observer);
 
   // Points the library at a folder, or at none: the list is empty until the folder has been looked through.
   void setFolder(std::optional<std::filesystem::path> folder);
@@ -103,12 +105,13 @@ private:
 
   // A task for the main queue that is dropped when the library is gone.
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
-  void finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found);
+  void finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found, bool wasBusy);
   void rescanSoon();
   void insert(PhotoItem item);
   void highlight(const std::filesystem::path &file);
   void overtakeScan() { ++generation_; }
   void publish(Items items);
+  void publishGone(const Items &before) const;
   void setArranged(bool arranged);
   void editOrders(Edits edits);
   void placeArrivals();
@@ -131,6 +134,7 @@ private:
   ObserverList<Paths> recentlyAddedObservers_;
   ObserverList<bool> arrangedObservers_;
   ObserverList<RearrangementRef> rearrangementObservers_;
+  ObserverList<Paths> goneObservers_;
 
   Mutex arrivalsLock_;
   std::vector<std::filesystem::path> arrivals_ GUARDED_BY(arrivalsLock_); // that wait for `placeArrivals`

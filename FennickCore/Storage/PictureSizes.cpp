@@ -43,6 +43,7 @@ PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus
     return found->second.size;
   }
   const auto facts = decoder_.facts(file);
+  busy_ |= !facts && facts.error().fault == PictureFault::busy;
   const PictureSize size = facts ? shown(*facts) : PictureSize{};
   if (facts || !mayPass(facts.error().fault))
     known_[file.native()] = {.bytes = status.bytes,

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 namespace fennick {
 
@@ -26,6 +27,8 @@ public:
 
   // `status` is that of `file`. Blocks while the decoder reads.
   [[nodiscard]] PictureSize of(const std::filesystem::path &file, const FileStatus &status);
+  // Whether the decoder was too busy to read one of them since the last call; it is shown without dimensions.
+  [[nodiscard]] bool takeBusy() { return std::exchange(busy_, false); }
   // Forgets what was not asked for since the last call, once there is a lot of it.
   void tidy();
 
@@ -40,6 +43,7 @@ private:
 
   PictureDecoder &decoder_;
   std::unordered_map<std::string, Known> known_; // by path
+  bool busy_ = false;
 };
 
 } // namespace fennick

@@ -1,14 +1,8 @@
 #include "FennickCore/Storage/ThumbnailService.h"
 
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/Leftovers.h"
-
 #include <fmt/format.h>
-#include <glib.h>
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace fennick {
@@ -20,36 +14,7 @@ namespace {
 constexpr std::size_t kMemoryLimit = std::size_t{64} << 20;
 constexpr std::size_t kEndedLimit = std::size_t{1} << 20; // some three thousand pictures
 constexpr double kQuality = 0.72;
-constexpr std::size_t kLongestName = 255; // bytes, of every Linux file system
-
-// What a JPEG begins and ends with: a file that a crash cut short or filled with zeros is none.
-bool isWholeJPEG(std::string_view data) {
-  return data.size() > 4 && data.starts_with("\xFF\xD8") && data.ends_with("\xFF\xD9");
-}
-
-bool isKept(gunichar character) {
-  return character == '-' || character == '.' || character == '_' || g_unichar_isalnum(character) != FALSE;
-}
-
-// Letters and digits of every script stay, all else becomes "_".
-std::string plainText(const std::string &key) {
-  std::string plain;
-  const char *next = nullptr;
-  for (const char *at = key.c_str(); *at != '\0'; at = next) {
-    next = g_utf8_next_char(at);
-    if (isKept(g_utf8_get_char(at)))
-      plain.append(at, next);
-    else
-      plain += '_';
-  }
-  return plain;
-}
-
-std::string checksum(const std::string &text) {
-  const std::unique_ptr<gchar, decltype(&g_free)> sum(
-      ::g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.data(), std::ssize(text)), &g_free);
-  return sum.get();
-}
+constexpr std::int64_t kGrowth = std::int64_t{16} << 20;
 
 } // namespace
 
@@ -78,76 +43,90 @@ private:
 // One of the places for renders; waits until there is one.
 class ThumbnailService::Place {
 public:
-  explicit Place(ThumbnailService &owner) : owner_(owner) {
+  Place(ThumbnailService &owner, Asker asker) : owner_(owner), asker_(asker) {
     Locked locked(owner_.lock_);
-    while (owner_.gate_ == 0)
+    ++renders().waiting;
+    while (!owner_.mayBegin(asker_))
       locked.wait(owner_.changed_);
-    --owner_.gate_;
+    --renders().waiting;
+    ++renders().underWay;
   }
   Place(const Place &) = delete;
   Place &operator=(const Place &) = delete;
   ~Place() {
     {
       const Locked locked(owner_.lock_);
-      ++owner_.gate_;
+      --renders().underWay;
     }
     owner_.changed_.notify_all();
   }
 
 private:
+  [[nodiscard]] Renders &renders() REQUIRES(owner_.lock_) {
+    return owner_.renders_.at(static_cast<std::size_t>(asker_));
+  }
+
   ThumbnailService &owner_;
+  const Asker asker_;
 };
 
-ThumbnailService::ThumbnailService(FileSystem &files, fs::path cacheDir, std::int64_t maxPixel,
-                                   int concurrency, PictureDecoder &decoder)
-    : files_(files), cacheDir_(std::move(cacheDir)), maxPixel_(maxPixel), decoder_(decoder),
-      memory_(kMemoryLimit), endedOver_(kEndedLimit), gate_(std::max(concurrency, 1)) {
-  std::ignore = files_.createDirectories(cacheDir_);
-  clearThumbnailLeftovers(cacheDir_, files_);
+ThumbnailService::ThumbnailService(FileSystem &files, const fs::path &cacheDir, std::int64_t maxPixel,
+                                   int concurrency, PictureDecoder &decoder, std::function<void()> grown)
+    : store_(files, cacheDir, maxPixel), maxPixel_(maxPixel), concurrency_(std::max(concurrency, 1)),
+      decoder_(decoder), grown_(std::move(grown)), memory_(kMemoryLimit), endedOver_(kEndedLimit) {}
+
+bool ThumbnailService::mayBegin(Asker asker) const {
+  const Renders &own = renders_.at(static_cast<std::size_t>(asker));
+  const Renders &other = renders_.at(asker == Asker::phone ? 1 : 0);
+  const int underWay = own.underWay + other.underWay;
+  if (own.underWay == 0)
+    return underWay <= concurrency_;
+  return underWay < concurrency_ && (other.waiting == 0 || own.underWay <= other.underWay);
 }
 
-ThumbnailService::Data ThumbnailService::thumbnail(const fs::path &file) {
+ThumbnailService::Result ThumbnailService::thumbnail(const fs::path &file, Asker asker) {
   const auto status = fileStatus(file);
   if (!status || status->kind != FileKind::regular)
-    return nullptr;
+    return std::unexpected(Missing::noPicture);
   const std::string key = keyOf(file, *status);
   std::shared_ptr<Rendering> rendering;
   {
     Locked locked(lock_);
     if (auto data = memory_.get(key))
-      return data->empty() ? nullptr : data;
+      return data->empty() ? Result(std::unexpected(Missing::noPicture)) : Result(std::move(data));
     if (const auto found = underWay_.find(key); found != underWay_.end()) {
       rendering = found->second;
       while (!rendering->isDone)
         locked.wait(changed_);
-      return rendering->data;
+      return rendering->result;
     }
     rendering = underWay_.emplace(key, std::make_shared<Rendering>()).first->second;
   }
   const Turn turn(*this, key, rendering);
-  rendering->data = make(file, *status, key); // read by others once it is done
-  return rendering->data;
+  rendering->result = make(file, *status, key, asker); // read by others once it is done
+  return rendering->result;
 }
 
-ThumbnailService::Data ThumbnailService::make(const fs::path &file, const FileStatus &status,
-                                              const std::string &key) {
+ThumbnailService::Result ThumbnailService::make(const fs::path &file, const FileStatus &status,
+                                                const std::string &key, Asker asker) {
   Data data;
-  if (auto stored = readFile(diskFile(key)); stored && isWholeJPEG(*stored)) {
+  if (auto stored = store_.read(file, versionOf(status))) {
     data = std::make_shared<const std::string>(std::move(*stored));
   } else {
-    auto rendered = render(file);
+    auto rendered = render(file, asker);
     if (!rendered && !isLasting(rendered.error().fault, key))
-      return nullptr;
+      return std::unexpected(rendered.error().fault == PictureFault::busy ? Missing::busy
+                                                                          : Missing::noPicture);
     // Changed while it was read: nobody knows which of both this shows, so it is kept under neither.
     data = std::make_shared<const std::string>(rendered ? std::move(*rendered) : std::string());
     if (fileStatus(file) != status)
-      return rendered ? data : nullptr;
+      return rendered ? Result(data) : Result(std::unexpected(Missing::noPicture));
     if (rendered)
-      store(key, *data);
+      store(file, status, *data);
   }
   const Locked locked(lock_);
   memory_.put(key, data); // empty: it cannot be shown, and is not tried again
-  return data->empty() ? nullptr : data;
+  return data->empty() ? Result(std::unexpected(Missing::noPicture)) : Result(data);
 }
 
 // Whether the same picture would fail again. One that keeps a decoder busy until it is ended must not do so
@@ -162,17 +141,25 @@ bool ThumbnailService::isLasting(PictureFault fault, const std::string &key) {
   return false;
 }
 
-PictureResult<std::string> ThumbnailService::render(const fs::path &file) {
-  const Place place(*this);
+PictureResult<std::string> ThumbnailService::render(const fs::path &file, Asker asker) {
+  const Place place(*this, asker);
   return decoder_.thumbnail(file, maxPixel_, kQuality);
 }
 
-// What the disk refuses is made again in the next run.
-void ThumbnailService::store(const std::string &key, const std::string &data) {
-  const FolderUse use(cacheDir_);
-  const fs::path aside = temporaryIn(cacheDir_, Temporary::thumbnail);
-  if (writeAside(files_, aside, data, Durability::asTheSystemLikes) && !files_.replace(aside, diskFile(key)))
-    std::ignore = files_.remove(aside);
+// What the disk refuses is made again in the next run. A photo that was deleted meanwhile leaves nothing.
+void ThumbnailService::store(const fs::path &file, const FileStatus &status, const std::string &data) {
+  if (!store_.write(file, versionOf(status), data))
+    return;
+  if (!fileStatus(file))
+    store_.remove(file, versionOf(status));
+  {
+    const Locked locked(lock_);
+    newBytes_ += std::ssize(data);
+    if (newBytes_ < kGrowth)
+      return;
+    newBytes_ = 0;
+  }
+  grown_();
 }
 
 void ThumbnailService::clear() {
@@ -181,26 +168,12 @@ void ThumbnailService::clear() {
     memory_.clear();
     endedOver_.clear();
   }
-  if (const auto entries = files_.list(cacheDir_))
-    for (const auto &entry : *entries)
-      if (entry.kind == FileKind::regular)
-        std::ignore = files_.remove(cacheDir_ / entry.name);
-  std::ignore = files_.createDirectories(cacheDir_);
+  store_.clear();
 }
 
 std::string ThumbnailService::keyOf(const fs::path &file, const FileStatus &status) const {
-  const auto seconds = std::chrono::floor<std::chrono::seconds>(status.modified.time_since_epoch()).count();
-  return fmt::format("{}-{}-{}-{}", file.native(), status.bytes, seconds, maxPixel_);
-}
-
-// The key in plain characters; its checksum where that would be too long for a name or, for bytes that are no
-// text, the same for several.
-fs::path ThumbnailService::diskFile(const std::string &key) const {
-  constexpr std::string_view kExtension = ".jpg";
-  std::string name = isValidUTF8(key) ? plainText(key) : checksum(key);
-  if (name.size() + kExtension.size() > kLongestName)
-    name = checksum(key);
-  return cacheDir_ / (name + std::string(kExtension));
+  const auto [bytes, modified] = versionOf(status);
+  return fmt::format("{}-{}-{}-{}", file.native(), bytes, modified, maxPixel_);
 }
 
 } // namespace fennick

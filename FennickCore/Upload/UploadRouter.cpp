@@ -20,12 +20,6 @@ namespace {
 constexpr std::int64_t kMostUploads = 120;
 constexpr Seconds kUploadWindow{60};
 
-// Longest sides of the gallery's thumbnails, and how many are made at once.
-constexpr std::int64_t kThumbPixels = 400;
-constexpr int kThumbsAtOnce = 4;
-constexpr std::int64_t kLargePixels = 1600;
-constexpr int kLargeAtOnce = 2;
-
 HTTPRouteDecision respond(std::int64_t status, std::string_view text) {
   return HTTPRespond{HTTPResponse::text(status, text)};
 }
@@ -68,14 +62,10 @@ std::optional<HTTPResponse> download(const std::filesystem::path &file) {
 
 UploadRouter::UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files,
                            IncomingFolder &incoming, const Clock &clock, UploadActivity &activity,
-                           const std::optional<Thumbnails> &thumbnails)
+                           Thumbnails *thumbnails)
     : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), incoming_(incoming),
-      clock_(clock), activity_(activity), allocator_(files), uploadThrottle_(kMostUploads, kUploadWindow) {
-  if (!thumbnails)
-    return;
-  thumbs_.emplace(files, thumbnails->cacheDir / "s", kThumbPixels, kThumbsAtOnce, thumbnails->decoder);
-  largeThumbs_.emplace(files, thumbnails->cacheDir / "l", kLargePixels, kLargeAtOnce, thumbnails->decoder);
-}
+      clock_(clock), activity_(activity), allocator_(files), uploadThrottle_(kMostUploads, kUploadWindow),
+      thumbnails_(thumbnails) {}
 
 HTTPRouteDecision UploadRouter::route(const HTTPRequestHead &head, const std::string &remote) {
   const bool get = head.method == "GET";
@@ -140,16 +130,19 @@ HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) {
 
 std::optional<HTTPResponse> UploadRouter::galleryThumbnail(const std::filesystem::path &file,
                                                            const HTTPRequestHead &head) {
+  if (thumbnails_ == nullptr)
+    return std::nullopt;
   const auto size = head.query.find("s");
-  auto &service = size != head.query.end() && size->second == "large" ? largeThumbs_ : thumbs_;
-  auto data = service ? service->thumbnail(file) : nullptr;
+  const bool isLarge = size != head.query.end() && size->second == "large";
+  auto &service = isLarge ? thumbnails_->large() : thumbnails_->small();
+  auto data = service.thumbnail(file, ThumbnailService::Asker::phone);
   if (!data)
     return std::nullopt;
   HTTPResponse response;
   response.headers = {{"Content-Type", "image/jpeg"},
                       {"X-Content-Type-Options", "nosniff"},
                       {"Cache-Control", "private, max-age=600"}};
-  response.sharedBody = std::move(data);
+  response.sharedBody = std::move(*data);
   return response;
 }
 

@@ -2,12 +2,11 @@
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
 #include "FennickCore/HTTP/SlidingWindowLimiter.h"
-#include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
-#include "FennickCore/Storage/ThumbnailService.h"
+#include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/IncomingFolder.h"
 #include "FennickCore/Upload/PhonePage.h"
 #include "FennickCore/Upload/UploadActivity.h"
@@ -46,17 +45,10 @@ public:
     std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is there
   };
 
-  // Where the gallery's thumbnails come from and where they are kept.
-  struct Thumbnails {
-    std::filesystem::path cacheDir;
-    PictureDecoder &decoder; // outlives the router
-  };
-
-  // `files`, `incoming`, `clock` and `activity` outlive the router. Without `thumbnails` the gallery has
-  // none.
+  // `files`, `incoming`, `clock`, `activity` and `thumbnails` outlive the router. Without `thumbnails` (null)
+  // the gallery has none.
   UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, IncomingFolder &incoming,
-               const Clock &clock, UploadActivity &activity,
-               const std::optional<Thumbnails> &thumbnails = std::nullopt);
+               const Clock &clock, UploadActivity &activity, Thumbnails *thumbnails = nullptr);
 
   HTTPRouteDecision route(const HTTPRequestHead &head, const std::string &remote) override;
 
@@ -80,8 +72,7 @@ private:
   UploadActivity &activity_;
   NameAllocator allocator_;
   SlidingWindowLimiter uploadThrottle_;
-  std::optional<ThumbnailService> thumbs_;      // for the grid
-  std::optional<ThumbnailService> largeThumbs_; // for the full screen
+  Thumbnails *const thumbnails_;
 };
 
 } // namespace fennick

@@ -67,9 +67,7 @@ struct AppController::Server {
   Server(AppController &controller, std::uint16_t port)
       : preferredPort(port),
         router(controller.providers(), fennick::resourceBundle(), controller.files_, controller.incoming_,
-               controller.clock_, controller.progress_.counter(),
-               fennick::UploadRouter::Thumbnails{.cacheDir = controller.options_.cacheDirectory / "thumbs",
-                                                 .decoder = controller.decoder_}),
+               controller.clock_, controller.progress_.counter(), &controller.thumbnails_),
         http(router, fennick::kServiceLimits, limiter, controller.clock_) {}
 
   const std::uint16_t preferredPort;
@@ -82,7 +80,9 @@ AppController::AppController(Options options, const Services &services)
     : options_(std::move(options)), preferences_(services.preferences), mainQueue_(services.mainQueue),
       files_(services.files), clock_(services.clock), decoder_(services.decoder), trash_(services.trash),
       desktop_(services.desktop), network_(services.network), settings_(preferences_),
-      library_(files_, decoder_, mainQueue_), progress_(mainQueue_, clock_),
+      library_(files_, decoder_, mainQueue_),
+      thumbnails_(files_, options_.cacheDirectory / "thumbs", decoder_),
+      thumbnailUpkeep_(thumbnails_, library_, mainQueue_), progress_(mainQueue_, clock_),
       folderLimit_(trash_, mainQueue_, [this](const auto &files) { forget(files); }),
       imports_(makeImports()) {
   if (options_.overrides)
@@ -333,6 +333,7 @@ void AppController::checkSaveFolder() {
   if (isUnplugged(folder, drive_))
     return report(Matter::missingFolder, tr("保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。"));
   drive_ = driveOf(folder);
+  thumbnailUpkeep_.folderChanged(folder, drive_);
   if (isDirectory(folder)) {
     if (stands(Matter::missingFolder))
       cleaner_.clear(folder);

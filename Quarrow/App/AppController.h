@@ -15,6 +15,7 @@
 #include "FennickCore/Settings/SettingsStore.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
+#include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/UploadRouter.h"
 #include "Quarrow/App/Desktop.h"
 #include "Quarrow/App/FolderCleaner.h"
@@ -24,6 +25,7 @@
 #include "Quarrow/App/PhotoSelection.h"
 #include "Quarrow/App/RouterConfig.h"
 #include "Quarrow/App/ServerModel.h"
+#include "Quarrow/App/ThumbnailUpkeep.h"
 #include "Quarrow/App/UploadProgress.h"
 
 #include <QObject>
@@ -92,6 +94,8 @@ public:
   [[nodiscard]] fennick::SettingsStore &settings() { return settings_; }
   [[nodiscard]] ServerModel &server() { return server_; }
   [[nodiscard]] fennick::PhotoLibrary &library() { return library_; }
+  // The program's only ones, for the gallery as well as for the windows.
+  [[nodiscard]] fennick::Thumbnails &thumbnails() { return thumbnails_; }
   [[nodiscard]] PhotoSelection &selection() { return selection_; }
   [[nodiscard]] UploadProgress &progress() { return progress_; }
   [[nodiscard]] PhotoImport &imports() { return *imports_; }
@@ -189,6 +193,8 @@ private:
   fennick::SettingsStore settings_;
   ServerModel server_;
   fennick::PhotoLibrary library_;
+  fennick::Thumbnails thumbnails_;
+  ThumbnailUpkeep thumbnailUpkeep_;
   PhotoSelection selection_;
   UploadProgress progress_;
   RouterConfig routerConfig_;

@@ -148,13 +148,10 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   quarrow::Shell shell(controller, loginItem);
   quarrow::PhotoWall wall(controller, {.preferences = preferences,
                                        .mainQueue = mainQueue,
-                                       .files = files,
                                        .clock = clock,
-                                       .decoder = decoder,
-                                       .cacheDirectory = state.cache});
+                                       .thumbnails = controller.thumbnails()});
   quarrow::QuickLook look(
-      controller,
-      {.files = files, .decoder = decoder, .mainQueue = mainQueue, .cacheDirectory = state.cache});
+      controller, {.decoder = decoder, .mainQueue = mainQueue, .thumbnails = controller.thumbnails()});
   quarrow::PhotoActions actions(
       controller,
       {.mainQueue = mainQueue, .files = files, .decoder = decoder, .trash = trash, .desktop = desktop});

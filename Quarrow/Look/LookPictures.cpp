@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kAtOnce = 1;            // there is one thread that asks
 constexpr double kFullQuality = 0.92; // close enough to look at single pixels
 
 QImage decoded(const std::string &jpeg) {
@@ -27,9 +26,7 @@ QImage decoded(const std::string &jpeg) {
 } // namespace
 
 LookPictures::LookPictures(const Services &services)
-    : decoder_(services.decoder), mainQueue_(services.mainQueue),
-      thumbnails_(services.files, services.cacheDirectory / "thumbs" / "l", kScreenPixels, kAtOnce,
-                  services.decoder) {}
+    : decoder_(services.decoder), mainQueue_(services.mainQueue), thumbnails_(services.thumbnails) {}
 
 LookPictures::~LookPictures() { forget(); }
 
@@ -40,16 +37,21 @@ std::int64_t LookPictures::fullEdge(std::int64_t width, std::int64_t height) {
   return std::min(kMostSide, static_cast<std::int64_t>(static_cast<double>(longer) * share));
 }
 
-// What is no longer wanted is neither found nor taken.
+// What is no longer wanted is neither found nor taken. While the decoder is busy, which takes it a while to
+// say, it is asked again.
 template <typename Answer>
-void LookPictures::ask(std::unique_ptr<fennick::SerialQueue> &queue, std::function<Answer()> find,
+void LookPictures::ask(std::unique_ptr<fennick::SerialQueue> &queue,
+                       std::function<std::optional<Answer>()> find,
                        std::function<void(const Answer &)> take) {
   if (!queue)
     queue = std::make_unique<fennick::SerialQueue>(&queue == &fullQueue_ ? "fennick.look.1" : "fennick.look");
   queue->post([this, round = round_.load(), find = std::move(find), take = std::move(take)] {
-    if (round != round_)
+    std::optional<Answer> answer;
+    while (!answer && round == round_)
+      answer = find();
+    if (!answer)
       return;
-    mainQueue_.post([this, alive = std::weak_ptr(alive_), round, answer = find(), take] {
+    mainQueue_.post([this, alive = std::weak_ptr(alive_), round, answer = std::move(*answer), take] {
       if (alive.lock() && round == round_)
         take(answer);
     });
@@ -68,13 +70,17 @@ void LookPictures::askForFacts(const fs::path &file, TakeFacts take) {
   ask<LookFacts>(screenQueue_, [this, file] { return factsOf(file); }, std::move(take));
 }
 
-QImage LookPictures::screenPicture(const fs::path &file) {
-  const auto jpeg = thumbnails_.thumbnail(file);
-  return jpeg ? decoded(*jpeg) : QImage();
+std::optional<QImage> LookPictures::screenPicture(const fs::path &file) {
+  const auto jpeg = thumbnails_.large().thumbnail(file);
+  if (!jpeg && jpeg.error() == fennick::ThumbnailService::Missing::busy)
+    return std::nullopt;
+  return jpeg ? decoded(**jpeg) : QImage();
 }
 
-QImage LookPictures::fullPicture(const fs::path &file, std::int64_t longEdge) {
+std::optional<QImage> LookPictures::fullPicture(const fs::path &file, std::int64_t longEdge) {
   const auto jpeg = decoder_.thumbnail(file, longEdge, kFullQuality);
+  if (!jpeg && jpeg.error().fault == fennick::PictureFault::busy)
+    return std::nullopt;
   return jpeg ? decoded(*jpeg) : QImage();
 }
 

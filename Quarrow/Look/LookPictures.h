@@ -2,11 +2,10 @@
 
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
-#include "FennickCore/Storage/ThumbnailService.h"
+#include "FennickCore/Storage/Thumbnails.h"
 
 #include <QImage>
 
@@ -38,17 +37,16 @@ public:
   using TakeFacts = std::function<void(const LookFacts &)>;
 
   // Of the longer side of a picture for the screen, in pixels: the gallery's large size, kept on the disk.
-  static constexpr std::int64_t kScreenPixels = 1'600;
+  static constexpr std::int64_t kScreenPixels = fennick::Thumbnails::kLargePixels;
   // Most pixels of a picture in full: of its longer side, and in all - 192 MB of memory.
   static constexpr std::int64_t kMostSide = 8'192;
   static constexpr std::int64_t kMostPixels = 48'000'000;
 
-  // All outlive the object; `cacheDirectory` is the program's own.
+  // All outlive the object.
   struct Services {
-    fennick::FileSystem &files;
     fennick::PictureDecoder &decoder;
     fennick::MainQueue &mainQueue;
-    std::filesystem::path cacheDirectory;
+    fennick::Thumbnails &thumbnails;
   };
   explicit LookPictures(const Services &services);
   ~LookPictures(); // waits for the pictures that are being decoded
@@ -67,15 +65,16 @@ public:
 
 private:
   template <typename Answer>
-  void ask(std::unique_ptr<fennick::SerialQueue> &queue, std::function<Answer()> find,
+  void ask(std::unique_ptr<fennick::SerialQueue> &queue, std::function<std::optional<Answer>()> find,
            std::function<void(const Answer &)> take);
-  [[nodiscard]] QImage screenPicture(const std::filesystem::path &file);
-  [[nodiscard]] QImage fullPicture(const std::filesystem::path &file, std::int64_t longEdge);
+  // Both return nullopt if the decoder is busy.
+  [[nodiscard]] std::optional<QImage> screenPicture(const std::filesystem::path &file);
+  [[nodiscard]] std::optional<QImage> fullPicture(const std::filesystem::path &file, std::int64_t longEdge);
   [[nodiscard]] LookFacts factsOf(const std::filesystem::path &file);
 
   fennick::PictureDecoder &decoder_;
   fennick::MainQueue &mainQueue_;
-  fennick::ThumbnailService thumbnails_;
+  fennick::Thumbnails &thumbnails_;
   const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
   std::atomic<std::uint64_t> round_ = 0;
   // Each from its first task on; last: what runs on them uses the above.

@@ -14,11 +14,15 @@ namespace {
 // Most of the work is the decoder's, in processes of its own.
 constexpr int kThreads = 2;
 
-// One picture that was asked for. The engine that asked deletes it some time after `finished`.
+constexpr int kAgain = -1; // the priority of what is tried again: behind all others
+
+// One picture that was asked for. The engine that asked deletes it some time after `finished`. While the
+// decoder is busy, which takes it a while to say, it is asked for again.
 class Response final : public QQuickImageResponse, public QRunnable {
 public:
-  Response(WallThumbnails &thumbnails, QThreadPool &pool, QString id, int side)
-      : thumbnails_(thumbnails), pool_(pool), id_(std::move(id)), side_(side) {
+  Response(WallThumbnails &thumbnails, QThreadPool &pool, const std::atomic<bool> &ending, QString id,
+           int side)
+      : thumbnails_(thumbnails), pool_(pool), ending_(ending), id_(std::move(id)), side_(side) {
     setAutoDelete(false);
   }
 
@@ -34,14 +38,17 @@ public:
       emit finished();
   }
   void run() override {
-    if (!cancelled_)
-      image_ = thumbnails_.tile(id_, side_);
+    auto tile = cancelled_ ? QImage() : thumbnails_.tile(id_, side_);
+    if (!tile && !ending_)
+      return pool_.start(this, kAgain);
+    image_ = std::move(tile).value_or(QImage());
     emit finished();
   }
 
 private:
   WallThumbnails &thumbnails_;
   QThreadPool &pool_;
+  const std::atomic<bool> &ending_;
   const QString id_;
   const int side_;
   QImage image_; // read after `finished`
@@ -55,12 +62,13 @@ TileImages::TileImages(WallThumbnails &thumbnails) : thumbnails_(thumbnails) {
 }
 
 TileImages::~TileImages() {
+  ending_ = true;
   pool_.clear();
   pool_.waitForDone();
 }
 
 QQuickImageResponse *TileImages::requestImageResponse(const QString &id, const QSize &requestedSize) {
-  auto response = std::make_unique<Response>(thumbnails_, pool_, id,
+  auto response = std::make_unique<Response>(thumbnails_, pool_, ending_, id,
                                              std::max(requestedSize.width(), requestedSize.height()));
   pool_.start(response.get());
   return response.release(); // to the engine

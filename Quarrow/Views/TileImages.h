@@ -5,6 +5,8 @@
 #include <QQuickAsyncImageProvider>
 #include <QThreadPool>
 
+#include <atomic>
+
 namespace quarrow {
 
 // Gives the views the pictures on the wall's tiles, "image://thumbs/…", without making anybody wait. What a
@@ -21,7 +23,8 @@ public:
 
 private:
   WallThumbnails &thumbnails_;
-  QThreadPool pool_;
+  std::atomic<bool> ending_ = false;
+  QThreadPool pool_; // last: what runs in it uses the others
 };
 
 } // namespace quarrow

@@ -91,8 +91,7 @@ std::int64_t sizeOfSelected(const Items &items, const PhotoSelection::Paths &sel
 PhotoWall::PhotoWall(AppController &controller, const Services &services)
     : controller_(controller), preferences_(services.preferences), mainQueue_(services.mainQueue),
       known_(controller.library().items()), selection_(controller.selection()), typeAhead_(services.clock),
-      thumbnails_(services.files, services.cacheDirectory, services.decoder),
-      tileSize_(tileSizeFrom(preferences_)) {
+      thumbnails_(services.thumbnails), tileSize_(tileSizeFrom(preferences_)) {
   auto &library = controller_.library();
   subscriptions_.push_back(library.observeItems([this](const Items &items) { follow(items); }));
   subscriptions_.push_back(library.observeListed([this](bool) { updateState(); }));

@@ -59,10 +59,8 @@ public:
   struct Services {
     fennick::Preferences &preferences;
     fennick::MainQueue &mainQueue;
-    fennick::FileSystem &files;
     const fennick::Clock &clock;
-    fennick::PictureDecoder &decoder;
-    std::filesystem::path cacheDirectory; // the controller's
+    fennick::Thumbnails &thumbnails;
   };
   PhotoWall(AppController &controller, const Services &services);
   ~PhotoWall() override;

@@ -13,11 +13,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// As the gallery has them, whose files these are too.
-constexpr std::int64_t kSmallPixels = 400;
-constexpr std::int64_t kLargePixels = 1600;
-constexpr int kSmallAtOnce = 2;
-constexpr int kLargeAtOnce = 1;
 // How far a thumbnail may be enlarged before it looks soft.
 constexpr double kMostEnlarged = 1.3;
 // The radius of a tile's corners, as a part of its side.
@@ -63,11 +58,6 @@ QImage withRoundCorners(const QImage &image) {
 
 } // namespace
 
-WallThumbnails::WallThumbnails(fennick::FileSystem &files, const fs::path &cacheDirectory,
-                               fennick::PictureDecoder &decoder)
-    : small_(files, cacheDirectory / "thumbs" / "s", kSmallPixels, kSmallAtOnce, decoder),
-      large_(files, cacheDirectory / "thumbs" / "l", kLargePixels, kLargeAtOnce, decoder) {}
-
 QString WallThumbnails::address(const fennick::PhotoItem &item) {
   if (item.isVideo || item.isOversized || !item.pixelWidth)
     return {};
@@ -83,21 +73,23 @@ QString WallThumbnails::idOf(const fennick::PhotoItem &item) {
       .arg(QString::fromLatin1(bytesOf(item.url.native()).toBase64(kEncoding)));
 }
 
-QImage WallThumbnails::tile(const QString &id, int side) {
+std::optional<QImage> WallThumbnails::tile(const QString &id, int side) {
   const auto path = QByteArray::fromBase64(id.section('/', -1).toLatin1(), kEncoding);
   const auto thumbnail = thumbnailFor(fs::path(path.toStdString()), side);
+  if (!thumbnail && thumbnail.error() == fennick::ThumbnailService::Missing::busy)
+    return std::nullopt;
   if (!thumbnail || side <= 0)
-    return {};
-  const QImage middle = middleOf(*thumbnail, side);
+    return QImage();
+  const QImage middle = middleOf(**thumbnail, side);
   return middle.isNull() ? QImage() : withRoundCorners(middle);
 }
 
 // Of a very wide or tall picture the small one is but a strip.
-fennick::ThumbnailService::Data WallThumbnails::thumbnailFor(const fs::path &file, int side) {
-  auto thumbnail = small_.thumbnail(file);
-  if (!thumbnail || !isSoft(sizeOf(*thumbnail), side))
+fennick::ThumbnailService::Result WallThumbnails::thumbnailFor(const fs::path &file, int side) {
+  auto thumbnail = thumbnails_.small().thumbnail(file);
+  if (!thumbnail || !isSoft(sizeOf(**thumbnail), side))
     return thumbnail;
-  auto larger = large_.thumbnail(file);
+  auto larger = thumbnails_.large().thumbnail(file);
   return larger ? larger : thumbnail;
 }
 

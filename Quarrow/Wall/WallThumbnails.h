@@ -1,13 +1,13 @@
 #pragma once
 
 #include "FennickCore/Storage/PhotoItem.h"
-#include "FennickCore/Storage/ThumbnailService.h"
+#include "FennickCore/Storage/Thumbnails.h"
 
 #include <QImage>
 #include <QString>
 
-#include <cstdint>
 #include <filesystem>
+#include <optional>
 
 namespace quarrow {
 
@@ -17,9 +17,7 @@ class WallThumbnails {
 public:
   static constexpr const char *kProvider = "thumbs"; // the name under which views find them
 
-  // `cacheDirectory` is the program's own, the one that the gallery uses. The others outlive the object.
-  WallThumbnails(fennick::FileSystem &files, const std::filesystem::path &cacheDirectory,
-                 fennick::PictureDecoder &decoder);
+  explicit WallThumbnails(fennick::Thumbnails &thumbnails) : thumbnails_(thumbnails) {} // outlives the object
 
   // "image://thumbs/…" with the file's path and what tells it from its earlier versions; empty for videos and
   // for pictures that are not decoded.
@@ -28,15 +26,14 @@ public:
   // What follows "image://thumbs/" in the address.
   [[nodiscard]] static QString idOf(const fennick::PhotoItem &item);
 
-  // The middle of the picture as a square of `side` pixels with round corners; null when there is none.
-  // Blocks while the thumbnail is made.
-  [[nodiscard]] QImage tile(const QString &id, int side);
+  // Returns the middle of the picture as a square of `side` pixels with round corners; a null image if there
+  // is none, and nullopt if the decoder is busy: ask again later. Blocks while the thumbnail is made.
+  [[nodiscard]] std::optional<QImage> tile(const QString &id, int side);
 
 private:
-  [[nodiscard]] fennick::ThumbnailService::Data thumbnailFor(const std::filesystem::path &file, int side);
+  [[nodiscard]] fennick::ThumbnailService::Result thumbnailFor(const std::filesystem::path &file, int side);
 
-  fennick::ThumbnailService small_;
-  fennick::ThumbnailService large_;
+  fennick::Thumbnails &thumbnails_;
 };
 
 } // namespace quarrow

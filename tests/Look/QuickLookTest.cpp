@@ -49,10 +49,9 @@ protected:
     return file;
   }
   void begin() {
-    look.emplace(*controller, LookPictures::Services{.files = files,
-                                                     .decoder = decoder,
+    look.emplace(*controller, LookPictures::Services{.decoder = decoder,
                                                      .mainQueue = queue,
-                                                     .cacheDirectory = disk / "cache"});
+                                                     .thumbnails = controller->thumbnails()});
     controller->library().setFolder(disk / "photos");
     queue.runUntil([&] { return std::ssize(controller->library().items()) == added_; });
     look->setOpen(true);

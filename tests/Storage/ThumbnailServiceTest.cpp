@@ -1,4 +1,4 @@
-#include "FennickCore/Storage/ThumbnailService.h"
+#include "FennickCore/Storage/Thumbnails.h"
 
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
@@ -26,7 +26,11 @@ protected:
   std::string askAnother(const fs::path &file) {
     return textOf(ThumbnailService(files, disk / "cache", 400, 4, decoder).thumbnail(file));
   }
-  static std::string textOf(const ThumbnailService::Data &data) { return data ? *data : "none"; }
+  static std::string textOf(const ThumbnailService::Result &result) {
+    if (result)
+      return **result;
+    return result.error() == ThumbnailService::Missing::busy ? "busy" : "none";
+  }
 
   test::TemporaryFolder disk;
   test::FaultyFileSystem files;
@@ -100,11 +104,14 @@ TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceOrTwiceUnlessTh
     EXPECT_EQ(ask(file), "none");
   EXPECT_EQ(decoder.calls(), 2);
   disk.write("broken.jpg", "1");
+  decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::busy));
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(ask(file), "busy");
   for (const auto fault : {PictureFault::timedOut, PictureFault::crashed, PictureFault::stopped}) {
     decoder.setThumbnail(test::FakeDecoder::kFault(fault));
     EXPECT_EQ(ask(file), "none");
   }
-  EXPECT_EQ(decoder.calls(), 4); // an ended decoder twice
+  EXPECT_EQ(decoder.calls(), 7); // an ended decoder twice
 }
 
 TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApart) {
@@ -132,6 +139,91 @@ TEST_F(ThumbnailServiceTest, RequestsForOnePictureWaitForOneRenderAndOthersForAP
   }
   EXPECT_EQ(decoder.mostAtOnce(), 2);
   EXPECT_EQ(decoder.calls(), 4);
+}
+
+TEST_F(ThumbnailServiceTest, WindowsDoNotWaitForTheManyPicturesThatPhonesAskFor) {
+  using Asker = ThumbnailService::Asker;
+  std::vector<fs::path> photos;
+  for (int i = 0; i < 8; ++i)
+    photos.push_back(disk.write(fmt::format("{}.jpg", i)));
+  decoder.hold();
+  {
+    std::vector<std::jthread> askers;
+    for (const auto &each : photos)
+      askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
+    decoder.awaitHeld(2);
+    askers.emplace_back([&] { EXPECT_EQ(ask(photo), small); });
+    decoder.awaitHeld(3);
+    decoder.release();
+  }
+  EXPECT_EQ(decoder.mostAtOnce(), 3);
+}
+
+// What is stored of photos of the folder "photos", in both sizes.
+class ThumbnailsTest : public ThumbnailServiceTest {
+protected:
+  void make(const fs::path &file) {
+    EXPECT_TRUE(thumbnails->small().thumbnail(file));
+    EXPECT_TRUE(thumbnails->large().thumbnail(file));
+  }
+  // Runs `upkeep` and returns how many there are afterwards.
+  template <typename Upkeep>
+  std::size_t storedAfter(Upkeep upkeep) {
+    upkeep(*thumbnails);
+    thumbnails.emplace(files, disk / "thumbs", decoder, kMostBytes); // waits for what was asked for
+    return disk.names("thumbs/s").size() + disk.names("thumbs/l").size();
+  }
+
+  static constexpr std::int64_t kMostBytes = 10 * 4096;
+  std::optional<Thumbnails> thumbnails{std::in_place, files, disk / "thumbs", decoder, kMostBytes};
+  const fs::path folder = disk / "photos";
+};
+
+TEST_F(ThumbnailsTest, NothingIsKeptOfPhotosThatAreGoneOrHaveChanged) {
+  const std::string deep = "photos/" + std::string(200, 'x') + "/" + std::string(150, 'y') + ".jpg";
+  const auto forget = [](const fs::path &file) {
+    return [file](Thumbnails &stored) { stored.forget({file}); };
+  };
+  const auto tidy = [this](Thumbnails &stored) { stored.tidy(folder); };
+  for (const std::string &name : {std::string("photos/a b.jpg"), std::string("photos/\xFF.jpg"), deep}) {
+    const auto file = disk.write(name);
+    make(file);
+    disk.write(name, "a changed photo");
+    make(file);
+    EXPECT_EQ(storedAfter(forget(file)), 4U) << "it is still there";
+    EXPECT_EQ(storedAfter(tidy), 2U) << "of its version now";
+    disk.write(name, "and again");
+    make(file);
+    fs::remove(file);
+    EXPECT_EQ(storedAfter(forget(file)), 0U) << name;
+  }
+  for (const char *name : {"photos/a.jpg", "photos/2024-05-01/trip/b.HEIC", "photos/originals/c.jpg",
+                           "photos/2024-05-01/trip/originals/d.jpg", "elsewhere/e.jpg"})
+    make(disk.write(name));
+  disk.write("thumbs/s/" + std::string(64, '0') + ".jpg", "of an older form");
+  EXPECT_EQ(storedAfter(tidy), 10U);
+  fs::rename(folder, disk / "unplugged");
+  EXPECT_EQ(storedAfter(tidy), 10U);
+  EXPECT_EQ(storedAfter(forget(folder / "a.jpg")), 10U);
+  fs::rename(disk / "unplugged", folder);
+  fs::remove_all(folder / "2024-05-01");
+  fs::remove_all(disk / "elsewhere");
+  EXPECT_EQ(storedAfter(tidy), 6U);
+}
+
+TEST_F(ThumbnailsTest, WhatWasUsedLeastGoesWhenThereIsTooMuch) {
+  std::vector<fs::path> photos;
+  for (int i = 0; i < 12; ++i) {
+    photos.push_back(disk.write(fmt::format("photos/{:02}.jpg", i)));
+    make(photos.back());
+  }
+  for (const auto *size : {"thumbs/s", "thumbs/l"})
+    for (const auto &name : disk.names(size))
+      ASSERT_TRUE(setModificationTime(disk / size / name, SystemClock().now() - std::chrono::hours(1)));
+  EXPECT_EQ(storedAfter([](Thumbnails &) {}), 24U);
+  make(photos.front()); // from the disk
+  EXPECT_EQ(storedAfter([this](Thumbnails &stored) { stored.tidy(folder); }), 18U);
+  EXPECT_THAT(disk.names("thumbs/l"), ::testing::Contains(::testing::HasSubstr("_00.jpg-")));
 }
 
 TEST(MemoryCacheTest, WhatWasNotAskedForTheLongestGoesFirstAndStaysWithItsHolders) {

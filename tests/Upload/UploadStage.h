@@ -93,6 +93,7 @@ protected:
   IncomingFolder incomingFolder{files};
   TemporaryFolder cache;
   FakeDecoder decoder;
+  Thumbnails thumbnails{files, cache.path(), decoder};
   UploadRouter router{{.key = [this] { return key; },
                        .destination = [this] { return destination; },
                        .maxBytes = [this] { return maxBytes; },
@@ -108,7 +109,7 @@ protected:
                       incomingFolder,
                       clock,
                       activity,
-                      UploadRouter::Thumbnails{.cacheDir = cache.path(), .decoder = decoder}};
+                      &thumbnails};
 
 private:
   mutable Mutex lock_;

@@ -83,9 +83,13 @@ public:
   Q_INVOKABLE void clearWall();
   // The names on the wall, in its order.
   Q_INVOKABLE static QStringList wallNames();
-  // A second wall over the same folder, and over the thumbnails that the first has left on the disk.
-  [[nodiscard]] std::unique_ptr<PhotoWall> anotherWall() {
-    return std::make_unique<PhotoWall>(controller_, wallServices());
+  // Thumbnails that are on the disk but not in memory, and a second wall over the same folder that shows
+  // them.
+  [[nodiscard]] std::unique_ptr<fennick::Thumbnails> anotherThumbnails() {
+    return std::make_unique<fennick::Thumbnails>(files_, disk_ / "cache" / "thumbs", decoder_);
+  }
+  [[nodiscard]] std::unique_ptr<PhotoWall> anotherWall(fennick::Thumbnails &thumbnails) {
+    return std::make_unique<PhotoWall>(controller_, wallServices(thumbnails));
   }
   // Lets time pass.
   Q_INVOKABLE void pass(double seconds) { queue_.advance(fennick::Seconds(seconds)); }
@@ -105,13 +109,9 @@ public:
 private:
   void hangFiles(const QStringList &names);
   void makePhoto(const QString &name, int age); // in minutes
-  [[nodiscard]] PhotoWall::Services wallServices() {
-    return {.preferences = preferences_,
-            .mainQueue = queue_,
-            .files = files_,
-            .clock = queue_.clock(),
-            .decoder = decoder_,
-            .cacheDirectory = disk_ / "cache"};
+  [[nodiscard]] PhotoWall::Services wallServices(fennick::Thumbnails &thumbnails) {
+    return {
+        .preferences = preferences_, .mainQueue = queue_, .clock = queue_.clock(), .thumbnails = thumbnails};
   }
 
   fennick::test::TemporaryFolder disk_;
@@ -125,10 +125,9 @@ private:
   AppController controller_;
   LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
   Shell shell_{controller_, loginItem_};
-  PhotoWall wall_{controller_, wallServices()};
-  QuickLook look_{
-      controller_,
-      {.files = files_, .decoder = decoder_, .mainQueue = queue_, .cacheDirectory = disk_ / "cache"}};
+  PhotoWall wall_{controller_, wallServices(controller_.thumbnails())};
+  QuickLook look_{controller_,
+                  {.decoder = decoder_, .mainQueue = queue_, .thumbnails = controller_.thumbnails()}};
   PhotoActions actions_{
       controller_,
       {.mainQueue = queue_, .files = files_, .decoder = decoder_, .trash = trash_, .desktop = desktop_}};

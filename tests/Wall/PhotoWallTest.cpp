@@ -33,10 +33,8 @@ protected:
   void open() {
     wall.emplace(controller, PhotoWall::Services{.preferences = preferences,
                                                  .mainQueue = queue,
-                                                 .files = files,
                                                  .clock = queue.clock(),
-                                                 .decoder = decoder,
-                                                 .cacheDirectory = disk / "cache"});
+                                                 .thumbnails = controller.thumbnails()});
   }
   // Files of the save folder, the first one the newest.
   void fill(const std::vector<std::string> &names) {

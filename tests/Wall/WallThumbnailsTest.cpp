@@ -65,9 +65,10 @@ TEST(WallThumbnailsTest, aTileIsTheMiddleOfThePictureFromARenditionThatIsSharpEn
     const fennick::test::TemporaryFolder disk;
     fennick::test::FaultyFileSystem files;
     Decoder decoder(size);
-    WallThumbnails thumbnails(files, disk / "cache", decoder);
+    fennick::Thumbnails made(files, disk / "cache", decoder);
+    WallThumbnails thumbnails(made);
     const auto id = WallThumbnails::idOf(pictureIn(disk.write("a \xFF 照片.jpg")));
-    const QImage tile = thumbnails.tile(id, side);
+    const QImage tile = thumbnails.tile(id, side).value();
     EXPECT_EQ(tile.size(), QSize(side, side));
     EXPECT_EQ(decoder.asked, asked) << size.width();
     EXPECT_EQ(qAlpha(tile.pixel(0, 0)), 0); // round
@@ -80,16 +81,19 @@ TEST(WallThumbnailsTest, whatCannotBeReadHasNoTile) {
   const fennick::test::TemporaryFolder disk;
   fennick::test::FaultyFileSystem files;
   fennick::test::FakeDecoder decoder;
-  WallThumbnails thumbnails(files, disk / "cache", decoder);
+  fennick::Thumbnails made(files, disk / "cache", decoder);
+  WallThumbnails thumbnails(made);
   const auto tileOf = [&](const std::filesystem::path &file) {
     const auto id = WallThumbnails::idOf(pictureIn(file));
-    return thumbnails.tile(id, 100);
+    return thumbnails.tile(id, 100).value();
   };
   EXPECT_TRUE(tileOf(disk / "gone.jpg").isNull());
   EXPECT_TRUE(tileOf(disk.write("damaged thumbnail.jpg")).isNull());
   decoder.setThumbnail(std::unexpected(fennick::PictureError{}));
   EXPECT_TRUE(tileOf(disk.write("damaged picture.jpg")).isNull());
-  EXPECT_TRUE(thumbnails.tile("nonsense", 100).isNull());
+  EXPECT_TRUE(thumbnails.tile("nonsense", 100)->isNull());
+  decoder.setThumbnail(decoder.kFault(fennick::PictureFault::busy));
+  EXPECT_FALSE(thumbnails.tile(WallThumbnails::idOf(pictureIn(disk.write("later.jpg"))), 100));
 }
 
 } // namespace

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Observers.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
+#include "FennickCore/Storage/Thumbnails.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace quarrow {
+
+// Lets go of the stored thumbnails of photos that are gone: at once of those that this program removed or
+// renamed or that have left the photo wall, and soon after any change of the save folder of all others, be it
+// that another program deleted them. Main thread.
+class ThumbnailUpkeep {
+public:
+  // All outlive the object.
+  ThumbnailUpkeep(fennick::Thumbnails &thumbnails, fennick::PhotoLibrary &library,
+                  fennick::MainQueue &mainQueue);
+
+  // Something in the save folder has changed, or it is a new one. A burst of changes costs one look through
+  // it. Nothing is looked at if `drive`, on which the folder lies (see SaveFolderDrive.h), is unplugged by
+  // then.
+  void folderChanged(const std::filesystem::path &folder, const std::filesystem::path &drive);
+
+private:
+  void tidy();
+
+  fennick::Thumbnails &thumbnails_;
+  fennick::MainQueue &mainQueue_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  std::filesystem::path folder_;
+  std::filesystem::path drive_;
+  bool tidiesSoon_ = false;
+  fennick::Subscription gone_;
+};
+
+} // namespace quarrow
