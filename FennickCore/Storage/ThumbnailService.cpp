@@ -50,6 +50,7 @@ public:
       locked.wait(owner_.changed_);
     --renders().waiting;
     ++renders().underWay;
+    owner_.changed_.notify_all(); // the others may have waited for this one to begin
   }
   Place(const Place &) = delete;
   Place &operator=(const Place &) = delete;
