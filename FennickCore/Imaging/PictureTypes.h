@@ -65,8 +65,8 @@ struct PictureFacts {
   std::optional<std::int64_t> height{}; // the same
   std::optional<std::int64_t>
       orientation{};        // as the file says it, which may be out of range; absent: not said
-  bool hasLocation = false; // GPS or named places, in EXIF, XMP or IPTC
-  bool hasMetadata = false; // any EXIF, TIFF, GPS, IPTC or XMP block
+  bool hasLocation = false; // GPS or named places, anywhere in the file
+  bool hasMetadata = false; // anything beyond pixels and their colours
   Fidelity fidelity = Fidelity::faithful;
 
   bool operator==(const PictureFacts &) const = default;

@@ -241,7 +241,19 @@ std::vector<Row> irregularJpegRows() {
 }
 
 // What JPEG files carry beside the picture: motion videos, gain maps, further pictures, trailers.
-std::vector<Row> companionRows() { return {}; }
+std::vector<Row> companionRows() {
+  const std::string plain = saved(field(), ".jpg[strip]");
+  const Fates located{kept(), processed(), processed("HEIC"), kept()};
+  return {
+      {"commented.jpg", plain + "a trailer", {kept(), kept(), processed("HEIC"), kept()}, kOrange},
+      {"second.jpg", plain + jpegWithLocation(), located, kOrange},
+      {"video.jpg", plain + sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")}), located, kOrange},
+      {"named.png",
+       pngWith(pngChunk("tEXt", "Location\0Arezzo"s)),
+       {kept(), processed(), processed("HEIC"), processed("JPEG")},
+       kOrange},
+  };
+}
 
 class ForeignFilesTest : public testing::Test {
 protected:

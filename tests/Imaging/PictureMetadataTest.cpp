@@ -1,5 +1,7 @@
 #include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/EmbeddedVideo.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/MetadataIptc.h"
 #include "tests/Imaging/PictureSamples.h"
@@ -141,6 +143,67 @@ TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
   EXPECT_FALSE(clean(samplePng() + "more", PictureType::png, false));
   EXPECT_FALSE(clean(sampleHeif(), PictureType::heic, false));
   EXPECT_FALSE(clean(samplePng(pngChunk("tEXt", "Comment\0from Arezzo"s)), PictureType::png, true));
+}
+
+TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
+  const auto segment = [](std::uint8_t marker, const std::string &payload) {
+    return sampleJpeg(*jpegSegment(marker, payload));
+  };
+  const std::string located = sampleJpeg(*jpegSegment(kAPP1, "Exif\0\0"s + sampleExif()));
+  const std::string photoshop = "Photoshop 3.0\0"s + "8BIM\x04\x22\0\0"s;
+  const auto png = [](const std::string &type, const std::string &payload) {
+    return samplePng(pngChunk(type, payload));
+  };
+  struct Case {
+    std::string file;
+    PictureType type;
+    bool any, location;
+  };
+  const std::vector<Case> cases{
+      {sampleJpeg(), PictureType::jpeg, false, false},
+      {sampleJpeg() + std::string(100, '\0'), PictureType::jpeg, false, false},
+      {segment(0xE2, "ICC_PROFILE\0\1\1"s), PictureType::jpeg, false, false},
+      {segment(0xFE, "made by hand"), PictureType::jpeg, true, false},
+      {segment(0xFE, "GPS 43.5 11.9"), PictureType::jpeg, true, true},
+      {segment(0xE4, "a maker's block"), PictureType::jpeg, true, false},
+      {segment(kAPP0, "JFXX\0\x10"s + kPreview), PictureType::jpeg, true, false},
+      {segment(kAPP1, "Exif\0\0neither order"s), PictureType::jpeg, true, true},
+      {segment(kAPP13, photoshop + numberText(sampleExif().size(), 4) + sampleExif()), PictureType::jpeg,
+       true, true},
+      {sampleJpeg() + "a trailer", PictureType::jpeg, true, false},
+      {sampleJpeg() + sampleJpeg(), PictureType::jpeg, true, false},
+      {sampleJpeg() + located, PictureType::jpeg, true, true},
+      {sampleJpeg() + sampleVideo(), PictureType::jpeg, true, false},
+      {sampleJpeg() + sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")}), PictureType::jpeg, true,
+       true},
+      {sampleJpeg() + sampleVideo({.handler = "meta"}), PictureType::jpeg, true, true},
+      {samplePng(), PictureType::png, false, false},
+      {png("pHYs", std::string(9, '\1')), PictureType::png, false, false},
+      {png("tIME", std::string(7, '\1')), PictureType::png, true, false},
+      {png("tEXt", "Author\0somebody"s), PictureType::png, true, false},
+      {png("tEXt", "Location\0Arezzo"s), PictureType::png, true, true},
+      {png("zTXt", "Comment\0\0"s + deflated("latitude 43.5")), PictureType::png, true, true},
+      {png("zTXt", "Comment\0\0damaged"s), PictureType::png, true, true},
+      {samplePng() + "more", PictureType::png, true, false},
+      {sampleWebp(), PictureType::webp, false, false},
+      {sampleHeif(), PictureType::heic, true, true},
+      {sampleHeif() + box("mpvd", sampleVideo()), PictureType::heic, true, true},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    const auto &[file, type, any, location] = cases[i];
+    const Leftovers found = leftovers(bytesOf(file), type);
+    EXPECT_EQ(found.any, any) << "case " << i;
+    EXPECT_EQ(found.location, location) << "case " << i;
+  }
+}
+
+TEST(PictureMetadata, AVideoKeepsItsPlaceWithoutItsLocation) {
+  const std::string video = sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")});
+  const auto cleaned = videoWithoutLocation(video);
+  ASSERT_TRUE(cleaned);
+  EXPECT_EQ(cleaned->size(), video.size());
+  EXPECT_THAT(*cleaned, AllOf(HasSubstr("frames"), Not(HasSubstr("43.4"))));
+  EXPECT_FALSE(videoWithoutLocation(sampleVideo({.handler = "camm"})));
 }
 
 TEST(PictureMetadata, WhatDoesNotFitIntoAJpegIsMadeSmallerOrLeftOut) {

@@ -183,6 +183,13 @@ std::string sampleHeif(const SampleHeif &sample) {
   return type + metaBox(sample, data, type.size() + metaBytes + 8) + box("mdat", all);
 }
 
+std::string sampleVideo(const SampleVideo &sample) {
+  const std::string handler = box("hdlr", std::string(8, '\0') + sample.handler + std::string(13, '\0'));
+  const std::string track = box("trak", box("tkhd", std::string(84, '\0')) + box("mdia", handler));
+  return box("ftyp", "mp42\0\0\0\0mp42"s) + box("mdat", "frames") +
+         box("moov", box("mvhd", std::string(100, '\0')) + track + box("udta", sample.userData));
+}
+
 std::string sampleXmp(const std::string &attributes) {
   return R"(<?xpacket begin="" id="W5M0MpCehiHzreSzNTczkc9d"?><x:xmpmeta xmlns:x="adobe:ns:meta/"><rdf:RDF )"
          R"(xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#"><rdf:Description rdf:about="" )"

@@ -77,6 +77,12 @@ struct SampleHeif {
 std::string sampleHeif(const SampleHeif &sample = {});
 std::string box(const std::string &type, const std::string &payload);
 
+struct SampleVideo {
+  std::string userData{};       // boxes
+  std::string handler = "vide"; // of the only track
+};
+std::string sampleVideo(const SampleVideo &sample = {});
+
 // An XMP packet with the given attributes of its description.
 std::string sampleXmp(const std::string &attributes);
 std::string packedXmp(const std::string &packet); // as a PNG's compressed text

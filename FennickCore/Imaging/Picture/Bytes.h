@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,6 +24,10 @@ enum class ByteOrder : std::uint8_t { little, big };
 // The part of `data` from `at` on, `length` bytes long; nothing when any of it lies outside.
 [[nodiscard]] std::optional<std::string_view> slice(std::string_view data, std::uint64_t at,
                                                     std::uint64_t length);
+// The part of `data` from `at` on; empty where that lies outside.
+[[nodiscard]] inline std::string_view behind(std::string_view data, std::size_t at) {
+  return data.substr(std::min(at, data.size()));
+}
 // The unsigned number of `width` bytes (0 to 8) at `at`; nothing when it reaches past the end.
 [[nodiscard]] std::optional<std::uint64_t> readNumber(std::string_view data, std::uint64_t at,
                                                       std::size_t width, ByteOrder order = ByteOrder::big);

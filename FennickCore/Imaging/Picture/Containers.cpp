@@ -13,7 +13,6 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr std::size_t kMostParts = 4'096;
 constexpr std::size_t kMostPayload = 65'533;
 constexpr std::size_t kMostUnpacked = 4UZ * 1'024 * 1'024;
 constexpr std::size_t kPngSignature = 8;
@@ -63,7 +62,7 @@ std::optional<JpegSegment> segmentOf(std::string_view file, const Marker &marker
 
 // The next marker in entropy-coded data that is neither a stuffed byte nor a restart.
 std::size_t behindScan(std::string_view file, std::size_t at) {
-  for (at = file.find('\xFF', at); at + 1 < file.size(); at = file.find('\xFF', at + 1)) {
+  for (at = file.find('\xFF', at); at < file.size() - 1; at = file.find('\xFF', at + 1)) {
     const auto code = static_cast<unsigned char>(file[at + 1]);
     if (code != 0 && code != 0xFF && !standsAlone(code))
       return at;

@@ -17,6 +17,9 @@ namespace fennick::picture {
 inline constexpr std::string_view kExifPrefix{"Exif\0\0", 6};
 inline constexpr std::string_view kXMPPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
 
+// More parts of a file are not read.
+inline constexpr std::size_t kMostParts = 4'096;
+
 inline constexpr std::uint8_t kAPP0 = 0xE0;
 inline constexpr std::uint8_t kAPP1 = 0xE1;
 inline constexpr std::uint8_t kAPP2 = 0xE2;

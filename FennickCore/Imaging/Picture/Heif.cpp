@@ -270,16 +270,6 @@ std::optional<std::string> turnedAnew(std::string_view file, const HeifFile &hei
   return inserted(file, heif, {heif.propertyList, heif.associationBox, added.bytes(), *box});
 }
 
-std::string dataOf(std::string_view file, const HeifFile &heif, const HeifItem *item) {
-  std::string data;
-  for (const auto &[at, length] : item ? heif.stretchesOf(*item, file) : std::vector<HeifStretch>()) {
-    if (length > kMostBlockBytes - data.size())
-      return {};
-    data += file.substr(at, length);
-  }
-  return data;
-}
-
 // EXIF begins with the length of what stands before its TIFF structure.
 std::optional<std::uint64_t> exifStart(std::string_view item) {
   const auto before = readNumber(item, 0, 4);
@@ -356,14 +346,24 @@ std::optional<ColourCoding> heifColours(Bytes bytes) {
   return primaries && transfer ? std::optional(ColourCoding{*primaries, *transfer}) : std::nullopt;
 }
 
+std::string heifItemData(std::string_view file, const HeifFile &heif, const HeifItem *item) {
+  std::string data;
+  for (const auto &[at, length] : item ? heif.stretchesOf(*item, file) : std::vector<HeifStretch>()) {
+    if (length > kMostBlockBytes - data.size())
+      return {};
+    data += file.substr(at, length);
+  }
+  return data;
+}
+
 HeifBlocks heifBlocks(Bytes bytes) {
   const std::string_view file = textOf(bytes);
   const auto heif = HeifFile::parse(file);
   if (!heif)
     return {};
-  const std::string exif = dataOf(file, *heif, heif->describing("Exif", ""));
+  const std::string exif = heifItemData(file, *heif, heif->describing("Exif", ""));
   return {.exif = exif.substr(exifStart(exif).value_or(exif.size())),
-          .xmp = dataOf(file, *heif, heif->describing("mime", kXMPContentType)),
+          .xmp = heifItemData(file, *heif, heif->describing("mime", kXMPContentType)),
           .icc = std::string(colourProperty(file, *heif, heif->primary, {"prof", "rICC"}))};
 }
 

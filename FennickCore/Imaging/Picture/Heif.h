@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/Picture/Bytes.h"
 #include "FennickCore/Imaging/Picture/ColourCoding.h"
+#include "FennickCore/Imaging/Picture/HeifFile.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 
 #include <cstdint>
@@ -33,6 +34,9 @@ struct HeifBlocks {
   std::string icc;
 };
 [[nodiscard]] HeifBlocks heifBlocks(Bytes bytes);
+
+// The data of an item; empty for nullptr, and for one that is not in this file or beyond 16 MB.
+[[nodiscard]] std::string heifItemData(std::string_view file, const HeifFile &heif, const HeifItem *item);
 
 // The file with the primary picture, its thumbnails and auxiliary pictures turned to `orientation` by their
 // properties, and EXIF in step where it states an orientation.

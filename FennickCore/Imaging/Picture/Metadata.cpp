@@ -4,6 +4,7 @@
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/MetadataIptc.h"
+#include "FennickCore/Imaging/Picture/MetadataPng.h"
 #include "FennickCore/Imaging/Picture/MetadataTiff.h"
 #include "FennickCore/Imaging/Picture/MetadataXmp.h"
 
@@ -19,11 +20,6 @@ constexpr std::string_view kExtensionPrefix = "http://ns.adobe.com/xmp/extension
 constexpr std::size_t kExtensionHeader = 40; // a digest, the whole length, this part's place
 constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
 constexpr std::string_view kICCPrefix = "ICC_PROFILE\0"sv;
-constexpr std::string_view kPngXMP = "XML:com.adobe.xmp"sv;
-
-std::string_view behind(std::string_view text, std::size_t count) {
-  return text.substr(std::min(count, text.size()));
-}
 
 std::string cleanExif(std::string_view block) {
   const auto exif = ExifBlock::parse(block);
@@ -64,54 +60,15 @@ Metadata readJpeg(std::string_view file) {
   return found;
 }
 
-int hexValue(char c) {
-  if (c >= '0' && c <= '9')
-    return c - '0';
-  if (c >= 'a' && c <= 'f')
-    return c - 'a' + 10;
-  return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
-}
-
-// The bytes of an older program's profile: a name, a length and hexadecimal digits, a line each.
-std::string legacyProfile(std::string_view text) {
-  for (int lines = 0; lines < 2; ++lines) {
-    const std::size_t start = text.find_first_not_of(" \n");
-    text = start == std::string_view::npos ? "" : text.substr(start);
-    text = behind(text, text.find('\n'));
-  }
-  std::string bytes;
-  int high = -1;
-  for (const char c : text) {
-    const int digit = hexValue(c);
-    if (digit >= 0 && high >= 0)
-      bytes += static_cast<char>(high * 16 + digit);
-    if (digit >= 0)
-      high = high >= 0 ? -1 : digit;
-  }
-  return bytes;
-}
-
 void addPngText(Metadata &found, std::string_view keyword, const std::string &text) {
   if (keyword == kPngXMP)
     keepXmp(found, text);
   else if (keyword == "Raw profile type exif"sv || keyword == "Raw profile type APP1"sv)
-    keepExif(found, legacyProfile(text));
+    keepExif(found, pngLegacyProfile(text));
   else if (keyword == "Raw profile type xmp"sv)
-    keepXmp(found, legacyProfile(text));
+    keepXmp(found, pngLegacyProfile(text));
   else if (keyword == "Raw profile type iptc"sv && found.iptc.empty())
-    found.iptc = iptcOfPhotoshop(legacyProfile(text));
-}
-
-// What a chunk says that is text by its type.
-std::string textOfChunk(const Chunk &chunk, std::string_view rest, Unpacker &unpack) {
-  if (chunk.type == "tEXt"sv)
-    return std::string(rest);
-  if (chunk.type == "zTXt"sv)
-    return unpack(behind(rest, 1));
-  const auto text = chunk.type == "iTXt"sv ? internationalText(rest) : std::nullopt;
-  if (!text)
-    return {};
-  return text->isPacked ? unpack(text->text) : std::string(text->text);
+    found.iptc = iptcOfPhotoshop(pngLegacyProfile(text));
 }
 
 Metadata readPng(std::string_view file) {
@@ -122,13 +79,11 @@ Metadata readPng(std::string_view file) {
     if (chunk.type == "eXIf"sv)
       keepExif(found, chunk.payload(file));
   for (const Chunk &chunk : chunks) {
-    const std::string_view payload = chunk.payload(file);
-    const std::string_view keyword = payload.substr(0, payload.find('\0'));
-    const std::string_view rest = behind(payload, keyword.size() + 1);
+    const std::string_view keyword = pngKeyword(chunk, file);
     if (chunk.type == "iCCP"sv && found.icc.empty())
-      found.icc = unpack(behind(rest, 1));
-    else if (keyword == kPngXMP || keyword.starts_with("Raw profile type "sv))
-      addPngText(found, keyword, textOfChunk(chunk, rest, unpack));
+      found.icc = unpack(behind(chunk.payload(file), keyword.size() + 2));
+    else if (keyword == kPngXMP || keyword.starts_with(kPngLegacyProfile))
+      addPngText(found, keyword, pngText(chunk, file, unpack));
   }
   return found;
 }

@@ -13,7 +13,6 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr std::uint64_t kIptcResource = 0x0404;
 constexpr char kDataSetStart = 0x1C;
 constexpr unsigned kApplicationRecord = 2;
 constexpr std::array kPlaces{26U, 27U, 90U, 92U, 95U, 100U, 101U};
@@ -57,22 +56,29 @@ std::vector<DataSet> dataSets(std::string_view iptc) {
 
 } // namespace
 
-std::string iptcOfPhotoshop(std::string_view resources) {
-  std::string iptc;
-  while (resources.starts_with("8BIM"sv)) {
-    const auto kind = readNumber(resources, 4, 2);
-    const auto nameBytes = readNumber(resources, 6, 1);
+std::vector<PhotoshopResource> photoshopResources(std::string_view block) {
+  std::vector<PhotoshopResource> resources;
+  while (block.starts_with("8BIM"sv)) {
+    const auto kind = readNumber(block, 4, 2);
+    const auto nameBytes = readNumber(block, 6, 1);
     if (!kind || !nameBytes)
       break;
     const std::uint64_t lengthAt = 6 + (1 + *nameBytes + 1) / 2 * 2;
-    const auto length = readNumber(resources, lengthAt, 4);
-    const auto data = length ? slice(resources, lengthAt + 4, *length) : std::nullopt;
+    const auto length = readNumber(block, lengthAt, 4);
+    const auto data = length ? slice(block, lengthAt + 4, *length) : std::nullopt;
     if (!data)
       break;
-    if (*kind == kIptcResource)
-      iptc += *data;
-    resources.remove_prefix(std::min<std::size_t>(resources.size(), lengthAt + 4 + (*length + 1) / 2 * 2));
+    resources.push_back({static_cast<std::uint16_t>(*kind), *data});
+    block.remove_prefix(std::min<std::size_t>(block.size(), lengthAt + 4 + (*length + 1) / 2 * 2));
   }
+  return resources;
+}
+
+std::string iptcOfPhotoshop(std::string_view block) {
+  std::string iptc;
+  for (const PhotoshopResource &resource : photoshopResources(block))
+    if (resource.kind == kIptcResource)
+      iptc += resource.data;
   return iptc;
 }
 

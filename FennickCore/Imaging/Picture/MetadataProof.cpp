@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/HeifFile.h"
+#include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 #include "FennickCore/Imaging/Picture/MetadataIptc.h"
@@ -18,19 +19,13 @@ using namespace std::string_view_literals;
 
 namespace {
 
-// What may stand in a written JPEG: its header, the blocks, colour, tables and the frame.
+// What may stand in a written JPEG beside what its pixels need: the blocks.
 bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool stripAll) {
   const std::string_view payload = segment.payload(file);
   const bool isBlock =
       segment.marker == kAPP13 ||
       (segment.marker == kAPP1 && (payload.starts_with(kExifPrefix) || payload.starts_with(kXMPPrefix)));
-  if (isBlock)
-    return !stripAll;
-  if (segment.marker == kAPP2)
-    return payload.starts_with("ICC_PROFILE"sv);
-  if (segment.marker >= kAPP0 && segment.marker <= 0xEF)
-    return segment.marker == kAPP0 ? payload.starts_with("JFIF\0"sv) : segment.marker == 0xEE;
-  return segment.marker != 0xFE; // a comment
+  return isBlock ? !stripAll : isNeededForPixels(segment, file);
 }
 
 // A second block of a kind, or anything between the segments, would be seen by some readers and not by
@@ -118,8 +113,10 @@ bool proveRemoved(Bytes written, PictureType type, bool stripLocation, bool stri
   if (!stripLocation && !stripAll)
     return true;
   const Metadata found = readMetadata(written, type);
-  return !hasLocation(found) && !hasPreview(found) && !(stripAll && hasMetadata(found)) &&
-         isCleanContainer(textOf(written), type, stripAll) && isCleanForExiv2(written, stripAll);
+  const Leftovers others = leftovers(written, type);
+  return !others.location && !(stripAll && others.any) && !hasLocation(found) && !hasPreview(found) &&
+         !(stripAll && hasMetadata(found)) && isCleanContainer(textOf(written), type, stripAll) &&
+         isCleanForExiv2(written, stripAll);
 }
 
 } // namespace fennick::picture

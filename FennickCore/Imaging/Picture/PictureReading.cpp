@@ -5,6 +5,7 @@
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
+#include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/Orientation.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
@@ -108,13 +109,14 @@ PictureResult<PictureFacts> readFacts(Bytes file) {
   Fidelity fidelity = header.fidelity;
   if (const auto colours = unusualColours(file, *type, metadata.icc))
     fidelity = colours->isHDR() ? Fidelity::dynamicRange : Fidelity::colours;
+  const Leftovers others = leftovers(file, *type);
   return PictureFacts{.type = *type,
                       .frames = header.frames,
                       .width = header.width,
                       .height = header.height,
                       .orientation = storedOrientation(file, *type),
-                      .hasLocation = hasLocation(metadata),
-                      .hasMetadata = hasMetadata(metadata),
+                      .hasLocation = hasLocation(metadata) || others.location,
+                      .hasMetadata = hasMetadata(metadata) || others.any,
                       .fidelity = fidelity};
 }
 
