@@ -1,5 +1,7 @@
 // A picture file of any kind: what it says is read, cleaned, written into files of ours and read again.
 #include "FennickCore/Imaging/Picture/Containers.h"
+#include "FennickCore/Imaging/Picture/JpegCompanions.h"
+#include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/Orientation.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
@@ -43,6 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (const auto turned = withOrientation(file, *type, orientation))
       require(storedOrientation(bytesOf(*turned), *type) == orientation);
 
+  (void)leftovers(file, *type);
+  (void)jpegCompanions(textOf(file));
   const Metadata found = readMetadata(file, *type);
   const Metadata cleaned =
       prepare(found, {.width = 640, .height = 480, .stripLocation = true, .stripAll = false});

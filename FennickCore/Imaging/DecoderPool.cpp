@@ -105,7 +105,9 @@ PictureResult<Rendering> DecoderPool::render(const std::filesystem::path &file, 
   return Rendering{.bytes = std::move(reply->bytes),
                    .longEdge = reply->answer.longEdge,
                    .quality = reply->answer.quality,
-                   .withinMaxBytes = reply->answer.withinMaxBytes};
+                   .withinMaxBytes = reply->answer.withinMaxBytes,
+                   .losesVideo = reply->answer.losesVideo,
+                   .losesGainMap = reply->answer.losesGainMap};
 }
 
 PictureResult<std::string> DecoderPool::withOrientation(const std::filesystem::path &file,

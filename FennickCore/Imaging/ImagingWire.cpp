@@ -172,6 +172,8 @@ Answer answer(const Json &object) {
   result.longEdge = number(object.at("longEdge"), 0);
   result.quality = share(object.at("quality"));
   result.withinMaxBytes = object.at("withinMaxBytes").get<bool>();
+  result.losesVideo = object.at("losesVideo").get<bool>();
+  result.losesGainMap = object.at("losesGainMap").get<bool>();
   return result;
 }
 
@@ -205,10 +207,9 @@ std::string encoded(const Hello &hello) {
 std::string encoded(const Answer &answer) {
   if (answer.error)
     return dump({{"fault", answer.error->fault}, {"detail", cut(answer.error->detail)}});
-  Json object{{"facts", json(answer.facts)},
-              {"longEdge", answer.longEdge},
-              {"quality", answer.quality},
-              {"withinMaxBytes", answer.withinMaxBytes}};
+  Json object{{"facts", json(answer.facts)},     {"longEdge", answer.longEdge},
+              {"quality", answer.quality},       {"withinMaxBytes", answer.withinMaxBytes},
+              {"losesVideo", answer.losesVideo}, {"losesGainMap", answer.losesGainMap}};
   if (answer.details != PictureDetails())
     object["details"] = json(answer.details);
   return dump(object);

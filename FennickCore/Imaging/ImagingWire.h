@@ -49,6 +49,8 @@ struct Answer {
   std::int64_t longEdge = 0;
   double quality = 0;
   bool withinMaxBytes = true;
+  bool losesVideo = false;
+  bool losesGainMap = false;
 };
 
 [[nodiscard]] std::string encoded(const Request &request);

@@ -55,6 +55,8 @@ struct Rendering {
   std::int64_t longEdge = 0; // of the result, in pixels
   double quality = 0;        // of the last encoding tried
   bool withinMaxBytes = true; // false: the smallest that could be made in time, still over `maxBytes`
+  bool losesVideo = false;    // the photo had a motion video, which the new file does not have
+  bool losesGainMap = false;  // the same for the gain map of an HDR photo
 };
 
 // The one way in which pictures are read: nothing else in the program looks inside them. Every call opens the

@@ -133,6 +133,10 @@ std::string noteOf(const Encode &encode, const Rendering &rendering) {
   std::vector<std::string> remarks = encode.remarks;
   if (!rendering.withinMaxBytes)
     remarks.emplace_back("已到最小尺寸/质量，仍超出体积上限 / at minimum, still over the size limit");
+  if (rendering.losesVideo)
+    remarks.emplace_back("动态照片的视频未保留 / motion video not kept");
+  if (rendering.losesGainMap)
+    remarks.emplace_back("HDR 增益图未保留 / gain map not kept");
   return remarks.empty() ? note : fmt::format("{} · {}", note, fmt::join(remarks, "；"));
 }
 

@@ -5,6 +5,7 @@
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
+#include "FennickCore/Imaging/Picture/JpegCompanions.h"
 #include "FennickCore/Platform/Log.h"
 #include "tests/Imaging/PictureSamples.h"
 #include "tests/Support/TemporaryFolder.h"
@@ -240,14 +241,52 @@ std::vector<Row> irregularJpegRows() {
   };
 }
 
+// A photo of the full size with a gain map of a quarter of it and a video that knows where it was taken.
+std::string motionPhotoInHDR() {
+  const auto with = [](std::string jpeg, const std::string &xmp) {
+    return jpeg.insert(2, *jpegSegment(picture::kAPP1, std::string(picture::kXMPPrefix) + xmp));
+  };
+  const std::string gainMap =
+      with(saved(field(500, 375), ".jpg[strip]"),
+           sampleXmp(R"(xmlns:hdrgm="http://ns.adobe.com/hdr-gain-map/1.0/" hdrgm:GainMapMax="2.5")"));
+  const std::string video = sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")});
+  std::string photo =
+      with(saved(field(2000, 1500), ".jpg[strip]"), companionXmp(gainMap.size(), video.size()));
+  photo.insert(2, *jpegSegment(picture::kAPP1, std::string(picture::kExifPrefix) +
+                                                   sampleExif({.hasGPS = false, .hasPreview = false})));
+  return picture::withGainMap(photo, gainMap) + video;
+}
+
+void expectCompanions(const std::string &file) {
+  const auto found = picture::jpegCompanions(file);
+  ASSERT_TRUE(found.gainMap && found.video);
+  const auto gainMap = file.substr(found.gainMap->at, found.gainMap->length);
+  EXPECT_EQ(picture::jpegFrameSize(gainMap), (PixelSize{.width = 300, .height = 400}));
+  EXPECT_THAT(gainMap, HasSubstr("GainMapMax"));
+  EXPECT_EQ(found.gainMap->at, picture::jpegEnd(file));
+  EXPECT_EQ(found.video->at + found.video->length, file.size());
+  EXPECT_THAT(file, testing::AllOf(HasSubstr("frames"), testing::Not(HasSubstr("43.4"))));
+  EXPECT_THAT(file, HasSubstr("Item:Length=\"" + std::to_string(gainMap.size()) + '"'));
+  // The directory's second entry: its length, and its place from the directory's header on.
+  const auto header = file.find("MPF\0"s) + 4;
+  EXPECT_EQ(picture::readNumber(file, header + 70, 4), gainMap.size());
+  EXPECT_EQ(header + picture::readNumber(file, header + 74, 4).value_or(0), found.gainMap->at);
+  EXPECT_EQ(picture::readNumber(file, header + 54, 4), found.gainMap->at);
+}
+
 // What JPEG files carry beside the picture: motion videos, gain maps, further pictures, trailers.
 std::vector<Row> companionRows() {
+  const std::string lost = "motion video not kept；HDR 增益图未保留 / gain map not kept";
   const std::string plain = saved(field(), ".jpg[strip]");
   const Fates located{kept(), processed(), processed("HEIC"), kept()};
   return {
       {"commented.jpg", plain + "a trailer", {kept(), kept(), processed("HEIC"), kept()}, kOrange},
       {"second.jpg", plain + jpegWithLocation(), located, kOrange},
       {"video.jpg", plain + sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")}), located, kOrange},
+      {"motion.jpg",
+       motionPhotoInHDR(),
+       {kept(), processed("rotated", expectCompanions), processed(lost), kept()},
+       kOrange},
       {"named.png",
        pngWith(pngChunk("tEXt", "Location\0Arezzo"s)),
        {kept(), processed(), processed("HEIC"), processed("JPEG")},

@@ -197,6 +197,22 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
   }
 }
 
+TEST(PictureMetadata, XmpClaimsOnlyTheCompanionsThatThereAre) {
+  const auto claims = [](const CompanionLengths &lengths) {
+    MetadataChange change = kKeep;
+    change.companions = lengths;
+    return prepare({.xmp = companionXmp(1000, 2000)}, change).xmp;
+  };
+  EXPECT_EQ(claims({.gainMap = 1000, .video = 2000}), companionXmp(1000, 2000));
+  EXPECT_THAT(claims({}), AllOf(HasSubstr(kRating), Not(HasSubstr("Container:")), Not(HasSubstr("hdrgm:")),
+                                Not(HasSubstr("Camera:"))));
+  EXPECT_THAT(claims({.gainMap = 700}), AllOf(HasSubstr("hdrgm:Version"), HasSubstr(R"(Item:Length="700")"),
+                                              Not(HasSubstr("Motion")), Not(HasSubstr("MicroVideo"))));
+  EXPECT_THAT(claims({.gap = 24, .video = 900}),
+              AllOf(HasSubstr(R"(Camera:MicroVideoOffset="900")"), HasSubstr(R"(Item:Length="900")"),
+                    HasSubstr(R"(Item:Padding="24")"), Not(HasSubstr("GainMap"))));
+}
+
 TEST(PictureMetadata, AVideoKeepsItsPlaceWithoutItsLocation) {
   const std::string video = sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")});
   const auto cleaned = videoWithoutLocation(video);

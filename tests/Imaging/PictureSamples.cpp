@@ -198,6 +198,24 @@ std::string sampleXmp(const std::string &attributes) {
          attributes + "/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>";
 }
 
+std::string companionXmp(std::size_t gainMapBytes, std::size_t videoBytes) {
+  const auto item = [](const std::string &kind, std::size_t bytes) {
+    return R"(<rdf:li rdf:parseType="Resource"><Container:Item Item:Semantic=")" + kind +
+           R"(" Item:Length=")" + std::to_string(bytes) + R"(" Item:Padding="0"/></rdf:li>)";
+  };
+  std::string packet = sampleXmp(
+      R"(xmlns:hdrgm="http://ns.adobe.com/hdr-gain-map/1.0/" xmlns:Camera="http://ns.google.com/photos/1.0/camera/" )"
+      R"(xmlns:Container="http://ns.google.com/photos/1.0/container/" )"
+      R"(xmlns:Item="http://ns.google.com/photos/1.0/container/item/" hdrgm:Version="1.0" xmp:Rating="5" )"
+      R"(Camera:MotionPhoto="1" Camera:MicroVideoOffset=")" +
+      std::to_string(videoBytes) + "\"");
+  const std::string end = "/></rdf:RDF>";
+  return packet.replace(packet.find(end), end.size(),
+                        "><Container:Directory><rdf:Seq>" + item("Primary", 0) +
+                            item("GainMap", gainMapBytes) + item("MotionPhoto", videoBytes) +
+                            "</rdf:Seq></Container:Directory></rdf:Description></rdf:RDF>");
+}
+
 std::string packedXmp(const std::string &packet) {
   return pngChunk("iTXt", "XML:com.adobe.xmp\0\1\0\0\0"s + deflated(packet));
 }

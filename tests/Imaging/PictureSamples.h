@@ -85,6 +85,8 @@ std::string sampleVideo(const SampleVideo &sample = {});
 
 // An XMP packet with the given attributes of its description.
 std::string sampleXmp(const std::string &attributes);
+// One that claims companions of these lengths, as phones write it.
+std::string companionXmp(std::size_t gainMapBytes, std::size_t videoBytes);
 std::string packedXmp(const std::string &packet); // as a PNG's compressed text
 std::string iptcSet(unsigned number, const std::string &value);
 

@@ -28,6 +28,7 @@ constexpr std::size_t kMostText = 65'536;
 constexpr std::size_t kMostExifBlock = 65'536;
 constexpr std::size_t kWindow = 1'048'576;
 constexpr std::size_t kLongestWord = 32;
+constexpr int kMostVideos = 16;
 constexpr int kMostBlocks = 256; // of a kind in one file; more are not worth the time
 
 bool holdsWord(std::string_view window) {
@@ -77,8 +78,9 @@ bool bytesMayHaveLocation(std::string_view bytes) {
 
 bool trailerMayHaveLocation(std::string_view trailer) {
   std::size_t at = 0;
+  int videos = 0;
   while (const auto video = findVideo(trailer, at)) {
-    if (bytesMayHaveLocation(trailer.substr(at, video->at - at)) ||
+    if (++videos > kMostVideos || bytesMayHaveLocation(trailer.substr(at, video->at - at)) ||
         videoMayHaveLocation(trailer.substr(video->at, video->length)))
       return true;
     at = video->at + video->length;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/Picture/Bytes.h"
+#include "FennickCore/Imaging/Picture/MetadataXmp.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Imaging/PictureTypes.h"
 
@@ -40,6 +41,7 @@ struct MetadataChange {
   std::int64_t height = 0;
   bool stripLocation = false;
   bool stripAll = false; // leaves only the colour profile
+  CompanionLengths companions{};
 };
 
 // What to write with an upright re-encoding: orientation 1, its dimensions, no previews. Blocks that need no

@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/HeifFile.h"
+#include "FennickCore/Imaging/Picture/JpegCompanions.h"
 #include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
@@ -25,7 +26,8 @@ bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool s
   const bool isBlock =
       segment.marker == kAPP13 ||
       (segment.marker == kAPP1 && (payload.starts_with(kExifPrefix) || payload.starts_with(kXMPPrefix)));
-  return isBlock ? !stripAll : isNeededForPixels(segment, file);
+  const bool isDirectory = segment.marker == kAPP2 && announcesGainMap(payload);
+  return isBlock || isDirectory ? !stripAll : isNeededForPixels(segment, file);
 }
 
 // A second block of a kind, or anything between the segments, would be seen by some readers and not by
@@ -63,21 +65,6 @@ bool isCleanHeif(std::string_view file, bool stripAll) {
          std::ranges::count(heif->items, "mime"sv, &HeifItem::type) <= most;
 }
 
-bool isCleanContainer(std::string_view file, PictureType type, bool stripAll) {
-  switch (type) {
-  case PictureType::jpeg:
-    return isCleanJpeg(file, stripAll);
-  case PictureType::png:
-    return isCleanPng(file, stripAll);
-  case PictureType::heic:
-  case PictureType::heif:
-  case PictureType::avif:
-    return isCleanHeif(file, stripAll);
-  default:
-    return false; // never written
-  }
-}
-
 bool saysPlace(const Exiv2::Exifdatum &datum) {
   return datum.groupName() == "GPSInfo" || datum.key() == "Exif.Image.GPSTag" ||
          datum.groupName() == "Thumbnail";
@@ -100,6 +87,41 @@ bool isCleanForExiv2(Bytes file, bool stripAll) {
                {reinterpret_cast<const char *>(sets.pData_), static_cast<std::size_t>(sets.size_)});
   });
   return isClean.value_or(false);
+}
+
+// The picture, its gain map directly behind it and its video to the end of the file. What they say is looked
+// at as a whole elsewhere.
+bool isCleanJpegFile(std::string_view file, bool stripAll) {
+  const auto end = jpegEnd(file);
+  if (!end || !isCleanJpeg(file.substr(0, *end), stripAll))
+    return false;
+  if (*end == file.size())
+    return true;
+  const JpegCompanions companions = jpegCompanions(file);
+  std::size_t at = *end;
+  if (companions.gainMap) {
+    const std::string_view gainMap = file.substr(companions.gainMap->at, companions.gainMap->length);
+    if (companions.gainMap->at != at || !isCleanJpeg(gainMap, stripAll) ||
+        !isCleanForExiv2(bytesOf(gainMap), stripAll))
+      return false;
+    at += gainMap.size();
+  }
+  return !stripAll && (companions.video ? companions.trailerAt == at : at == file.size());
+}
+
+bool isCleanContainer(std::string_view file, PictureType type, bool stripAll) {
+  switch (type) {
+  case PictureType::jpeg:
+    return isCleanJpegFile(file, stripAll);
+  case PictureType::png:
+    return isCleanPng(file, stripAll);
+  case PictureType::heic:
+  case PictureType::heif:
+  case PictureType::avif:
+    return isCleanHeif(file, stripAll);
+  default:
+    return false; // never written
+  }
 }
 
 bool hasPreview(const Metadata &metadata) {

@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/MetadataXmp.h"
 
+#include "FennickCore/Imaging/Picture/MetadataCompanions.h"
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 
 #include <algorithm>
@@ -78,6 +79,7 @@ bool bringUpToDate(Exiv2::XmpData &data, const XmpChange &change) {
   bool changed = eraseWhere(data, isStale);
   if (change.stripLocation)
     changed |= eraseWhere(data, xmpKeyNamesPlace);
+  changed |= stateCompanions(data, change.companions);
   changed |= correct(data, "Xmp.tiff.Orientation", 1);
   for (const char *key : {"Xmp.tiff.ImageWidth", "Xmp.exif.PixelXDimension"})
     changed |= correct(data, key, change.width);

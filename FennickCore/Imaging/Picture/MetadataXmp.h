@@ -16,13 +16,24 @@ namespace fennick::picture {
 // The same by words alone, for text that is no whole packet.
 [[nodiscard]] bool xmpMayHaveLocation(std::string_view text);
 
+// What follows the main picture in its file, in bytes; 0: there is none.
+struct CompanionLengths {
+  std::size_t gainMap = 0;
+  std::size_t gap = 0;   // between what precedes the video and the video
+  std::size_t video = 0; // from its start to the end of the file
+
+  bool operator==(const CompanionLengths &) const = default;
+};
+
 struct XmpChange {
   std::int64_t width = 0;
   std::int64_t height = 0;
   bool stripLocation = false;
+  CompanionLengths companions{}; // of the file that the packet is written into
 };
-// For an upright picture of these dimensions: without previews and references to extended parts. The packet
-// itself when nothing has to change, or when it cannot be read and location may stay; empty otherwise.
+// For an upright picture of these dimensions: without previews, references to extended parts, and claims
+// about videos and gain maps that are not there. The packet itself when nothing has to change, or when it
+// cannot be read and location may stay; empty otherwise.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
 
 // The same properties in as few bytes as possible; nothing when the packet cannot be read.

@@ -1,4 +1,5 @@
 #include "FennickCore/Imaging/ImageLimits.h"
+#include "FennickCore/Imaging/Picture/Companions.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
@@ -38,8 +39,8 @@ VImage fit(const VImage &image, PictureType output) {
 // One encoding after another of one picture, decoded once.
 class Encoding {
 public:
-  Encoding(VImage image, Metadata metadata, const RenderRequest &request)
-      : image_(std::move(image)), metadata_(std::move(metadata)), request_(request) {
+  Encoding(VImage image, Metadata metadata, const RenderRequest &request, Companions &companions)
+      : image_(std::move(image)), metadata_(std::move(metadata)), request_(request), companions_(companions) {
     metadata_.icc = colourProfile(image_);
   }
 
@@ -48,10 +49,12 @@ public:
     if (!current_ || longEdge(*current_) != edge)
       current_ = reduced(image_, edge);
     const VImage &image = *current_;
+    companions_.resize(edge);
     const Metadata blocks = prepare(metadata_, {.width = image.width(),
                                                 .height = image.height(),
                                                 .stripLocation = request_.stripLocation,
-                                                .stripAll = request_.stripAllMetadata});
+                                                .stripAll = request_.stripAllMetadata,
+                                                .companions = companions_.lengths()});
     const auto *pixels = static_cast<const unsigned char *>(image.data());
     switch (request_.output) {
     case PictureType::heic:
@@ -59,9 +62,18 @@ public:
     case PictureType::png:
       return written(encodedPng(image), withIptcInXmp(blocks));
     default:
-      return written(encodeJpeg(pixels, image.width(), image.height(), image.bands(), quality), blocks);
+      return accompanied(
+          written(encodeJpeg(pixels, image.width(), image.height(), image.bands(), quality), blocks), edge,
+          quality);
     }
   }
+
+  // The first encoding that met the limit alone and not with its companions. Forgets it.
+  struct Fit {
+    std::int64_t edge = 0;
+    double quality = 0;
+  };
+  [[nodiscard]] std::optional<Fit> takeFitAlone() { return std::exchange(fitsAlone_, std::nullopt); }
 
   [[nodiscard]] std::int64_t fullEdge() const { return longEdge(image_); }
 
@@ -80,21 +92,58 @@ private:
     return whole ? std::move(*whole) : std::string();
   }
 
+  std::string accompanied(std::string picture, std::int64_t edge, double quality) {
+    if (picture.empty())
+      return picture;
+    const bool fitsAlone = request_.maxBytes && std::ssize(picture) <= *request_.maxBytes;
+    picture = companions_.withGainMapBehind(std::move(picture)) + companions_.trailer();
+    if (!fitsAlone_ && fitsAlone && std::ssize(picture) > *request_.maxBytes)
+      fitsAlone_ = Fit{edge, quality};
+    return picture;
+  }
+
   VImage image_;
   Metadata metadata_;
   const RenderRequest &request_;
+  Companions &companions_;
+  std::optional<Fit> fitsAlone_;
   std::optional<VImage> current_; // image_ at the size asked for last
 };
 
+// Companions may cost the photo quality but no pixels: rather than that they are given up one by one.
+std::optional<Rendering> searchWithCompanions(Encoding &encoding, Companions &companions,
+                                              RenderRequest request, const Elapsed &elapsed) {
+  std::int64_t edge = encoding.fullEdge();
+  const auto search = [&] {
+    return searchSize(
+        edge, request, [&](std::int64_t tried, double quality) { return encoding.at(tried, quality); },
+        elapsed);
+  };
+  auto result = search();
+  while (result) {
+    const auto fit = encoding.takeFitAlone();
+    const bool isShort = !result->withinMaxBytes || (fit && result->longEdge < fit->edge);
+    if (!fit || !isShort || !companions.dropOne())
+      break;
+    edge = fit->edge;
+    request.quality = fit->quality;
+    result = search();
+  }
+  if (result) {
+    result->losesVideo = companions.losesVideo();
+    result->losesGainMap = companions.losesGainMap();
+  }
+  return result;
+}
+
 PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequest &request,
-                                  const Elapsed &elapsed) {
+                                  std::int64_t storedEdge, const Elapsed &elapsed) {
   DecodedPicture decoded = decodePicture(file, type, request.longEdge, Damage::refuse);
   const VImage image = fit(upright(reduced(decoded.image, request.longEdge), decoded.turn), request.output);
   decoded.image = VImage(); // gives its memory back
-  Encoding encoding(image, readMetadata(file, type), request);
-  auto result = searchSize(
-      encoding.fullEdge(), request,
-      [&](std::int64_t edge, double quality) { return encoding.at(edge, quality); }, elapsed);
+  Companions companions(file, type, request, storedEdge, decoded.turn);
+  Encoding encoding(image, readMetadata(file, type), request, companions);
+  auto result = searchWithCompanions(encoding, companions, request, elapsed);
   if (!result)
     return fail(PictureFault::unencodable, "the encoder gave nothing");
   if (!proveRemoved(bytesOf(result->bytes), request.output, request.stripLocation, request.stripAllMetadata))
@@ -114,7 +163,7 @@ PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
   if (isRaw(facts->type) || facts->frames != 1 || facts->fidelity != Fidelity::faithful)
     return fail(PictureFault::unsupported, "a new encoding cannot show the same");
   try {
-    return rendered(file, facts->type, request,
+    return rendered(file, facts->type, request, std::max(*facts->width, *facts->height),
                     [started] { return std::chrono::steady_clock::now() - started; });
   } catch (const vips::VError &error) {
     return fail(PictureFault::undecodable, error.what());

@@ -82,6 +82,8 @@ Outcome carriedOut(const wire::Request &request, Bytes file) {
             outcome.answer.longEdge = rendering.longEdge;
             outcome.answer.quality = rendering.quality;
             outcome.answer.withinMaxBytes = rendering.withinMaxBytes;
+            outcome.answer.losesVideo = rendering.losesVideo;
+            outcome.answer.losesGainMap = rendering.losesGainMap;
             outcome.bytes = std::move(rendering.bytes);
           });
       },
