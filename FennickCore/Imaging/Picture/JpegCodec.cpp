@@ -185,6 +185,25 @@ std::string encodeJpeg(const unsigned char *pixels, int width, int height, int b
   return taken(buffer, size, status);
 }
 
+namespace {
+
+// With the last column and row once more where a side is odd: TurboJPEG reads blocks of 2 x 2 pixels.
+Plane inWholeBlocks(const Plane &plane) {
+  Plane whole{.width = (plane.width + 1) / 2 * 2, .height = (plane.height + 1) / 2 * 2, .pixels = {}};
+  const auto width = static_cast<std::size_t>(plane.width);
+  whole.pixels.reserve(static_cast<std::size_t>(whole.width) * static_cast<std::size_t>(whole.height));
+  for (int y = 0; y < whole.height; ++y) {
+    const auto row = std::span(plane.pixels)
+                         .subspan(static_cast<std::size_t>(std::min(y, plane.height - 1)) * width, width);
+    whole.pixels.insert(whole.pixels.end(), row.begin(), row.end());
+    if (whole.width > plane.width)
+      whole.pixels.push_back(row.back());
+  }
+  return whole;
+}
+
+} // namespace
+
 std::string encodeJpegPlanes(const PlanarPicture &picture, double quality) {
   const Codec codec = compressor();
   if (!codec)
@@ -196,6 +215,12 @@ std::string encodeJpegPlanes(const PlanarPicture &picture, double quality) {
     strides.at(i) = picture.planes.at(i).width;
   }
   const Plane &luma = picture.planes[0];
+  const bool isOdd = luma.width % 2 != 0 || luma.height % 2 != 0;
+  const Plane whole = isOdd && !picture.gray ? inWholeBlocks(luma) : Plane{};
+  if (!whole.pixels.empty()) {
+    rows[0] = whole.pixels.data();
+    strides[0] = whole.width;
+  }
   unsigned char *buffer = nullptr;
   unsigned long size = 0;
   const int status =
