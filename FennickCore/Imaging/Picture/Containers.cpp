@@ -130,10 +130,11 @@ std::optional<PixelSize> jpegFrameSize(std::string_view file) {
       std::ranges::find_if(segments, [](const JpegSegment &segment) { return isFrame(segment.marker); });
   if (frame == segments.end() || frame->payloadBytes < 5)
     return std::nullopt;
-  const auto number = [&](std::size_t at) {
-    return static_cast<std::int64_t>(readNumber(frame->payload(file), at, 2).value_or(0));
-  };
-  return PixelSize{.width = number(3), .height = number(1)};
+  const auto height = readNumber(frame->payload(file), 1, 2).value_or(0);
+  const auto width = readNumber(frame->payload(file), 3, 2).value_or(0);
+  if (width == 0 || height == 0)
+    return std::nullopt;
+  return PixelSize{.width = static_cast<std::int64_t>(width), .height = static_cast<std::int64_t>(height)};
 }
 
 std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload) {

@@ -45,7 +45,7 @@ struct JpegSegment : Part {
 [[nodiscard]] std::vector<JpegSegment> jpegSegments(std::string_view file);
 // Whether every byte before the first scan belongs to one of `segments`, which are the file's.
 [[nodiscard]] bool isGapless(const std::vector<JpegSegment> &segments, std::string_view file);
-// The size that the frame header states, of whatever kind the frame is.
+// The size that the frame header states, of whatever kind the frame is; nothing if it leaves a side open.
 [[nodiscard]] std::optional<PixelSize> jpegFrameSize(std::string_view file);
 // Nothing for a payload beyond 65,533 bytes.
 [[nodiscard]] std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload);
