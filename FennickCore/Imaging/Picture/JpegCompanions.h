@@ -34,8 +34,7 @@ struct VideoTrailer {
 // The gain map's metadata in the form of ISO 21496-1 as the main picture announces it; empty: not announced.
 [[nodiscard]] std::string isoGainMapBlock(std::string_view jpeg);
 
-// The segments of `jpeg` that make it a gain map in other readers' eyes, ISO 21496-1, behind its other
-// blocks.
+// Inserts `block`, if there is one, behind the other blocks of `jpeg`.
 [[nodiscard]] std::string withIsoGainMapBlock(std::string jpeg, std::string_view block);
 
 // `picture`, a JPEG, announcing `gainMap` in a multi-picture directory and followed by it. Empty if the two

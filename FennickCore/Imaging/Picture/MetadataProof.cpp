@@ -89,8 +89,8 @@ bool isCleanForExiv2(Bytes file, bool stripAll) {
   return isClean.value_or(false);
 }
 
-// The picture, its gain map directly behind it and its video to the end of the file. What they say is looked
-// at as a whole elsewhere.
+// The picture, its gain map directly behind it and its video to the end of the file. leftovers() looks for
+// locations in them.
 bool isCleanJpegFile(std::string_view file, bool stripAll) {
   const auto end = jpegEnd(file);
   if (!end || !isCleanJpeg(file.substr(0, *end), stripAll))

@@ -32,8 +32,8 @@ struct XmpChange {
   CompanionLengths companions{}; // of the file that the packet is written into
 };
 // For an upright picture of these dimensions: without previews, references to extended parts, and claims
-// about videos and gain maps that are not there. The packet itself when nothing has to change, or when it
-// cannot be read and location may stay; empty otherwise.
+// about videos and gain maps that are not there. Returns the packet itself if nothing has to change, or if it
+// cannot be read and location may stay; otherwise an empty text.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
 
 // The same properties in as few bytes as possible; nothing when the packet cannot be read.
