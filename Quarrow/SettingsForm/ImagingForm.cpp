@@ -260,14 +260,16 @@ QVariantList ImagingForm::formats() {
 
 QString ImagingForm::formatMeaning() const {
   const bool lacksHEIC = writesHEIC_ == false;
+  const QString original = now().keepOriginal ? tr("原图留在 originals") : tr("原图移到废纸篓");
   switch (now().format) {
   case OutputFormat::keep:
-    return lacksHEIC ? tr("这台电脑写不了 HEIC：要改动的 HEIC 照片会存成 JPEG")
-                     : tr("JPEG 还是 JPEG，HEIC 还是 HEIC");
+    return (lacksHEIC ? tr("这台电脑写不了 HEIC：要改动的 HEIC，还有 WebP、TIFF、AVIF，会存成 JPEG，")
+                      : tr("JPEG 还是 JPEG，HEIC 还是 HEIC；WebP、TIFF、AVIF 会存成 JPEG，")) +
+           original;
   case OutputFormat::jpeg:
     return tr("哪里都打得开");
   case OutputFormat::heic:
-    return lacksHEIC ? tr("这台电脑写不了 HEIC，会存成 JPEG")
+    return lacksHEIC ? tr("这台电脑写不了 HEIC，会存成 JPEG；原来不是 JPEG 的，") + original
                      : tr("同样清楚，文件约小一半，但有些旧程序打不开");
   case OutputFormat::png:
     return tr("不损失画质，照片会大好几倍，适合截图");
