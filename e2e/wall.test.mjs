@@ -61,7 +61,15 @@ test('photos are renamed, deleted, turned and put in another order, and each of 
   drag(session, tile(0), { ...tile(2), x: tile(2).x + 60 });
   const order = path.join(photos, '.fennick-order.json');
   await until(() => fs.existsSync(order), 'the new order');
-  assert.deepEqual(JSON.parse(fs.readFileSync(order, 'utf8')), { order: ['second.jpg', 'third.jpg', 'first.jpg'] });
+  const arranged = { order: ['second.jpg', 'third.jpg', 'first.jpg'] };
+  assert.deepEqual(JSON.parse(fs.readFileSync(order, 'utf8')), arranged);
+  session.key('ctrl+t');
+  await until(() => !fs.existsSync(order), 'the order to be gone');
+  session.key('ctrl+z');
+  await until(() => fs.existsSync(order), 'the order to be back');
+  assert.deepEqual(JSON.parse(fs.readFileSync(order, 'utf8')), arranged);
+  session.key('ctrl+z');
+  await until(() => !fs.existsSync(order), 'the drag to be undone');
 
   assert.deepEqual(await program.end(), { code: 0, signal: null });
   assert.equal(program.stderr, '');

@@ -37,6 +37,7 @@ AppWindow {
         WallHeader {
             visible: !window.empty
             Layout.fillWidth: true
+            onReleased: grid.focusGrid()
         }
         ErrorNotice {
             visible: Server.error && !window.empty && Wall.state !== Wall.Missing

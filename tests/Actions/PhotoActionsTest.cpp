@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 
 #include <cerrno>
+#include <semaphore>
 
 namespace quarrow {
 namespace {
@@ -147,11 +148,14 @@ TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
   select({"a.jpg", "b.jpg", "c.jpg"});
   actions.rotate(true);
   settle();
-  decoder.hold();
+  std::binary_semaphore reached{0};
+  std::binary_semaphore stopped{0};
+  files.before(Operation::replace, [&] { reached.release(), stopped.acquire(); }); // of the first picture
   actions.undo();
-  decoder.awaitHeld(1);
+  reached.acquire();
   actions.jobs()->stop();
-  decoder.release();
+  files.before(Operation::replace, {});
+  stopped.release();
   settle();
   EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 8turned 6");
   EXPECT_EQ(actions.note(), "已停止，还有 2 项没有撤销");

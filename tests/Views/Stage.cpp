@@ -201,6 +201,10 @@ void Stage::awaitOnWall(const QString &name) {
   queue_.runUntil([&] { return wallNames().contains(name); });
 }
 
+void Stage::awaitWall(const QStringList &names) {
+  queue_.runUntil([&] { return wallNames() == names; });
+}
+
 void Stage::losePhotos() {
   auto &library = controller_.library();
   library.setFolder(disk_ / "gone");

@@ -83,6 +83,8 @@ public:
   Q_INVOKABLE void clearWall();
   // The names on the wall, in its order.
   Q_INVOKABLE static QStringList wallNames();
+  // Runs until the wall shows these, in this order.
+  Q_INVOKABLE void awaitWall(const QStringList &names);
   // Thumbnails that are on the disk but not in memory, and a second wall over the same folder that shows
   // them.
   [[nodiscard]] std::unique_ptr<fennick::Thumbnails> anotherThumbnails() {

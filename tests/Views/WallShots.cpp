@@ -42,6 +42,12 @@ void choose(std::initializer_list<int> places) {
     wall().click(place, Qt::ControlModifier);
 }
 
+void arranged(Stage &stage) {
+  many(stage);
+  wall().click(5, Qt::NoModifier);
+  wall().moveSelectionTo(0);
+}
+
 QQuickItem &item(QObject &window, const char *name) { return *window.findChild<QQuickItem *>(name); }
 
 } // namespace
@@ -60,6 +66,15 @@ std::vector<Shot> wallShots() {
              for (const auto key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Down})
                QTest::keyClick(qobject_cast<QWindow *>(&window), key);
            }},
+      {.view = "MainWindow",
+       .state = "wall-arranged",
+       .arrange = arranged,
+       .touch =
+           [](QObject &window) {
+             choose({2});
+             QMetaObject::invokeMethod(window.findChild<QObject *>("photoMenu"), "open");
+           }},
+      {.view = "MainWindow", .state = "wall-arranged-narrow", .arrange = arranged, .size = {420, 640}},
       {.view = "MainWindow",
        .state = "wall-small",
        .arrange =

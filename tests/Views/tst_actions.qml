@@ -83,7 +83,7 @@ TestCase {
         tryVerify(() => !menu.visible);
 
         Stage.select(["c.mov"]);
-        verify(!find("rotateLeft").enabled && !find("rotateRight").enabled);
+        verify(!find("rotateLeft").enabled && !find("rotateRight").enabled && !find("sortByDate").enabled);
         Stage.select(["a.jpg", "c.mov"]);
         verify(find("rotateLeft").enabled);
         compare(find("rename").text, "批量重命名…");

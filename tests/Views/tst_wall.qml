@@ -41,6 +41,9 @@ TestCase {
         const at = middleOf(place);
         mouseClick(window.contentItem, at.x, at.y, button ?? Qt.LeftButton, modifiers ?? Qt.NoModifier);
     }
+    function initials() {
+        return Stage.wallNames().map(name => name[0]).join("");
+    }
     function selected() {
         return Stage.wallNames().filter((name, place) => Wall.isSelected(place)).map(name => name[0]).join("");
     }
@@ -89,8 +92,19 @@ TestCase {
         verify(Math.abs(mark.mapToItem(window.contentItem, 2, 0).x - tile(1).mapToItem(window.contentItem, 0, 0).x) <= 1);
         verify(Hands.drag(window, Wall.dragData(), [at], true));
         verify(!mark.visible);
-        compare(Stage.wallNames().map(name => name[0]).join(""), "afgbcdeh");
+        compare(initials(), "afgbcdeh");
         compare(selected(), "fg");
+
+        const sort = findChild(window, "sortByDate");
+        verify(sort.visible);
+        Hands.press(window, Qt.Key_T, Qt.ControlModifier);
+        Stage.awaitWall(["a.jpg", "b.jpg", "c.MOV", "d.jpg", "e.jpg", "f.jpg", "g.jpg", "h.jpg"]);
+        verify(!sort.visible && Hands.speaks(window, "已按时间排列"));
+        Hands.press(window, Qt.Key_Z, Qt.ControlModifier);
+        Stage.awaitWall(["a.jpg", "f.jpg", "g.jpg", "b.jpg", "c.MOV", "d.jpg", "e.jpg", "h.jpg"]);
+        sort.forceActiveFocus(Qt.TabFocusReason);
+        Hands.press(window, Qt.Key_Return);
+        verify(!sort.visible && grid.activeFocus);
     }
 
     function test_filesFromElsewhereAreBroughtIn() {

@@ -39,6 +39,8 @@ Item {
             Actions.rotate(false);
         else if (key === Qt.Key_R)
             Actions.rotate(true);
+        else if (key === Qt.Key_T)
+            Actions.sortByDate();
         else if (key === Qt.Key_E)
             exportPhotos();
         else

@@ -98,6 +98,15 @@ PopupMenu {
     }
     PopupMenuRule {}
     PopupMenuItem {
+        objectName: "sortByDate"
+        text: qsTr("按时间排列")
+        icon.name: "clock"
+        keys: "Ctrl+T"
+        enabled: Actions.canSortByDate
+        onTriggered: Actions.sortByDate()
+    }
+    PopupMenuRule {}
+    PopupMenuItem {
         objectName: "trash"
         text: qsTr("移到废纸篓")
         icon.name: "trash"

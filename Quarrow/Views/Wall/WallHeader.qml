@@ -8,6 +8,8 @@ Rectangle {
 
     readonly property bool wide: width >= 640
 
+    signal released // a button that is gone had the focus
+
     implicitHeight: 52
     color: Theme.surface
 
@@ -52,6 +54,16 @@ Rectangle {
             elide: Text.ElideRight
             Layout.leftMargin: 8
             Layout.fillWidth: true
+        }
+        IconButton {
+            objectName: "sortByDate"
+            visible: Actions.canSortByDate
+            text: qsTr("按时间排列")
+            icon.name: "clock"
+            onClicked: {
+                Actions.sortByDate();
+                header.released();
+            }
         }
         Icon {
             visible: header.wide
