@@ -21,6 +21,22 @@ bool liesIn(const fs::path &file, const std::optional<fs::path> &folder) {
   return folder && std::ranges::mismatch(*folder, file).in1 == folder->end();
 }
 
+// Applies renamings to a list whose elements have their name in `nameOf`. What is listed under the new name
+// of another element is gone and is dropped. A list that knows the new name already is left as it is.
+template <typename List, typename Renamings, typename NameOf>
+void renameIn(List &list, const Renamings &renamings, NameOf nameOf) {
+  std::set<typename Renamings::key_type> replaced;
+  for (const auto &element : list)
+    if (const auto found = renamings.find(nameOf(element)); found != renamings.end())
+      replaced.insert(found->second);
+  std::erase_if(list, [&](const auto &element) {
+    return replaced.contains(nameOf(element)) && !renamings.contains(nameOf(element));
+  });
+  for (auto &element : list)
+    if (const auto found = renamings.find(nameOf(element)); found != renamings.end())
+      nameOf(element) = found->second;
+}
+
 } // namespace
 
 PhotoLibrary::PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue &mainQueue,
@@ -217,18 +233,14 @@ void PhotoLibrary::rename(std::span<const Renaming> renamings) {
   Edits edits;
   for (auto &[folder, changes] : names)
     edits[folder] = [changed = std::move(changes)](Names order) {
-      for (auto &name : order)
-        if (const auto found = changed.find(name); found != changed.end())
-          name = found->second;
+      renameIn(order, changed, [](auto &name) -> auto & { return name; });
       return order;
     };
   editOrders(std::move(edits));
   Items changed = items_;
+  renameIn(changed, targets, [](auto &item) -> auto & { return item.url; });
   for (auto &item : changed)
-    if (const auto found = targets.find(item.url); found != targets.end()) {
-      item.url = found->second;
-      item.name = item.url.filename().string();
-    }
+    item.name = item.url.filename().string();
   publish(std::move(changed));
   goneObservers_.publish(gone);
 }
