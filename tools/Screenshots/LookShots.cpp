@@ -1,5 +1,5 @@
 #include "Quarrow/Views/Registration.h"
-#include "tests/Views/Shots.h"
+#include "tools/Screenshots/Shots.h"
 
 #include <QMetaObject>
 #include <QPointF>

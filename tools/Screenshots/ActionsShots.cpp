@@ -1,4 +1,4 @@
-#include "tests/Views/Shots.h"
+#include "tools/Screenshots/Shots.h"
 
 #include "Quarrow/Views/Registration.h"
 
