@@ -41,7 +41,7 @@ struct Preset {
 const std::array kPresets{
     Preset{"asIs",
            QT_TRANSLATE_NOOP("quarrow::ImagingForm", "原样保存"),
-           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "手机传来什么样，就存成什么样"),
+           QT_TRANSLATE_NOOP("quarrow::ImagingForm", "原样存下；WebP、TIFF、AVIF 转成 JPEG"),
            {}},
     Preset{"share",
            QT_TRANSLATE_NOOP("quarrow::ImagingForm", "适合分享"),
