@@ -81,6 +81,10 @@ OriginalFate fateAfterInterruption(const fs::path &source, const fs::path &targe
   return fateOf(options, !isSure || isUnaskedConversion(type->type, newType->type, options.format));
 }
 
+PrivateData without(PrivateData data, const PrivateData &removed) {
+  return {.location = data.location && !removed.location, .metadata = data.metadata && !removed.metadata};
+}
+
 } // namespace
 
 Failure failureOf(const PictureError &error, PictureType output) {
@@ -128,8 +132,11 @@ std::string description(const Failure &failure) {
   }
 }
 
-Outcome tryProcess(const fs::path &url, const ImagingOptions &options, Seconds timeout,
-                   const Services &services) {
+namespace {
+
+// `remaining` becomes what the file under `url` may have, as soon as its facts are known.
+Outcome attempt(const fs::path &url, const ImagingOptions &options, Seconds timeout, const Services &services,
+                PrivateData &remaining) {
   const auto started = std::chrono::steady_clock::now();
   const auto status = fileStatus(url);
   if (!status)
@@ -139,6 +146,7 @@ Outcome tryProcess(const fs::path &url, const ImagingOptions &options, Seconds t
     return unprocessed(url, "非图片，原样保存 / not an image, kept as is");
   if (!facts)
     return fail(facts.error(), PictureType::jpeg);
+  remaining = privateDataOf(*facts);
   const Plan decided = plan(*facts, status->bytes, options, [&] { return services.decoder.canEncodeHEIC(); });
   if (const auto *leave = std::get_if<LeaveAlone>(&decided))
     return unprocessed(url, leave->note);
@@ -149,15 +157,33 @@ Outcome tryProcess(const fs::path &url, const ImagingOptions &options, Seconds t
   const auto rendering = services.decoder.render(url, encode->request, std::max(left, Seconds(0)));
   if (!rendering)
     return fail(rendering.error(), encode->request.output);
-  return commit(url, *status, options, *encode, *rendering, services);
+  auto result = commit(url, *status, options, *encode, *rendering, services);
+  if (result)
+    remaining = without(remaining, options.dataToRemove());
+  return result;
+}
+
+} // namespace
+
+Outcome tryProcess(const fs::path &url, const ImagingOptions &options, Seconds timeout,
+                   const Services &services) {
+  PrivateData remaining{.location = true, .metadata = true};
+  auto result = attempt(url, options, timeout, services, remaining);
+  if (result)
+    result->remaining = remaining;
+  return result;
 }
 
 ProcessResult process(const fs::path &url, const ImagingOptions &options, Seconds timeout,
                       const Services &services) {
-  auto result = tryProcess(url, options, timeout, services);
-  if (result)
-    return std::move(*result);
-  return unprocessed(url, "未处理 / skipped: " + description(result.error()));
+  PrivateData remaining{.location = true, .metadata = true};
+  auto outcome = attempt(url, options, timeout, services, remaining);
+  auto result =
+      outcome ? std::move(*outcome) : unprocessed(url, "未处理 / skipped: " + description(outcome.error()));
+  if (!outcome)
+    result.failure = outcome.error();
+  result.remaining = remaining;
+  return result;
 }
 
 bool wasPlaced(const fs::path &output, const fs::path &target) {

@@ -16,17 +16,6 @@
 
 namespace fennick {
 
-// What became of one received file.
-struct ProcessResult {
-  std::filesystem::path finalURL; // where the file is now
-  std::optional<std::filesystem::path>
-      originalURL{};                 // where the untouched original was moved, if it was kept
-  bool processed = false;            // a new encoding took the file's place
-  std::optional<std::string> note{}; // for the person
-
-  bool operator==(const ProcessResult &) const = default;
-};
-
 // Processes received pictures in place, as the person chose: smaller, another format, without metadata. It
 // never fails an upload: whatever cannot or need not be done leaves the file as it arrived.
 //
@@ -51,6 +40,24 @@ struct PipelineError {
 };
 // Why a file was left alone: its picture, or the file system.
 using Failure = std::variant<PipelineError, std::error_code>;
+} // namespace ImagePipeline
+
+// What became of one received file.
+struct ProcessResult {
+  std::filesystem::path finalURL; // where the file is now
+  std::optional<std::filesystem::path>
+      originalURL{};                 // where the untouched original was moved, if it was kept
+  bool processed = false;            // a new encoding took the file's place
+  std::optional<std::string> note{}; // for the person
+  // What the file under `finalURL` still has, or may have where its metadata could not be read.
+  PrivateData remaining{.location = true, .metadata = true};
+  std::optional<ImagePipeline::Failure> failure{}; // why it was left alone though it should not have been
+
+  bool operator==(const ProcessResult &) const = default;
+};
+
+namespace ImagePipeline {
+
 // What the decoder said about a picture that was to become an `output`.
 [[nodiscard]] Failure failureOf(const PictureError &error, PictureType output);
 // In the words that follow "未处理 / skipped: ".

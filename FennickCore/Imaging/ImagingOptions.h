@@ -24,6 +24,18 @@ inline constexpr std::array kOutputFormats{OutputFormat::keep, OutputFormat::jpe
 // Nothing for any other name; upper case counts.
 [[nodiscard]] std::optional<OutputFormat> outputFormat(std::string_view name);
 
+// Private data of a picture: what is to be removed from it, or what it may still have.
+struct PrivateData {
+  bool location = false;
+  bool metadata = false; // of any kind
+
+  [[nodiscard]] bool any() const { return location || metadata; }
+  [[nodiscard]] bool overlaps(const PrivateData &other) const {
+    return (location && other.location) || (metadata && other.metadata);
+  }
+  bool operator==(const PrivateData &) const = default;
+};
+
 // What happens to each received picture. The initial values are those of a stored record that lacks the
 // field.
 struct ImagingOptions {
@@ -42,6 +54,10 @@ struct ImagingOptions {
   // quality.
   [[nodiscard]] double qualityInUse() const;
   [[nodiscard]] double floorInUse() const;
+
+  [[nodiscard]] PrivateData dataToRemove() const {
+    return {.location = stripLocation || stripAllMetadata, .metadata = stripAllMetadata};
+  }
 };
 
 } // namespace fennick

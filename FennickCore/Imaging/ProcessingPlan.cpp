@@ -82,10 +82,40 @@ std::optional<PictureType> chosenType(OutputFormat format) {
   return std::nullopt;
 }
 
+bool isVideo(std::string_view extension) {
+  return extension == "mov" || extension == "mp4" || extension == "m4v";
+}
+
+// Whether received files with this extension keep their format when nothing else has to change.
+bool keepsFormat(OutputFormat format, std::string_view extension) {
+  if (const auto chosen = chosenType(format))
+    return extension == (*chosen == PictureType::jpeg ? "jpg" : preferredExtension(*chosen));
+  return extension == "jpg" || extension == "png" || extension == "heic";
+}
+
 } // namespace
 
 bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format) {
   return !isOwnType(source, output) && output != chosenType(format);
+}
+
+bool mayChange(const ImagingOptions &options, std::string_view extension) {
+  if (isVideo(extension))
+    return false;
+  if (options.dataToRemove().any())
+    return true;
+  if (extension == "gif" || extension == "dng")
+    return false;
+  return sensible(options.maxPixels) || sensible(options.maxBytes) || !keepsFormat(options.format, extension);
+}
+
+// Of several pictures in one file only the first one's metadata is read, except where it belongs to the whole
+// file. A GIF may have comments, which are not read.
+PrivateData privateDataOf(const PictureFacts &facts) {
+  const bool isRead =
+      isProcessable(facts) || facts.type == PictureType::webp || facts.type == PictureType::png;
+  return {.location = facts.hasLocation || !(isRead || facts.type == PictureType::gif),
+          .metadata = facts.hasMetadata || !isRead};
 }
 
 Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,

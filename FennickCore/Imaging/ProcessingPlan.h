@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -38,6 +39,13 @@ using Plan = std::variant<LeaveAlone, Encode, Undecodable>;
 // `format`, did not ask for: a WebP that becomes a JPEG because no format was chosen, or because this
 // computer cannot write the chosen one.
 [[nodiscard]] bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format);
+
+// Whether a received file with `extension` (lower case, no dot, by its content) can be changed with these
+// options, or can keep private data that they remove. False for every video.
+[[nodiscard]] bool mayChange(const ImagingOptions &options, std::string_view extension);
+
+// What a picture with these facts may have, whether or not it can be processed.
+[[nodiscard]] PrivateData privateDataOf(const PictureFacts &facts);
 
 // The note on a finished encoding.
 [[nodiscard]] std::string noteOf(const Encode &encode, const Rendering &rendering);

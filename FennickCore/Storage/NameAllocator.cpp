@@ -2,6 +2,9 @@
 
 #include "FennickCore/Storage/NameGenerator.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace fennick {
 
 namespace {
@@ -17,12 +20,15 @@ std::string sequenceKey(const std::filesystem::path &directory, const NamingPoli
 
 IOResult<std::filesystem::path> NameAllocator::place(const std::filesystem::path &partFile,
                                                      const SaveDestination &destination, std::string_view ext,
-                                                     Instant instant) {
+                                                     Instant instant, const WillAppear &willAppear) {
   const auto directory = destination.directory(instant);
-  auto placed = moveToFreeName(partFile, directory, destination.naming, ext, instant);
+  if (auto made = files_.createDirectories(directory); !made)
+    return std::unexpected(made.error());
+  auto placed = moveToFreeName(
+      partFile, {.directory = directory, .naming = destination.naming, .ext = ext, .instant = instant},
+      willAppear);
   if (!placed)
     return placed;
-  // Outside the lock: syncs of uploads that finish together share the disk's work.
   if (auto synced = files_.syncDirectory(directory); !synced) {
     if (auto back = files_.moveNoReplace(*placed, partFile); !back)
       return std::unexpected(back.error());
@@ -32,36 +38,58 @@ IOResult<std::filesystem::path> NameAllocator::place(const std::filesystem::path
 }
 
 IOResult<std::filesystem::path> NameAllocator::moveToFreeName(const std::filesystem::path &partFile,
-                                                              const std::filesystem::path &directory,
-                                                              const NamingPolicy &naming,
-                                                              std::string_view ext, Instant instant) {
+                                                              Search search, const WillAppear &willAppear) {
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    const auto reserved = reserve(search);
+    if (!reserved)
+      return std::unexpected(reserved.error());
+    const auto file = search.directory / reserved->name;
+    auto done = willAppear ? willAppear(file) : IOResult<void>();
+    if (done)
+      done = files_.moveNoReplace(partFile, file);
+    if (done) {
+      keep(search, *reserved);
+      return file;
+    }
+    if (done.error() != std::errc::file_exists) {
+      giveBack(search, *reserved);
+      return std::unexpected(done.error());
+    }
+    // Somebody was quicker, or the name differs only in case from one that is listed.
+    search.refused.push_back(reserved->name);
+  }
+  return std::unexpected(std::make_error_code(std::errc::file_exists));
+}
+
+// A name that no other upload of this server gets meanwhile. It is listed as no photo until there is one.
+IOResult<NameAllocator::Reserved> NameAllocator::reserve(const Search &search) {
   const Locked locked(lock_);
-  if (auto made = files_.createDirectories(directory); !made)
-    return std::unexpected(made.error());
-  const auto listed = listings_.at(directory);
+  const auto listed = listings_.at(search.directory);
   if (!listed)
     return std::unexpected(listed.error());
   TakenNames &taken = **listed;
-  const std::string key = sequenceKey(directory, naming);
-  const auto last = lastSequence_.find(key);
+  for (const auto &name : search.refused) // folders that cannot be followed were listed anew
+    taken.insert(name, FileKind::other);
+  const auto last = lastSequence_.find(sequenceKey(search.directory, search.naming));
   const auto lastSequence = last == lastSequence_.end() ? std::nullopt : std::optional(last->second);
+  auto [name, sequence] =
+      NameGenerator::generate(search.naming, search.instant, search.ext, taken, lastSequence);
+  taken.insert(name, FileKind::other);
+  return Reserved{.name = std::move(name), .sequence = sequence};
+}
 
-  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-    const auto [name, sequence] = NameGenerator::generate(naming, instant, ext, taken, lastSequence);
-    const auto moved = files_.moveNoReplace(partFile, directory / name);
-    // A name that is taken without being listed: somebody was quicker, or it differs only in case from one
-    // that is. What it stands for is not known here.
-    if (moved || moved.error() == std::errc::file_exists)
-      taken.insert(name, moved ? FileKind::regular : FileKind::other);
-    if (moved) {
-      if (sequence)
-        lastSequence_[key] = *sequence;
-      return directory / name;
-    }
-    if (moved.error() != std::errc::file_exists)
-      return std::unexpected(moved.error());
-  }
-  return std::unexpected(std::make_error_code(std::errc::file_exists));
+void NameAllocator::keep(const Search &search, const Reserved &reserved) {
+  if (!reserved.sequence)
+    return;
+  const Locked locked(lock_);
+  auto &last = lastSequence_[sequenceKey(search.directory, search.naming)];
+  last = std::max(last, *reserved.sequence);
+}
+
+void NameAllocator::giveBack(const Search &search, const Reserved &reserved) {
+  const Locked locked(lock_);
+  if (const auto listed = listings_.at(search.directory))
+    (*listed)->erase(reserved.name);
 }
 
 std::int64_t NameAllocator::mediaCount(const std::filesystem::path &folder) {

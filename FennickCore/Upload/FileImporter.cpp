@@ -84,7 +84,7 @@ std::expected<void, ImportFault> FileImporter::bringIn(std::int64_t size, const 
                    .remote = {},
                    .startedAt = clock_.now(),
                    .source = UploadSource::thisComputer},
-                  allocator_, files_, activity_, providers_.onUpload);
+                  allocator_, files_, activity_, providers_.onUpload, providers_.pending);
   if (auto filled = fill(sink, size, read); !filled)
     return filled;
   return outcomeOf(sink.finish());

@@ -38,6 +38,7 @@ public:
     std::function<bool()> canSave;                      // whether the save folder's drive is there
     std::function<void(const UploadRecord &)> onUpload; // once per saved file
     std::function<bool()> isStopped = [] { return false; };
+    PendingPhotos *pending = nullptr; // outlives the object; null: nothing follows an upload
   };
 
   // `files`, `incoming`, `clock` and `activity` outlive the importer.

@@ -55,12 +55,15 @@ std::vector<std::pair<std::size_t, const FolderEntry *>> firstOnes(const std::ve
 
 } // namespace
 
-std::vector<GalleryEntry> galleryList(const fs::path &folder) {
-  const auto entries = readFolder(folder, Links::follow, [](std::string_view name, FileKind kind) {
+std::vector<GalleryEntry> galleryList(const fs::path &folder, GalleryFilter *filter) {
+  auto entries = readFolder(folder, Links::follow, [](std::string_view name, FileKind kind) {
     return kind == FileKind::regular && isGalleryName(name);
   });
   if (!entries)
     return {};
+  if (filter != nullptr && filter->isActive(folder))
+    std::erase_if(*entries,
+                  [&](const auto &entry) { return filter->hides(folder / entry.name, &entry.status); });
   std::vector<GalleryEntry> list;
   for (const auto &[rank, entry] : firstOnes(*entries, PhotoOrder::Ranks(PhotoOrder::load(folder))))
     list.push_back(
@@ -69,16 +72,18 @@ std::vector<GalleryEntry> galleryList(const fs::path &folder) {
 }
 
 // Names and kinds are enough: nothing has to be looked at.
-std::int64_t galleryCount(const fs::path &folder) {
+std::int64_t galleryCount(const fs::path &folder, GalleryFilter *filter) {
   std::int64_t count = 0;
+  const bool isFiltered = filter != nullptr && filter->isActive(folder);
   std::ignore = readFolder(folder, Links::follow, [&](std::string_view name, FileKind kind) {
-    count += kind == FileKind::regular && isGalleryName(name) ? 1 : 0;
+    const bool counts = kind == FileKind::regular && isGalleryName(name);
+    count += counts && !(isFiltered && filter->hides(folder / name, nullptr)) ? 1 : 0;
     return false;
   });
   return count;
 }
 
-std::optional<fs::path> galleryFile(std::string_view path, const fs::path &folder) {
+std::optional<fs::path> galleryFile(std::string_view path, const fs::path &folder, GalleryFilter *filter) {
   constexpr std::string_view kThumb = "/thumb/";
   constexpr std::string_view kFile = "/file/";
   path.remove_prefix(path.starts_with(kThumb) ? kThumb.size() : kFile.size());
@@ -86,7 +91,10 @@ std::optional<fs::path> galleryFile(std::string_view path, const fs::path &folde
   if (!name || !isGalleryName(*name))
     return std::nullopt;
   fs::path file = folder / *name;
-  if (fileKind(file) != FileKind::regular)
+  const auto status = fileStatus(file);
+  if (!status || status->kind != FileKind::regular)
+    return std::nullopt;
+  if (filter != nullptr && filter->isActive(folder) && filter->hides(file, &*status))
     return std::nullopt;
   return file;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FennickCore/Platform/FileStatus.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -8,7 +10,8 @@
 #include <vector>
 
 // What phones may see of the gallery folder: the photos directly in it, no videos, no hidden files, no links,
-// nothing whose name cannot be asked for. Any thread.
+// nothing whose name cannot be asked for, and nothing that the filter hides; a null filter hides nothing. Any
+// thread.
 namespace fennick {
 
 struct GalleryEntry {
@@ -18,17 +21,29 @@ struct GalleryEntry {
   bool operator==(const GalleryEntry &) const = default;
 };
 
+// Keeps photos away from phones. Any thread.
+class GalleryFilter {
+public:
+  virtual ~GalleryFilter() = default;
+  // Whether `hides` has to be asked about files in `folder`. Called once the files are known to be there: a
+  // photo that must not be shown is known to the filter before it can be found in its folder.
+  virtual bool isActive(const std::filesystem::path &folder) = 0;
+  // Without `status` only the path counts, and a photo that was renamed lately may be overlooked.
+  virtual bool hides(const std::filesystem::path &file, const FileStatus *status) = 0;
+};
+
 // The first 500 photos in the order of the photo wall: as the person arranged them, then newest first. Empty
 // when the folder cannot be read.
-[[nodiscard]] std::vector<GalleryEntry> galleryList(const std::filesystem::path &folder);
+[[nodiscard]] std::vector<GalleryEntry> galleryList(const std::filesystem::path &folder,
+                                                    GalleryFilter *filter = nullptr);
 
 // How many photos phones may see there, more than 500 included; 0 when the folder cannot be read.
-[[nodiscard]] std::int64_t galleryCount(const std::filesystem::path &folder);
+[[nodiscard]] std::int64_t galleryCount(const std::filesystem::path &folder, GalleryFilter *filter = nullptr);
 
 // The file that "/thumb/NAME" or "/file/NAME" asks for, `path` as it was sent; nothing unless NAME is that of
 // a photo that the gallery may show.
-[[nodiscard]] std::optional<std::filesystem::path> galleryFile(std::string_view path,
-                                                               const std::filesystem::path &folder);
+[[nodiscard]] std::optional<std::filesystem::path>
+galleryFile(std::string_view path, const std::filesystem::path &folder, GalleryFilter *filter = nullptr);
 
 // The media type of a photo or video by its first bytes; "application/octet-stream" for all else.
 [[nodiscard]] std::string_view galleryMediaType(const std::filesystem::path &file);

@@ -47,9 +47,9 @@ bool isGalleryRoute(std::string_view path) {
   return path == "/gallery" || path.starts_with("/thumb/") || path.starts_with("/file/");
 }
 
-HTTPResponse listAnswer(const std::filesystem::path &folder) {
+HTTPResponse listAnswer(const std::filesystem::path &folder, GalleryFilter *filter) {
   auto list = nlohmann::ordered_json::array();
-  for (const auto &[name, bytes, time] : galleryList(folder))
+  for (const auto &[name, bytes, time] : galleryList(folder, filter))
     list.push_back({{"name", name}, {"bytes", bytes}, {"time", time}});
   return HTTPResponse::json(list);
 }
@@ -120,8 +120,8 @@ HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) {
   if (!folder)
     return respond(403, "照片墙未开启 / gallery is off");
   if (head.path == "/gallery")
-    return HTTPRespond{listAnswer(*folder)};
-  const auto file = galleryFile(head.path, *folder);
+    return HTTPRespond{listAnswer(*folder, providers_.pending)};
+  const auto file = galleryFile(head.path, *folder, providers_.pending);
   if (!file)
     return HTTPRespond{HTTPResponse::notFound()};
   auto answer = head.path.starts_with("/thumb/") ? galleryThumbnail(*file, head) : download(*file);
@@ -191,7 +191,7 @@ HTTPRouteDecision UploadRouter::receive(const HTTPRequestHead &head, const std::
                           .remote = remote,
                           .startedAt = clock_.now()};
   return HTTPReceive{length, std::make_unique<UploadSink>(std::move(admitted), allocator_, files_, activity_,
-                                                          providers_.onUpload)};
+                                                          providers_.onUpload, providers_.pending)};
 }
 
 // Nothing when it cannot be read; then nothing is refused for it.

@@ -43,6 +43,7 @@ public:
     std::function<std::optional<std::filesystem::path>()> gallery = [] { return std::nullopt; };
     std::function<UploadPolicy()> policy;
     std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is there
+    PendingPhotos *pending = nullptr; // outlives the object; null: nothing follows an upload
   };
 
   // `files`, `incoming`, `clock`, `activity` and `thumbnails` outlive the router. Without `thumbnails` (null)

@@ -10,9 +10,10 @@
 namespace fennick {
 
 UploadSink::UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSystem &files,
-                       UploadActivity &activity, const std::function<void(const UploadRecord &)> &onUpload)
+                       UploadActivity &activity, const std::function<void(const UploadRecord &)> &onUpload,
+                       PendingPhotos *pending)
     : upload_(std::move(upload)), allocator_(allocator), files_(files), activity_(activity, upload_.expected),
-      onUpload_(onUpload) {}
+      onUpload_(onUpload), pending_(pending) {}
 
 // A connection that dies with an exception still leaves no part file behind.
 UploadSink::~UploadSink() { UploadSink::abort(); }
@@ -42,27 +43,44 @@ HTTPResponse UploadSink::finish() {
     log(fmt::format("cannot save {}: {}", upload_.part.file.string(), settled.error().message()));
     return refuse(500, "保存失败 / save failed");
   }
-  const auto placed = allocator_.place(upload_.part.file, upload_.destination, *extension, upload_.startedAt);
-  if (!placed) {
+  if (const auto placed = place(*extension); !placed) {
     log(fmt::format("cannot place {}: {}", upload_.part.file.string(), placed.error().message()));
     return refuse(500, "保存失败 / save failed");
   }
   finished_ = true;
-  announce(*placed);
-  return HTTPResponse::text(200, placed->filename().string());
+  announce();
+  return HTTPResponse::text(200, record_.url.filename().string());
+}
+
+IOResult<void> UploadSink::place(const std::string &extension) {
+  record_ = {.url = {},
+             .saveFolder = upload_.destination.folder,
+             .bytes = written_,
+             .remoteAddress = upload_.remote,
+             .mediaType = upload_.mediaType,
+             .filename = upload_.filename,
+             .receivedAt = upload_.startedAt,
+             .source = upload_.source};
+  std::optional<PendingPhotos::Arrival> arrival;
+  if (pending_ != nullptr)
+    arrival.emplace(
+        *pending_,
+        PendingPhotos::Arriving{.upload = record_, .partFile = upload_.part.file, .hold = upload_.part.hold});
+  const auto placed = allocator_.place(
+      upload_.part.file, upload_.destination, extension, upload_.startedAt,
+      [&](const auto &file) { return arrival ? arrival->willAppear(file) : IOResult<void>(); });
+  if (!placed)
+    return std::unexpected(placed.error());
+  record_.url = *placed;
+  if (arrival)
+    record_.pending = arrival->complete();
+  return {};
 }
 
 // The photo is safe by now: whoever hears of it cannot take the phone's answer away.
-void UploadSink::announce(const std::filesystem::path &file) {
+void UploadSink::announce() {
   try {
-    onUpload_({.url = file,
-               .saveFolder = upload_.destination.folder,
-               .bytes = written_,
-               .remoteAddress = upload_.remote,
-               .mediaType = upload_.mediaType,
-               .filename = upload_.filename,
-               .receivedAt = upload_.startedAt,
-               .source = upload_.source});
+    onUpload_(record_);
   } catch (const std::exception &error) {
     log(error.what());
   }

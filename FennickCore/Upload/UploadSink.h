@@ -7,7 +7,9 @@
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Upload/FileTypeSniffer.h"
 #include "FennickCore/Upload/IncomingFolder.h"
+#include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/UploadActivity.h"
+#include "FennickCore/Upload/UploadRecord.h"
 
 #include <array>
 #include <cstddef>
@@ -18,23 +20,6 @@
 #include <string>
 
 namespace fennick {
-
-// Who sends a file.
-enum class UploadSource { phone, thisComputer };
-
-// What a finished upload reports.
-struct UploadRecord {
-  std::filesystem::path url;        // the saved file under its final name
-  std::filesystem::path saveFolder; // the one that it came into; its incoming folder is held during the call
-  std::int64_t bytes = 0;
-  std::string remoteAddress;
-  std::optional<std::string> mediaType;  // as the request named it
-  std::optional<std::string> filename{}; // what the sender calls the file
-  Instant receivedAt;                    // when the upload was admitted
-  UploadSource source = UploadSource::phone;
-
-  bool operator==(const UploadRecord &) const = default;
-};
 
 // What is known of an upload when it is admitted.
 struct AdmittedUpload {
@@ -52,12 +37,13 @@ struct AdmittedUpload {
 // never held in memory: only the first bytes are kept, to tell the type. Whatever fails, the part file is
 // deleted and the phone is told; "200" is answered only once the file is on the disk under its final name.
 //
-// Belongs to one connection and is called on its thread. Allocator, file system, activity and `onUpload` are
-// borrowed and outlive it.
+// Belongs to one connection and is called on its thread. Allocator, file system, activity, `onUpload` and
+// `pending` are borrowed and outlive it.
 class UploadSink final : public HTTPBodySink {
 public:
+  // `pending` is null where nothing follows an upload.
   UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSystem &files, UploadActivity &activity,
-             const std::function<void(const UploadRecord &)> &onUpload);
+             const std::function<void(const UploadRecord &)> &onUpload, PendingPhotos *pending);
   ~UploadSink() override;
 
   IOResult<void> write(std::span<const std::byte> bytes) override;
@@ -67,15 +53,18 @@ public:
 private:
   [[nodiscard]] HTTPResponse refuse(std::int64_t status, std::string_view text);
   [[nodiscard]] IOResult<void> settle();
-  void announce(const std::filesystem::path &file);
+  [[nodiscard]] IOResult<void> place(const std::string &extension);
+  void announce();
 
   AdmittedUpload upload_;
   NameAllocator &allocator_;
   FileSystem &files_;
   UploadActivity::Upload activity_;
   const std::function<void(const UploadRecord &)> &onUpload_;
+  PendingPhotos *pending_;
   std::array<std::byte, FileTypeSniffer::kHeaderBytes> header_{};
   std::size_t headerBytes_ = 0;
+  UploadRecord record_; // from `place` on
   std::int64_t written_ = 0;
   bool finished_ = false;
 };

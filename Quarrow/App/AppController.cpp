@@ -2,7 +2,6 @@
 
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
-#include "FennickCore/Storage/PhotoOrigin.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/ReceivedNote.h"
@@ -17,7 +16,6 @@
 namespace quarrow {
 
 using fennick::fileSizeText;
-using fennick::Locked;
 using fennick::log;
 using fennick::Seconds;
 
@@ -26,7 +24,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kPortAttempts = 20;
-constexpr Seconds kProcessingTimeout{90};
 constexpr Seconds kProbeTimeout{3};
 constexpr Seconds kPanelDelay{0.5}; // until the tray has found its place for the icon
 constexpr Seconds kRecountDelay{1};
@@ -84,7 +81,7 @@ AppController::AppController(Options options, const Services &services)
       thumbnails_(files_, options_.cacheDirectory / "thumbs", decoder_),
       thumbnailUpkeep_(thumbnails_, library_, mainQueue_), progress_(mainQueue_, clock_),
       folderLimit_(trash_, mainQueue_, [this](const auto &files) { forget(files); }),
-      imports_(makeImports()) {
+      processing_(makeProcessing()), imports_(makeImports()) {
   if (options_.overrides)
     settings_.overrideForRun(options_.overrides);
 }
@@ -135,7 +132,7 @@ void AppController::stop() {
   retirement_.reset();
   folderLimit_.stop();
   imports_->end();
-  processingQueue_.reset(); // last: until here others hand it what they received
+  processing_->end(); // last: until here others hand it what they received
 }
 
 void AppController::openFirstWindow() {
@@ -251,22 +248,36 @@ fennick::UploadRouter::Providers AppController::providers() {
   return {.key = [this] { return routerConfig_.key(); },
           .destination = [this] { return routerConfig_.destination(); },
           .maxBytes = [this] { return routerConfig_.maxBytes(); },
-          .onUpload = [this](const auto &record) { handleUpload(record); },
+          .onUpload = [this](const auto &record) { processing_->add(record); },
           .gallery = [this] { return routerConfig_.gallery(); },
           .policy = [this] { return routerConfig_.policy(); },
-          .canSave = [this] { return routerConfig_.canSave(); }};
+          .canSave = [this] { return routerConfig_.canSave(); },
+          .pending = &pending_};
+}
+
+std::unique_ptr<PhotoProcessing> AppController::makeProcessing() {
+  return std::make_unique<PhotoProcessing>(
+      PhotoProcessing::Services{.decoder = decoder_,
+                                .files = files_,
+                                .trash = trash_,
+                                .mainQueue = mainQueue_,
+                                .pending = pending_},
+      PhotoProcessing::Observer{.named = [this](const auto &file) { library_.placeFirst(file); },
+                                .finished = [this](const auto &finished) { finishUpload(finished); },
+                                .waiting = [this](int photos) { server_.setWaitingPhotos(photos); }});
 }
 
 std::unique_ptr<PhotoImport> AppController::makeImports() {
-  auto imports = std::make_unique<PhotoImport>(
-      PhotoImport::Services{.providers = {.destination = [this] { return routerConfig_.destination(); },
-                                          .canSave = [this] { return routerConfig_.canSave(); },
-                                          .onUpload = [this](const auto &record) { handleUpload(record); }},
-                            .files = files_,
-                            .incoming = incoming_,
-                            .clock = clock_,
-                            .activity = progress_.counter(),
-                            .mainQueue = mainQueue_});
+  auto imports = std::make_unique<PhotoImport>(PhotoImport::Services{
+      .providers = {.destination = [this] { return routerConfig_.destination(); },
+                    .canSave = [this] { return routerConfig_.canSave(); },
+                    .onUpload = [this](const auto &record) { processing_->add(record); },
+                    .pending = &pending_},
+      .files = files_,
+      .incoming = incoming_,
+      .clock = clock_,
+      .activity = progress_.counter(),
+      .mainQueue = mainQueue_});
   connect(imports.get(), &PhotoImport::finished, this, &AppController::finishImports);
   return imports;
 }
@@ -315,6 +326,7 @@ void AppController::applySaveFolder() {
   if (!isNew)
     return;
   server_.setSaveFolder(folder);
+  pending_.setFolder(folder);
   if (options_.hasPhotoWall)
     library_.setFolder(folder);
   watchSaveFolder();
@@ -334,6 +346,7 @@ void AppController::checkSaveFolder() {
     return report(Matter::missingFolder, tr("保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。"));
   drive_ = driveOf(folder);
   thumbnailUpkeep_.folderChanged(folder, drive_);
+  processing_->look();
   if (isDirectory(folder)) {
     if (stands(Matter::missingFolder))
       cleaner_.clear(folder);
@@ -375,16 +388,13 @@ void AppController::updateRouterConfig() {
                         .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
                         .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune},
                         .drive = drive_});
-  {
-    const Locked locked(imagingLock_);
-    imaging_ = settings.imaging;
-  }
+  pending_.setOptions(settings.imaging);
   updateSharedInfo();
 }
 
 void AppController::updateSharedInfo() {
   shared_ = galleryURL();
-  server_.setShared(shared_.filename().string(), fennick::galleryCount(shared_));
+  server_.setShared(shared_.filename().string(), fennick::galleryCount(shared_, &pending_));
 }
 
 // A burst of changes in the folder costs one count.
@@ -452,36 +462,22 @@ void AppController::finishImports(const QString &problem) {
     report(Matter::imports, problem);
 }
 
-// On the upload's or the import's thread.
-void AppController::handleUpload(const fennick::UploadRecord &record) {
-  processingQueue_->post([this, record, hold = incoming_.hold(record.saveFolder)] {
-    fennick::ImagingOptions options;
-    {
-      const Locked locked(imagingLock_);
-      options = imaging_;
-    }
-    const auto result = fennick::ImagePipeline::process(
-        record.url, options, kProcessingTimeout, {.decoder = decoder_, .files = files_, .trash = &trash_});
-    writeOrigin(result.finalURL, originOf(record, result));
-    library_.placeFirst(result.finalURL);
-    mainQueue_.post(whileAlive([this, record, result] { finishUpload(record, result); }));
-  });
-}
-
-void AppController::finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result) {
-  const fs::path &url = result.finalURL;
-  const bool fromPhone = record.source == fennick::UploadSource::phone;
+void AppController::finishUpload(const PhotoProcessing::Finished &finished) {
+  const fs::path &url = finished.result.finalURL;
+  const fennick::UploadRecord &upload = finished.upload;
+  const bool fromPhone = upload.source == fennick::UploadSource::phone;
   library_.noteAdded(url);
-  if (fromPhone)
+  if (fromPhone && !finished.resumed)
     desktop_.flashTrayItem();
   pruneIfNeeded();
   updateRouterConfig(); // with the shared folder: a new day may have a new one
   if (!fromPhone)
     return; // nobody waits for it
-  runWorkflow(url, record.bytes);
-  const std::string note = receivedNote(record, result);
+  if (!finished.resumed)
+    runWorkflow(url, upload.bytes);
+  const std::string note = receivedNote(upload, finished.result, finished.left);
   server_.setLastNote(note);
-  emit received({.url = url, .bytes = record.bytes, .note = note});
+  emit received({.url = url, .bytes = upload.bytes, .note = note});
 }
 
 void AppController::pruneIfNeeded() {

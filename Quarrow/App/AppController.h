@@ -2,12 +2,10 @@
 
 #include "FennickCore/HTTP/HTTPServer.h"
 #include "FennickCore/HTTP/RateLimiter.h"
-#include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Mutex.h"
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Platform/Trash.h"
@@ -16,12 +14,14 @@
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Storage/Thumbnails.h"
+#include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/UploadRouter.h"
 #include "Quarrow/App/Desktop.h"
 #include "Quarrow/App/FolderCleaner.h"
 #include "Quarrow/App/FolderLimit.h"
 #include "Quarrow/App/LocalNetwork.h"
 #include "Quarrow/App/PhotoImport.h"
+#include "Quarrow/App/PhotoProcessing.h"
 #include "Quarrow/App/PhotoSelection.h"
 #include "Quarrow/App/RouterConfig.h"
 #include "Quarrow/App/ServerModel.h"
@@ -86,9 +86,11 @@ public:
 
   // Begins the service. Once.
   void start();
+  // Begins no further photo and waits for the current one, for as long as a session that ends leaves programs
+  // alone: what is not done by then is left to the next run. To be called before the decoder is stopped.
+  void finishPicture() { processing_->finishCurrent(fennick::Seconds(5)); }
   // Ends it: uploads under way are given up and their part files removed; photos that still wait are
-  // processed (unless the decoder was stopped before), and reported if the main queue still runs. Called
-  // again it does nothing.
+  // processed by the next run. Called again it does nothing.
   void stop();
 
   [[nodiscard]] fennick::SettingsStore &settings() { return settings_; }
@@ -170,13 +172,13 @@ private:
   void showLatestError();
   void watchSaveFolder();
   void checkSaveFolder();
-  void handleUpload(const fennick::UploadRecord &record);
-  void finishUpload(const fennick::UploadRecord &record, const fennick::ProcessResult &result);
+  void finishUpload(const PhotoProcessing::Finished &finished);
   void finishImports(const QString &problem);
   [[nodiscard]] std::filesystem::path chosenFolder();
   [[nodiscard]] std::filesystem::path saveFolder() const; // that is used now
   [[nodiscard]] fennick::UploadRouter::Providers providers();
   [[nodiscard]] std::unique_ptr<PhotoImport> makeImports();
+  [[nodiscard]] std::unique_ptr<PhotoProcessing> makeProcessing();
   [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
 
   const Options options_;
@@ -212,12 +214,10 @@ private:
 
   fennick::IncomingFolder incoming_{files_}; // of all uploads, imports and processing
   FolderCleaner cleaner_{files_, incoming_};
-  fennick::Mutex imagingLock_;
-  fennick::ImagingOptions imaging_ GUARDED_BY(imagingLock_); // the current settings', for the processing
-  std::unique_ptr<fennick::SerialQueue> processingQueue_ =
-      std::make_unique<fennick::SerialQueue>("fennick.imaging");
+  fennick::PendingPhotos pending_{files_};
   std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
   FolderLimit folderLimit_;
+  const std::unique_ptr<PhotoProcessing> processing_;
   const std::unique_ptr<PhotoImport> imports_; // last: it hands what it saves to the processing
 };
 

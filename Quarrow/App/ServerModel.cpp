@@ -103,6 +103,11 @@ void ServerModel::setLastNote(std::optional<std::string> note) {
     emit lastNoteChanged();
 }
 
+void ServerModel::setWaitingPhotos(int photos) {
+  if (assign(waitingPhotos_, photos))
+    emit waitingPhotosChanged();
+}
+
 void ServerModel::setLocalNetworkStatus(LocalNetworkStatus status) {
   if (assign(localNetworkStatus_, std::move(status)))
     emit localNetworkStatusChanged();
@@ -151,6 +156,10 @@ QString ServerModel::lastNoteText() const { return textOf(lastNote_); }
 QString ServerModel::sharedFolderNameText() const { return textOf(sharedFolderName_); }
 QString ServerModel::phoneURLText() const { return textOf(phoneURL()); }
 QString ServerModel::shortcutUploadURLText() const { return textOf(shortcutUploadURL()); }
+
+QString ServerModel::waitingNote() const {
+  return waitingPhotos_ > 0 ? tr("还有 %n 张照片等待处理", nullptr, waitingPhotos_) : QString();
+}
 
 QString ServerModel::saveFolderText() const {
   return saveFolder_ ? textOf(saveFolder_->string()) : QString();

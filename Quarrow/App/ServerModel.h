@@ -34,6 +34,9 @@ class ServerModel : public QObject {
   Q_PROPERTY(QUrl qrImage READ qrImageURL NOTIFY qrImageChanged)
   Q_PROPERTY(QString saveFolder READ saveFolderText NOTIFY saveFolderChanged)
   Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
+  // Received photos whose processing is not over, and a sentence about them, empty while there are none.
+  Q_PROPERTY(int waitingPhotos READ waitingPhotos NOTIFY waitingPhotosChanged)
+  Q_PROPERTY(QString waitingNote READ waitingNote NOTIFY waitingPhotosChanged)
   Q_PROPERTY(
       quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY localNetworkStatusChanged)
   // What to try when the self-check has failed.
@@ -62,6 +65,8 @@ public:
   [[nodiscard]] const std::optional<std::filesystem::path> &saveFolder() const { return saveFolder_; }
   // One line about the file received last.
   [[nodiscard]] const std::optional<std::string> &lastNote() const { return lastNote_; }
+  [[nodiscard]] int waitingPhotos() const { return waitingPhotos_; }
+  [[nodiscard]] QString waitingNote() const;
   [[nodiscard]] const LocalNetworkStatus &localNetworkStatus() const { return localNetworkStatus_; }
   // The last component of the folder that the gallery shows or would show, and the pictures directly in it.
   [[nodiscard]] const std::string &sharedFolderName() const { return sharedFolderName_; }
@@ -86,6 +91,7 @@ public:
   void setError(std::optional<std::string> error);
   void setSaveFolder(std::optional<std::filesystem::path> saveFolder);
   void setLastNote(std::optional<std::string> note);
+  void setWaitingPhotos(int photos);
   void setLocalNetworkStatus(LocalNetworkStatus status);
   void setShared(std::string folderName, std::int64_t count);
   void setFirewall(std::optional<fennick::FirewallFinding> finding);
@@ -101,6 +107,7 @@ signals:
   void qrImageChanged();
   void saveFolderChanged();
   void lastNoteChanged();
+  void waitingPhotosChanged();
   void localNetworkStatusChanged();
   void sharedFolderNameChanged();
   void sharedCountChanged();
@@ -135,6 +142,7 @@ private:
   std::optional<std::string> qrText_; // what the image says
   std::optional<std::filesystem::path> saveFolder_;
   std::optional<std::string> lastNote_;
+  int waitingPhotos_ = 0;
   LocalNetworkStatus localNetworkStatus_;
   std::string sharedFolderName_;
   std::int64_t sharedCount_ = 0;

@@ -182,6 +182,7 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   const int status = QCoreApplication::exec();
   desktop.closeAll();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views look at what ends next
+  controller.finishPicture();
   decoder.stop(); // whoever waits for a picture does so no longer
   controller.stop();
   mainQueue.drain();

@@ -57,4 +57,6 @@ void JsonReport::firewall(const fennick::FirewallFinding &finding) {
              {"command", finding.command}});
 }
 
+void JsonReport::waiting(int photos) { printLine({{"event", "waiting"}, {"photos", photos}}); }
+
 } // namespace quarrow

@@ -14,6 +14,7 @@ public:
   void errorsSolved() override;
   void check(const Check &result) override;
   void firewall(const fennick::FirewallFinding &finding) override;
+  void waiting(int photos) override;
   void notice(const std::string &) override {}
   void bell() override {}
   [[nodiscard]] bool showsProgress() const override { return false; }

@@ -50,6 +50,8 @@ public:
   virtual void check(const Check &result) = 0;
   // A firewall that may keep phones out.
   virtual void firewall(const fennick::FirewallFinding &finding) = 0;
+  // How many received photos wait for their processing; 0 once none does.
+  virtual void waiting(int photos) = 0;
   // Lines that only a person in front of the terminal needs.
   virtual void notice(const std::string &lines) = 0;
   virtual void bell() = 0;

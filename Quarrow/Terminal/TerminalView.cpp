@@ -27,6 +27,8 @@ TerminalView::TerminalView(const ServerModel &server, UploadProgress &progress, 
   connect(&server, &ServerModel::errorChanged, this, &TerminalView::reportError);
   connect(&server, &ServerModel::localNetworkStatusChanged, this, &TerminalView::reportCheck);
   connect(&server, &ServerModel::firewallChanged, this, &TerminalView::reportFirewall);
+  connect(&server, &ServerModel::waitingPhotosChanged, this,
+          [this] { report_.waiting(server_.waitingPhotos()); });
   progress.setWatched(report.showsProgress());
   connect(&progress, &UploadProgress::changed, this,
           [this, &progress] { report_.progress(progress.snapshot(), progress.bytesPerSecond()); });

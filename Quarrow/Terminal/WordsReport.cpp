@@ -118,12 +118,27 @@ void WordsReport::bell() {
 }
 
 void WordsReport::progress(const fennick::UploadActivity::Snapshot &activity, double bytesPerSecond) {
-  if (activity.uploads == 0)
-    return print(kClearLine);
-  const auto percent = activity.receivedBytes * 100 / activity.expectedBytes;
-  print(fmt::format("{}↓ {} 个文件 / files · {} / {} · {} % · {}/s\r", kClearLine, activity.uploads,
-                    fileSizeText(activity.receivedBytes), fileSizeText(activity.expectedBytes), percent,
-                    fileSizeText(static_cast<std::int64_t>(bytesPerSecond))));
+  progress_.clear();
+  if (activity.uploads > 0)
+    progress_ = fmt::format("↓ {} 个文件 / files · {} / {} · {} % · {}/s", activity.uploads,
+                            fileSizeText(activity.receivedBytes), fileSizeText(activity.expectedBytes),
+                            activity.receivedBytes * 100 / activity.expectedBytes,
+                            fileSizeText(static_cast<std::int64_t>(bytesPerSecond)));
+  printStatus();
+}
+
+void WordsReport::waiting(int photos) {
+  waiting_ = photos;
+  if (options_.terminal)
+    printStatus();
+}
+
+void WordsReport::printStatus() const {
+  std::string line = progress_;
+  if (waiting_ > 0)
+    line += fmt::format("{}还有 {} 张照片等待处理 / photos waiting: {}", line.empty() ? "" : " · ", waiting_,
+                        waiting_);
+  print(fmt::format("{}{}{}", kClearLine, line, line.empty() ? "" : "\r"));
 }
 
 } // namespace quarrow

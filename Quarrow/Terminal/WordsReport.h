@@ -23,6 +23,7 @@ public:
   // Says that all is well only after it was not.
   void check(const Check &result) override;
   void firewall(const fennick::FirewallFinding &finding) override;
+  void waiting(int photos) override;
   void notice(const std::string &lines) override { printLine(lines); }
   void bell() override;
   [[nodiscard]] bool showsProgress() const override { return options_.terminal; }
@@ -31,9 +32,12 @@ public:
 private:
   void printLine(const std::string &line) const;
   void printAddress(const Listening &state) const;
+  void printStatus() const;
 
   const Options options_;
   bool checkFailed_ = false; // the latest one
+  std::string progress_;     // what the line of progress says of uploads
+  int waiting_ = 0;
 };
 
 } // namespace quarrow

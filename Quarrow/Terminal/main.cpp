@@ -167,6 +167,7 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
                      [&](const auto &arguments) { controller.handleArguments(arguments); });
   controller.start();
   const int status = QCoreApplication::exec();
+  controller.finishPicture();
   decoder.stop(); // whoever waits for a picture does so no longer
   controller.stop();
   mainQueue.drain(); // what finished in the last moment is still reported

@@ -56,6 +56,7 @@ FocusScope {
             Layout.fillWidth: true
         }
         ProgressLine {}
+        WaitingLine {}
         LastNote {}
         Rule {}
         GalleryToggle {

@@ -55,7 +55,7 @@ protected:
   void make() {
     controller.emplace(options, AppController::Services{.preferences = preferences,
                                                         .mainQueue = queue,
-                                                        .files = files,
+                                                        .files = *fileSystem,
                                                         .clock = queue.clock(),
                                                         .decoder = decoder,
                                                         .trash = trash,
@@ -112,6 +112,7 @@ protected:
   fennick::FilePreferences preferences{disk / "state/preferences.json"};
   fennick::SettingsStore store{preferences}; // for what is stored before the start
   fennick::test::FaultyFileSystem files;
+  fennick::FileSystem *fileSystem = &files; // of the next controller
   fennick::test::ManualQueue queue;
   fennick::test::FakeDecoder decoder;
   RemovingTrash trash;

@@ -7,9 +7,11 @@ namespace {
 using fennick::PictureFacts;
 using fennick::PictureFault;
 using fennick::PictureType;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
@@ -66,7 +68,8 @@ TEST_F(ControllerTest, TheNoteSaysWhatWasDoneOrWhyNothingWas) {
   change([](auto &settings) { settings.imaging = {}; });
   upload();
   runUntilReceived(3);
-  EXPECT_THAT(notes(), ElementsAre("IMG_001.jpg：未处理 / skipped: 无法编码为 public.jpeg",
+  EXPECT_THAT(notes(), ElementsAre("IMG_001.jpg：未处理 / skipped: 无法编码为 public.jpeg · "
+                                   "元数据仍在文件中 / metadata still in the file",
                                    "IMG_002.jpeg：12 字节 → 4000px · q85 · 7 字节 · JPEG · 已转正 / rotated",
                                    "IMG_003.jpg：12 字节"));
 }
@@ -145,9 +148,14 @@ TEST_F(ControllerTest, UploadsGoOnWhileAPictureTakesItsWholeTimeout) {
   EXPECT_THAT(disk.names("photos"), SizeIs(21));
 }
 
-TEST_F(ControllerTest, PhotosThatWaitAtTheEndStayAsTheyCameAndAreReported) {
-  store.update([](auto &settings) { settings.imaging.maxPixels = 100; });
+TEST_F(ControllerTest, PhotosThatWaitAtTheEndAreProcessedByTheNextRunWithItsSettings) {
+  store.update([](auto &settings) {
+    settings.naming = fennick::PrefixSequenceNaming{};
+    settings.imaging.maxPixels = 100;
+    settings.workflow.notify = true;
+  });
   options.hasPhotoWall = false;
+  decoder.setFacts(kLargePicture);
   start();
   decoder.hold();
   upload();
@@ -157,13 +165,26 @@ TEST_F(ControllerTest, PhotosThatWaitAtTheEndStayAsTheyCameAndAreReported) {
                          controller->settings().accessKey(), kJPEG));
   queue.runUntil([&] { return controller->progress().counter().snapshot().uploads == 1; });
   decoder.awaitHeld(1);
+  queue.advance(fennick::Seconds(1));
+  EXPECT_EQ(controller->server().waitingNote(), "还有 2 张照片等待处理");
   decoder.setFacts(fennick::test::FakeDecoder::kFault(PictureFault::stopped));
   decoder.release();
   controller->stop();
   queue.run();
-  EXPECT_THAT(notes(), ElementsAre(HasSubstr("未处理 / skipped: 接收已结束"), HasSubstr("接收已结束")));
-  EXPECT_THAT(disk.names("photos"), SizeIs(3));
+  EXPECT_THAT(received, IsEmpty());
+  EXPECT_THAT(disk.names("photos/.fennick-incoming"), SizeIs(2)) << "records, and no part file";
+
+  controller.reset();
+  desktop.take();
+  store.update([](auto &settings) { settings.imaging = {.format = fennick::OutputFormat::png}; });
+  decoder.setFacts(kLargePicture);
+  decoder.setRendering(fennick::Rendering{.bytes = "png", .longEdge = 4000, .quality = 1});
+  start();
+  runUntilReceived(2);
+  EXPECT_THAT(disk.names("photos"), ElementsAre(".fennick-incoming", "IMG_001.png", "IMG_002.png"));
   EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
+  EXPECT_THAT(notes(), ElementsAre(StartsWith("IMG_001.png："), StartsWith("IMG_002.png：")));
+  EXPECT_THAT(desktop.take(), Not(Contains(StartsWith("notify"))));
 }
 
 TEST_F(ControllerTest, ProgressIsRefreshedOnlyWhileSomethingArrivesAndSomebodyLooks) {

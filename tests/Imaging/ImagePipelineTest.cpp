@@ -120,9 +120,10 @@ TEST_F(ImagePipelineTest, TheEncodingTakesTheFilesPlaceWithItsTimeAndPermissions
   ASSERT_TRUE(setPermissions(source, 0640) && setModificationTime(source, received));
   folder.write("a.jpeg", "somebody else's");
   const auto result = process();
-  EXPECT_EQ(result,
-            (ProcessResult{
-                .finalURL = folder / "a_2.jpeg", .processed = true, .note = "2048px · q77 · 7 字节 · JPEG"}));
+  EXPECT_EQ(result, (ProcessResult{.finalURL = folder / "a_2.jpeg",
+                                   .processed = true,
+                                   .note = "2048px · q77 · 7 字节 · JPEG",
+                                   .remaining = {}}));
   EXPECT_THAT(folder.names(), ElementsAre(".fennick-incoming", "a.jpeg", "a_2.jpeg"));
   EXPECT_THAT(folder.names(".fennick-incoming"), IsEmpty());
   const auto status = fileStatus(folder / "a_2.jpeg").value();
@@ -185,7 +186,9 @@ TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
       {PictureFault::unsupported, "不处理的类型 public.jpeg"}};
   for (const auto &[fault, note] : notes) {
     decoder.setRendering(test::FakeDecoder::kFault(fault));
-    EXPECT_EQ(process(), (ProcessResult{.finalURL = source, .note = "未处理 / skipped: " + note}));
+    const auto result = process();
+    EXPECT_EQ(result.finalURL, source);
+    EXPECT_EQ(result.note, "未处理 / skipped: " + note);
   }
   decoder.setFacts(test::FakeDecoder::kFault(PictureFault::notAPicture));
   EXPECT_EQ(process().note, "非图片，原样保存 / not an image, kept as is");

@@ -28,6 +28,7 @@ public:
     add(result.passed ? "check passed" : "check failed: " + result.message);
   }
   void firewall(const fennick::FirewallFinding &finding) override { add("firewall: " + finding.command); }
+  void waiting(int photos) override { add(fmt::format("waiting {}", photos)); }
   void notice(const std::string &text) override { add("notice " + text); }
   void bell() override { add("bell"); }
   [[nodiscard]] bool showsProgress() const override { return true; }

@@ -108,8 +108,10 @@ TEST_F(TerminalViewTest, ProgressIsShownUntilNothingIsUnderWayAndTheFileFollows)
     queue.run();
   }
   queue.advance(fennick::Seconds(1));
+  server.setWaitingPhotos(3);
+  server.setWaitingPhotos(3);
   view.received({.url = "/photos/a.jpg", .bytes = 100, .note = "a.jpg：100 字节"});
-  EXPECT_THAT(report.take(), ElementsAre("progress 40 of 100", "progress 0 of 0",
+  EXPECT_THAT(report.take(), ElementsAre("progress 40 of 100", "progress 0 of 0", "waiting 3",
                                          "received a.jpg (/photos/a.jpg, 100): a.jpg：100 字节"));
 }
 

@@ -83,7 +83,12 @@ TEST(WordsReportTest, ProgressIsDrawnOverItselfAndOnlyOnATerminal) {
       .uploads = 2, .receivedBytes = 5'000'000, .expectedBytes = 10'000'000, .totalBytes = 5'000'000};
   EXPECT_EQ(printedBy([&] { terminal.progress(half, 1'500'000); }),
             "\x1b[K↓ 2 个文件 / files · 5 MB / 10 MB · 50 % · 1.5 MB/s\r");
+  EXPECT_EQ(printedBy([&] { terminal.waiting(3); }),
+            "\x1b[K↓ 2 个文件 / files · 5 MB / 10 MB · 50 % · 1.5 MB/s · 还有 3 张照片等待处理 / photos "
+            "waiting: 3\r");
+  terminal.waiting(0);
   EXPECT_EQ(printedBy([&] { terminal.progress({}, 0); }), "\x1b[K");
+  EXPECT_EQ(printedBy([&] { pipe.waiting(3); }), "");
 }
 
 TEST(WordsReportTest, ANameCannotControlTheTerminal) {

@@ -91,6 +91,7 @@ protected:
   UploadRouter::UploadPolicy policy;
 
   IncomingFolder incomingFolder{files};
+  PendingPhotos pending{files};
   TemporaryFolder cache;
   FakeDecoder decoder;
   Thumbnails thumbnails{files, cache.path(), decoder};
@@ -103,7 +104,8 @@ protected:
                              reported_.push_back(record);
                            },
                        .gallery = [this] { return gallery; },
-                       .policy = [this] { return policy; }},
+                       .policy = [this] { return policy; },
+                       .pending = &pending},
                       disk / "bundle",
                       files,
                       incomingFolder,

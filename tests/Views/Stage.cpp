@@ -65,6 +65,7 @@ void Stage::settle() {
   server().setFirewall(std::nullopt);
   server().setError(std::nullopt);
   server().setLastNote(std::nullopt);
+  setWaiting(0);
   setFolder(QDir::homePath() + "/Pictures/fennick");
   shareFolder("fennick", 128);
   shell_.setGalleryEnabled(false);

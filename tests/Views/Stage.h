@@ -46,6 +46,7 @@ public:
   Q_INVOKABLE void receive(const QString &note);
   Q_INVOKABLE void beginUpload();
   Q_INVOKABLE void endUploads();
+  Q_INVOKABLE void setWaiting(int photos) { server().setWaitingPhotos(photos); }
   Q_INVOKABLE void shareFolder(const QString &name, int count) {
     server().setShared(name.toStdString(), count);
   }

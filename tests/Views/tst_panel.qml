@@ -109,7 +109,11 @@ TestCase {
         Stage.beginUpload();
         verify(Hands.speaks(window, "正在接收 1 个文件"));
         compare(Math.round(Arrivals.share * 100), 42);
+        Stage.setWaiting(3);
+        verify(Hands.speaks(window, "还有 3 张照片等待处理"));
         Stage.endUploads();
+        Stage.setWaiting(0);
         verify(!Hands.speaks(window, "接收进度"));
+        verify(!Hands.speaks(window, "还有 3 张照片等待处理"));
     }
 }

@@ -16,6 +16,7 @@ void set(QObject &root, const char *property, const QVariant &value) { root.setP
 void received(Stage &stage) {
   stage.shell().setGalleryEnabled(true);
   stage.receive("20260714_183205.jpg：2.4 MB");
+  stage.setWaiting(3);
 }
 
 void offline(Stage &stage) {

@@ -106,6 +106,16 @@ Metadata readWebp(std::string_view file) {
   return found;
 }
 
+// The only block that can name a place. It is stored as text, in one piece.
+Metadata readGif(std::string_view file) {
+  constexpr std::string_view kIdentifier = "XMP DataXMP"sv;
+  const std::size_t start = file.find(kIdentifier);
+  if (start == std::string_view::npos)
+    return {};
+  const std::string_view packet = behind(file, start + kIdentifier.size());
+  return {.extendedXMP = std::string(packet.substr(0, packet.find("<?xpacket end"sv)))};
+}
+
 Metadata readHeif(Bytes file) {
   HeifBlocks blocks = heifBlocks(file);
   return {.exif = cleanExif(blocks.exif), .xmp = std::move(blocks.xmp), .icc = std::move(blocks.icc)};
@@ -128,7 +138,7 @@ Metadata readMetadata(Bytes file, PictureType type) {
   case PictureType::avif:
     return readHeif(file);
   case PictureType::gif:
-    return {};
+    return readGif(textOf(file));
   default:
     return readTiff(file); // raw photos
   }

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Upload/UploadRecord.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// The record of a received photo whose processing is not over, or that keeps private data which should have
+// been removed: one file in the save folder's work folder. Pure functions; any thread.
+namespace fennick {
+
+// Recognises a file of a save folder after it was renamed or moved within its file system.
+struct PhotoIdentity {
+  std::uint64_t inode = 0;
+  std::int64_t bytes = 0;
+  Instant modified{};
+
+  [[nodiscard]] static PhotoIdentity of(const FileStatus &status) {
+    return {.inode = status.identity.inode, .bytes = status.bytes, .modified = status.modified};
+  }
+  // Without the inode, which some file systems number anew when they are mounted, and with their resolution
+  // of time.
+  [[nodiscard]] bool looksLike(const PhotoIdentity &other) const;
+  bool operator==(const PhotoIdentity &) const = default;
+};
+
+// An encoding that is about to be moved from `output` to `target`.
+struct PendingPlacing {
+  std::filesystem::path output;
+  std::filesystem::path target;
+  PhotoIdentity encoding;
+  PrivateData remaining; // what the encoding may still have
+
+  bool operator==(const PendingPlacing &) const = default;
+};
+
+struct PendingRecord {
+  UploadRecord upload; // with the path at which the photo is, or is about to be
+  PhotoIdentity photo;
+  std::optional<PendingPlacing> placing{};
+  // Set once the processing is over: the photo keeps this, which was to be removed.
+  std::optional<PrivateData> kept{};
+
+  bool operator==(const PendingRecord &) const = default;
+};
+
+inline constexpr std::string_view kPendingSuffix = ".pending";
+
+// A name for a new record of the photo. It repeats the identity, so that a record whose content is damaged
+// still tells which photo must not be shown.
+[[nodiscard]] std::string pendingName(const PhotoIdentity &photo);
+// Returns nullopt if `name` is not that of a record.
+[[nodiscard]] std::optional<PhotoIdentity> pendingIdentity(std::string_view name);
+
+// Paths are written relative to the save folder.
+[[nodiscard]] std::string encodePending(const PendingRecord &record);
+// Returns nullopt if `text` is no record or names a file outside `saveFolder`.
+[[nodiscard]] std::optional<PendingRecord> decodePending(std::string_view text,
+                                                         const std::filesystem::path &saveFolder);
+
+} // namespace fennick

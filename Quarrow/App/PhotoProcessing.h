@@ -1,0 +1,98 @@
+#pragma once
+
+#include "FennickCore/Imaging/ImagePipeline.h"
+#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Upload/PendingPhotos.h"
+#include "FennickCore/Upload/UploadRecord.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace quarrow {
+
+// Processes received photos one after another on a queue of its own ("fennick.imaging"), with the options as
+// they are when a photo's turn comes, and resumes what an earlier run left.
+class PhotoProcessing {
+public:
+  struct Finished {
+    fennick::UploadRecord upload;
+    fennick::ProcessResult result;
+    fennick::PrivateData left; // what was to be removed and is, or may be, still in the file
+    bool resumed = false;      // received by an earlier run
+  };
+  struct Observer {
+    // A photo has its final name. On the queue.
+    std::function<void(const std::filesystem::path &file)> named;
+    // Both are called on the main thread, not after the object's end.
+    std::function<void(const Finished &)> finished;
+    // How many photos wait or are being processed. A change is told after half a second, so that a photo that
+    // takes no time is not mentioned.
+    std::function<void(int photos)> waiting;
+  };
+  // All outlive the object.
+  struct Services {
+    fennick::PictureDecoder &decoder;
+    fennick::FileSystem &files;
+    fennick::Trash &trash;
+    fennick::MainQueue &mainQueue;
+    fennick::PendingPhotos &pending;
+  };
+
+  PhotoProcessing(const Services &services, Observer observer);
+  ~PhotoProcessing();
+  PhotoProcessing(const PhotoProcessing &) = delete;
+  PhotoProcessing &operator=(const PhotoProcessing &) = delete;
+
+  // A photo was received. Any thread.
+  void add(const fennick::UploadRecord &upload);
+  // Looks for photos that an earlier run left in the save folder, and for recorded photos that were renamed.
+  // To be called for a new save folder and after changes in it. Main thread.
+  void look();
+
+  // Begins no further photo and waits until the current one is done, `most` at the longest. Recorded photos
+  // that wait are left to the next run; others are reported as they came. Main thread.
+  void finishCurrent(fennick::Seconds most);
+  // Ends the processing; waits for the current photo. Main thread.
+  void end();
+
+private:
+  struct Job {
+    std::string entry;
+    std::optional<fennick::UploadRecord> upload{}; // absent for a photo that an earlier run left
+  };
+  enum class Ending { reported, again, left };
+
+  void post(Job job);
+  void run(const Job &job);
+  void resume();
+  void leave(const Job &job);
+  Ending process(const Job &job, int round);
+  [[nodiscard]] fennick::ProcessResult work(const std::string &entry,
+                                            const fennick::PendingPhotos::Work &work);
+  void report(Finished finished);
+  void count(int change);
+  void announceCount();
+  void postToMain(fennick::Seconds delay, std::function<void()> task);
+
+  const Services services_;
+  const Observer observer_;
+  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+
+  fennick::Mutex lock_;
+  std::condition_variable idle_;
+  bool ending_ GUARDED_BY(lock_) = false;
+  bool working_ GUARDED_BY(lock_) = false;
+  bool looks_ GUARDED_BY(lock_) = false;     // the folder will be looked at
+  bool announces_ GUARDED_BY(lock_) = false; // the count will be announced
+  int waiting_ GUARDED_BY(lock_) = 0;
+  std::unique_ptr<fennick::SerialQueue> lookQueue_; // while a photo is being processed
+  std::unique_ptr<fennick::SerialQueue> queue_;     // last: what runs on it uses all of the above
+};
+
+} // namespace quarrow
