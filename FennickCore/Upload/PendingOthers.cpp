@@ -52,17 +52,21 @@ std::vector<std::string> PendingPhotos::takeOver() {
       return {};
   }
   const auto hold = holdAlone(folder);
-  if (!hold)
-    return {};
+  return hold ? takeOver(folder, *hold) : std::vector<std::string>();
+}
+
+std::vector<std::string> PendingPhotos::takeOver(const fs::path &incoming, const IncomingHold &hold) {
   std::vector<std::tuple<Instant, Instant, std::string>> taken;
   {
     const Locked locked(lock_);
+    if (incoming != folder_ / kIncomingFolder)
+      return {};
     lastRead_.reset(); // another program may have finished some until just now
     readOthers();
     for (const auto &[name, entry] : waitingOthers()) {
       taken.emplace_back(entry.record.upload.receivedAt, entry.record.photo.modified, name);
       entries_[name].phase = Phase::waiting;
-      entries_[name].hold = *hold;
+      entries_[name].hold = hold;
     }
   }
   forgetOld();

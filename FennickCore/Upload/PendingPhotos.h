@@ -78,6 +78,9 @@ public:
   // in the folder. On a drive that other computers may use, whose work cannot be seen, only the first time
   // finds any. Each of them is to be processed by the caller.
   [[nodiscard]] std::vector<std::string> takeOver();
+  // The same for who knows that nobody works in `incoming`, as IncomingFolder::TakeOver does.
+  [[nodiscard]] std::vector<std::string> takeOver(const std::filesystem::path &incoming,
+                                                  const IncomingHold &hold);
 
   // The processing of an entry begins, or is begun again. Returns nullopt if there is no such entry.
   [[nodiscard]] std::optional<Work> begin(const std::string &entry);

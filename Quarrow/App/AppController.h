@@ -212,7 +212,9 @@ private:
   std::shared_ptr<Server> httpServer_;
   bool stopped_ = false;
 
-  fennick::IncomingFolder incoming_{files_}; // of all uploads, imports and processing
+  fennick::IncomingFolder incoming_{files_, [this](const auto &folder, const auto &hold) {
+                                      processing_->takeOver(folder, hold);
+                                    }}; // of all uploads, imports and processing
   FolderCleaner cleaner_{files_, incoming_};
   fennick::PendingPhotos pending_{files_};
   std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced

@@ -95,13 +95,17 @@ void PhotoProcessing::look() {
       looks_ = false;
     }
     services_.pending.follow();
-    resume();
+    resume(services_.pending.takeOver());
   });
 }
 
-void PhotoProcessing::resume() {
-  for (auto &entry : services_.pending.takeOver())
-    post({.entry = std::move(entry)});
+void PhotoProcessing::takeOver(const std::filesystem::path &incoming, const fennick::IncomingHold &hold) {
+  resume(services_.pending.takeOver(incoming, hold));
+}
+
+void PhotoProcessing::resume(const std::vector<std::string> &entries) {
+  for (const auto &entry : entries)
+    post({.entry = entry});
 }
 
 void PhotoProcessing::finishCurrent(Seconds most) {
@@ -145,7 +149,7 @@ void PhotoProcessing::run(const Job &job) {
   }
   count(-1);
   if (isLast)
-    resume(); // what could not be taken over while there was work in the folder
+    resume(services_.pending.takeOver()); // what could not be taken over while there was work in the folder
 }
 
 void PhotoProcessing::leave(const Job &job) {

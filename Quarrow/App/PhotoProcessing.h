@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quarrow {
 
@@ -51,6 +52,8 @@ public:
 
   // A photo was received. Any thread.
   void add(const fennick::UploadRecord &upload);
+  // Resumes what an earlier run left in `incoming`, in which nobody works. Any thread.
+  void takeOver(const std::filesystem::path &incoming, const fennick::IncomingHold &hold);
   // Looks for photos that an earlier run left in the save folder, and for recorded photos that were renamed.
   // To be called for a new save folder and after changes in it. Main thread.
   void look();
@@ -70,7 +73,7 @@ private:
 
   void post(Job job);
   void run(const Job &job);
-  void resume();
+  void resume(const std::vector<std::string> &entries);
   void leave(const Job &job);
   Ending process(const Job &job, int round);
   [[nodiscard]] fennick::ProcessResult work(const std::string &entry,
