@@ -68,7 +68,16 @@ DecoderPool::~DecoderPool() {
 }
 
 PictureResult<PictureFacts> DecoderPool::facts(const std::filesystem::path &file) {
-  auto reply = ask(file, {.request = wire::FactsRequest{}, .timeout = options_.factsTimeout});
+  return askFacts(file, {.headerOnly = false});
+}
+
+PictureResult<PictureFacts> DecoderPool::headerFacts(const std::filesystem::path &file) {
+  return askFacts(file, {.headerOnly = true});
+}
+
+PictureResult<PictureFacts> DecoderPool::askFacts(const std::filesystem::path &file,
+                                                  const wire::FactsRequest &request) {
+  auto reply = ask(file, {.request = request, .timeout = options_.factsTimeout});
   if (!reply)
     return std::unexpected(std::move(reply.error()));
   return reply->answer.facts;

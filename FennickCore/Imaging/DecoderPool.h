@@ -60,6 +60,7 @@ public:
   DecoderPool &operator=(const DecoderPool &) = delete;
 
   PictureResult<PictureFacts> facts(const std::filesystem::path &file) override;
+  PictureResult<PictureFacts> headerFacts(const std::filesystem::path &file) override;
   PictureResult<PictureDetails> details(const std::filesystem::path &file) override;
   PictureResult<std::string> thumbnail(const std::filesystem::path &file, std::int64_t maxPixel,
                                        double quality) override;
@@ -98,6 +99,7 @@ private:
   };
 
   PictureResult<Reply> ask(const std::filesystem::path &file, const Task &task);
+  PictureResult<PictureFacts> askFacts(const std::filesystem::path &file, const wire::FactsRequest &request);
   PictureResult<Reply> converse(Worker &worker, const FileDescriptor &file, const Task &task);
   [[nodiscard]] std::unexpected<PictureError> gone() const;
   PictureResult<WorkerPtr> acquire(Purpose purpose);

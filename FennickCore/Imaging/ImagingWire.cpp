@@ -61,7 +61,7 @@ Enumeration enumerated(const Json &value, Enumeration last) {
   return static_cast<Enumeration>(raw);
 }
 
-Json json(const FactsRequest &) { return {{"task", "facts"}}; }
+Json json(const FactsRequest &request) { return {{"task", "facts"}, {"headerOnly", request.headerOnly}}; }
 Json json(const DetailsRequest &) { return {{"task", "details"}}; }
 
 Json json(const ThumbnailRequest &request) {
@@ -100,7 +100,7 @@ RenderRequest renderRequest(const Json &object) {
 Request request(const Json &object) {
   const auto task = object.at("task").get<std::string>();
   if (task == "facts")
-    return FactsRequest{};
+    return FactsRequest{.headerOnly = object.at("headerOnly").get<bool>()};
   if (task == "details")
     return DetailsRequest{};
   if (task == "thumbnail")

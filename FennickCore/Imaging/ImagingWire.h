@@ -23,7 +23,9 @@ inline constexpr std::int64_t kMostResultBytes = std::int64_t{512} << 20;
 // No thumbnail is longer.
 inline constexpr std::int64_t kMostThumbnailBytes = std::int64_t{32} << 20;
 
-struct FactsRequest {};
+struct FactsRequest {
+  bool headerOnly = false; // without looking for what only the whole file tells
+};
 struct DetailsRequest {};
 struct ThumbnailRequest {
   std::int64_t maxPixel = 0;

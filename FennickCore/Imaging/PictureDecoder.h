@@ -65,8 +65,13 @@ class PictureDecoder {
 public:
   virtual ~PictureDecoder() = default;
 
-  // Reads headers and metadata, no pixels.
+  // Reads headers and metadata, no pixels. Goes through the whole file for what stands behind the picture.
   [[nodiscard]] virtual PictureResult<PictureFacts> facts(const std::filesystem::path &file) = 0;
+  // The same from the beginning of the file, for many files at once: of location and metadata, what it says
+  // may be incomplete.
+  [[nodiscard]] virtual PictureResult<PictureFacts> headerFacts(const std::filesystem::path &file) {
+    return facts(file);
+  }
   // Reads what people want to know of how the picture was taken; no pixels.
   [[nodiscard]] virtual PictureResult<PictureDetails> details(const std::filesystem::path &file) = 0;
   // A JPEG of at most `maxPixel` pixels on the longer side, upright, in sRGB, without metadata; the first

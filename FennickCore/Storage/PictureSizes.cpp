@@ -42,7 +42,7 @@ PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus
     found->second.used = true;
     return found->second.size;
   }
-  const auto facts = decoder_.facts(file);
+  const auto facts = decoder_.headerFacts(file);
   busy_ |= !facts && facts.error().fault == PictureFault::busy;
   const PictureSize size = facts ? shown(*facts) : PictureSize{};
   if (facts || !mayPass(facts.error().fault))

@@ -100,7 +100,7 @@ PictureResult<PictureDetails> readDetails(Bytes file) {
   return exifDetails(readMetadata(file, *type).exif);
 }
 
-PictureResult<PictureFacts> readFacts(Bytes file) {
+PictureResult<PictureFacts> readFacts(Bytes file, Depth depth) {
   const auto type = sniffType(file);
   if (!type)
     return std::unexpected(PictureError{.fault = PictureFault::notAPicture, .detail = {}});
@@ -109,7 +109,7 @@ PictureResult<PictureFacts> readFacts(Bytes file) {
   Fidelity fidelity = header.fidelity;
   if (const auto colours = unusualColours(file, *type, metadata.icc))
     fidelity = colours->isHDR() ? Fidelity::dynamicRange : Fidelity::colours;
-  const Leftovers others = leftovers(file, *type);
+  const Leftovers others = depth == Depth::file ? leftovers(file, *type) : Leftovers();
   return PictureFacts{.type = *type,
                       .frames = header.frames,
                       .width = header.width,

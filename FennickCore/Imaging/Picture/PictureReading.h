@@ -20,7 +20,8 @@ struct PictureHeader {
 };
 [[nodiscard]] PictureHeader readHeader(Bytes file, PictureType type);
 
-[[nodiscard]] PictureResult<PictureFacts> readFacts(Bytes file);
+enum class Depth { header, file }; // `header`: without the leftovers, which only the whole file tells
+[[nodiscard]] PictureResult<PictureFacts> readFacts(Bytes file, Depth depth);
 [[nodiscard]] PictureResult<PictureDetails> readDetails(Bytes file);
 
 // See PictureDecoder for both.

@@ -155,7 +155,7 @@ PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequ
 
 PictureResult<Rendering> render(Bytes file, const RenderRequest &request) {
   const auto started = std::chrono::steady_clock::now();
-  const auto facts = readFacts(file);
+  const auto facts = readFacts(file, Depth::header);
   if (!facts)
     return std::unexpected(facts.error());
   if (!ImageLimits::check(facts->width, facts->height) || request.longEdge < 1)

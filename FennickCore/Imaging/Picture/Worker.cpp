@@ -67,7 +67,7 @@ Outcome carriedOut(const wire::Request &request, Bytes file) {
         using Task = std::decay_t<decltype(task)>;
         const auto takeBytes = [](std::string &bytes, Outcome &outcome) { outcome.bytes = std::move(bytes); };
         if constexpr (std::is_same_v<Task, wire::FactsRequest>)
-          return outcomeOf(readFacts(file),
+          return outcomeOf(readFacts(file, task.headerOnly ? Depth::header : Depth::file),
                            [](const PictureFacts &facts, Outcome &o) { o.answer.facts = facts; });
         else if constexpr (std::is_same_v<Task, wire::DetailsRequest>)
           return outcomeOf(readDetails(file), [](PictureDetails &details, Outcome &o) {
