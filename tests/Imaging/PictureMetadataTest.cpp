@@ -154,6 +154,11 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
   const auto png = [](const std::string &type, const std::string &payload) {
     return samplePng(pngChunk(type, payload));
   };
+  const auto cutBehind = [](const std::string &last, const std::string &file) {
+    return file.substr(0, file.find(last) + last.size());
+  };
+  std::string webp = sampleWebp();
+  writeNumber(webp, 4, 1000, 4, ByteOrder::little);
   struct Case {
     std::string file;
     PictureType type;
@@ -166,6 +171,8 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
       {segment(0xFE, "made by hand"), PictureType::jpeg, true, false},
       {segment(0xFE, "GPS 43.5 11.9"), PictureType::jpeg, true, true},
       {segment(0xE4, "a maker's block"), PictureType::jpeg, true, false},
+      {segment(0xE4, "\1\2GPS=43.5,11.9\3"s), PictureType::jpeg, true, true},
+      {segment(0xE4, "\1\2gPs\3 by chance"s), PictureType::jpeg, true, false},
       {segment(kAPP0, "JFXX\0\x10"s + kPreview), PictureType::jpeg, true, false},
       {segment(kAPP1, "Exif\0\0neither order"s), PictureType::jpeg, true, true},
       {segment(kAPP13, photoshop + numberText(sampleExif().size(), 4) + sampleExif()), PictureType::jpeg,
@@ -185,8 +192,12 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
       {png("zTXt", "Comment\0\0"s + deflated("latitude 43.5")), PictureType::png, true, true},
       {png("zTXt", "Comment\0\0damaged"s), PictureType::png, true, true},
       {samplePng() + "more", PictureType::png, true, false},
+      {cutBehind("Arezzo", png("tEXt", "Location\0Arezzo"s)), PictureType::png, true, true},
       {sampleWebp(), PictureType::webp, false, false},
+      {cutBehind("Arezzo", webp + webpChunk("XMP ", "<city>Location: Arezzo</city>")), PictureType::webp,
+       true, true},
       {sampleHeif(), PictureType::heic, true, true},
+      {box("ftyp", "heic\0\0\0\0"s) + box("meta", std::string(12, '\0')), PictureType::heic, true, true},
       {sampleHeif() + box("mpvd", sampleVideo()), PictureType::heic, true, true},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {

@@ -22,6 +22,7 @@ constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
 constexpr std::string_view kExtensionPrefix = "http://ns.adobe.com/xmp/extension/\0"sv;
 constexpr std::size_t kPlainHeader = 14; // a JFIF header without a thumbnail
 constexpr std::size_t kAdobeHeader = 16;
+constexpr std::size_t kMostItemBytes = 64UZ * 1'024 * 1'024; // of all items of a HEIF file
 constexpr std::uint8_t kAPP14 = 0xEE;
 constexpr std::uint8_t kComment = 0xFE;
 
@@ -125,22 +126,26 @@ Leftovers pngLeftovers(std::string_view file) {
     else if (!isOneOf(chunk.type, kPngPixels))
       found.add(bytesMayHaveLocation(chunk.payload(file)));
   }
-  if (const Chunk *last = findChunk(chunks, "IEND"))
-    addTrailer(file, last->end, found);
-  else if (chunks.size() == kMostParts)
+  if (chunks.size() == kMostParts)
     found.add(true); // there is more than was read
+  // Behind the end, or from where the file cannot be read on.
+  if (!chunks.empty())
+    addTrailer(file, chunks.back().end, found);
   return found;
 }
 
 Leftovers webpLeftovers(std::string_view file) {
   Leftovers found;
-  for (const Chunk &chunk : webpChunks(file)) {
+  const auto chunks = webpChunks(file);
+  for (const Chunk &chunk : chunks) {
     if (chunk.type == "EXIF"sv)
       found.add(isUnreadableExif(chunk.payload(file)));
     else if (!isOneOf(chunk.type, kWebpPixels))
       found.add(chunk.type != "XMP "sv && bytesMayHaveLocation(chunk.payload(file)));
   }
-  addTrailer(file, 8 + readNumber(file, 4, 4, ByteOrder::little).value_or(file.size()), found);
+  // Behind the end, or from where the file cannot be read on.
+  if (!chunks.empty())
+    addTrailer(file, chunks.back().end, found);
   return found;
 }
 
@@ -154,9 +159,11 @@ bool isAlpha(std::string_view file, const HeifFile &heif, std::uint32_t item) {
 
 // The primary picture, its transparency, and the parts that these are put together from.
 std::set<std::uint32_t> pixelItems(std::string_view file, const HeifFile &heif) {
+  constexpr int kDeepest = 8; // an overlay of rotated grids has three levels
   std::set<std::uint32_t> items{heif.primary};
   const auto holds = [&](std::uint32_t item) { return items.contains(item); };
-  for (std::size_t before = 0; before != items.size();) {
+  std::size_t before = 0;
+  for (int level = 0; level < kDeepest && before != items.size(); ++level) {
     before = items.size();
     for (const HeifReference &reference : heif.references)
       if (reference.type == "dimg"sv && items.contains(reference.from))
@@ -168,11 +175,16 @@ std::set<std::uint32_t> pixelItems(std::string_view file, const HeifFile &heif) 
   return items;
 }
 
-bool itemHasLocation(std::string_view file, const HeifFile &heif, const HeifItem &item) {
+// Items may share their data. `room` is how many bytes of them are still read; what cannot be read, or is
+// not, may say anything.
+bool itemHasLocation(std::string_view file, const HeifFile &heif, const HeifItem &item, std::size_t &room) {
   constexpr std::array kPictures{"hvc1"sv, "av01"sv, "grid"sv, "iden"sv, "iovl"sv, "tmap"sv, "j2k1"sv};
   if (isOneOf(item.type, kPictures))
     return false;
-  const std::string data = heifItemData(file, heif, &item);
+  const std::string data = room > 0 ? heifItemData(file, heif, &item) : std::string();
+  if (data.empty())
+    return room == 0 || !item.extents.empty();
+  room -= std::min(room, data.size());
   if (item.type == "Exif"sv) {
     const auto block = ExifBlock::parse(behind(data, 4 + readNumber(data, 0, 4).value_or(0)));
     return !block || block->hasGPS();
@@ -193,12 +205,15 @@ Leftovers heifLeftovers(std::string_view file) {
   }
   addTrailer(file, boxes.empty() ? file.size() : boxes.back().end, found);
   const auto heif = HeifFile::parse(file);
-  if (!heif)
+  if (!heif) {
+    found.add(true); // other readers may make something of it
     return found;
+  }
   const auto pixels = pixelItems(file, *heif);
+  std::size_t room = kMostItemBytes;
   for (const HeifItem &item : heif->items)
     if (!pixels.contains(item.id))
-      found.add(itemHasLocation(file, *heif, item));
+      found.add(itemHasLocation(file, *heif, item, room));
   return found;
 }
 

@@ -23,8 +23,10 @@ constexpr std::array kWords{"latitude"sv,        "longitude"sv,         "locatio
                             "photoshop:state"sv, "photoshop:country"sv, "countrycode"sv, "mcc_data"sv};
 // The position atoms of QuickTime and MP4.
 constexpr std::array kAtoms{"\xA9xyz"sv, "loci"sv};
-// Up to here short words such as "gps" are looked for as well.
+// Up to here short words such as "gps" are looked for as well, in texts of this length and more: three
+// letters occur by chance in a few of a hundred gain maps.
 constexpr std::size_t kMostText = 65'536;
+constexpr std::ptrdiff_t kShortestText = 12;
 constexpr std::size_t kMostExifBlock = 65'536;
 constexpr std::size_t kWindow = 1'048'576;
 constexpr std::size_t kLongestWord = 32;
@@ -41,8 +43,27 @@ bool holdsWord(std::string_view window) {
   return std::ranges::any_of(kWords, isIn(lower)) || std::ranges::any_of(kAtoms, isIn(window));
 }
 
+bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
+// No character set uses control characters in texts, but for the ends of lines and of the text itself.
+bool isBinary(unsigned char c) { return c < ' ' && c != '\t' && c != '\n' && c != '\r' && c != '\0'; }
+
+// Whether the bytes, if they are a text, or a text among them hold a word.
+bool holdsShortWord(std::string_view bytes) {
+  if (!xmpMayHaveLocation(bytes))
+    return false;
+  if (std::ranges::none_of(bytes, isBinary))
+    return true;
+  for (auto start = bytes.begin(); start != bytes.end();) {
+    const auto *const end = std::find_if_not(start, bytes.end(), isPrintable);
+    if (end - start >= kShortestText && xmpMayHaveLocation(std::string_view(start, end)))
+      return true;
+    start = end == bytes.end() ? end : end + 1;
+  }
+  return false;
+}
+
 bool holdsWords(std::string_view bytes) {
-  if (bytes.size() <= kMostText && xmpMayHaveLocation(bytes))
+  if (bytes.size() <= kMostText && holdsShortWord(bytes))
     return true;
   for (std::size_t at = 0; at < bytes.size(); at += kWindow)
     if (holdsWord(bytes.substr(at, kWindow + kLongestWord)))
