@@ -78,6 +78,9 @@ void Companions::resize(std::int64_t edge) {
 
 std::string Companions::encodedGainMap(std::int64_t edge) const {
   const Bytes stored = file_.subspan(gainMapAt_.at, gainMapAt_.length);
+  const auto size = jpegSize(stored);
+  if (!size || !ImageLimits::check(size->width, size->height))
+    return {};
   try {
     const DecodedPicture decoded =
         decodePicture(stored, PictureType::jpeg, ImageLimits::kMaxSide, Damage::refuse);

@@ -22,6 +22,10 @@ public:
   [[nodiscard]] bool losesVideo() const { return hadVideo_ && trailer_.bytes.empty(); }
   [[nodiscard]] bool losesGainMap() const { return hadGainMap_ && gainMapAt_.length == 0; }
 
+  // How many can still be given up.
+  [[nodiscard]] int count() const {
+    return (trailer_.bytes.empty() ? 0 : 1) + (gainMapAt_.length > 0 ? 1 : 0);
+  }
   // Gives up the video, else the gain map; false if neither is left.
   [[nodiscard]] bool dropOne();
   // The video with what must stay around it.

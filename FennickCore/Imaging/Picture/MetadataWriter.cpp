@@ -109,7 +109,8 @@ Metadata prepare(const Metadata &metadata, const MetadataChange &change) {
   if (change.stripAll)
     return prepared;
   prepared.exif = preparedExif(metadata.exif, change);
-  prepared.xmp = preparedXmp(metadata.xmp, {change.width, change.height, change.stripLocation, change.companions});
+  prepared.xmp =
+      preparedXmp(metadata.xmp, {change.width, change.height, change.stripLocation, change.companions});
   prepared.iptc = change.stripLocation ? iptcWithoutLocation(metadata.iptc) : metadata.iptc;
   return prepared;
 }

@@ -110,14 +110,18 @@ private:
   std::optional<VImage> current_; // image_ at the size asked for last
 };
 
-// Companions may cost the photo quality but no pixels: rather than that they are given up one by one.
+// Companions may cost the photo quality but no pixels: rather than that they are given up one by one. For
+// each an encoding is set aside, so that there are never more in all than a photo without companions has.
 std::optional<Rendering> searchWithCompanions(Encoding &encoding, Companions &companions,
                                               RenderRequest request, const Elapsed &elapsed) {
   std::int64_t edge = encoding.fullEdge();
+  int encodes = 0;
+  const auto encodeAt = [&](std::int64_t tried, double quality) {
+    ++encodes;
+    return encoding.at(tried, quality);
+  };
   const auto search = [&] {
-    return searchSize(
-        edge, request, [&](std::int64_t tried, double quality) { return encoding.at(tried, quality); },
-        elapsed);
+    return searchSize(edge, request, encodeAt, elapsed, kMostEncodes - encodes - companions.count());
   };
   auto result = search();
   while (result) {

@@ -7,7 +7,6 @@ namespace fennick::picture {
 
 namespace {
 
-constexpr int kMostEncodes = 14;
 constexpr double kQualityStep = 0.08;
 constexpr double kQualitySlack = 0.0001;    // for sums of the step that miss the floor by rounding
 constexpr std::int64_t kSmallestEdge = 640; // below this a photo is no use
@@ -26,12 +25,12 @@ std::int64_t smallerEdge(std::int64_t edge, std::int64_t maxBytes, std::int64_t 
 } // namespace
 
 std::optional<Rendering> searchSize(std::int64_t fullEdge, const RenderRequest &request,
-                                    const EncodeAt &encodeAt, const Elapsed &elapsed) {
+                                    const EncodeAt &encodeAt, const Elapsed &elapsed, int mostEncodes) {
   const bool lossless = request.output == PictureType::png;
   Rendering smallest;
   std::int64_t edge = fullEdge;
   double quality = request.quality;
-  for (int encodes = 0; encodes < kMostEncodes; ++encodes) {
+  for (int encodes = 0; encodes < mostEncodes; ++encodes) {
     const Seconds before = elapsed();
     std::string file = encodeAt(edge, quality);
     if (file.empty())

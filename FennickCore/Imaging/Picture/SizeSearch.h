@@ -14,10 +14,13 @@ using EncodeAt = std::function<std::string(std::int64_t edge, double quality)>;
 // Tells how long the request has been under way.
 using Elapsed = std::function<Seconds()>;
 
+inline constexpr int kMostEncodes = 14;
+
 // Looks for the best file within the request's `maxBytes`: first with a lower quality, then with fewer
-// pixels, from `fullEdge` on. Returns the smallest file if none is small enough or `searchTime` runs out, and
-// nullopt if an encoding fails. Any thread.
+// pixels, from `fullEdge` on. Returns the smallest file if none of `mostEncodes` is small enough or
+// `searchTime` runs out, and nullopt if an encoding fails. Any thread.
 [[nodiscard]] std::optional<Rendering> searchSize(std::int64_t fullEdge, const RenderRequest &request,
-                                                  const EncodeAt &encodeAt, const Elapsed &elapsed);
+                                                  const EncodeAt &encodeAt, const Elapsed &elapsed,
+                                                  int mostEncodes = kMostEncodes);
 
 } // namespace fennick::picture
