@@ -16,7 +16,7 @@
 
 namespace fennick {
 
-// Processes received pictures in place, as the person chose: smaller, another format, without metadata. It
+// Processes received pictures in place, as the user chose: smaller, another format, without metadata. It
 // never fails an upload: whatever cannot or need not be done leaves the file as it arrived.
 //
 // At every moment of a commit the picture stands whole under its old or its new name. The modification time
@@ -48,7 +48,7 @@ struct ProcessResult {
   std::optional<std::filesystem::path>
       originalURL{};                 // where the untouched original was moved, if it was kept
   bool processed = false;            // a new encoding took the file's place
-  std::optional<std::string> note{}; // for the person
+  std::optional<std::string> note{}; // for the user
   // What the file under `finalURL` still has, or may have where its metadata could not be read.
   PrivateData remaining{.location = true, .metadata = true};
   std::optional<ImagePipeline::Failure> failure{}; // why it was left alone though it should not have been

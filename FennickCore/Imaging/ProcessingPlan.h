@@ -13,7 +13,7 @@
 // What has to be done with a received picture, decided from its facts. Pure functions; any thread.
 namespace fennick::ImagePipeline {
 
-// Nothing: the file stays as it is, and this is what the person is told.
+// Nothing: the file stays as it is, and this is what the user is told.
 struct LeaveAlone {
   std::string note;
 };

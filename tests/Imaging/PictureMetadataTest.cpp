@@ -196,6 +196,8 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
       {sampleWebp(), PictureType::webp, false, false},
       {cutBehind("Arezzo", webp + webpChunk("XMP ", "<city>Location: Arezzo</city>")), PictureType::webp,
        true, true},
+      {"MM\0+\0\x08\0\0"s + numberText(16, 8) + numberText(1, 8) + "\x88\x25"s + std::string(26, '\0'),
+       PictureType::tiff, true, true},
       {sampleHeif(), PictureType::heic, true, true},
       {box("ftyp", "heic\0\0\0\0"s) + box("meta", std::string(12, '\0')), PictureType::heic, true, true},
       {sampleHeif() + box("mpvd", sampleVideo()), PictureType::heic, true, true},

@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/Leftovers.h"
 
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/ExifTiff.h"
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "FennickCore/Imaging/Picture/HeifFile.h"
 #include "FennickCore/Imaging/Picture/LocationScan.h"
@@ -217,6 +218,17 @@ Leftovers heifLeftovers(std::string_view file) {
   return found;
 }
 
+// BigTIFF, and damaged files, cannot be read by the reader of the metadata.
+Leftovers tiffLeftovers(std::string_view file) {
+  constexpr std::uint16_t kGPSDirectory = 0x8825;
+  Leftovers found;
+  const auto layout = TiffLayout::of(file);
+  for (const TiffDirectory &directory : layout ? layout->chain(file) : std::vector<TiffDirectory>())
+    if (directory.find(kGPSDirectory) != nullptr)
+      found.add(true);
+  return found;
+}
+
 } // namespace
 
 Leftovers leftovers(Bytes bytes, PictureType type) {
@@ -228,6 +240,8 @@ Leftovers leftovers(Bytes bytes, PictureType type) {
     return pngLeftovers(file);
   case PictureType::webp:
     return webpLeftovers(file);
+  case PictureType::tiff:
+    return tiffLeftovers(file);
   case PictureType::heic:
   case PictureType::heif:
   case PictureType::avif:

@@ -19,8 +19,9 @@ struct Leftovers {
   }
 };
 
-// For JPEG, PNG, WebP, HEIC, HEIF and AVIF; of GIF only the location, of TIFF and raw nothing: what those say
-// is all in Metadata. EXIF, XMP and IPTC that Metadata has read do not count as location here.
+// For JPEG, PNG, WebP, HEIC, HEIF and AVIF; of GIF only the location, of TIFF only whether there is a GPS
+// directory, of raw nothing: what those say is in Metadata. EXIF, XMP and IPTC that Metadata has read do not
+// count as location here.
 [[nodiscard]] Leftovers leftovers(Bytes file, PictureType type);
 
 // What a JPEG needs to be shown: its header, its colour profile, Adobe's colour transform, tables and the
