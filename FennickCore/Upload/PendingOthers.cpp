@@ -69,7 +69,6 @@ std::vector<std::string> PendingPhotos::takeOver(const fs::path &incoming, const
       entries_[name].hold = hold;
     }
   }
-  forgetOld();
   std::ranges::sort(taken);
   const auto names = taken | std::views::elements<2>;
   return {names.begin(), names.end()};

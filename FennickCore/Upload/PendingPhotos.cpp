@@ -32,6 +32,12 @@ bool isPlaced(const PendingPlacing &placing, const PendingRecord &record) {
          (placing.target != record.upload.url || target->inode != record.photo.inode);
 }
 
+// Waits while somebody, alone in the work folder, clears it: what is written there now would go as well. The
+// lock lasts as long as the result.
+IOResult<DirectoryLock> awaitClearing(const fs::path &saveFolder) {
+  return DirectoryLock::lock(saveFolder / kIncomingFolder, DirectoryLock::Mode::shared);
+}
+
 } // namespace
 
 PendingPhotos::Arrival::Arrival(PendingPhotos &pending, Arriving arriving)
@@ -120,6 +126,8 @@ std::optional<PendingPhotos::Work> PendingPhotos::begin(const std::string &name)
   auto entry = update(name, [](Entry &changed) { changed.phase = Phase::working; });
   if (!entry)
     return std::nullopt;
+  if (entry->file) // taken over: leftovers are still being cleared
+    std::ignore = awaitClearing(entry->record.upload.saveFolder);
   const bool placed = entry->record.placing && isPlaced(*entry->record.placing, entry->record);
   if (!placed) {
     entry = update(name, [](Entry &changed) { changed.record.placing.reset(); });
@@ -228,6 +236,7 @@ void PendingPhotos::follow() {
     return photo ? *photo == entry.record.photo && !entry.missing : entry.missing;
   });
   locate(entries);
+  forgetOld();
 }
 
 // Looks for photos that are not what they were under their paths.
@@ -286,6 +295,7 @@ IOResult<void> PendingPhotos::record(const std::string &name) {
   const auto entry = entryOf(name);
   if (!entry)
     return {};
+  const auto hold = awaitClearing(entry->record.upload.saveFolder);
   const fs::path folder = entry->record.upload.saveFolder / kIncomingFolder;
   const fs::path aside = folder / (newUUID() + ".part");
   auto done = writeAside(files_, aside, encodePending(entry->record), Durability::onDisk);

@@ -326,6 +326,7 @@ void AppController::applySaveFolder() {
   if (!isNew)
     return;
   server_.setSaveFolder(folder);
+  pending_.setOptions(settings_.settings().imaging); // before photos are found that wait for them
   pending_.setFolder(folder);
   if (options_.hasPhotoWall)
     library_.setFolder(folder);

@@ -67,8 +67,7 @@ ProcessResult stoppedResult(const std::filesystem::path &file) {
 } // namespace
 
 PhotoProcessing::PhotoProcessing(const Services &services, Observer observer)
-    : services_(services), observer_(std::move(observer)),
-      queue_(std::make_unique<fennick::SerialQueue>("fennick.imaging")) {}
+    : services_(services), observer_(std::move(observer)) {}
 
 PhotoProcessing::~PhotoProcessing() { end(); }
 
@@ -78,7 +77,7 @@ void PhotoProcessing::add(const fennick::UploadRecord &upload) {
 
 void PhotoProcessing::post(Job job) {
   count(1);
-  queue_->post([this, posted = std::move(job)] { run(posted); });
+  queue_.post([this, posted = std::move(job)] { run(posted); });
 }
 
 void PhotoProcessing::look() {
@@ -116,14 +115,16 @@ void PhotoProcessing::finishCurrent(Seconds most) {
     const Seconds left = deadline - std::chrono::steady_clock::now();
     if (left <= Seconds(0))
       return;
-    locked.waitFor(idle_, left);
+    locked.waitFor(changed_, left);
   }
 }
 
 void PhotoProcessing::end() {
   finishCurrent(Seconds(0));
   lookQueue_.reset(); // first: it may post to the other
-  queue_.reset();
+  Locked locked(lock_);
+  while (waiting_ > 0)
+    locked.wait(changed_);
 }
 
 // On the queue, like all that follows.
@@ -145,7 +146,7 @@ void PhotoProcessing::run(const Job &job) {
     const Locked locked(lock_);
     working_ = false;
     isLast = waiting_ == 1 && !ending_;
-    idle_.notify_all();
+    changed_.notify_all();
   }
   count(-1);
   if (isLast)
@@ -225,6 +226,7 @@ void PhotoProcessing::count(int change) {
   {
     const Locked locked(lock_);
     waiting_ += change;
+    changed_.notify_all();
     waits = waiting_ > 0;
     if (ending_ || (std::exchange(announces_, true) && waits))
       return;

@@ -88,14 +88,14 @@ private:
   const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 
   fennick::Mutex lock_;
-  std::condition_variable idle_;
+  std::condition_variable changed_;
   bool ending_ GUARDED_BY(lock_) = false;
   bool working_ GUARDED_BY(lock_) = false;
   bool looks_ GUARDED_BY(lock_) = false;     // the folder will be looked at
   bool announces_ GUARDED_BY(lock_) = false; // the count will be announced
   int waiting_ GUARDED_BY(lock_) = 0;
   std::unique_ptr<fennick::SerialQueue> lookQueue_; // while a photo is being processed
-  std::unique_ptr<fennick::SerialQueue> queue_;     // last: what runs on it uses all of the above
+  fennick::SerialQueue queue_{"fennick.imaging"};   // last: what runs on it uses all of the above
 };
 
 } // namespace quarrow

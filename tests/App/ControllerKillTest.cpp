@@ -1,7 +1,7 @@
 #include "tests/App/ControllerFixture.h"
 #include "tests/Support/KillAtEveryChange.h"
 
-#include <atomic>
+#include <algorithm>
 
 namespace quarrow::test {
 namespace {
@@ -46,8 +46,15 @@ protected:
     });
   }
 
+  void setServing(bool serving) {
+    const fennick::Locked locked(servingLock);
+    serves = serving;
+  }
+
   std::string folder;
-  std::atomic<bool> serves = false;
+  // Whether phones can be served: not while the controller is being made or destroyed.
+  fennick::Mutex servingLock;
+  bool serves GUARDED_BY(servingLock) = false;
 };
 
 TEST_F(ControllerKillTest, AKillWhileAPhotoIsReceivedNeitherLosesItNorShowsItsLocation) {
@@ -57,18 +64,19 @@ TEST_F(ControllerKillTest, AKillWhileAPhotoIsReceivedNeitherLosesItNorShowsItsLo
     options.saveFolder = disk.makeFolder(folder);
     for (const auto operation : {Operation::syncDirectory, Operation::remove, Operation::replace})
       dying.before(operation, [&] {
+        const fennick::Locked locked(servingLock);
         if (serves)
           expectNothingLeaks();
       });
     received.clear();
     fileSystem = &dying;
     start();
-    serves = true;
+    setServing(true);
     const bool isAccepted = upload().starts_with("HTTP/1.1 200");
     if (isAccepted)
       runUntilReceived(1);
     expectNothingLeaks();
-    serves = false;
+    setServing(false);
     controller.reset(); // the dead disk keeps what it would still do from happening
 
     fileSystem = &files;
