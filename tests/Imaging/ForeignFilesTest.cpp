@@ -339,6 +339,7 @@ private:
   void checkResult(const fs::path &file, const ImagingOptions &options) {
     const auto facts = pool_.facts(file);
     ASSERT_TRUE(facts) << facts.error().detail;
+    EXPECT_EQ(pool_.headerFacts(file)->width, facts->width);
     EXPECT_LE(std::max(*facts->width, *facts->height), options.maxPixels.value_or(20'000));
     EXPECT_LE(static_cast<std::int64_t>(fs::file_size(file)), options.maxBytes.value_or(1 << 30));
     EXPECT_FALSE(facts->hasLocation && (options.stripLocation || options.stripAllMetadata));
