@@ -152,8 +152,8 @@ void PhotoLibrary::noteRestored(std::span<const Renaming> restored) {
     names[to.parent_path()].emplace_back(from.filename().string(), to.filename().string());
   Edits edits;
   for (auto &[folder, renamed] : names)
-    edits[folder] = [renamed = std::move(renamed)](Names order) {
-      for (const auto &[from, to] : renamed)
+    edits[folder] = [renamings = std::move(renamed)](Names order) {
+      for (const auto &[from, to] : renamings)
         order = PhotoOrder::withRestored(std::move(order), from, to);
       return order;
     };

@@ -173,19 +173,20 @@ void PendingPhotos::makeIndex() {
     return;
   hiddenPaths_.clear();
   hiddenPhotos_.clear();
-  const auto hide = [&](const fs::path &file) {
-    hiddenPaths_.insert(file.native());
-    hiddenPaths_.insert(file.lexically_normal().native());
-  };
+  std::vector<fs::path> hidden;
   for (const auto &[name, entry] : entries_) {
     const PendingRecord &record = entry.record;
     if (const auto &placing = record.placing; placing && options_.dataToRemove().overlaps(placing->remaining))
-      hide(placing->target);
+      hidden.push_back(placing->target);
     if (!isHidden(entry))
       continue;
     hiddenPhotos_.insert({record.photo.inode, record.photo.bytes, record.photo.modified});
     if (!entry.missing)
-      hide(record.upload.url);
+      hidden.push_back(record.upload.url);
+  }
+  for (const auto &file : hidden) {
+    hiddenPaths_.insert(file.native());
+    hiddenPaths_.insert(file.lexically_normal().native());
   }
 }
 
