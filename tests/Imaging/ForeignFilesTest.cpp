@@ -161,8 +161,11 @@ VImage twoPages() {
 // More than one picture in a file.
 std::vector<Row> sequenceRows() {
   const std::string control = pngChunk("acTL", "\0\0\0\2\0\0\0\0"s);
+  const std::string photo = saved(field(), ".jpg[strip]");
+  const std::string bothEyes = replaced(picture::withGainMap(photo, photo), "\0\3\0\0"s, "\0\2\0\2"s);
   return {
       {"still.gif", saved(field(), ".gif"), keptAlways("kept as is (gif)"), kOrange},
+      {"stereo.jpg", bothEyes, keptAlways("kept as is (jpeg)"), kOrange},
       {"moving.png", pngWith(control), keptAlways("kept as is (png)"), kOrange},
       {"pages.tif", saved(field(), ".tif[tile,pyramid]"), keptAlways("kept as is (tiff)"), kOrange},
       {"moving.webp", saved(twoPages(), ".webp"), keptAlways("kept as is (webp)"), kOrange},

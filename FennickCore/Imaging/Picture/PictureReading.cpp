@@ -75,7 +75,8 @@ PictureHeader readByVips(Bytes file) {
 PictureHeader readHeader(Bytes file, PictureType type) {
   if (type == PictureType::jpeg) {
     const auto size = jpegSize(file);
-    return size ? PictureHeader{.width = size->width, .height = size->height} : PictureHeader{};
+    return size ? PictureHeader{.width = size->width, .height = size->height, .frames = jpegFrames(file)}
+                : PictureHeader{};
   }
   if (isHeif(type))
     return readHeif(file);

@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 
+#include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifTiff.h"
 #include "FennickCore/Imaging/Picture/RawStructure.h"
 
@@ -14,6 +15,11 @@ using namespace std::string_view_literals;
 namespace {
 
 constexpr std::size_t kMostBrands = 64;
+constexpr std::string_view kMPFPrefix = "MPF\0"sv;
+constexpr std::uint16_t kPictureEntries = 0xB002; // of a multi-picture directory, 16 bytes each
+constexpr std::size_t kPictureEntryBytes = 16;
+constexpr std::uint64_t kMultiFrame =
+    0x02; // third byte of a picture's type: panorama, disparity, multi-angle
 
 constexpr std::array kHeicBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"sv, "hevx"sv};
 constexpr std::array kAvifBrands{"avif"sv, "avis"sv};
@@ -49,6 +55,21 @@ std::optional<PictureType> sniffBrands(std::string_view file) {
   return type;
 }
 
+// Returns how many pictures a multi-picture directory lists; 1 if none of them is a frame beside others.
+std::int64_t framesListed(std::string_view directory) {
+  const auto layout = TiffLayout::of(directory);
+  const auto first = layout ? layout->firstDirectory(directory) : std::nullopt;
+  const TiffEntry *pictures = first ? first->find(kPictureEntries) : nullptr;
+  const std::size_t count = pictures != nullptr ? pictures->valueBytes / kPictureEntryBytes : 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto attributes =
+        readNumber(directory, pictures->valueAt + i * kPictureEntryBytes, 4, layout->order).value_or(0);
+    if ((attributes >> 16 & 0xFF) == kMultiFrame)
+      return static_cast<std::int64_t>(count);
+  }
+  return 1;
+}
+
 } // namespace
 
 std::optional<PictureType> sniffType(Bytes bytes) {
@@ -64,6 +85,16 @@ std::optional<PictureType> sniffType(Bytes bytes) {
   if (const auto layout = TiffLayout::of(file))
     return rawTypeOf(file, *layout).value_or(PictureType::tiff);
   return slice(file, 4, 4) == "ftyp"sv ? sniffBrands(file) : std::nullopt;
+}
+
+std::int64_t jpegFrames(Bytes bytes) {
+  const std::string_view file = textOf(bytes);
+  std::int64_t frames = 1;
+  for (const JpegSegment &segment : jpegSegments(file))
+    if (const auto payload = segment.payload(file);
+        segment.marker == kAPP2 && payload.starts_with(kMPFPrefix))
+      frames = std::max(frames, framesListed(payload.substr(kMPFPrefix.size())));
+  return frames;
 }
 
 std::int64_t apngFrames(Bytes bytes) {

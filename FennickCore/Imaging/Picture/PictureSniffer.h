@@ -16,4 +16,8 @@ namespace fennick::picture {
 // How many pictures a PNG holds: 1, or for an animation its frames and its still picture.
 [[nodiscard]] std::int64_t apngFrames(Bytes bytes);
 
+// Returns how many full pictures a JPEG file says that it holds, as stereo and multi-angle cameras write
+// them; 1 for all others. Previews, gain maps and depth maps are parts of the one picture and do not count.
+[[nodiscard]] std::int64_t jpegFrames(Bytes bytes);
+
 } // namespace fennick::picture
