@@ -113,6 +113,14 @@ void PendingPhotos::readOthers() {
   const auto records = readFolder(folder, Links::refuse, [](std::string_view name, FileKind kind) {
     return kind == FileKind::regular && pendingIdentity(name);
   });
+  const bool couldRead =
+      std::exchange(readable_, records || records.error() == std::errc::no_such_file_or_directory);
+  if (!readable_) {
+    if (couldRead)
+      log(fmt::format("cannot list {}: {}", folder.string(), records.error().message()));
+    lastRead_.reset();
+    return;
+  }
   std::set<std::string_view> names;
   if (records)
     for (const auto &file : *records) {
@@ -151,7 +159,7 @@ bool PendingPhotos::isActive(const fs::path &folder) {
   if (!options_.dataToRemove().any())
     return false;
   readOthers();
-  return !entries_.empty() || folder.filename() == kOriginalsFolder;
+  return !entries_.empty() || !readable_ || folder.filename() == kOriginalsFolder;
 }
 
 // Untouched uploads have what was removed from their encodings.
@@ -159,13 +167,12 @@ bool PendingPhotos::hides(const fs::path &file, const FileStatus *status) {
   const Locked locked(lock_);
   if (!options_.dataToRemove().any())
     return false;
-  if (file.parent_path().filename() == kOriginalsFolder)
+  if (!readable_ || file.parent_path().filename() == kOriginalsFolder)
     return true;
   makeIndex();
   if (hiddenPaths_.contains(file.native()))
     return true;
-  return status != nullptr &&
-         hiddenPhotos_.contains({status->identity.inode, status->bytes, status->modified});
+  return status != nullptr && hiddenPhotos_.contains({status->bytes, status->modified});
 }
 
 void PendingPhotos::makeIndex() {
@@ -180,7 +187,7 @@ void PendingPhotos::makeIndex() {
       hidden.push_back(placing->target);
     if (!isHidden(entry))
       continue;
-    hiddenPhotos_.insert({record.photo.inode, record.photo.bytes, record.photo.modified});
+    hiddenPhotos_.emplace(record.photo.bytes, record.photo.modified);
     if (!entry.missing)
       hidden.push_back(record.upload.url);
   }

@@ -107,15 +107,21 @@ void PendingPhotos::setFolder(const fs::path &saveFolder) {
   indexed_ = false;
 }
 
-void PendingPhotos::setOptions(const ImagingOptions &options) {
+bool PendingPhotos::setOptions(const ImagingOptions &options) {
+  const Locked locked(lock_);
+  if (std::exchange(options_, options) == options)
+    return false;
+  indexed_ = false;
+  return true;
+}
+
+void PendingPhotos::recordUnrecorded() {
   std::vector<std::string> unrecorded;
   {
     const Locked locked(lock_);
-    if (std::exchange(options_, options) == options)
-      return;
-    indexed_ = false;
     for (const auto &[name, entry] : entries_)
-      if (!entry.recorded && entry.phase != Phase::working && isToBeRecorded(entry))
+      if (!entry.recorded && (entry.phase == Phase::waiting || entry.phase == Phase::postponed) &&
+          isToBeRecorded(entry))
         unrecorded.push_back(name);
   }
   for (const auto &name : unrecorded)
@@ -219,6 +225,7 @@ bool PendingPhotos::isRecorded(const std::string &name) {
 // Photos of which nothing is known to have changed cost one look at each. While the save folder's drive is
 // unplugged nothing is gone.
 void PendingPhotos::follow() {
+  recordUnrecorded();
   Entries entries;
   {
     const Locked locked(lock_);
@@ -233,7 +240,9 @@ void PendingPhotos::follow() {
     if (!isOurs && !entry.record.kept)
       return true; // it may be changing just now
     const auto photo = photoAt(entry.record.upload.url);
-    return photo ? *photo == entry.record.photo && !entry.missing : entry.missing;
+    if (entry.missing) // until it is back; another photo may have its name meanwhile
+      return !photo || !photo->looksLike(entry.record.photo);
+    return photo == entry.record.photo;
   });
   locate(entries);
   forgetOld();

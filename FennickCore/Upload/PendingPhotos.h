@@ -14,8 +14,8 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <tuple>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace fennick {
@@ -26,7 +26,8 @@ namespace fennick {
 // serves the folder, knows of it. With default options nothing is recorded for JPEG, PNG, HEIC and videos.
 //
 // As a gallery filter it hides, while location or all metadata is to be removed, received photos from which
-// that was not yet removed or could not be. With other options it hides nothing and looks at no file.
+// that was not yet removed or could not be; all photos while the records cannot be listed. With other options
+// it hides nothing and looks at no file.
 //
 // Any thread; guarded by its own lock. An entry is named by its record's file name.
 class PendingPhotos final : public GalleryFilter {
@@ -71,8 +72,9 @@ public:
 
   // The save folder whose records are read.
   void setFolder(const std::filesystem::path &saveFolder);
-  // Records waiting photos that these options may change and the former ones did not.
-  void setOptions(const ImagingOptions &options);
+  // From now on photos are processed with these options. Returns whether they are others than before: then
+  // `follow` records the waiting photos that they may change and the former ones did not. Looks at no file.
+  bool setOptions(const ImagingOptions &options);
 
   // Takes over the photos that an earlier run left, in the order of their arrival; none while anybody works
   // in the folder. On a drive that other computers may use, whose work cannot be seen, only the first time
@@ -97,7 +99,8 @@ public:
   // Whether a later run would process it.
   [[nodiscard]] bool isRecorded(const std::string &entry);
 
-  // Finds the recorded photos again after changes in the folder. Looks at the file system.
+  // Records the waiting photos that need a record by now, and finds the recorded ones again after changes in
+  // the folder. Looks at the file system and waits for the disk.
   void follow();
 
   bool isActive(const std::filesystem::path &folder) override;
@@ -120,7 +123,8 @@ private:
     std::optional<FileStatus> file{}; // of the record, when it was read
   };
   using Entries = std::map<std::string, Entry>;
-  using Key = std::tuple<std::uint64_t, std::int64_t, Instant>;
+  // Size and modification time. Not the inode, which FAT drives number anew at any time.
+  using Key = std::pair<std::int64_t, Instant>;
 
   // Both return the entry as it is then, or nullopt if there is none.
   [[nodiscard]] std::optional<Entry> entryOf(const std::string &name);
@@ -134,6 +138,7 @@ private:
   void relocate(const std::string &name, const Entry &before,
                 const std::optional<std::filesystem::path> &found);
   void locate(const Entries &lost);
+  void recordUnrecorded();
   [[nodiscard]] bool isToBeRecorded(const Entry &entry) const REQUIRES(lock_);
 
   // About records that somebody else wrote.
@@ -153,6 +158,7 @@ private:
   // The state of the work folder when its records were last read, and whether a later change must show in it.
   std::optional<FileStatus> lastRead_ GUARDED_BY(lock_);
   bool settled_ GUARDED_BY(lock_) = false;
+  bool readable_ GUARDED_BY(lock_) = true; // otherwise any photo may be one that must not be shown
   std::set<std::filesystem::path> seen_ GUARDED_BY(lock_); // folders that were taken over once
   // Of the entries that are hidden.
   bool indexed_ GUARDED_BY(lock_) = false;

@@ -23,8 +23,11 @@ struct PhotoIdentity {
   [[nodiscard]] static PhotoIdentity of(const FileStatus &status) {
     return {.inode = status.identity.inode, .bytes = status.bytes, .modified = status.modified};
   }
-  // Without the inode, which some file systems number anew when they are mounted, and with their resolution
-  // of time.
+  // Without the inode, which FAT and some network drives number anew at any time.
+  [[nodiscard]] bool isSameVersion(const PhotoIdentity &other) const {
+    return bytes == other.bytes && modified == other.modified;
+  }
+  // The same with the resolution of time that a file system may have.
   [[nodiscard]] bool looksLike(const PhotoIdentity &other) const;
   bool operator==(const PhotoIdentity &) const = default;
 };

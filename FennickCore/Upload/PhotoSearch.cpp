@@ -24,9 +24,10 @@ void search(const fs::path &folder, int level, const std::vector<PhotoIdentity> 
   if (!entries)
     return;
   for (const auto &entry : *entries) {
-    const auto photo = std::ranges::find(photos, PhotoIdentity::of(entry.status));
-    if (photo != photos.end())
-      found[static_cast<std::size_t>(photo - photos.begin())] = folder / entry.name;
+    const auto present = PhotoIdentity::of(entry.status);
+    for (std::size_t i = 0; i < photos.size(); ++i)
+      if (present == photos[i] || (!found[i] && present.isSameVersion(photos[i])))
+        found[i] = folder / entry.name;
   }
   if (level < kDeepestPhotoLevel)
     for (const auto &name : folders)

@@ -389,7 +389,6 @@ void AppController::updateRouterConfig() {
                         .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
                         .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune},
                         .drive = drive_});
-  pending_.setOptions(settings.imaging);
   updateSharedInfo();
 }
 
@@ -414,6 +413,9 @@ void AppController::settingsChanged(const fennick::AppSettings &settings) {
   registerHotKey(settings.hotKeyPreset);
   if (lastPort_ != settings.preferredPort)
     startServer();
+  // Before photos of another folder are taken over, and phones may look at a gallery that was off.
+  if (pending_.setOptions(settings.imaging))
+    processing_->look();
   applySaveFolder();
   updateRouterConfig();
   server_.refreshQR();

@@ -92,6 +92,8 @@ void PhotoProcessing::look() {
     {
       const Locked locked(lock_);
       looks_ = false;
+      if (ending_)
+        return;
     }
     services_.pending.follow();
     resume(services_.pending.takeOver());

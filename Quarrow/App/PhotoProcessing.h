@@ -55,7 +55,8 @@ public:
   // Resumes what an earlier run left in `incoming`, in which nobody works. Any thread.
   void takeOver(const std::filesystem::path &incoming, const fennick::IncomingHold &hold);
   // Looks for photos that an earlier run left in the save folder, and for recorded photos that were renamed.
-  // To be called for a new save folder and after changes in it. Main thread.
+  // To be called for a new save folder, after changes in it and when the imaging options were changed. Main
+  // thread.
   void look();
 
   // Begins no further photo and waits until the current one is done, `most` at the longest. Recorded photos

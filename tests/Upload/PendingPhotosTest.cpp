@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/resource.h>
+
 #include <cerrno>
 
 namespace fennick {
@@ -89,6 +91,14 @@ TEST_F(PendingPhotosTest, APhotoThatKeepsItsLocationStaysHiddenWhateverItIsCalle
   EXPECT_THAT(shown(), IsEmpty());
   pending.follow();
   rename("a.jpg", "b.jpg");
+  EXPECT_THAT(shown(), IsEmpty());
+  const auto time = fs::last_write_time(disk / "photos/b.jpg");
+  fs::copy_file(disk / "photos/b.jpg", disk / "photos/c.jpg"); // FAT drives give a file another inode
+  fs::last_write_time(disk / "photos/c.jpg", time);
+  fs::remove(disk / "photos/b.jpg");
+  EXPECT_THAT(shown(), IsEmpty());
+  pending.follow();
+  rename("c.jpg", "b.jpg");
 
   PendingPhotos next(files); // of the next run, or of another program
   next.setFolder(destination.folder);
@@ -121,8 +131,28 @@ TEST_F(PendingPhotosTest, AnUploadThatCannotBeRecordedIsRefusedOnlyWhereItsDataI
   EXPECT_THAT(parts(), IsEmpty());
   files.mend(Operation::replace);
   pending.setOptions(kStrip);
+  EXPECT_THAT(shown(), IsEmpty());
+  pending.follow();
   EXPECT_THAT(parts(), SizeIs(1)) << "a photo that waits is recorded as soon as options need it";
   EXPECT_THAT(shown(), IsEmpty());
+}
+
+TEST_F(PendingPhotosTest, NothingIsShownWhileTheRecordsCannotBeListed) {
+  upload(kJPEG);
+  keepLast();
+  pending.setFolder({}); // forgets what is recorded
+  pending.setFolder(destination.folder);
+  disk.write("photos/own.jpg", kJPEG);
+  const auto status = fileStatus(*gallery / "IMG_001.jpg");
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const bool isActive = pending.isActive(*gallery);
+  const bool hides = pending.hides(*gallery / "IMG_001.jpg", &*status);
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_TRUE(isActive && hides);
+  EXPECT_THAT(shown(), ElementsAre("own.jpg"));
 }
 
 TEST_F(PendingPhotosTest, ADamagedRecordIsNoPhotosEnd) {
