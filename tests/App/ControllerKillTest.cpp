@@ -42,7 +42,8 @@ protected:
     if (!std::filesystem::exists(disk / (folder + "/.fennick-incoming")))
       return false;
     return std::ranges::any_of(disk.names(folder + "/.fennick-incoming"), [&](const auto &name) {
-      return name.ends_with(".pending") && !disk.read(folder + "/.fennick-incoming/" + name).contains("kept");
+      return name.ends_with(".pending") &&
+             !fennick::readFile(disk / folder / ".fennick-incoming" / name).value_or("kept").contains("kept");
     });
   }
 
