@@ -137,11 +137,13 @@ std::optional<PendingPhotos::Work> PendingPhotos::begin(const std::string &name)
   const bool placed = entry->record.placing && isPlaced(*entry->record.placing, entry->record);
   if (!placed) {
     entry = update(name, [](Entry &changed) { changed.record.placing.reset(); });
-    if (photoAt(entry->record.upload.url) != entry->record.photo) {
+    if (entry && photoAt(entry->record.upload.url) != entry->record.photo) {
       locate({{name, *entry}});
       entry = entryOf(name);
     }
   }
+  if (!entry)
+    return std::nullopt;
   bool needed = false;
   Work work;
   {
