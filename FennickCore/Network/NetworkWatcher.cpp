@@ -2,6 +2,7 @@
 
 #include "FennickCore/Network/LANAddressResolver.h"
 #include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/RouteMonitor.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
@@ -32,8 +33,7 @@ bool letSettle(RouteMonitor &monitor) {
 
 // From a start to a stop.
 struct NetworkWatcher::State {
-  State(MainQueue &queueOfMain, const OnChange &onChange)
-      : mainQueue(queueOfMain), listener(std::make_shared<const OnChange>(onChange)) {
+  State(MainQueue &queueOfMain, OnChange callback) : mainQueue(queueOfMain), onChange(std::move(callback)) {
     queue.post([this] { run(); });
   }
   ~State() { monitor.interrupt(); }
@@ -42,8 +42,8 @@ struct NetworkWatcher::State {
   void report();
 
   MainQueue &mainQueue;
-  // Gone with this object, so that what is still posted then has nobody to call.
-  const std::shared_ptr<const OnChange> listener;
+  const OnChange onChange;
+  Lifetime lifetime;
   std::optional<std::vector<LANAddress>> reported; // of the queue's thread
   RouteMonitor monitor;
   SerialQueue queue{"fennick.network.watcher"}; // last: its task uses all of the above
@@ -60,10 +60,8 @@ void NetworkWatcher::State::report() {
   if (reported == addresses)
     return;
   reported = addresses;
-  mainQueue.post([weak = std::weak_ptr(listener), addresses = std::move(addresses)] {
-    if (const auto onChange = weak.lock())
-      (*onChange)(addresses);
-  });
+  // The callback is copied, since it may destroy the watcher.
+  mainQueue.post(lifetime.guard([call = onChange, addresses = std::move(addresses)] { call(addresses); }));
 }
 
 NetworkWatcher::NetworkWatcher(MainQueue &mainQueue, OnChange onChange)

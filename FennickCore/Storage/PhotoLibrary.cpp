@@ -44,7 +44,7 @@ PhotoLibrary::PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue
     : files_(files), mainQueue_(mainQueue), limit_(limit), sizes_(decoder) {}
 
 PhotoLibrary::~PhotoLibrary() {
-  overtakeScan();
+  scanUnderWay_.cancel();
   watcher_.reset();
 }
 
@@ -76,23 +76,16 @@ Subscription PhotoLibrary::observeGone(std::function<void(const Paths &)> observ
   return goneObservers_.add(std::move(observer));
 }
 
-std::function<void()> PhotoLibrary::whileAlive(std::function<void()> task) const {
-  return [alive = std::weak_ptr(alive_), task = std::move(task)] {
-    if (alive.lock())
-      task();
-  };
-}
-
 void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
-  overtakeScan();
-  ++lastRescan_; // one that is pending is for the old folder
+  scanUnderWay_.cancel();
+  pendingRescan_.cancel(); // it is for the old folder
   postponed_ = 0;
   watcher_.reset();
   const bool isNew = folder != folder_;
   folder_ = std::move(folder);
   if (folder_)
     watcher_ = std::make_unique<FolderWatcher>(
-        *folder_, [this] { mainQueue_.post(whileAlive([this] { rescanSoon(); })); });
+        *folder_, [this] { mainQueue_.post(lifetime_.guard([this] { rescanSoon(); })); });
   scan();
   if (isNew) {
     listed_ = false;
@@ -112,20 +105,20 @@ void PhotoLibrary::scan() {
   }
   scanning_ = true;
   scanAgain_ = false;
-  queue_.post([this, folder = *folder_, generation = generation_.load()] {
-    auto found = PhotoScan::items(folder, limit_, sizes_, [&] { return generation_ != generation; });
-    mainQueue_.post(whileAlive([this, generation, listing = std::move(found), wasBusy = sizes_.takeBusy()] {
-      finishScan(generation, listing, wasBusy);
+  queue_.post([this, folder = *folder_, current = scanUnderWay_.token()] {
+    auto found = PhotoScan::items(folder, limit_, sizes_, [&] { return current.isCancelled(); });
+    mainQueue_.post(lifetime_.guard([this, current, listing = std::move(found), wasBusy = sizes_.takeBusy()] {
+      finishScan(current, listing, wasBusy);
     }));
   });
 }
 
-void PhotoLibrary::finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found,
+void PhotoLibrary::finishScan(const Lifetime::Token &current, std::optional<PhotoScan::Listing> found,
                               bool wasBusy) {
   scanning_ = false;
   if (wasBusy)
-    mainQueue_.postAfter(kBusyDelay, whileAlive([this] { scan(); }));
-  const bool isCurrent = generation == generation_;
+    mainQueue_.postAfter(kBusyDelay, lifetime_.guard([this] { scan(); }));
+  const bool isCurrent = !current.isCancelled();
   if (scanAgain_ || !isCurrent)
     scan();
   if (!isCurrent || !found)
@@ -154,12 +147,11 @@ void PhotoLibrary::rescanSoon() {
   if (postponed_ == kMostPostponements)
     return; // the pending one comes now
   ++postponed_;
-  mainQueue_.postAfter(kRescanDelay, whileAlive([this, rescan = ++lastRescan_] {
-                         if (rescan != lastRescan_)
-                           return;
-                         postponed_ = 0;
-                         scan();
-                       }));
+  pendingRescan_.cancel();
+  mainQueue_.postAfter(kRescanDelay, pendingRescan_.guard([this] {
+    postponed_ = 0;
+    scan();
+  }));
 }
 
 // On the same queue as the scans: one that is posted later sees the file, and is published later.
@@ -168,7 +160,7 @@ void PhotoLibrary::noteAdded(const fs::path &file) {
     return;
   queue_.post([this, file] {
     if (auto item = PhotoScan::item(file, sizes_))
-      mainQueue_.post(whileAlive([this, added = std::move(*item)] { insert(added); }));
+      mainQueue_.post(lifetime_.guard([this, added = std::move(*item)] { insert(added); }));
   });
 }
 
@@ -187,14 +179,14 @@ void PhotoLibrary::insert(PhotoItem item) {
 
 void PhotoLibrary::highlight(const fs::path &file) {
   highlights_[file] = ++lastHighlight_;
-  mainQueue_.postAfter(kHighlightTime, whileAlive([this, file, mark = lastHighlight_] {
-                         const auto latest = highlights_.find(file);
-                         if (latest == highlights_.end() || latest->second != mark)
-                           return; // it came once more meanwhile
-                         highlights_.erase(latest);
-                         if (recentlyAdded_.erase(file) > 0)
-                           recentlyAddedObservers_.publish(recentlyAdded_);
-                       }));
+  mainQueue_.postAfter(kHighlightTime, lifetime_.guard([this, file, mark = lastHighlight_] {
+    const auto latest = highlights_.find(file);
+    if (latest == highlights_.end() || latest->second != mark)
+      return; // it came once more meanwhile
+    highlights_.erase(latest);
+    if (recentlyAdded_.erase(file) > 0)
+      recentlyAddedObservers_.publish(recentlyAdded_);
+  }));
   if (recentlyAdded_.insert(file).second)
     recentlyAddedObservers_.publish(recentlyAdded_);
 }
@@ -212,7 +204,7 @@ void PhotoLibrary::setArranged(bool arranged) {
 }
 
 void PhotoLibrary::remove(std::span<const fs::path> files) {
-  overtakeScan();
+  scanUnderWay_.cancel();
   const Paths gone(files.begin(), files.end());
   Items changed = items_;
   std::erase_if(changed, [&](const PhotoItem &item) { return gone.contains(item.url); });
@@ -221,7 +213,7 @@ void PhotoLibrary::remove(std::span<const fs::path> files) {
 }
 
 void PhotoLibrary::rename(std::span<const Renaming> renamings) {
-  overtakeScan();
+  scanUnderWay_.cancel();
   Paths gone;
   std::map<fs::path, fs::path> targets;
   std::map<fs::path, std::unordered_map<std::string, std::string>> names;

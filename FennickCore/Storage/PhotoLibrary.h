@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/Mutex.h"
 #include "FennickCore/Platform/Observers.h"
@@ -103,13 +104,10 @@ private:
   using Names = PhotoOrder::Names;
   using Edits = std::map<std::filesystem::path, PhotoOrder::Edit>; // by folder
 
-  // A task for the main queue that is dropped when the library is gone.
-  [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
-  void finishScan(std::uint64_t generation, std::optional<PhotoScan::Listing> found, bool wasBusy);
+  void finishScan(const Lifetime::Token &current, std::optional<PhotoScan::Listing> found, bool wasBusy);
   void rescanSoon();
   void insert(PhotoItem item);
   void highlight(const std::filesystem::path &file);
-  void overtakeScan() { ++generation_; }
   void publish(Items items);
   void publishGone(const Items &before) const;
   void setArranged(bool arranged);
@@ -122,7 +120,7 @@ private:
   FileSystem &files_;
   MainQueue &mainQueue_;
   const std::size_t limit_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  Lifetime lifetime_;
 
   Items items_;
   std::optional<std::filesystem::path> folder_;
@@ -144,9 +142,9 @@ private:
   bool scanning_ = false;
   bool scanAgain_ = false;
   std::uint64_t lastHighlight_ = 0;
-  std::uint64_t lastRescan_ = 0;              // the pending one, of all that were asked for
-  int postponed_ = 0;                         // how often the pending rescan was put off
-  std::atomic<std::uint64_t> generation_ = 0; // rises with every change that outdates a scan under way
+  int postponed_ = 0;      // how often the pending rescan was put off
+  Lifetime pendingRescan_; // cancelled when another rescan takes its place
+  Lifetime scanUnderWay_;  // cancelled by every change that outdates its result
 
   PictureSizes sizes_; // of the queue's thread
   std::unique_ptr<FolderWatcher> watcher_;

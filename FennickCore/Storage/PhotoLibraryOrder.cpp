@@ -43,7 +43,7 @@ std::map<fs::path, std::vector<std::string>> namesByFolder(const PhotoLibrary::I
 } // namespace
 
 void PhotoLibrary::reorder(const std::vector<fs::path> &files, Stored stored) {
-  overtakeScan();
+  scanUnderWay_.cancel();
   std::map<fs::path, std::size_t> ranks;
   for (const auto &file : files)
     ranks.try_emplace(file, ranks.size());
@@ -78,7 +78,7 @@ PhotoLibrary::Edits PhotoLibrary::ordersOf(const Items &arranged) const {
 }
 
 void PhotoLibrary::sortByDate(Stored stored) {
-  overtakeScan();
+  scanUnderWay_.cancel();
   Edits edits;
   for (const auto &item : items_)
     edits[item.url.parent_path()] = [](const Names &) { return Names(); };
@@ -103,11 +103,11 @@ void PhotoLibrary::rearrange(Edits edits, Stored stored) {
 
 void PhotoLibrary::tell(const Stored &stored, const IOResult<void> &result) {
   if (stored)
-    mainQueue_.post(whileAlive([stored, result] { stored(result); }));
+    mainQueue_.post(lifetime_.guard([stored, result] { stored(result); }));
 }
 
 void PhotoLibrary::undo(const RearrangementRef &what, Stored stored) {
-  overtakeScan();
+  scanUnderWay_.cancel();
   queue_.post([this, what, done = std::move(stored)] {
     IOResult<void> result;
     std::erase_if(what->changes, [&](const PhotoOrder::Change &change) {

@@ -88,13 +88,6 @@ AppController::AppController(Options options, const Services &services)
 
 AppController::~AppController() { stop(); }
 
-std::function<void()> AppController::whileAlive(std::function<void()> task) const {
-  return [alive = std::weak_ptr(alive_), task = std::move(task)] {
-    if (alive.lock())
-      task();
-  };
-}
-
 void AppController::start() {
   desktop_.makeTrayItem();
   server_.setAccessKey(settings_.accessKey());
@@ -106,7 +99,7 @@ void AppController::start() {
   knownSettings_ = settings_.settings();
   subscriptions_.push_back(settings_.observeSettings([this](const auto &settings) {
     if (settings != std::exchange(knownSettings_, settings))
-      mainQueue_.post(whileAlive([this, settings] { settingsChanged(settings); }));
+      mainQueue_.post(lifetime_.guard([this, settings] { settingsChanged(settings); }));
   }));
   saved(settings_.lastSave());
   subscriptions_.push_back(settings_.observeSaves([this](const auto &result) { saved(result); }));
@@ -114,7 +107,7 @@ void AppController::start() {
   openFirstWindow();
   openAskedFor(kPanelDelay, options_.arguments);
   subscriptions_.push_back(settings_.observeAccessKey([this](const std::string &key) {
-    mainQueue_.post(whileAlive([this, key] { accessKeyChanged(key); }));
+    mainQueue_.post(lifetime_.guard([this, key] { accessKeyChanged(key); }));
   }));
 }
 
@@ -153,7 +146,7 @@ void AppController::openAskedFor(Seconds panelDelay, const std::vector<std::stri
     desktop_.show(Desktop::Window::settings);
   }
   if (has("--show-panel"))
-    mainQueue_.postAfter(panelDelay, whileAlive([this] { desktop_.showPanel(); }));
+    mainQueue_.postAfter(panelDelay, lifetime_.guard([this] { desktop_.showPanel(); }));
 }
 
 void AppController::handleArguments(const std::vector<std::string> &arguments) {
@@ -210,7 +203,7 @@ void AppController::startServer() {
   network_.cancel(); // what is under way is about the old one
   server_.setLocalNetworkStatus({});
   server_.setFirewall(std::nullopt);
-  mainQueue_.post(whileAlive([this, server = std::weak_ptr(httpServer_)] {
+  mainQueue_.post(lifetime_.guard([this, server = std::weak_ptr(httpServer_)] {
     if (const auto still = server.lock(); still && still == httpServer_)
       finishStart(*still);
   }));
@@ -338,7 +331,7 @@ void AppController::watchSaveFolder() {
   resolve(Matter::missingFolder);
   cleaner_.clear(saveFolder());
   folderWatcher_ = std::make_unique<fennick::FolderWatcher>(
-      saveFolder(), [this] { mainQueue_.post(whileAlive([this] { checkSaveFolder(); })); });
+      saveFolder(), [this] { mainQueue_.post(lifetime_.guard([this] { checkSaveFolder(); })); });
 }
 
 void AppController::checkSaveFolder() {
@@ -401,10 +394,10 @@ void AppController::updateSharedInfo() {
 void AppController::recountSoon() {
   if (std::exchange(recounts_, true))
     return;
-  mainQueue_.postAfter(kRecountDelay, whileAlive([this] {
-                         recounts_ = false;
-                         updateSharedInfo();
-                       }));
+  mainQueue_.postAfter(kRecountDelay, lifetime_.guard([this] {
+    recounts_ = false;
+    updateSharedInfo();
+  }));
 }
 
 void AppController::settingsChanged(const fennick::AppSettings &settings) {

@@ -5,6 +5,7 @@
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/Preferences.h"
 #include "FennickCore/Platform/SerialQueue.h"
@@ -179,7 +180,6 @@ private:
   [[nodiscard]] fennick::UploadRouter::Providers providers();
   [[nodiscard]] std::unique_ptr<PhotoImport> makeImports();
   [[nodiscard]] std::unique_ptr<PhotoProcessing> makeProcessing();
-  [[nodiscard]] std::function<void()> whileAlive(std::function<void()> task) const;
 
   const Options options_;
   fennick::Preferences &preferences_;
@@ -190,7 +190,7 @@ private:
   fennick::Trash &trash_;
   Desktop &desktop_;
   LocalNetwork &network_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
 
   fennick::SettingsStore settings_;
   ServerModel server_;

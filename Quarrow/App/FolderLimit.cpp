@@ -34,12 +34,9 @@ void FolderLimit::start(Run run) {
   running_ = true;
   if (!queue_)
     queue_ = std::make_unique<fennick::SerialQueue>("fennick.prune");
-  queue_->post([this, run = std::move(run), alive = std::weak_ptr(alive_)] {
+  queue_->post([this, run = std::move(run), token = lifetime_.token()] {
     auto files = fennick::FolderPruner::prune(run.folder, run.limit, trash_, [this] { return !stopped_; });
-    mainQueue_.post([this, alive, run, files = std::move(files)] {
-      if (alive.lock())
-        finish(run, files);
-    });
+    mainQueue_.post(token.guard([this, run, files = std::move(files)] { finish(run, files); }));
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Platform/Trash.h"
@@ -45,7 +46,7 @@ private:
   fennick::Trash &trash_;
   fennick::MainQueue &mainQueue_;
   const std::function<void(const Paths &)> pruned_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
 
   bool running_ = false;
   std::optional<Run> next_;

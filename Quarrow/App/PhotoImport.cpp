@@ -124,10 +124,7 @@ std::vector<fs::path> PhotoImport::wanted(const std::vector<fs::path> &files) co
 }
 
 void PhotoImport::postToMain(std::function<void()> task) {
-  mainQueue_.post([alive = std::weak_ptr(alive_), run = std::move(task)] {
-    if (alive.lock())
-      run();
-  });
+  mainQueue_.post(lifetime_.guard(std::move(task)));
 }
 
 void PhotoImport::expect(std::size_t files) {

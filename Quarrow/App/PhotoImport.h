@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Upload/FileImporter.h"
@@ -78,7 +79,7 @@ private:
 
   fennick::MainQueue &mainQueue_;
   const std::function<fennick::SaveDestination()> destination_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
   int batches_ = 0; // that were asked for and are not over
   int done_ = 0;
   int total_ = 0;

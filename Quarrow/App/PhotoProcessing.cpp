@@ -247,10 +247,7 @@ void PhotoProcessing::announceCount() {
 }
 
 void PhotoProcessing::postToMain(Seconds delay, std::function<void()> task) {
-  services_.mainQueue.postAfter(delay, [alive = std::weak_ptr(alive_), run = std::move(task)] {
-    if (alive.lock())
-      run();
-  });
+  services_.mainQueue.postAfter(delay, lifetime_.guard(std::move(task)));
 }
 
 } // namespace quarrow

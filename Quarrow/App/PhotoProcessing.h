@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/Mutex.h"
 #include "FennickCore/Platform/SerialQueue.h"
@@ -86,7 +87,7 @@ private:
 
   const Services services_;
   const Observer observer_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
 
   fennick::Mutex lock_;
   std::condition_variable changed_;

@@ -3,6 +3,7 @@
 #include "FennickCore/Network/FirewallFinder.h"
 #include "FennickCore/Network/LocalNetworkProbe.h"
 #include "FennickCore/Network/NetworkWatcher.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "Quarrow/App/LocalNetwork.h"
@@ -29,14 +30,11 @@ public:
   void cancel() override;
 
 private:
-  // Answers are heard for as long as the ticket of their question is kept.
-  using Ticket = std::shared_ptr<const int>;
-
   fennick::MainQueue &mainQueue_;
   std::optional<fennick::NetworkWatcher> watcher_;
-  Ticket probeTicket_;
+  fennick::Lifetime probeWanted_;
   std::unique_ptr<fennick::LocalNetworkProbe> probe_;
-  Ticket firewallTicket_;
+  fennick::Lifetime firewallWanted_;
   const fennick::FirewallFinder firewall_{fennick::FirewallFinder::Sources::system()};
   std::unique_ptr<fennick::SerialQueue> firewallQueue_; // made on first use
 };

@@ -25,10 +25,7 @@ void ThumbnailUpkeep::folderChanged(const std::filesystem::path &folder, const s
   drive_ = drive;
   if (std::exchange(tidiesSoon_, true))
     return;
-  mainQueue_.postAfter(kTidyDelay, [this, alive = std::weak_ptr(alive_)] {
-    if (alive.lock())
-      tidy();
-  });
+  mainQueue_.postAfter(kTidyDelay, lifetime_.guard([this] { tidy(); }));
 }
 
 void ThumbnailUpkeep::tidy() {

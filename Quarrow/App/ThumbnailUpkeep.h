@@ -1,12 +1,12 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/Observers.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Storage/Thumbnails.h"
 
 #include <filesystem>
-#include <memory>
 
 namespace quarrow {
 
@@ -29,7 +29,7 @@ private:
 
   fennick::Thumbnails &thumbnails_;
   fennick::MainQueue &mainQueue_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
   std::filesystem::path folder_;
   std::filesystem::path drive_;
   bool tidiesSoon_ = false;

@@ -9,14 +9,7 @@ constexpr double kNewShare = 0.3; // of the latest interval in the shown speed, 
 
 UploadProgress::UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock)
     : mainQueue_(mainQueue), clock_(clock),
-      counter_([this] { mainQueue_.post(whileAlive(&UploadProgress::begin)); }) {}
-
-std::function<void()> UploadProgress::whileAlive(void (UploadProgress::*task)()) {
-  return [this, task, alive = std::weak_ptr(alive_)] {
-    if (alive.lock())
-      (this->*task)();
-  };
-}
+      counter_([this] { mainQueue_.post(lifetime_.guard([this] { begin(); })); }) {}
 
 void UploadProgress::setWatched(bool watched) {
   watched_ = watched;
@@ -45,7 +38,7 @@ void UploadProgress::refresh() {
   refreshedBytes_ = activity_.totalBytes;
   runs_ = watched_ && activity_.uploads > 0;
   if (runs_)
-    mainQueue_.postAfter(kInterval, whileAlive(&UploadProgress::refresh));
+    mainQueue_.postAfter(kInterval, lifetime_.guard([this] { refresh(); }));
   emit changed();
 }
 

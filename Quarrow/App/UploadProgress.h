@@ -1,12 +1,11 @@
 #pragma once
 
 #include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Upload/UploadActivity.h"
 
 #include <QObject>
-
-#include <memory>
 
 namespace quarrow {
 
@@ -38,13 +37,12 @@ signals:
   void changed();
 
 private:
-  [[nodiscard]] std::function<void()> whileAlive(void (UploadProgress::*task)());
   void begin();
   void refresh();
 
   fennick::MainQueue &mainQueue_;
   const fennick::Clock &clock_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
   fennick::UploadActivity::Snapshot activity_{};
   bool watched_ = false;
   bool runs_ = false; // a refresh is under way or is to come
