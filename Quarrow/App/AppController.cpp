@@ -1,11 +1,9 @@
 #include "Quarrow/App/AppController.h"
 
 #include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/ReceivedNote.h"
-#include "Quarrow/App/SaveFolderDrive.h"
 
 #include <fmt/format.h>
 
@@ -15,63 +13,17 @@
 
 namespace quarrow {
 
-using fennick::fileSizeText;
-using fennick::log;
 using fennick::Seconds;
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kPortAttempts = 20;
-constexpr Seconds kProbeTimeout{3};
 constexpr Seconds kPanelDelay{0.5}; // until the tray has found its place for the icon
 constexpr Seconds kRecountDelay{1};
 constexpr std::string_view kOnboardingDone = "onboardingDone";
 
-using Outcome = fennick::LocalNetworkProbe::Outcome;
-
-LocalNetworkStatus failedCheck(const QString &message) {
-  return {.kind = LocalNetworkStatus::Kind::failed, .message = message};
-}
-
-LocalNetworkStatus statusOf(const Outcome &outcome) {
-  switch (outcome.kind) {
-  case Outcome::Kind::reachable:
-    return {.kind = LocalNetworkStatus::Kind::ok};
-  case Outcome::Kind::timeout:
-    return failedCheck(AppController::tr("连接超时"));
-  case Outcome::Kind::unreachable:
-    break;
-  }
-  return failedCheck(QString::fromStdString(outcome.message));
-}
-
-fennick::BookmarkData bytesOf(const fs::path &path) {
-  const auto bytes = std::as_bytes(std::span(path.native()));
-  return {bytes.begin(), bytes.end()};
-}
-
-bool isDirectory(const fs::path &folder) {
-  std::error_code ignored;
-  return fs::is_directory(folder, ignored);
-}
-
 } // namespace
-
-// A server with all that belongs to it. One that was replaced lives until its last request is over.
-struct AppController::Server {
-  Server(AppController &controller, std::uint16_t port)
-      : preferredPort(port),
-        router(controller.providers(), fennick::resourceBundle(), controller.files_, controller.incoming_,
-               controller.clock_, controller.progress_.counter(), &controller.thumbnails_),
-        http(router, fennick::kServiceLimits, limiter, controller.clock_) {}
-
-  const std::uint16_t preferredPort;
-  fennick::UploadRouter router;
-  fennick::RateLimiter limiter{fennick::kServiceBans};
-  fennick::HTTPServer http; // last: its connections use the others
-};
 
 AppController::AppController(Options options, const Services &services)
     : options_(std::move(options)), preferences_(services.preferences), mainQueue_(services.mainQueue),
@@ -80,8 +32,17 @@ AppController::AppController(Options options, const Services &services)
       library_(files_, decoder_, mainQueue_),
       thumbnails_(files_, options_.cacheDirectory / "thumbs", decoder_),
       thumbnailUpkeep_(thumbnails_, library_, mainQueue_), progress_(mainQueue_, clock_),
+      saveFolder_({.settings = settings_,
+                   .files = files_,
+                   .incoming = incoming_,
+                   .mainQueue = mainQueue_,
+                   .server = server_,
+                   .errors = errors_},
+                  {.forThisRun = options_.saveFolder, .standard = options_.defaultFolder},
+                  {.replaced = [this](const auto &folder) { saveFolderReplaced(folder); },
+                   .changed = [this](const auto &folder) { saveFolderChanged(folder); }}),
       folderLimit_(trash_, mainQueue_, [this](const auto &files) { forget(files); }),
-      processing_(makeProcessing()), imports_(makeImports()) {
+      processing_(makeProcessing()), imports_(makeImports()), phoneServer_(makeServer()) {
   if (options_.overrides)
     settings_.overrideForRun(options_.overrides);
 }
@@ -92,7 +53,7 @@ void AppController::start() {
   desktop_.makeTrayItem();
   server_.setAccessKey(settings_.accessKey());
   server_.setPreferredInterface(settings_.settings().preferredInterface);
-  applySaveFolder();
+  saveFolder_.apply();
   updateRouterConfig();
   startServer();
   network_.watch([this](auto addresses) { networkChanged(std::move(addresses)); });
@@ -117,12 +78,8 @@ void AppController::stop() {
   std::ignore = desktop_.registerHotKey(std::nullopt, {});
   network_.unwatch();
   network_.cancel();
-  folderWatcher_.reset();
-  cleaner_.stop();
-  if (httpServer_)
-    httpServer_->http.stop();
-  httpServer_.reset();
-  retirement_.reset();
+  saveFolder_.stop();
+  phoneServer_->stop();
   folderLimit_.stop();
   imports_->end();
   processing_->end(); // last: until here others hand it what they received
@@ -160,81 +117,32 @@ void AppController::handleArguments(const std::vector<std::string> &arguments) {
 
 void AppController::finishOnboarding() { std::ignore = preferences_.setFlag(kOnboardingDone, true); }
 
-void AppController::report(Matter matter, const QString &error) {
-  std::erase_if(errors_, [&](const auto &each) { return each.first == matter; });
-  errors_.emplace_back(matter, error.toStdString());
-  showLatestError();
-}
-
-void AppController::resolve(Matter matter) {
-  std::erase_if(errors_, [&](const auto &each) { return each.first == matter; });
-  showLatestError();
-}
-
-bool AppController::stands(Matter matter) const {
-  return std::ranges::any_of(errors_, [&](const auto &each) { return each.first == matter; });
-}
-
 void AppController::saved(const std::error_code &result) {
   if (result)
-    report(Matter::settings, tr("无法保存设置，退出后会丢失：") + QString::fromStdString(result.message()));
+    errors_.report(ErrorSource::settings,
+                   tr("无法保存设置，退出后会丢失：") + QString::fromStdString(result.message()));
   else
-    resolve(Matter::settings);
-}
-
-void AppController::showLatestError() {
-  server_.setError(errors_.empty() ? std::nullopt : std::optional(errors_.back().second));
-}
-
-void AppController::dismissError() {
-  if (!errors_.empty())
-    errors_.pop_back();
-  showLatestError();
+    errors_.resolve(ErrorSource::settings);
 }
 
 void AppController::startServer() {
   if (stopped_)
     return;
-  retireServer();
-  const std::uint16_t preferred = settings_.settings().preferredPort;
-  httpServer_ = std::make_shared<Server>(*this, preferred);
-  lastPort_ = preferred;
   server_.setPort(std::nullopt);
-  network_.cancel(); // what is under way is about the old one
-  server_.setLocalNetworkStatus({});
-  server_.setFirewall(std::nullopt);
-  mainQueue_.post(lifetime_.guard([this, server = std::weak_ptr(httpServer_)] {
-    if (const auto still = server.lock(); still && still == httpServer_)
-      finishStart(*still);
-  }));
+  check_.reset(); // a check under way is about the old server
+  phoneServer_->start(settings_.settings().preferredPort);
 }
 
-void AppController::finishStart(Server &server) {
-  incoming_.adopt(saveFolder());
-  log(fmt::format("starting server on {}", server.preferredPort));
-  const auto port = server.http.start(server.preferredPort, kPortAttempts);
-  if (!port) {
-    log(fmt::format("server failed {}", description(port.error())));
-    report(Matter::server, tr("无法启动服务：") + QString::fromStdString(description(port.error())));
-    emit serverFailed();
-    return;
-  }
-  log(fmt::format("listening on {}", *port));
-  server_.setPort(*port);
-  resolve(Matter::server);
+void AppController::serverListens(std::uint16_t port) {
+  server_.setPort(port);
+  errors_.resolve(ErrorSource::server);
   server_.refreshQR();
-  runLocalNetworkCheck();
+  check_.run();
 }
 
-// Its port is free at once; a request that is busy with a picture may take a while to notice, so it is waited
-// for elsewhere.
-void AppController::retireServer() {
-  if (!httpServer_)
-    return;
-  httpServer_->http.close();
-  if (!retirement_)
-    retirement_ = std::make_unique<fennick::SerialQueue>("fennick.http.end");
-  retirement_->post([last = std::exchange(httpServer_, nullptr)] { last->http.stop(); });
+void AppController::serverCannotListen(const fennick::HTTPServerError &error) {
+  errors_.report(ErrorSource::server, tr("无法启动服务：") + QString::fromStdString(description(error)));
+  emit serverFailed();
 }
 
 fennick::UploadRouter::Providers AppController::providers() {
@@ -246,6 +154,20 @@ fennick::UploadRouter::Providers AppController::providers() {
           .policy = [this] { return routerConfig_.policy(); },
           .canSave = [this] { return routerConfig_.canSave(); },
           .pending = &pending_};
+}
+
+std::unique_ptr<PhoneServer> AppController::makeServer() {
+  return std::make_unique<PhoneServer>(
+      PhoneServer::Services{.mainQueue = mainQueue_,
+                            .files = files_,
+                            .incoming = incoming_,
+                            .clock = clock_,
+                            .activity = progress_.counter(),
+                            .thumbnails = thumbnails_},
+      providers(),
+      PhoneServer::Observer{.starting = [this] { incoming_.adopt(saveFolder_.path()); },
+                            .listening = [this](auto port) { serverListens(port); },
+                            .failed = [this](const auto &error) { serverCannotListen(error); }});
 }
 
 std::unique_ptr<PhotoProcessing> AppController::makeProcessing() {
@@ -275,80 +197,16 @@ std::unique_ptr<PhotoImport> AppController::makeImports() {
   return imports;
 }
 
-fs::path AppController::chosenFolder() {
-  if (options_.saveFolder)
-    return *options_.saveFolder;
-  const auto bookmark = settings_.settings().saveFolderBookmark;
-  if (!bookmark)
-    return options_.defaultFolder;
-  const auto resolved = fennick::FolderBookmark::resolve(*bookmark);
-  if (resolved) {
-    resolve(Matter::chosenFolder);
-    return resolved->url;
-  }
-  // Once it has been served, its drive may come back.
-  if (const auto &served = server_.saveFolder(); served && bookmark == bytesOf(*served))
-    return *served;
-  report(Matter::chosenFolder, tr("之前选择的保存目录已不可用，已改回默认目录。"));
-  const auto forget = [](auto &settings) { settings.saveFolderBookmark.reset(); };
-  if (settings_.stored().saveFolderBookmark == bookmark)
-    settings_.update(forget);
-  else
-    settings_.overrideForRun(forget);
-  return options_.defaultFolder;
-}
-
-void AppController::chooseSaveFolder(const fs::path &folder) {
-  auto bookmark = fennick::FolderBookmark::make(folder);
-  if (!bookmark)
-    return report(Matter::chosenFolder,
-                  tr("无法记住该目录：") + QString::fromStdString(bookmark.error().description()));
-  settings_.update([&](auto &settings) { settings.saveFolderBookmark = std::move(*bookmark); });
-}
-
-void AppController::applySaveFolder() {
-  const fs::path folder = chosenFolder();
-  const bool isNew = server_.saveFolder() != folder;
-  if (!isNew && isUnplugged(folder, drive_))
-    return;
-  if (const auto made = files_.createDirectories(folder); made)
-    resolve(Matter::makingFolder);
-  else
-    report(Matter::makingFolder, tr("无法创建保存目录：") + QString::fromStdString(made.error().message()));
-  drive_ = driveOf(folder);
-  if (!isNew)
-    return;
-  server_.setSaveFolder(folder);
+void AppController::saveFolderReplaced(const fs::path &folder) {
   pending_.setOptions(settings_.settings().imaging); // before photos are found that wait for them
   pending_.setFolder(folder);
   if (options_.hasPhotoWall)
     library_.setFolder(folder);
-  watchSaveFolder();
 }
 
-// A drive may be unplugged and come back; a folder that could not be made is no news.
-void AppController::watchSaveFolder() {
-  resolve(Matter::missingFolder);
-  cleaner_.clear(saveFolder());
-  folderWatcher_ = std::make_unique<fennick::FolderWatcher>(
-      saveFolder(), [this] { mainQueue_.post(lifetime_.guard([this] { checkSaveFolder(); })); });
-}
-
-void AppController::checkSaveFolder() {
-  const fs::path folder = saveFolder();
-  if (isUnplugged(folder, drive_))
-    return report(Matter::missingFolder, tr("保存目录所在的磁盘不见了，照片暂时存不进来。请重新连接磁盘。"));
-  drive_ = driveOf(folder);
-  thumbnailUpkeep_.folderChanged(folder, drive_);
+void AppController::saveFolderChanged(const fs::path &folder) {
+  thumbnailUpkeep_.folderChanged(folder, saveFolder_.drive());
   processing_->look();
-  if (isDirectory(folder)) {
-    if (stands(Matter::missingFolder))
-      cleaner_.clear(folder);
-    resolve(Matter::missingFolder);
-    resolve(Matter::makingFolder);
-  } else if (!stands(Matter::makingFolder)) {
-    report(Matter::missingFolder, tr("保存目录不见了，收到下一张照片时会重新创建。"));
-  }
   if (galleryURL() != shared_)
     updateRouterConfig(); // the gallery's folder has come or gone
   else
@@ -357,17 +215,7 @@ void AppController::checkSaveFolder() {
 
 bool AppController::hasLibraryFolder() const {
   const auto &folder = library_.folder();
-  return folder && isDirectory(*folder) && !isUnplugged(*folder, drive_);
-}
-
-fs::path AppController::saveFolder() const { return server_.saveFolder().value_or(options_.defaultFolder); }
-
-fennick::SaveDestination AppController::makeDestination() const {
-  const auto &settings = settings_.settings();
-  return {.folder = saveFolder(),
-          .dateSubfolders = settings.dateSubfolders,
-          .naming = settings.naming,
-          .subfolder = settings.sessionSubfolder};
+  return folder && saveFolder_.isAvailable(*folder);
 }
 
 fs::path AppController::galleryURL() const {
@@ -381,7 +229,7 @@ void AppController::updateRouterConfig() {
                         .maxBytes = settings.maxUploadBytes,
                         .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
                         .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune},
-                        .drive = drive_});
+                        .drive = saveFolder_.drive()});
   updateSharedInfo();
 }
 
@@ -404,16 +252,16 @@ void AppController::settingsChanged(const fennick::AppSettings &settings) {
   const auto before = server_.preferredAddress();
   server_.setPreferredInterface(settings.preferredInterface);
   registerHotKey(settings.hotKeyPreset);
-  if (lastPort_ != settings.preferredPort)
+  if (phoneServer_->preferredPort() != settings.preferredPort)
     startServer();
   // Before photos of another folder are taken over, and phones may look at a gallery that was off.
   if (pending_.setOptions(settings.imaging))
     processing_->look();
-  applySaveFolder();
+  saveFolder_.apply();
   updateRouterConfig();
   server_.refreshQR();
   if (server_.preferredAddress() != before)
-    runLocalNetworkCheck();
+    check_.run();
 }
 
 void AppController::accessKeyChanged(const std::string &accessKey) {
@@ -425,37 +273,24 @@ void AppController::accessKeyChanged(const std::string &accessKey) {
 void AppController::networkChanged(std::vector<fennick::LANAddress> addresses) {
   server_.setAddresses(std::move(addresses));
   server_.refreshQR();
-  runLocalNetworkCheck();
+  check_.run();
 }
 
 void AppController::registerHotKey(std::optional<std::int64_t> presetID) {
-  const auto refused = [this] { report(Matter::hotKey, tr("全局快捷键注册失败，可能被其他 App 占用")); };
+  const auto refused = [this] {
+    errors_.report(ErrorSource::hotKey, tr("全局快捷键注册失败，可能被其他 App 占用"));
+  };
   if (desktop_.registerHotKey(presetID, {.pressed = [this] { desktop_.showPanel(); }, .refused = refused}))
-    resolve(Matter::hotKey);
+    errors_.resolve(ErrorSource::hotKey);
   else
     refused();
 }
 
-void AppController::runLocalNetworkCheck() {
-  network_.cancel();
-  const auto address = server_.preferredAddress();
-  const auto port = server_.port();
-  if (!address)
-    return server_.setLocalNetworkStatus(failedCheck(tr("没有可用的局域网地址")));
-  if (!port)
-    return;
-  network_.findFirewall(address->interface, *port,
-                        [this](auto finding) { server_.setFirewall(std::move(finding)); });
-  server_.setLocalNetworkStatus({});
-  network_.probe(address->address, *port, kProbeTimeout,
-                 [this](const Outcome &outcome) { server_.setLocalNetworkStatus(statusOf(outcome)); });
-}
-
 void AppController::finishImports(const QString &problem) {
   if (problem.isEmpty())
-    resolve(Matter::imports);
+    errors_.resolve(ErrorSource::imports);
   else
-    report(Matter::imports, problem);
+    errors_.report(ErrorSource::imports, problem);
 }
 
 void AppController::finishUpload(const PhotoProcessing::Finished &finished) {
@@ -470,7 +305,7 @@ void AppController::finishUpload(const PhotoProcessing::Finished &finished) {
   if (!fromPhone)
     return; // nobody waits for it
   if (!finished.resumed)
-    runWorkflow(url, upload.bytes);
+    arrivalActions_.run(settings_.settings().workflow, url, upload.bytes);
   const std::string note = receivedNote(upload, finished.result, finished.left);
   server_.setLastNote(note);
   emit received({.url = url, .bytes = upload.bytes, .note = note});
@@ -485,22 +320,6 @@ void AppController::pruneIfNeeded() {
 void AppController::forget(std::span<const fs::path> files) {
   library_.remove(files);
   selection_.remove(files);
-}
-
-void AppController::runWorkflow(const fs::path &url, std::int64_t bytes) {
-  const auto &workflow = settings_.settings().workflow;
-  if (workflow.copyToClipboard)
-    desktop_.copyToClipboard(url);
-  if (workflow.openWithAppBookmark)
-    if (const auto application = fennick::FolderBookmark::resolve(*workflow.openWithAppBookmark))
-      desktop_.openWith(application->url, url, [](const std::string &reason) {
-        log(fmt::format("open with app failed {}", reason));
-      });
-  if (workflow.playSound)
-    desktop_.playSound();
-  if (workflow.notify)
-    desktop_.notify(tr("收到照片").toStdString(),
-                    fmt::format("{} · {}", url.filename().string(), fileSizeText(bytes)), url);
 }
 
 } // namespace quarrow

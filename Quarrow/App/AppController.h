@@ -1,30 +1,30 @@
 #pragma once
 
-#include "FennickCore/HTTP/HTTPServer.h"
-#include "FennickCore/HTTP/RateLimiter.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/Preferences.h"
-#include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Platform/Trash.h"
 #include "FennickCore/Settings/FolderBookmark.h"
 #include "FennickCore/Settings/SettingsStore.h"
-#include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/UploadRouter.h"
+#include "Quarrow/App/ArrivalActions.h"
 #include "Quarrow/App/Desktop.h"
-#include "Quarrow/App/FolderCleaner.h"
+#include "Quarrow/App/ErrorBoard.h"
 #include "Quarrow/App/FolderLimit.h"
 #include "Quarrow/App/LocalNetwork.h"
+#include "Quarrow/App/PhoneServer.h"
 #include "Quarrow/App/PhotoImport.h"
 #include "Quarrow/App/PhotoProcessing.h"
 #include "Quarrow/App/PhotoSelection.h"
+#include "Quarrow/App/ReachabilityCheck.h"
 #include "Quarrow/App/RouterConfig.h"
+#include "Quarrow/App/SaveFolder.h"
 #include "Quarrow/App/ServerModel.h"
 #include "Quarrow/App/ThumbnailUpkeep.h"
 #include "Quarrow/App/UploadProgress.h"
@@ -119,13 +119,15 @@ public:
   // False while the folder that the library shows is not there, or the drive that it lies on is unplugged.
   [[nodiscard]] bool hasLibraryFolder() const;
   // Where and under which names received files land.
-  [[nodiscard]] fennick::SaveDestination makeDestination() const;
+  [[nodiscard]] fennick::SaveDestination makeDestination() const { return saveFolder_.destination(); }
   // The folder that the gallery shows, or would show.
   [[nodiscard]] std::filesystem::path galleryURL() const;
   // From now on files are saved in `folder`, which exists. The model's error says why not.
-  void chooseSaveFolder(const std::filesystem::path &folder);
+  void chooseSaveFolder(const std::filesystem::path &folder) { saveFolder_.choose(folder); }
   // Shows the error of something else that the person asked for.
-  void reportProblem(const std::string &problem) { report(Matter::request, QString::fromStdString(problem)); }
+  void reportProblem(const std::string &problem) {
+    errors_.report(ErrorSource::request, QString::fromStdString(problem));
+  }
   // Brings files of this computer into the save folder, like those of a phone but without the workflow's
   // actions: whoever did it knows of it. What could not be brought in becomes the model's error.
   void importFiles(std::vector<std::filesystem::path> files) { imports_->importFiles(std::move(files)); }
@@ -135,10 +137,10 @@ public:
   // Photos of the save folder were moved to the trash, by the user or to keep the folder limit: drops
   // everything that is remembered about them. All removals come through here.
   void forget(std::span<const std::filesystem::path> files);
-  // Takes the error that is shown away; the person has read it.
-  void dismissError();
+  // Removes the error that is shown, since the user has read it.
+  void dismissError() { errors_.dismiss(); }
   // Checks anew whether phones can reach the service, and what stands in their way.
-  void runLocalNetworkCheck();
+  void runLocalNetworkCheck() { check_.run(); }
 
 signals:
   // After everything else that follows from an upload.
@@ -147,37 +149,26 @@ signals:
   void serverFailed();
 
 private:
-  struct Server;
-  // What errors are about: a later success of the same thing takes them away.
-  enum class Matter { server, chosenFolder, makingFolder, missingFolder, settings, hotKey, imports, request };
-
-  void applySaveFolder();
-  void updateRouterConfig();
   void startServer();
-  void finishStart(Server &server);
-  void retireServer();
-  void runWorkflow(const std::filesystem::path &url, std::int64_t bytes);
-  void pruneIfNeeded();
+  void serverListens(std::uint16_t port);
+  void serverCannotListen(const fennick::HTTPServerError &error);
+  void saveFolderReplaced(const std::filesystem::path &folder);
+  void saveFolderChanged(const std::filesystem::path &folder);
+  void updateRouterConfig();
   void updateSharedInfo();
   void recountSoon();
+  void pruneIfNeeded();
   void registerHotKey(std::optional<std::int64_t> presetID);
   void settingsChanged(const fennick::AppSettings &settings);
   void accessKeyChanged(const std::string &accessKey);
   void networkChanged(std::vector<fennick::LANAddress> addresses);
+  void saved(const std::error_code &result);
   void openFirstWindow();
   void openAskedFor(fennick::Seconds panelDelay, const std::vector<std::string> &arguments);
-  void report(Matter matter, const QString &error);
-  void resolve(Matter matter);
-  [[nodiscard]] bool stands(Matter matter) const;
-  void saved(const std::error_code &result);
-  void showLatestError();
-  void watchSaveFolder();
-  void checkSaveFolder();
   void finishUpload(const PhotoProcessing::Finished &finished);
   void finishImports(const QString &problem);
-  [[nodiscard]] std::filesystem::path chosenFolder();
-  [[nodiscard]] std::filesystem::path saveFolder() const; // that is used now
   [[nodiscard]] fennick::UploadRouter::Providers providers();
+  [[nodiscard]] std::unique_ptr<PhoneServer> makeServer();
   [[nodiscard]] std::unique_ptr<PhotoImport> makeImports();
   [[nodiscard]] std::unique_ptr<PhotoProcessing> makeProcessing();
 
@@ -194,33 +185,31 @@ private:
 
   fennick::SettingsStore settings_;
   ServerModel server_;
+  ErrorBoard errors_{server_};
+  ReachabilityCheck check_{server_, network_};
+  ArrivalActions arrivalActions_{desktop_};
   fennick::PhotoLibrary library_;
   fennick::Thumbnails thumbnails_;
   ThumbnailUpkeep thumbnailUpkeep_;
   PhotoSelection selection_;
   UploadProgress progress_;
   RouterConfig routerConfig_;
-  std::vector<std::pair<Matter, std::string>> errors_; // that stand, the latest last
-  std::optional<std::string> demoKey_;                 // given to the router in place of the stored key
-  std::optional<std::uint16_t> lastPort_;              // preferred when the server was last started
-  fennick::AppSettings knownSettings_;                 // what followed from settings so far
+  std::optional<std::string> demoKey_; // given to the router in place of the stored key
+  fennick::AppSettings knownSettings_; // the latest settings that were compared
   std::vector<fennick::Subscription> subscriptions_;
   std::filesystem::path shared_; // the folder that the gallery shows, or would show
   bool recounts_ = false;        // the pictures in it are to be counted soon
-  std::filesystem::path drive_;  // that the save folder lies on
-  std::unique_ptr<fennick::FolderWatcher> folderWatcher_;
-  std::shared_ptr<Server> httpServer_;
   bool stopped_ = false;
 
   fennick::IncomingFolder incoming_{files_, [this](const auto &folder, const auto &hold) {
                                       processing_->takeOver(folder, hold);
                                     }}; // of all uploads, imports and processing
-  FolderCleaner cleaner_{files_, incoming_};
+  SaveFolder saveFolder_;
   fennick::PendingPhotos pending_{files_};
-  std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
   FolderLimit folderLimit_;
   const std::unique_ptr<PhotoProcessing> processing_;
-  const std::unique_ptr<PhotoImport> imports_; // last: it hands what it saves to the processing
+  const std::unique_ptr<PhotoImport> imports_;     // hands what it saves to the processing
+  const std::unique_ptr<PhoneServer> phoneServer_; // last: its connections use most of the above
 };
 
 } // namespace quarrow
