@@ -39,7 +39,8 @@ private:
   fennick::FileDescriptor file_;
 };
 
-fennick::UploadRouter::Providers providers(const fs::path &folder, const Service::Options &options) {
+fennick::UploadRouter::Providers providers(const fs::path &folder, const Service::Options &options,
+                                           fennick::UploadOutcomes &outcomes) {
   return {.key = [] { return "benchmark"; },
           .destination =
               [=] {
@@ -53,7 +54,8 @@ fennick::UploadRouter::Providers providers(const fs::path &folder, const Service
               [=] {
                 return fennick::UploadRouter::UploadPolicy{.folderLimit = options.folderLimit,
                                                            .autoPrune = false};
-              }};
+              },
+          .outcomes = &outcomes};
 }
 
 fennick::ListeningSocket listenAnywhere() {
@@ -102,8 +104,8 @@ fennick::Uptime HastyClock::uptime() const {
 }
 
 Service::Service(const fs::path &folder, const Options &options)
-    : files_(options.sync),
-      router_(providers(folder, options), folder, files_, incoming_, hasty_, activity_, options.thumbnails),
+    : files_(options.sync), router_(providers(folder, options, outcomes_), folder, files_, incoming_, hasty_,
+                                    activity_, options.thumbnails),
       limiter_(fennick::kServiceBans), server_(router_, fennick::kServiceLimits, limiter_, clock_) {}
 
 std::uint16_t Service::start() { return server_.start(0, 1).value(); }

@@ -72,6 +72,7 @@ private:
   fennick::SystemClock clock_;
   fennick::UploadActivity activity_;
   fennick::IncomingFolder incoming_{files_};
+  fennick::UploadOutcomes outcomes_;
   fennick::UploadRouter router_;
   fennick::RateLimiter limiter_;
   fennick::HTTPServer server_;

@@ -119,7 +119,7 @@ void HTTPConnection::handleHead(std::string_view bytes, std::span<const std::byt
   if (const auto *answer = std::get_if<HTTPRespond>(&decision))
     respond(answer->response);
   else if (const auto *refusal = std::get_if<HTTPReject>(&decision))
-    reject(*head, refusal->response);
+    reject(*head, *refusal);
   else
     receiveBody(*head, std::get<HTTPReceive>(std::move(decision)), rest);
 }
@@ -158,12 +158,13 @@ bool HTTPConnection::writeToSink(std::span<const std::byte> bytes) {
   return false;
 }
 
-void HTTPConnection::reject(const HTTPRequestHead &head, const HTTPResponse &response) {
-  rateLimiter_.recordFailure(remote_, clock_.uptime());
+void HTTPConnection::reject(const HTTPRequestHead &head, const HTTPReject &rejection) {
+  if (rejection.failure == HTTPReject::Failure::counted)
+    rateLimiter_.recordFailure(remote_, clock_.uptime());
   if (head.contentLength().value_or(0) <= 0)
-    return respond(response);
+    return respond(rejection.response);
   const Uptime deadline = deadlineIn(limits_.rejectDrainTimeout);
-  if (!sendBytes(response, deadline))
+  if (!sendBytes(rejection.response, deadline))
     return;
   stream_->finishOutput();
   drain(deadline);

@@ -33,7 +33,12 @@ struct HTTPRespond {
 
 // Answer now, and count the request as a failure of the remote address.
 struct HTTPReject {
+  enum class Failure {
+    counted,
+    alreadyCounted // it belongs to a failure that was counted before
+  };
   HTTPResponse response;
+  Failure failure = Failure::counted;
 };
 
 // Read exactly `expectedBytes` of body into `sink`, then answer with what it returns.

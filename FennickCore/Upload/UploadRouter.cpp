@@ -3,6 +3,7 @@
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
 #include "FennickCore/Upload/Gallery.h"
+#include "FennickCore/Upload/UploadQuery.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -26,16 +27,6 @@ HTTPRouteDecision respond(std::int64_t status, std::string_view text) {
 
 HTTPRouteDecision reject(std::int64_t status, std::string_view text) {
   return HTTPReject{HTTPResponse::text(status, text)};
-}
-
-// Takes the same time for every key of one length, so that the answer's delay tells nothing of the key.
-bool sameKey(std::string_view given, std::string_view key) {
-  if (given.size() != key.size() || given.empty())
-    return false;
-  unsigned char difference = 0;
-  for (std::size_t i = 0; i < key.size(); ++i)
-    difference = static_cast<unsigned char>(difference | (given[i] ^ key[i]));
-  return difference == 0;
 }
 
 bool isRoute(std::string_view path) {
@@ -63,46 +54,52 @@ std::optional<HTTPResponse> download(const std::filesystem::path &file) {
 UploadRouter::UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files,
                            IncomingFolder &incoming, const Clock &clock, UploadActivity &activity,
                            Thumbnails *thumbnails)
-    : providers_(std::move(providers)), page_(std::move(bundle)), files_(files), incoming_(incoming),
-      clock_(clock), activity_(activity), allocator_(files), uploadThrottle_(kMostUploads, kUploadWindow),
-      thumbnails_(thumbnails) {}
+    : providers_(std::move(providers)),
+      keyCheck_({.current = providers_.key, .wasValid = providers_.wasValidKey}), page_(std::move(bundle)),
+      files_(files), incoming_(incoming), clock_(clock), activity_(activity), allocator_(files),
+      uploadThrottle_(kMostUploads, kUploadWindow), thumbnails_(thumbnails) {}
 
 HTTPRouteDecision UploadRouter::route(const HTTPRequestHead &head, const std::string &remote) {
   const bool get = head.method == "GET";
   const bool getOrHead = get || head.method == "HEAD";
+  const bool hasKey = keyCheck_.isCurrent(head);
   if (getOrHead && head.path == "/")
-    return phonePage(head);
+    return hasKey ? phonePage()
+                  : wrongKey(head, remote, "请扫描 Mac 面板上的二维码进入 / Scan the QR code on your Mac");
   if (getOrHead && head.path == "/health")
     return respond(200, "ok");
   if (get && head.path == "/quota")
-    return status(head);
+    return hasKey ? status(head) : wrongKey(head, remote, "invalid key");
   if (get && isGalleryRoute(head.path))
-    return gallery(head);
+    return hasKey ? gallery(head) : wrongKey(head, remote, "invalid key");
   if (head.method == "POST" && head.path == "/upload")
-    return upload(head, remote);
+    return hasKey ? upload(head, remote)
+                  : wrongKey(head, remote, "密钥不对，请重新扫码 / Invalid key, scan again");
   if (isRoute(head.path))
     return respond(405, "method not allowed");
   return HTTPRespond{HTTPResponse::notFound()};
 }
 
-bool UploadRouter::hasKey(const HTTPRequestHead &head) const {
-  const auto given = head.query.find("k");
-  return given != head.query.end() && sameKey(given->second, providers_.key());
+HTTPRouteDecision UploadRouter::wrongKey(const HTTPRequestHead &head, const std::string &remote,
+                                         std::string_view text) {
+  return HTTPReject{HTTPResponse::text(403, text), keyCheck_.failure(head, remote, clock_.uptime())};
 }
 
-HTTPRouteDecision UploadRouter::phonePage(const HTTPRequestHead &head) const {
-  if (!hasKey(head))
-    return reject(403, "请扫描 Mac 面板上的二维码进入 / Scan the QR code on your Mac");
+HTTPRouteDecision UploadRouter::phonePage() const {
   const std::string nonce = newNonce();
   return HTTPRespond{HTTPResponse::page(page_.render(providers_.maxBytes(), nonce), nonce)};
 }
 
 HTTPRouteDecision UploadRouter::status(const HTTPRequestHead &head) {
-  if (!hasKey(head))
-    return reject(403, "invalid key");
+  const auto asked = head.query.find("upload");
+  const auto ids = asked == head.query.end() ? std::vector<std::string>() : UploadQuery::parse(asked->second);
+  if (!ids)
+    return respond(
+        400, fmt::format("upload must be at most {} identities, separated by commas", UploadQuery::kMostIDs));
   nlohmann::ordered_json status{
       {"gallery", providers_.gallery().has_value()}, {"video", true}, {"diskLow", false}};
-  if (const auto available = availableBytes())
+  const auto available = availableBytes();
+  if (available)
     status["diskLow"] = *available < kDiskReserve;
   const UploadPolicy policy = providers_.policy();
   if (policy.folderLimit) {
@@ -110,12 +107,16 @@ HTTPRouteDecision UploadRouter::status(const HTTPRequestHead &head) {
     status["folderCount"] = allocator_.mediaCount(providers_.destination().directory(clock_.now()));
     status["autoPrune"] = policy.autoPrune;
   }
+  if (asked != head.query.end()) {
+    status["maxBytes"] = providers_.maxBytes();
+    if (available)
+      status["roomBytes"] = std::max<std::int64_t>(*available - kDiskReserve, 0);
+    status["uploads"] = UploadQuery::answer(*ids, *providers_.outcomes);
+  }
   return HTTPRespond{HTTPResponse::json(status)};
 }
 
 HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) {
-  if (!hasKey(head))
-    return reject(403, "invalid key");
   const auto folder = providers_.gallery();
   if (!folder)
     return respond(403, "照片墙未开启 / gallery is off");
@@ -146,11 +147,38 @@ std::optional<HTTPResponse> UploadRouter::galleryThumbnail(const std::filesystem
   return response;
 }
 
-// The checks stand in the order in which a person would want to hear of them; the first failure answers.
 HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::string &remote) {
-  if (!hasKey(head))
-    return reject(403, "密钥不对，请重新扫码 / Invalid key, scan again");
+  const auto id = head.header("x-upload-id");
+  if (!id)
+    return admit(head, remote, {});
+  if (!isUploadID(*id))
+    return respond(400, "x-upload-id must be 32 hexadecimal digits");
+  auto attempt = providers_.outcomes->begin(*id);
+  if (!attempt)
+    return answerAgain(attempt.error());
+  return admit(head, remote, std::move(*attempt));
+}
 
+// Answers an upload that is repeated although it is saved or being received.
+HTTPRouteDecision UploadRouter::answerAgain(const UploadOutcomes::Outcome &outcome) {
+  if (const auto *saved = std::get_if<UploadOutcomes::Saved>(&outcome))
+    return respond(200, saved->name);
+  return respond(409, "这个文件正在接收，请稍后再查 / This file is being received already; ask again later");
+}
+
+HTTPRouteDecision UploadRouter::admit(const HTTPRequestHead &head, const std::string &remote,
+                                      UploadOutcomes::Attempt attempt) {
+  auto refused = refusal(head, remote);
+  if (!refused)
+    return receive(head, remote, std::move(attempt));
+  const auto *rejected = std::get_if<HTTPReject>(&*refused);
+  attempt.answered(rejected != nullptr ? rejected->response : std::get<HTTPRespond>(*refused).response);
+  return std::move(*refused);
+}
+
+// The checks stand in the order in which a user would want to hear of them; the first failure answers.
+std::optional<HTTPRouteDecision> UploadRouter::refusal(const HTTPRequestHead &head,
+                                                       const std::string &remote) {
   const UploadPolicy policy = providers_.policy();
   if (policy.folderLimit && !policy.autoPrune &&
       allocator_.mediaCount(providers_.destination().directory(clock_.now())) >= *policy.folderLimit)
@@ -170,18 +198,22 @@ HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::s
     return reject(413, fmt::format("文件太大 / too large (limit {} bytes)", maxBytes));
   if (const auto available = availableBytes(); available && *available - kDiskReserve < *length)
     return respond(507, "Mac 磁盘空间不足，已停止接收 / Not enough disk space on the Mac");
-  return receive(head, remote, *length);
+  return std::nullopt;
 }
 
 HTTPRouteDecision UploadRouter::receive(const HTTPRequestHead &head, const std::string &remote,
-                                        std::int64_t length) {
+                                        UploadOutcomes::Attempt attempt) {
   SaveDestination destination = providers_.destination();
   auto part = providers_.canSave() ? incoming_.createPart(destination.folder)
                                    : std::unexpected(std::make_error_code(std::errc::no_such_device));
   if (!part) {
     log(fmt::format("cannot write to {}: {}", destination.folder.string(), part.error().message()));
-    return respond(500, "无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder");
+    const auto answer =
+        HTTPResponse::text(500, "无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder");
+    attempt.answered(answer);
+    return HTTPRespond{answer};
   }
+  const std::int64_t length = head.contentLength().value_or(0);
   const auto encodedName = head.header("x-filename");
   AdmittedUpload admitted{.part = std::move(*part),
                           .destination = std::move(destination),
@@ -189,12 +221,13 @@ HTTPRouteDecision UploadRouter::receive(const HTTPRequestHead &head, const std::
                           .mediaType = head.contentType(),
                           .filename = encodedName ? percentDecoded(*encodedName) : std::nullopt,
                           .remote = remote,
-                          .startedAt = clock_.now()};
+                          .startedAt = clock_.now(),
+                          .attempt = std::move(attempt)};
   return HTTPReceive{length, std::make_unique<UploadSink>(std::move(admitted), allocator_, files_, activity_,
                                                           providers_.onUpload, providers_.pending)};
 }
 
-// Nothing when it cannot be read; then nothing is refused for it.
+// Returns nullopt if the number cannot be read; no upload is refused then.
 std::optional<std::int64_t> UploadRouter::availableBytes() {
   const auto available = files_.availableBytes(providers_.destination().folder);
   return available ? std::optional(*available) : std::nullopt;

@@ -8,8 +8,10 @@
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/IncomingFolder.h"
+#include "FennickCore/Upload/KeyCheck.h"
 #include "FennickCore/Upload/PhonePage.h"
 #include "FennickCore/Upload/UploadActivity.h"
+#include "FennickCore/Upload/UploadOutcomes.h"
 #include "FennickCore/Upload/UploadSink.h"
 
 #include <cstdint>
@@ -17,6 +19,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace fennick {
 
@@ -44,6 +47,9 @@ public:
     std::function<UploadPolicy()> policy;
     std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is there
     PendingPhotos *pending = nullptr; // outlives the object; null: nothing follows an upload
+    UploadOutcomes *outcomes;         // outlives the object
+    // Whether a key was the access key earlier in this run.
+    std::function<bool(std::string_view)> wasValidKey = [](std::string_view) { return false; };
   };
 
   // `files`, `incoming`, `clock`, `activity` and `thumbnails` outlive the router. Without `thumbnails` (null)
@@ -54,18 +60,25 @@ public:
   HTTPRouteDecision route(const HTTPRequestHead &head, const std::string &remote) override;
 
 private:
-  [[nodiscard]] bool hasKey(const HTTPRequestHead &head) const;
-  [[nodiscard]] HTTPRouteDecision phonePage(const HTTPRequestHead &head) const;
+  [[nodiscard]] HTTPRouteDecision wrongKey(const HTTPRequestHead &head, const std::string &remote,
+                                           std::string_view text);
+  [[nodiscard]] HTTPRouteDecision phonePage() const;
   [[nodiscard]] HTTPRouteDecision status(const HTTPRequestHead &head);
   [[nodiscard]] HTTPRouteDecision gallery(const HTTPRequestHead &head);
   [[nodiscard]] std::optional<HTTPResponse> galleryThumbnail(const std::filesystem::path &file,
                                                              const HTTPRequestHead &head);
   [[nodiscard]] HTTPRouteDecision upload(const HTTPRequestHead &head, const std::string &remote);
+  [[nodiscard]] HTTPRouteDecision admit(const HTTPRequestHead &head, const std::string &remote,
+                                        UploadOutcomes::Attempt attempt);
+  [[nodiscard]] static HTTPRouteDecision answerAgain(const UploadOutcomes::Outcome &outcome);
+  [[nodiscard]] std::optional<HTTPRouteDecision> refusal(const HTTPRequestHead &head,
+                                                         const std::string &remote);
   [[nodiscard]] HTTPRouteDecision receive(const HTTPRequestHead &head, const std::string &remote,
-                                          std::int64_t length);
+                                          UploadOutcomes::Attempt attempt);
   [[nodiscard]] std::optional<std::int64_t> availableBytes();
 
   const Providers providers_;
+  KeyCheck keyCheck_;
   const PhonePage page_;
   FileSystem &files_;
   IncomingFolder &incoming_;

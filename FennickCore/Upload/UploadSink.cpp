@@ -24,14 +24,24 @@ IOResult<void> UploadSink::write(std::span<const std::byte> bytes) {
   headerBytes_ += kept;
   if (auto result = upload_.part.handle->write(bytes); !result) {
     log(fmt::format("cannot write {}: {}", upload_.part.file.string(), result.error().message()));
+    upload_.attempt.answered(HTTPResponse::text(500, "write failed")); // which the connection answers
     return result;
   }
   written_ += std::ssize(bytes);
   activity_.received(std::ssize(bytes));
+  upload_.attempt.received(std::ssize(bytes));
   return {};
 }
 
 HTTPResponse UploadSink::finish() {
+  HTTPResponse response = complete();
+  upload_.attempt.answered(response);
+  if (response.status == 200)
+    announce();
+  return response;
+}
+
+HTTPResponse UploadSink::complete() {
   if (written_ != upload_.expected)
     return refuse(400, "传输不完整 / incomplete body");
   const auto extension =
@@ -48,7 +58,6 @@ HTTPResponse UploadSink::finish() {
     return refuse(500, "保存失败 / save failed");
   }
   finished_ = true;
-  announce();
   return HTTPResponse::text(200, record_.url.filename().string());
 }
 

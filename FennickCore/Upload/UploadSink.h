@@ -9,6 +9,7 @@
 #include "FennickCore/Upload/IncomingFolder.h"
 #include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/UploadActivity.h"
+#include "FennickCore/Upload/UploadOutcomes.h"
 #include "FennickCore/Upload/UploadRecord.h"
 
 #include <array>
@@ -31,6 +32,7 @@ struct AdmittedUpload {
   std::string remote;                  // its address; empty for this computer
   Instant startedAt;
   UploadSource source = UploadSource::phone;
+  UploadOutcomes::Attempt attempt{}; // learns the outcome
 };
 
 // Receives the body of one upload into its part file and turns it into a saved photo or video. The body is
@@ -51,6 +53,7 @@ public:
   void abort() override;
 
 private:
+  [[nodiscard]] HTTPResponse complete();
   [[nodiscard]] HTTPResponse refuse(std::int64_t status, std::string_view text);
   [[nodiscard]] IOResult<void> settle();
   [[nodiscard]] IOResult<void> place(const std::string &extension);

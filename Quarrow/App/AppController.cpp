@@ -153,7 +153,9 @@ fennick::UploadRouter::Providers AppController::providers() {
           .gallery = [this] { return routerConfig_.gallery(); },
           .policy = [this] { return routerConfig_.policy(); },
           .canSave = [this] { return routerConfig_.canSave(); },
-          .pending = &pending_};
+          .pending = &pending_,
+          .outcomes = &outcomes_,
+          .wasValidKey = [this](auto key) { return routerConfig_.wasKey(key); }};
 }
 
 std::unique_ptr<PhoneServer> AppController::makeServer() {
@@ -267,6 +269,7 @@ void AppController::settingsChanged(const fennick::AppSettings &settings) {
 void AppController::accessKeyChanged(const std::string &accessKey) {
   server_.setAccessKey(accessKey);
   updateRouterConfig();
+  phoneServer_->forgiveFailures(); // of phones that used the old key
   server_.refreshQR();
 }
 

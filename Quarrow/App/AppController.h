@@ -75,7 +75,8 @@ public:
     std::optional<std::filesystem::path> saveFolder{}; // for this run, in place of the settings'
     // The save folder of those who have chosen none.
     std::filesystem::path defaultFolder = fennick::FolderBookmark::defaultFolder();
-    bool hasPhotoWall = true; // without one nothing looks through the save folder
+    std::filesystem::path uploadRecord{}; // saved uploads, for the next run; empty: not recorded
+    bool hasPhotoWall = true;             // without one nothing looks through the save folder
     // Changes settings for this run; they are never stored.
     std::function<void(fennick::AppSettings &)> overrides{};
   };
@@ -206,6 +207,7 @@ private:
                                     }}; // of all uploads, imports and processing
   SaveFolder saveFolder_;
   fennick::PendingPhotos pending_{files_};
+  fennick::UploadOutcomes outcomes_{options_.uploadRecord};
   FolderLimit folderLimit_;
   const std::unique_ptr<PhotoProcessing> processing_;
   const std::unique_ptr<PhotoImport> imports_;     // hands what it saves to the processing

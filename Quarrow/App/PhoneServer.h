@@ -45,6 +45,8 @@ public:
   void start(std::uint16_t preferredPort);
   // Ends the service and waits until all requests are over, uploads under way cleaned up.
   void stop();
+  // Lifts all bans and forgets all failures.
+  void forgiveFailures();
   // The port that the latest start preferred.
   [[nodiscard]] std::optional<std::uint16_t> preferredPort() const { return preferredPort_; }
 

@@ -2,20 +2,35 @@
 
 #include "Quarrow/App/SaveFolderDrive.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quarrow {
 
 using fennick::Locked;
 
+namespace {
+constexpr std::size_t kMostFormerKeys = 8; // pages that were opened before more changes have long been closed
+}
+
 void RouterConfig::update(Values values) {
   const Locked locked(lock_);
+  if (!values_.key.empty() && values_.key != values.key) {
+    formerKeys_.push_back(values_.key);
+    if (formerKeys_.size() > kMostFormerKeys)
+      formerKeys_.pop_front();
+  }
   values_ = std::move(values);
 }
 
 std::string RouterConfig::key() const {
   const Locked locked(lock_);
   return values_.key;
+}
+
+bool RouterConfig::wasKey(std::string_view key) const {
+  const Locked locked(lock_);
+  return std::ranges::find(formerKeys_, key) != formerKeys_.end();
 }
 
 fennick::SaveDestination RouterConfig::destination() const {

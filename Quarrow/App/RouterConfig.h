@@ -5,9 +5,11 @@
 #include "FennickCore/Upload/UploadRouter.h"
 
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quarrow {
 
@@ -28,6 +30,8 @@ public:
   void update(Values values);
 
   [[nodiscard]] std::string key() const;
+  // Whether `key` is one of the last few access keys before the present one.
+  [[nodiscard]] bool wasKey(std::string_view key) const;
   [[nodiscard]] fennick::SaveDestination destination() const;
   [[nodiscard]] std::int64_t maxBytes() const;
   [[nodiscard]] std::optional<std::filesystem::path> gallery() const;
@@ -38,6 +42,7 @@ public:
 private:
   mutable fennick::Mutex lock_;
   Values values_ GUARDED_BY(lock_);
+  std::deque<std::string> formerKeys_ GUARDED_BY(lock_);
 };
 
 } // namespace quarrow

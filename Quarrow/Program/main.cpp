@@ -135,16 +135,18 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
                                .bus = bus,
                                .makeView = [&](const QString &name) { return views.make(name); },
                                .launchedAsLoginItem = options.loginItem});
-  quarrow::AppController controller(
-      {.cacheDirectory = state.cache, .arguments = options.windows, .saveFolder = state.saveFolder},
-      {.preferences = preferences,
-       .mainQueue = mainQueue,
-       .files = files,
-       .clock = clock,
-       .decoder = decoder,
-       .trash = trash,
-       .desktop = desktop,
-       .network = network});
+  quarrow::AppController controller({.cacheDirectory = state.cache,
+                                     .arguments = options.windows,
+                                     .saveFolder = state.saveFolder,
+                                     .uploadRecord = state.preferences / "tevrin.uploads.jsonl"},
+                                    {.preferences = preferences,
+                                     .mainQueue = mainQueue,
+                                     .files = files,
+                                     .clock = clock,
+                                     .decoder = decoder,
+                                     .trash = trash,
+                                     .desktop = desktop,
+                                     .network = network});
   quarrow::Shell shell(controller, loginItem);
   quarrow::PhotoWall wall(controller, {.preferences = preferences,
                                        .mainQueue = mainQueue,

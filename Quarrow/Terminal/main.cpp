@@ -111,6 +111,10 @@ quarrow::TerminalKeys::Actions keyActions(quarrow::AppController &controller, qu
           .quit = [] { QCoreApplication::quit(); }};
 }
 
+std::filesystem::path stateDirectory(const quarrow::CommandLine &options) {
+  return options.stateDirectory.value_or(fennick::configurationDirectory());
+}
+
 // What makes this program the only one that serves these settings and this folder. A save folder of its own
 // makes it another one.
 std::string instanceName(const quarrow::CommandLine &options) {
@@ -139,6 +143,7 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
   quarrow::AppController controller(
       {.cacheDirectory = options.stateDirectory.value_or(fennick::cacheDirectory()),
        .saveFolder = options.folder,
+       .uploadRecord = stateDirectory(options) / (instanceName(options) + ".uploads.jsonl"),
        .hasPhotoWall = false,
        .overrides = [&](AppSettings &changed) { std::ignore = applyCommandLine(changed, options); }},
       {.preferences = preferences,
@@ -175,13 +180,12 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
 }
 
 int run(int argc, char *argv[], const quarrow::CommandLine &options) {
-  const auto stateDirectory = options.stateDirectory.value_or(fennick::configurationDirectory());
-  auto guard = fennick::InstanceGuard::claim(stateDirectory, instanceName(options));
+  auto guard = fennick::InstanceGuard::claim(stateDirectory(options), instanceName(options));
   if (guard && !*guard)
     return refuse(kRunsAlready, kRunsAlreadyText);
   if (!guard)
     fennick::log(fmt::format("cannot tell whether another one is running: {}", guard.error().message()));
-  fennick::FilePreferences preferences(stateDirectory / "preferences.json");
+  fennick::FilePreferences preferences(stateDirectory(options) / "preferences.json");
   AppSettings settings = fennick::SettingsStore(preferences).settings();
   if (const auto applied = applyCommandLine(settings, options); !applied)
     return refuse(kBadUsage, applied.error());

@@ -82,6 +82,7 @@ protected:
 
   // What the providers say from now on.
   std::string key = "secret";
+  std::string formerKey = "former";
   SaveDestination destination{.folder = disk.makeFolder("photos"),
                               .dateSubfolders = false,
                               .naming = PrefixSequenceNaming{},
@@ -92,6 +93,7 @@ protected:
 
   IncomingFolder incomingFolder{files};
   PendingPhotos pending{files};
+  UploadOutcomes outcomes{disk / "state/uploads.jsonl"};
   TemporaryFolder cache;
   FakeDecoder decoder;
   Thumbnails thumbnails{files, cache.path(), decoder};
@@ -105,7 +107,9 @@ protected:
                            },
                        .gallery = [this] { return gallery; },
                        .policy = [this] { return policy; },
-                       .pending = &pending},
+                       .pending = &pending,
+                       .outcomes = &outcomes,
+                       .wasValidKey = [this](auto given) { return given == formerKey; }},
                       disk / "bundle",
                       files,
                       incomingFolder,
