@@ -1,6 +1,7 @@
 #include "FennickCore/Upload/UploadOutcomes.h"
 
 #include "FennickCore/Platform/Log.h"
+#include "FennickCore/Upload/PhotoSearch.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -17,18 +18,49 @@ using nlohmann::ordered_json;
 constexpr std::size_t kIDLength = 32;
 constexpr std::size_t kMostLines = 4 * UploadOutcomes::kMost; // then the file is written anew
 
-std::string lineOf(const std::string &id, const UploadOutcomes::Saved &saved) {
-  const ordered_json line{{"id", id}, {"name", saved.name}};
+// One line of the file: an upload that is saved under `name`, or is about to appear as `photo` at `file`.
+struct Line {
+  std::string id;
+  std::string name;
+  std::filesystem::path file;
+  PhotoIdentity photo;
+};
+
+std::string textOf(const ordered_json &line) {
   return line.dump(-1, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }
 
+std::string lineOf(const std::string &id, const UploadOutcomes::Saved &saved) {
+  return textOf({{"id", id}, {"name", saved.name}});
+}
+
+std::string lineOf(const std::string &id, const std::filesystem::path &file, const PhotoIdentity &photo) {
+  return textOf({{"id", id},
+                 {"file", file.string()},
+                 {"bytes", photo.bytes},
+                 {"modified", photo.modified.time_since_epoch().count()}});
+}
+
 // Returns nullopt for a line that a killed program left incomplete.
-std::optional<std::pair<std::string, std::string>> parsed(std::string_view line) {
-  const auto value = ordered_json::parse(line, nullptr, false);
-  if (!value.is_object() || !value.contains("id") || !value.contains("name") || !value["id"].is_string() ||
-      !value["name"].is_string() || !isUploadID(value["id"].get<std::string>()))
+std::optional<Line> parsed(std::string_view text) {
+  try {
+    const auto value = ordered_json::parse(text);
+    Line line{
+        .id = value.at("id").get<std::string>(), .name = value.value("name", ""), .file = {}, .photo = {}};
+    if (line.name.empty()) {
+      line.file = value.at("file").get<std::string>();
+      line.photo.bytes = value.at("bytes").get<std::int64_t>();
+      line.photo.modified = Instant(std::chrono::nanoseconds(value.at("modified").get<std::int64_t>()));
+    }
+    return isUploadID(line.id) ? std::optional(std::move(line)) : std::nullopt;
+  } catch (const ordered_json::exception &) {
     return std::nullopt;
-  return std::pair(value["id"].get<std::string>(), value["name"].get<std::string>());
+  }
+}
+
+bool hasAppeared(const Line &line) {
+  const auto photo = photoAt(line.file);
+  return photo && photo->isSameVersion(line.photo);
 }
 
 } // namespace
@@ -52,15 +84,25 @@ void UploadOutcomes::load() {
     return;
   }
   bool isIntact = true;
+  std::unordered_map<std::string, Line> appearing;
   for (std::string_view rest = *content; !rest.empty();) {
     const std::size_t end = rest.find('\n');
-    if (const auto line = parsed(rest.substr(0, end)))
-      remember(line->first, Saved{line->second});
+    if (auto line = parsed(rest.substr(0, end))) {
+      if (line->name.empty()) {
+        appearing[line->id] = std::move(*line);
+      } else {
+        appearing.erase(line->id);
+        remember(line->id, Saved{line->name});
+      }
+    }
     ++lines_;
     isIntact = end != std::string_view::npos;
     rest.remove_prefix(isIntact ? end + 1 : rest.size());
   }
-  if (!isIntact || lines_ > kMostLines)
+  std::erase_if(appearing, [](const auto &entry) { return !hasAppeared(entry.second); });
+  for (const auto &[id, line] : appearing)
+    remember(id, Saved{line.file.filename().string()});
+  if (!isIntact || !appearing.empty() || lines_ > kMostLines)
     rewrite();
 }
 
@@ -84,7 +126,8 @@ UploadOutcomes::Outcome UploadOutcomes::at(const std::string &id) const {
 void UploadOutcomes::finish(const std::string &id, Outcome outcome) {
   const Locked locked(lock_);
   if (const auto *saved = std::get_if<Saved>(&outcome))
-    record(id, *saved);
+    record(lineOf(id, *saved));
+  appearing_.erase(id);
   if (std::holds_alternative<std::monostate>(outcome))
     outcomes_.erase(id);
   else
@@ -100,13 +143,13 @@ void UploadOutcomes::remember(const std::string &id, Outcome outcome) {
   finished_.pop_front();
 }
 
-void UploadOutcomes::record(const std::string &id, const Saved &saved) {
+void UploadOutcomes::record(const std::string &line) {
   if (file_.empty())
     return;
   if (lines_ >= kMostLines)
     rewrite();
   ++lines_;
-  if (const auto done = append(lineOf(id, saved)); !done) {
+  if (const auto done = append(line); !done) {
     log(fmt::format("cannot write {}: {}", file_.string(), done.error().message()));
     lines_ = kMostLines; // an incomplete line may be at its end
   }
@@ -132,6 +175,10 @@ void UploadOutcomes::rewrite() {
       content += lineOf(id, *saved);
       ++lines_;
     }
+  for (const auto &[id, line] : appearing_) {
+    content += line;
+    ++lines_;
+  }
   record_.reset();
   if (const auto done = replaceFile(file_, content); !done)
     log(fmt::format("cannot write {}: {}", file_.string(), done.error().message()));
@@ -154,6 +201,16 @@ void UploadOutcomes::Attempt::received(std::int64_t bytes) {
   const Locked locked(owner_->lock_);
   if (auto *receiving = std::get_if<Receiving>(&owner_->outcomes_[id_]))
     receiving->bytes += bytes;
+}
+
+void UploadOutcomes::Attempt::willAppear(const std::filesystem::path &partFile,
+                                         const std::filesystem::path &file) {
+  const auto photo = owner_ != nullptr ? photoAt(partFile) : std::nullopt;
+  if (!photo)
+    return;
+  const Locked locked(owner_->lock_);
+  const auto &line = owner_->appearing_[id_] = lineOf(id_, file, *photo);
+  owner_->record(line);
 }
 
 void UploadOutcomes::Attempt::answered(const HTTPResponse &response) {

@@ -59,6 +59,9 @@ public:
 
     // `bytes` more of the body have arrived.
     void received(std::int64_t bytes);
+    // The photo, complete in `partFile`, is about to be moved to `file`. If the program is killed before the
+    // answer, the next run looks whether it was.
+    void willAppear(const std::filesystem::path &partFile, const std::filesystem::path &file);
     // The answer that the phone will be sent. For a 200 the photo has its final name, which is the body.
     void answered(const HTTPResponse &response);
 
@@ -80,7 +83,7 @@ private:
   void load();
   void finish(const std::string &id, Outcome outcome);
   void remember(const std::string &id, Outcome outcome) REQUIRES(lock_);
-  void record(const std::string &id, const Saved &saved) REQUIRES(lock_);
+  void record(const std::string &line) REQUIRES(lock_);
   void rewrite() REQUIRES(lock_);
   [[nodiscard]] IOResult<void> append(const std::string &line) REQUIRES(lock_);
 
@@ -88,6 +91,8 @@ private:
   mutable Mutex lock_;
   std::unordered_map<std::string, Outcome> outcomes_ GUARDED_BY(lock_);
   std::deque<std::string> finished_ GUARDED_BY(lock_); // the oldest first
+  // The lines of uploads that are being moved to their final names.
+  std::unordered_map<std::string, std::string> appearing_ GUARDED_BY(lock_);
   std::optional<AppendedFile> record_ GUARDED_BY(lock_);
   std::size_t lines_ GUARDED_BY(lock_) = 0; // in the file
 };

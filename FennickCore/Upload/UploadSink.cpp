@@ -75,9 +75,12 @@ IOResult<void> UploadSink::place(const std::string &extension) {
     arrival.emplace(
         *pending_,
         PendingPhotos::Arriving{.upload = record_, .partFile = upload_.part.file, .hold = upload_.part.hold});
-  const auto placed = allocator_.place(
-      upload_.part.file, upload_.destination, extension, upload_.startedAt,
-      [&](const auto &file) { return arrival ? arrival->willAppear(file) : IOResult<void>(); });
+  const auto willAppear = [&](const std::filesystem::path &file) {
+    upload_.attempt.willAppear(upload_.part.file, file);
+    return arrival ? arrival->willAppear(file) : IOResult<void>();
+  };
+  const auto placed =
+      allocator_.place(upload_.part.file, upload_.destination, extension, upload_.startedAt, willAppear);
   if (!placed)
     return std::unexpected(placed.error());
   record_.url = *placed;

@@ -164,6 +164,28 @@ TEST_F(UploadOutcomesTest, TheNextRunKnowsWhatIsSavedAndItsFileStaysSmall) {
   EXPECT_EQ(UploadOutcomes(file).at(idOf(many)), saved(many));
 }
 
+TEST_F(UploadOutcomesTest, TheNextRunFindsWhatAKilledProgramHadMovedButNotRecorded) {
+  const auto file = disk / "state/uploads.jsonl";
+  UploadOutcomes killed(file);
+  std::vector<UploadOutcomes::Attempt> attempts;
+  const auto place = [&](std::size_t number) {
+    attempts.push_back(killed.begin(idOf(number)).value());
+    const auto part = disk.write(fmt::format("{}.part", number), kJPEG);
+    attempts.back().willAppear(part, disk / fmt::format("{}.jpg", number));
+    return part;
+  };
+  std::filesystem::rename(place(1), disk / "1.jpg");
+  place(2);
+  place(3);
+  disk.write("3.jpg", "somebody else's photo");
+  UploadOutcomes next(file);
+  EXPECT_EQ(next.at(idOf(1)), Outcome(Saved{"1.jpg"}));
+  EXPECT_EQ(next.at(idOf(2)), Outcome());
+  EXPECT_EQ(next.at(idOf(3)), Outcome());
+  std::filesystem::remove(disk / "1.jpg");
+  EXPECT_EQ(UploadOutcomes(file).at(idOf(1)), Outcome(Saved{"1.jpg"})); // recorded by now
+}
+
 TEST_F(UploadOutcomesTest, AFileThatCannotBeWrittenCostsNoUpload) {
   UploadOutcomes run(disk.write("occupied") / "uploads.jsonl");
   run.begin(idOf(1))->answered(HTTPResponse::text(200, "IMG_1.jpg"));
