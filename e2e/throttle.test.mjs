@@ -21,7 +21,7 @@ test('a pick of more files than a minute admits is delivered to the last one, wi
   // The same phone scanning again remembers what it has sent.
   const tab = await page.newTab();
   await tab.ready(program.url);
-  await tab.choose(makeMany(scratch(), 2));
+  await tab.choose(makeMany(scratch(), 2, 6000));
   await tab.hold('pace');
   assert.equal(await tab.uploads(), 0);
   await tab.page.close();

@@ -3,7 +3,7 @@ const $ = new Proxy({}, { get: (none, id) => document.getElementById(id) });
 const on = (node, names, handle, how) => names.split(' ').forEach((name) => node.addEventListener(name, handle, how));
 const both = (zh, en) => zh + ' / ' + en;
 const now = () => Date.now();
-const path = (route) => route + '?k=' + encodeURIComponent(key);
+const path = (route, more) => route + '?k=' + encodeURIComponent(key) + (more || '');
 
 // ---- Small helpers
 
@@ -20,6 +20,9 @@ function fingerprint(text) {
   b = Math.imul(b ^ (b >>> 16), 2246822507) ^ Math.imul(a ^ (a >>> 13), 3266489909);
   return (4294967296 * (2097151 & b) + (a >>> 0)).toString(36);
 }
+
+// 128 random bits in hexadecimal: the identity of an upload.
+const newID = () => Array.from(crypto.getRandomValues(new Uint8Array(16)), (byte) => byte.toString(16).padStart(2, '0')).join('');
 
 function bytesText(n) {
   if (n < 1000) return n + ' B';
@@ -48,11 +51,11 @@ function announce(text) {
 }
 
 // Asks the computer and gives { code, json } or, for a refusal, { code, text }. No answer in time is an error.
-async function query(route) {
+async function query(route, more) {
   const stopper = new AbortController();
   const alarm = setTimeout(() => stopper.abort(), 10000);
   try {
-    const reply = await fetch(path(route), { cache: 'no-store', signal: stopper.signal });
+    const reply = await fetch(path(route, more), { cache: 'no-store', signal: stopper.signal });
     const code = reply.status;
     return code === 200 ? { code, json: await reply.json() } : { code, text: await reply.text() };
   } finally {
@@ -75,7 +78,7 @@ const memory = {
     try {
       localStorage.setItem(name, JSON.stringify(list));
     } catch (e) {
-      // Nothing to be done.
+      // The list lasts as long as the page.
     }
   },
 };
@@ -85,7 +88,7 @@ const memory = {
 const limit = {
   bytes: Number('__MAX_BYTES__') || Infinity,
 
-  // The setting may have been lowered since the page was loaded; the refusal names the new value.
+  // A refusal names the limit that is in force now.
   learn(message) {
     const found = /limit\s(\d+)\sbytes/.exec(message);
     if (found) limit.bytes = Number(found[1]);
@@ -103,9 +106,14 @@ const limit = {
 const marks = (function () {
   const store = 'tevrin.sent.' + fingerprint(key);
   const most = 5000;
-  const known = new Set(memory.read(store));
+  const withoutDate = (mark) => mark.replace(/\.[^.]*\./, '..');
+  const known = new Set();
   let fresh = [];
   let timer = 0;
+
+  function remember(mark) {
+    known.add(mark).add(withoutDate(mark));
+  }
 
   // Another tab may have written in the meantime, so the stored list is read again and added to.
   function flush() {
@@ -117,15 +125,58 @@ const marks = (function () {
     memory.write(store, all);
   }
 
+  memory.read(store).forEach(remember);
+
   return {
     flush,
-    of: (file) => file.size.toString(36) + '.' + file.lastModified.toString(36) + '.' + fingerprint(file.name),
+    // An iPhone gives the moment of the pick as a photo's date. A date from about now says nothing, and the file is
+    // known by its name and size alone.
+    of(file) {
+      const date = Math.abs(now() - file.lastModified) > 120000 ? file.lastModified.toString(36) : '';
+      return file.size.toString(36) + '.' + date + '.' + fingerprint(file.name);
+    },
     has: (mark) => known.has(mark),
     add(mark) {
       if (known.has(mark)) return;
-      known.add(mark);
+      remember(mark);
       fresh.push(mark);
       if (!timer) timer = setTimeout(flush, 500);
+    },
+  };
+})();
+
+// ---- Outbox: uploads that were sent and whose outcome this phone has not heard of
+
+// They are kept across a reload: the computer may have a photo although the page that sent it never heard so.
+const outbox = (function () {
+  const store = 'tevrin.outbox.' + fingerprint(key);
+  const sent = new Map(memory.read(store).map((entry) => entry.split(' ')));  // identity to mark
+  const earlier = new Set(sent.keys());  // sent by a page before this one
+  const keep = () => memory.write(store, Array.from(sent, (entry) => entry.join(' ')).slice(-200));
+
+  function forget(id) {
+    earlier.delete(id);
+    if (sent.delete(id)) keep();
+  }
+
+  return {
+    earlier, forget,
+    add(id, mark) {
+      if (sent.has(id)) return;
+      sent.set(id, mark);
+      keep();
+    },
+    // The identity under which an earlier page has sent this file, else a new one.
+    idOf: (mark) => Array.from(earlier).find((id) => sent.get(id) === mark) || newID(),
+    // What became of the uploads of earlier pages. Returns the marks of those that the computer has.
+    learn(outcomes) {
+      const saved = [];
+      Array.from(earlier).filter((id) => outcomes[id] && outcomes[id].state !== 'receiving').forEach((id) => {
+        if (outcomes[id].state === 'saved') saved.push(sent.get(id));
+        forget(id);
+      });
+      saved.forEach(marks.add);
+      return saved;
     },
   };
 })();

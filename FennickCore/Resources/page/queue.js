@@ -1,6 +1,7 @@
 // ---- Queue: the files and what has become of them
 
-// The states of an item: waiting, sending, saved, failed, cancelled, known (already sent, skipped).
+// The states of an item: waiting, sending, saved, failed, cancelled, known (already sent, skipped). An item is unsure
+// while nobody on the phone knows what became of its last attempt; it is not sent again until the computer was asked.
 const queue = (function () {
   const items = new Map();
   const changed = new Set();
@@ -40,7 +41,10 @@ const queue = (function () {
   }
 
   function admit(file, mark) {
-    const item = { id: nextId++, file, mark, batch, tries: 0, notBefore: 0, sent: 0, heldBy: '', xhr: null, row: null };
+    const item = {
+      id: nextId++, upload: outbox.idOf(mark), file, mark, batch, tries: 0, asks: 0, notBefore: 0, sent: 0,
+      heldBy: '', final: false, unsure: false, xhr: null, row: null,
+    };
     items.set(item.id, item);
     const refusal = limit.refusal(file);
     if (refusal) set(item, 'failed', refusal);
@@ -51,7 +55,8 @@ const queue = (function () {
 
   function requeue(item) {
     const refusal = limit.refusal(item.file);
-    Object.assign(item, { tries: 0, notBefore: 0, heldBy: '', batch });
+    if (item.state === 'known') item.upload = newID();  // the user wants it a second time
+    Object.assign(item, { tries: 0, notBefore: 0, heldBy: '', final: false, batch });
     if (refusal) set(item, 'failed', refusal);
     else set(item, 'waiting');
   }
@@ -68,11 +73,11 @@ const queue = (function () {
     list: (test) => Array.from(items.values()).filter(test),
     inBatch: (item) => item.batch === batch,
 
-    // The next file whose own pause is over, and otherwise when the first pause ends.
-    next() {
+    // The next file that fits and whose own pause is over, and otherwise when the first pause ends.
+    next(fits) {
       let soonest = Infinity;
       for (const item of items.values()) {
-        if (item.state !== 'waiting') continue;
+        if (item.state !== 'waiting' || item.unsure || !fits(item.file)) continue;
         if (item.notBefore <= now()) return { ready: item };
         soonest = Math.min(soonest, item.notBefore);
       }

@@ -33,14 +33,17 @@ const status = (function () {
     return code === 429 ? 'banned' : 'lost';
   }
 
+  // With the status the computer tells what became of the uploads that this phone does not know the end of.
   async function question() {
     const takenBefore = taken;
     askedAt = now();
+    const ids = uploader.unsure().concat(Array.from(outbox.earlier)).slice(0, 64);
     try {
-      const { code, json } = await query('quota');
+      const { code, json } = await query('quota', '&upload=' + ids.join(','));
       if (json) {
         info = json;
         taken -= takenBefore;
+        if (json.maxBytes) limit.bytes = json.maxBytes;
       }
       return verdict(code);
     } catch (e) {
@@ -68,6 +71,9 @@ const status = (function () {
     get info() { return info; },
     get age() { return now() - askedAt; },
     saved() { taken++; },
+
+    // Whether a file fits on the computer's disk as far as is known.
+    fits: (file) => !info.diskLow && file.size <= (typeof info.roomBytes === 'number' ? info.roomBytes : Infinity),
 
     // How many more files fit into the folder as far as is known. Only a count that can refuse counts.
     room() {

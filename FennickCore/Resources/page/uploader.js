@@ -2,6 +2,7 @@
 
 const uploader = (function () {
   const large = 32e6;            // with files this size two at a time fill the air
+  const longest = 900;           // seconds; the computer closes a connection that lasts longer
   const tries = 5;               // for one file, while the computer is otherwise well
   const silence = 30000;         // no progress for this long: the connection is dead
   const replySilence = 120000;   // the same while the computer moves a big file into place
@@ -15,6 +16,7 @@ const uploader = (function () {
   let faults = 0;                // write failures of the computer in a row
   let checking = false;
   let timer = 0;
+  let inquiry = 0;
   let watch = 0;
   let lastTick = 0;
 
@@ -26,29 +28,27 @@ const uploader = (function () {
     view.soon();
   }
 
-  function release() {
-    hold = null;
-    view.soon();
-    pump();
-  }
-
   function wakeAt(time) {
     clearTimeout(timer);
     timer = setTimeout(pump, Math.max(50, time - now()));
   }
 
+  // How many files may be on their way together with this one.
   function slots(item) {
     if (strikes) return 1;
-    const big = item.file.size > large || Array.from(active).some((other) => other.file.size > large);
-    return big ? 2 : 3;
+    const together = [item, ...active];
+    const slow = view.speed() && together.some((each) => 2 * each.file.size / view.speed() > 0.7 * longest);
+    if (slow) return 1;
+    return together.some((each) => each.file.size > large) ? 2 : 3;
   }
 
   function pump() {
     if (hold && hold.until && hold.until <= now()) hold = null;
     while (!hold && !checking) {
-      const next = queue.next();
+      const next = queue.next(status.fits);
       if (!next.ready) {
         if (next.at < Infinity) wakeAt(next.at);
+        else if (!active.size && queue.list(crowded).length) holdFor('disk');
         break;
       }
       if (active.size >= slots(next.ready) || !welcome() || !roomy() || !paced()) break;
@@ -57,6 +57,8 @@ const uploader = (function () {
     guard();
     view.soon();
   }
+
+  const crowded = (item) => item.state === 'waiting' && !item.unsure && !status.fits(item.file);
 
   // Keeps below the computer's own rate, so that a pick of 500 waits instead of being turned away.
   function paced() {
@@ -101,12 +103,13 @@ const uploader = (function () {
   }
 
   function learn() {
+    if (status.state === 'ok') hear(status.info.uploads);
     const kind = trouble();
     if (kind) block(kind);
     else if (status.state === 'ok') recover();
   }
 
-  // A stop that the person asked for stays, whatever the computer says.
+  // A stop that the user asked for stays, whatever the computer says.
   function block(kind) {
     const waiting = queue.list((item) => item.state === 'waiting' || item.heldBy).length;
     if (hold && hold.kind === 'stopped') return;
@@ -127,14 +130,30 @@ const uploader = (function () {
 
   // A network that came back need not wait for the rest of the pauses.
   function hurry() {
-    queue.list((item) => item.state === 'waiting').forEach((item) => { item.notBefore = 0; });
+    queue.list((item) => item.state === 'waiting' && !item.unsure).forEach((item) => { item.notBefore = 0; });
   }
 
   // -- One file
 
+  // The first bytes tell whether the computer takes the file, before all of it is sent.
+  function start(item) {
+    item.movedAt = now();
+    active.add(item);
+    queue.set(item, 'sending');
+    const settled = (handle) => (value) => {
+      if (item.state !== 'sending' || item.xhr || !active.has(item)) return;
+      handle(value);
+      pump();
+    };
+    sniff.takes(item.file).then(
+      settled((fine) => (fine ? send(item) : refuse(item, 415, sniff.refusal))),
+      settled(() => unreadable(item)),
+    );
+  }
+
   // The body is the file itself, whole: the browser streams it from storage, and the type it knows
   // goes along; a file without a type is sent without one.
-  function start(item) {
+  function send(item) {
     const xhr = new XMLHttpRequest();
     const ended = (handle) => () => {
       if (item.xhr !== xhr) return;
@@ -147,17 +166,17 @@ const uploader = (function () {
     xhr.responseType = 'text';
     if (item.file.type) xhr.setRequestHeader('Content-Type', item.file.type);
     xhr.setRequestHeader('x-filename', encoded(item.file.name));
+    xhr.setRequestHeader('x-upload-id', item.upload);
     xhr.upload.onprogress = (event) => moved(item, event.loaded);
     xhr.upload.onload = () => moved(item, item.file.size);
-    xhr.onload = ended(answered);
-    // An end that nobody asked for, whatever its name, is a lost connection; see `stopOne` for the others.
+    xhr.onload = ended(() => answered(item, xhr.status, (xhr.responseText || '').trim()));
+    // An end that nobody asked for, whatever its name, is a lost connection; see `detach` for the others.
     xhr.onerror = xhr.ontimeout = xhr.onabort = ended(lost);
     item.xhr = xhr;
     item.movedAt = now();
-    active.add(item);
     starts.push(item.movedAt);
     memory.write(diary, starts);
-    queue.set(item, 'sending');
+    outbox.add(item.upload, item.mark);
     xhr.send(item.file);
   }
 
@@ -176,13 +195,20 @@ const uploader = (function () {
     queue.touch(item);
   }
 
-  function answered(item, xhr) {
-    const text = (xhr.responseText || '').trim();
-    if (xhr.status !== 429) strikes = 0;
-    if (xhr.status !== 500) faults = 0;
-    if (xhr.status === 200) saved(item, text);
-    else if (xhr.status === 429) tooMany(item, text);
-    else refused(item, xhr.status, text || '电脑拒绝了这个文件 / The computer refused this file' + ' (' + xhr.status + ')');
+  // -- What became of it
+
+  // An answer of the computer, whether it came with the upload or was asked for.
+  function answered(item, code, text) {
+    item.unsure = false;
+    item.asks = 0;
+    if (code === 409) return doubt(item, 1000);
+    outbox.forget(item.upload);
+    if (code !== 429) strikes = 0;
+    if (code !== 500) faults = 0;
+    if (code === 200) saved(item, text);
+    else if (item.state === 'cancelled') queue.touch(item);
+    else if (code === 429) tooMany(item, text);
+    else refuse(item, code, text);
   }
 
   function saved(item, name) {
@@ -197,12 +223,26 @@ const uploader = (function () {
     queue.set(item, 'waiting');
     if (/too many requests/i.test(text)) return status.believe('banned');
     strikes++;
+    item.notBefore = 0;
     holdFor('pace', '', now() + Math.min(15000, 4000 + 2000 * strikes));
   }
 
+  // The computer's own words, but for those that were written for another one.
+  function words(code, text) {
+    if (/Mac/.test(text)) {
+      return code === 507
+        ? '电脑磁盘空间不足，已停止接收 / Not enough disk space on the computer'
+        : '电脑无法写入保存目录，请检查电脑上的设置 / The computer cannot write to its save folder; check its settings';
+    }
+    return text || '电脑拒绝了这个文件 / The computer refused this file (' + code + ')';
+  }
+
   // What would be refused again for every other file stops the queue; anything else is this file's own.
-  function refused(item, code, text) {
-    queue.set(item, 'failed', text);
+  function refuse(item, code, text) {
+    active.delete(item);
+    item.final = [400, 411, 413, 415].includes(code);
+    if (code === 507 && typeof status.info.roomBytes === 'number') return noRoom(item);
+    queue.set(item, 'failed', words(code, text));
     if (code === 403) {
       const kind = /文件夹已满|folder is full/i.test(text) ? 'full' : 'key';
       item.heldBy = kind;
@@ -210,82 +250,131 @@ const uploader = (function () {
       if (kind === 'key') status.believe('key');
     } else if (code === 413) {
       limit.learn(text);
-      queue.list((other) => other.state === 'waiting' && limit.refusal(other.file))
-        .forEach((other) => queue.set(other, 'failed', limit.refusal(other.file)));
+      keepToLimit();
     } else if (code === 507) {
       check();
     } else if (code === 500 && ++faults >= 3) {
-      holdFor('fault', text);
+      holdFor('fault', item.note);
     }
   }
 
-  // A refusal can reach the browser as a broken connection, since the computer does not read a body
-  // that it will not keep. So the computer is asked first; only if it is well is the file at fault.
-  function lost(item) {
-    item.tries++;
-    item.notBefore = Infinity;
+  // The file goes back and is sent once it fits; smaller ones may go before it.
+  function noRoom(item) {
+    item.notBefore = now() + pause(item.tries++);
     queue.set(item, 'waiting');
-    checking = true;
-    const settled = () => {
-      if (item.notBefore === Infinity) item.notBefore = 0;
-      checking = false;
-      pump();
-    };
-    readable(item.file).then((fine) => {
-      if (!fine) return unreadable(item);
-      return status.ask().then((state) => {
-        if (state === 'ok') again(item);
-        else item.tries = 0;
-      });
-    }).then(settled, settled);
+    check();
+  }
+
+  function keepToLimit() {
+    queue.list((item) => item.state === 'waiting' && !item.unsure && limit.refusal(item.file))
+      .forEach((item) => queue.set(item, 'failed', limit.refusal(item.file)));
+  }
+
+  // Refusals can reach the browser as broken connections, since the computer does not read a body that it will not
+  // keep, and an answer can be lost although the photo is saved. So the computer is asked what became of the file.
+  function lost(item) {
+    queue.set(item, 'waiting');
+    doubt(item, 0);
+  }
+
+  function doubt(item, delay) {
+    item.unsure = true;
+    queue.touch(item);
+    inquire(delay);
+  }
+
+  // Asks about all unsure files at once. While the computer cannot be reached, the status itself asks on.
+  function inquire(delay) {
+    clearTimeout(inquiry);
+    inquiry = setTimeout(() => {
+      const asked = () => {
+        const asks = queue.list((item) => item.unsure).map((item) => item.asks);
+        if (asks.length && status.state === 'ok') inquire(pause(Math.min(3, ...asks)));
+      };
+      if (status.state !== 'key') status.ask().then(asked, asked);
+    }, delay);
+  }
+
+  const unsure = () => queue.list((item) => item.unsure).map((item) => item.upload);
+
+  // What the computer says of the files that were asked about.
+  function hear(outcomes) {
+    keepToLimit();
+    if (outcomes) {
+      const known = outbox.learn(outcomes);
+      queue.list((item) => item.state === 'waiting' && !item.unsure && known.includes(item.mark))
+        .forEach((item) => queue.set(item, 'known', '已发送过 / Already sent'));
+    }
+    queue.list((item) => item.unsure).forEach((item) => settle(item, outcomes ? outcomes[item.upload] : { state: 'unknown' }));
+  }
+
+  // An upload that is still being received has either not ended yet, or its connection is dead, which the computer
+  // notices after a minute.
+  function settle(item, outcome) {
+    if (!outcome || outcome.state === 'receiving') {
+      item.asks++;
+    } else if (outcome.state === 'saved') {
+      answered(item, 200, outcome.name);
+    } else if (outcome.state === 'rejected') {
+      answered(item, outcome.status, outcome.text);
+    } else {
+      item.unsure = false;
+      item.asks = 0;
+      if (item.state === 'waiting') again(item);
+    }
   }
 
   function again(item) {
-    if (item.state !== 'waiting') return;
-    item.notBefore = now() + pause(item.tries - 1);
-    if (item.tries < tries) return queue.touch(item);
-    const text = item.file.size > large
-      ? '连接总是中断，也可能是电脑空间不够 / The connection keeps breaking; the computer may also lack the room'
-      : '连接总是中断，文件还在手机里 / The connection keeps breaking; the file is still on the phone';
-    queue.set(item, 'failed', text);
+    if (hold && hold.kind === 'stopped') return queue.touch(item);
+    item.notBefore = now() + pause(item.tries++);
+    const slow = item.tries > 2 && view.speed() && item.file.size / view.speed() > longest;
+    if (item.tries < tries && !slow) return queue.touch(item);
+    queue.set(item, 'failed', slow
+      ? '按现在的网速 15 分钟内传不完，请靠近路由器再试 / At this speed it would take longer than 15 minutes; try again closer to the router'
+      : '连接总是中断，文件还在手机里 / The connection keeps breaking; the file is still on the phone');
   }
 
   // A picked file can be gone by the time its turn comes (deleted, or still only in the cloud).
   function unreadable(item) {
-    if (item.state === 'waiting') queue.set(item, 'failed', '读不到这个文件，请重新选择 / Cannot read this file; please pick it again');
+    active.delete(item);
+    queue.set(item, 'failed', '读不到这个文件，请重新选择 / Cannot read this file; please pick it again');
   }
 
-  function readable(file) {
-    return new Promise((resolve) => {
-      const reader = new FileReader();
-      reader.onload = () => resolve(true);
-      reader.onerror = () => resolve(false);
-      reader.readAsArrayBuffer(file.slice(0, 1));
-    });
-  }
+  // -- What the user asks for
 
-  // -- What the person asks for
-
+  // The computer may have all of the file already, so it is asked.
   function detach(item) {
     const xhr = item.xhr;
     item.xhr = null;
     active.delete(item);
-    if (xhr) xhr.abort();
+    if (!xhr) return;
+    xhr.abort();
+    doubt(item, 300);
   }
 
   function stopOne(item) {
-    detach(item);
     queue.set(item, 'cancelled', '已取消 / Cancelled');
+    detach(item);
     pump();
   }
 
   function stopAll() {
     Array.from(active).forEach((item) => {
-      detach(item);
       queue.set(item, 'waiting');
+      detach(item);
     });
     holdFor('stopped');
     guard();
+  }
+
+  // Takes what was not sent out of the queue; the photos stay on the phone.
+  function clear() {
+    queue.list((item) => item.state === 'waiting').forEach((item) => {
+      if (item.unsure) queue.set(item, 'cancelled', '已取消 / Cancelled');
+      else queue.remove(item);
+    });
+    hold = null;
+    pump();
   }
 
   function resume() {
@@ -295,6 +384,7 @@ const uploader = (function () {
       hold = null;
     }
     hurry();
+    guard();
     view.soon();
     check();
   }
@@ -333,9 +423,10 @@ const uploader = (function () {
 
   const running = () => !(hold && hold.kind === 'stopped') && queue.list(queue.pending).length > 0;
 
-  // While files are on their way the page watches them, and asks before it is left.
+  // While files are on their way the page watches them, keeps the screen on, and asks before it is left.
   function guard() {
     const busy = running();
+    awake.turn(busy);
     if (busy === Boolean(watch)) return;
     if (busy) {
       lastTick = now();
@@ -350,10 +441,11 @@ const uploader = (function () {
 
   status.listen(learn);
   return {
-    pump, stopOne, stopAll, resume, retry, running,
+    pump, stopOne, stopAll, clear, resume, retry, running, unsure,
     get hold() { return hold; },
     wake() {
       hurry();
+      awake.wake();
       if (status.state !== 'key' || status.age > 10000) status.ask().then(pump);
       if (watch) tick();
     },

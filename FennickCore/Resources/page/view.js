@@ -9,6 +9,7 @@ const view = (function () {
   let scheduled = false;
   let summedAt = 0;
   let celebrated = true;
+  let speed = 0;        // bytes a second over the last seconds, or when something was last sent
 
   function soon() {
     if (scheduled) return;
@@ -72,7 +73,7 @@ const view = (function () {
     row.bar.hidden = state !== 'sending';
     row.tick.toggleAttribute('hidden', state !== 'saved');
     row.drop.hidden = state === 'saved';
-    row.again.hidden = !(state === 'failed' || groups[state] === 'skipped') || Boolean(limit.refusal(item.file));
+    row.again.hidden = !(state === 'failed' || groups[state] === 'skipped') || item.final || Boolean(limit.refusal(item.file));
     label(item, row);
     if (hadFocus) refocus(row, list);
   }
@@ -94,6 +95,7 @@ const view = (function () {
   const part = (item) => (item.file.size ? item.sent / item.file.size : 0);
 
   function stateText(item) {
+    if (item.unsure && item.state === 'waiting') return '正在核对 / Checking';
     if (item.state === 'waiting') return item.tries ? '稍后重试 / Trying again soon' : '等待 / Waiting';
     if (item.state === 'sending') return item.sent < item.file.size ? Math.floor(part(item) * 100) + ' %' : '正在保存 / Saving';
     if (item.state === 'saved') return '已保存 / Saved · ' + item.note;
@@ -130,7 +132,7 @@ const view = (function () {
     $.queueGroup.hidden = !sum.pending;
     $.skippedGroup.hidden = !(sum.known + sum.cancelled);
     $.savedGroup.hidden = !sum.saved;
-    $.retryAll.hidden = queue.list((item) => item.state === 'failed' && !limit.refusal(item.file)).length < 2;
+    $.retryAll.hidden = queue.list((item) => item.state === 'failed' && !item.final && !limit.refusal(item.file)).length < 2;
     $.sendAll.hidden = sum.known + sum.cancelled < 2;
     showHold(sum);
     showHint(busy);
@@ -149,6 +151,7 @@ const view = (function () {
     $.sumAll.textContent = sum.savedNow + sum.pending;
     $.sumBar.setAttribute('aria-valuenow', percent);
     $.sumBar.firstElementChild.style.transform = 'scaleX(' + (sum.bytes ? sum.sent / sum.bytes : 0) + ')';
+    $.stay.hidden = !uploader.running();
     $.stop.hidden = Boolean(uploader.hold && uploader.hold.kind === 'stopped');
     $.sumPace.textContent = paceText(sum);
   }
@@ -158,8 +161,9 @@ const view = (function () {
     const last = samples[samples.length - 1];
     if (!last || time - last[0] > 400) samples.push([time, sum.sent]);
     while (samples.length > 2 && time - samples[0][0] > 6000) samples.shift();
-    const speed = (sum.sent - samples[0][1]) / ((time - samples[0][0]) / 1000);
-    if (!sum.sending || !(speed > 0) || time - samples[0][0] < 800) return '共 / Total ' + bytesText(sum.bytes);
+    const latest = (sum.sent - samples[0][1]) / ((time - samples[0][0]) / 1000);
+    if (!sum.sending || !(latest > 0) || time - samples[0][0] < 800) return '共 / Total ' + bytesText(sum.bytes);
+    speed = latest;
     return bytesText(speed) + '/s · 剩余 / left ' + clockText((sum.bytes - sum.sent) / speed);
   }
 
@@ -177,7 +181,7 @@ const view = (function () {
     celebrated = true;
   }
 
-  // -- What the person should know
+  // -- What the user should know
 
   // Why the queue stands still: tone, icon, what happened, what it means, and the button.
   const again = '重试 / Retry';
@@ -211,6 +215,7 @@ const view = (function () {
     $.holdMore.textContent = hold.kind === 'pace' ? paceMore(hold) : hold.kind === 'stopped'
       ? both('还有 ' + sum.pending + ' 个没发', sum.pending + ' not sent yet') : more;
     $.holdAct.hidden = !button;
+    $.holdClear.hidden = hold.kind !== 'stopped';
     $.holdButton.textContent = button;
     if ($.holdText.textContent !== text) $.holdText.textContent = text;
     announce(text);
@@ -264,5 +269,5 @@ const view = (function () {
   }
 
   status.listen(showLink);
-  return { soon, walls };
+  return { soon, walls, speed: () => speed };
 })();

@@ -1,4 +1,4 @@
-// ---- Hands: everything the person can do
+// ---- Input: everything the user can do
 
 function take(files) {
   const list = Array.from(files);
@@ -9,7 +9,7 @@ function take(files) {
 }
 
 function wireChoosers() {
-  ['camera', 'chooser'].forEach((id) => on($[id], 'change', (event) => {
+  ['camera', 'recorder', 'chooser'].forEach((id) => on($[id], 'change', (event) => {
     take(event.target.files);
     event.target.value = '';
   }));
@@ -27,7 +27,8 @@ function wireRows() {
   const inState = (...states) => queue.list((item) => states.includes(item.state));
   on($.stop, 'click', uploader.stopAll);
   on($.holdButton, 'click', uploader.resume);
-  on($.retryAll, 'click', () => uploader.retry(inState('failed')));
+  on($.holdClear, 'click', uploader.clear);
+  on($.retryAll, 'click', () => uploader.retry(inState('failed').filter((item) => !item.final)));
   on($.sendAll, 'click', () => uploader.retry(inState('known', 'cancelled')));
   on($.clear, 'click', () => {
     inState('saved').forEach(queue.remove);
