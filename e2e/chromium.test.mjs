@@ -1,4 +1,6 @@
 import { Chromium } from './lib/chromium.mjs';
 import { scenarios } from './lib/scenarios.mjs';
+import { sendingScenarios } from './lib/sendingScenarios.mjs';
 
 scenarios(Chromium);
+sendingScenarios(Chromium);

@@ -1,4 +1,6 @@
-import { scenarios } from './lib/scenarios.mjs';
 import { WebKit } from './lib/webkit.mjs';
+import { scenarios } from './lib/scenarios.mjs';
+import { sendingScenarios } from './lib/sendingScenarios.mjs';
 
 scenarios(WebKit);
+sendingScenarios(WebKit);

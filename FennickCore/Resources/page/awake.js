@@ -20,6 +20,7 @@ const awake = (function () {
   }
 
   function load() {
+    if (video.firstChild) return;
     video.append(...Object.entries(clips).map(source));
     on(video, 'timeupdate', () => { if (video.currentTime > 4) video.currentTime = 0.5; });
     on(video, 'ended', play);
@@ -50,13 +51,19 @@ const awake = (function () {
     } else if (navigator.wakeLock) {
       hold();
     } else {
-      if (!video.firstChild) load();
+      load();
       play();
     }
   }
 
   return {
     turn,
+    // To be called for a tap: browsers start a video with sound only then, and later those that a tap has started.
+    permit() {
+      if (navigator.wakeLock || video.firstChild) return;
+      load();
+      video.play().then(() => wanted || video.pause(), () => {});
+    },
     // The browser lets go of the lock, and may stop the video, while the page is hidden.
     wake() {
       if (!wanted) return;

@@ -9,10 +9,13 @@ function take(files) {
 }
 
 function wireChoosers() {
-  ['camera', 'recorder', 'chooser'].forEach((id) => on($[id], 'change', (event) => {
-    take(event.target.files);
-    event.target.value = '';
-  }));
+  ['camera', 'recorder', 'chooser'].forEach((id) => {
+    on($[id], 'change', (event) => {
+      take(event.target.files);
+      event.target.value = '';
+    });
+  });
+  on($.upload, 'click', awake.permit);
 }
 
 function wireRows() {

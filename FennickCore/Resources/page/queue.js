@@ -43,7 +43,7 @@ const queue = (function () {
   function admit(file, mark) {
     const item = {
       id: nextId++, upload: outbox.idOf(mark), file, mark, batch, tries: 0, asks: 0, notBefore: 0, sent: 0,
-      heldBy: '', final: false, unsure: false, xhr: null, row: null,
+      heldBy: '', final: false, unsure: false, unwanted: false, xhr: null, row: null,
     };
     items.set(item.id, item);
     const refusal = limit.refusal(file);
@@ -56,7 +56,7 @@ const queue = (function () {
   function requeue(item) {
     const refusal = limit.refusal(item.file);
     if (item.state === 'known') item.upload = newID();  // the user wants it a second time
-    Object.assign(item, { tries: 0, notBefore: 0, heldBy: '', final: false, batch });
+    Object.assign(item, { tries: 0, notBefore: 0, heldBy: '', final: false, unwanted: false, batch });
     if (refusal) set(item, 'failed', refusal);
     else set(item, 'waiting');
   }

@@ -206,7 +206,7 @@ const uploader = (function () {
     if (code !== 429) strikes = 0;
     if (code !== 500) faults = 0;
     if (code === 200) saved(item, text);
-    else if (item.state === 'cancelled') queue.touch(item);
+    else if (item.state === 'cancelled') dropUnwanted(item);
     else if (code === 429) tooMany(item, text);
     else refuse(item, code, text);
   }
@@ -321,7 +321,13 @@ const uploader = (function () {
       item.unsure = false;
       item.asks = 0;
       if (item.state === 'waiting') again(item);
+      else dropUnwanted(item);
     }
+  }
+
+  function dropUnwanted(item) {
+    if (item.unwanted) queue.remove(item);
+    else queue.touch(item);
   }
 
   function again(item) {
@@ -367,10 +373,12 @@ const uploader = (function () {
     guard();
   }
 
-  // Takes what was not sent out of the queue; the photos stay on the phone.
+  // Takes what was not sent out of the queue; the photos stay on the phone. A file that the computer may have stays in
+  // sight until that is known.
   function clear() {
     queue.list((item) => item.state === 'waiting').forEach((item) => {
-      if (item.unsure) queue.set(item, 'cancelled', '已取消 / Cancelled');
+      item.unwanted = true;
+      if (item.unsure) queue.set(item, 'cancelled', '正在核对 / Checking');
       else queue.remove(item);
     });
     hold = null;
