@@ -47,5 +47,13 @@ export function make(folder, name, size = 4000) {
   return file;
 }
 
+// A video whose bytes after the first ones take no place on the disk.
+export function makeSparse(folder, name, size) {
+  const file = make(folder, name, 0);
+  fs.writeFileSync(file, box('ftyp', Buffer.from('isom\0\0\0\0isomiso2', 'latin1')));
+  fs.truncateSync(file, size);
+  return file;
+}
+
 export const makeMany = (folder, count, size) =>
   Array.from({ length: count }, (_, i) => make(folder, `IMG_${String(i + 1).padStart(4, '0')}.jpg`, size));

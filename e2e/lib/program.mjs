@@ -20,13 +20,15 @@ export function scratch() {
 }
 
 export class Program {
-  // `home` holds the save folder and the state; programs that share a home share the access key.
-  static async start(t, { home = scratch(), folder = path.join(home, 'photos'), state = path.join(home, 'state'), port, set = {} } = {}) {
+  // `home` holds the save folder and the state; programs that share a home share the access key. `through` are words
+  // before the program's command line.
+  static async start(t, { home = scratch(), folder = path.join(home, 'photos'), state = path.join(home, 'state'), port, set = {},
+    through = [] } = {}) {
     fs.mkdirSync(folder, { recursive: true });
     const args = ['--json', '--no-qr', '--folder', folder, '--state-dir', state];
     args.push('--port', String(port ?? 20000 + Math.floor(Math.random() * 20000)));
     for (const [name, value] of Object.entries(set)) args.push('--set', `${name}=${value}`);
-    const program = new Program(folder, args);
+    const program = new Program(folder, [...through, binary, ...args]);
     t.after(() => program.stop());
     const listening = await until(() => {
       if (program.gone) throw new Error(`the program ended: ${program.stderr}`);
@@ -38,11 +40,11 @@ export class Program {
     return program;
   }
 
-  constructor(folder, args) {
+  constructor(folder, [command, ...args]) {
     this.folder = folder;
     this.events = [];
     this.stderr = '';
-    this.child = spawn(binary, args, { stdio: ['ignore', 'pipe', 'pipe'] });
+    this.child = spawn(command, args, { stdio: ['ignore', 'pipe', 'pipe'] });
     this.child.stderr.on('data', (data) => { this.stderr += data; });
     this.exited = new Promise((resolve) => this.child.once('exit', (code, signal) => {
       this.gone = true;
