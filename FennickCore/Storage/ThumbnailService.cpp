@@ -77,8 +77,13 @@ ThumbnailService::ThumbnailService(FileSystem &files, const fs::path &cacheDir, 
       decoder_(decoder), grown_(std::move(grown)), memory_(kMemoryLimit), endedOver_(kEndedLimit) {}
 
 bool ThumbnailService::mayBegin(Asker asker) const {
-  const Renders &own = renders_.at(static_cast<std::size_t>(asker));
-  const Renders &other = renders_.at(asker == Asker::phone ? 1 : 0);
+  const Renders &phones = renders_.at(static_cast<std::size_t>(Asker::phone));
+  const Renders &windows = renders_.at(static_cast<std::size_t>(Asker::window));
+  if (asker == Asker::nobody)
+    return renders_.at(static_cast<std::size_t>(asker)).underWay == 0 &&
+           phones.waiting + windows.waiting == 0 && phones.underWay + windows.underWay < concurrency_;
+  const Renders &own = asker == Asker::phone ? phones : windows;
+  const Renders &other = asker == Asker::phone ? windows : phones;
   const int underWay = own.underWay + other.underWay;
   if (own.underWay == 0)
     return underWay <= concurrency_;
@@ -90,6 +95,9 @@ ThumbnailService::Result ThumbnailService::thumbnail(const fs::path &file, Asker
   if (!status || status->kind != FileKind::regular)
     return std::unexpected(Missing::noPicture);
   const std::string key = keyOf(file, *status);
+  std::optional<Place> place; // taken first where nobody waits, so that nobody comes to wait for a render
+  if (asker == Asker::nobody) // that has not begun
+    place.emplace(*this, asker);
   std::shared_ptr<Rendering> rendering;
   {
     Locked locked(lock_);
@@ -106,6 +114,25 @@ ThumbnailService::Result ThumbnailService::thumbnail(const fs::path &file, Asker
   const Turn turn(*this, key, rendering);
   rendering->result = make(file, *status, key, asker); // read by others once it is done
   return rendering->result;
+}
+
+std::optional<ThumbnailService::Result> ThumbnailService::known(const fs::path &file) {
+  const auto status = fileStatus(file);
+  if (!status || status->kind != FileKind::regular)
+    return std::unexpected(Missing::noPicture);
+  const std::string key = keyOf(file, *status);
+  {
+    const Locked locked(lock_);
+    if (auto data = memory_.get(key))
+      return data->empty() ? Result(std::unexpected(Missing::noPicture)) : Result(std::move(data));
+  }
+  auto stored = store_.read(file, versionOf(*status));
+  if (!stored)
+    return std::nullopt;
+  auto data = std::make_shared<const std::string>(std::move(*stored));
+  const Locked locked(lock_);
+  memory_.put(key, data);
+  return Result(std::move(data));
 }
 
 ThumbnailService::Result ThumbnailService::make(const fs::path &file, const FileStatus &status,
@@ -143,7 +170,9 @@ bool ThumbnailService::isLasting(PictureFault fault, const std::string &key) {
 }
 
 PictureResult<std::string> ThumbnailService::render(const fs::path &file, Asker asker) {
-  const Place place(*this, asker);
+  std::optional<Place> place;
+  if (asker != Asker::nobody)
+    place.emplace(*this, asker);
   return decoder_.thumbnail(file, maxPixel_, kQuality);
 }
 

@@ -15,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace fennick {
@@ -29,14 +30,15 @@ public:
     busy       // no decoder became free in time; ask again later
   };
   using Result = std::expected<Data, Missing>;
-  // Who waits for it: a phone, or a window of this program.
-  enum class Asker : std::uint8_t { phone, window };
+  // Who waits for it: a phone, a window of this program, or nobody yet.
+  enum class Asker : std::uint8_t { phone, window, nobody };
 
   // Pictures of at most `maxPixel` on the longer side, at most `concurrency` made at once; whoever asks for
   // one more waits. While phones and windows both wait, whoever has fewer under way is served first; one that
-  // has none under way does not wait for the other, and may make one more. `cacheDir` is made here; without
-  // it nothing is kept on the disk. `grown` is called whenever 16 MiB more were stored, on an asker's thread.
-  // `files` and `decoder` outlive the object.
+  // has none under way does not wait for the other, and may make one more. What nobody waits for yet is made
+  // one at a time while neither phones nor windows wait. `cacheDir` is made here; without it nothing is kept
+  // on the disk. `grown` is called whenever 16 MiB more were stored, on an asker's thread. `files` and
+  // `decoder` outlive the object.
   ThumbnailService(
       FileSystem &files, const std::filesystem::path &cacheDir, std::int64_t maxPixel, int concurrency,
       PictureDecoder &decoder, std::function<void()> grown = [] {});
@@ -44,6 +46,9 @@ public:
   // A picture that cannot be read is tried once, or twice where the decoder died or took too long. A picture
   // that was changed is made anew. Blocks while it is made.
   [[nodiscard]] Result thumbnail(const std::filesystem::path &file, Asker asker = Asker::window);
+
+  // The thumbnail, or its absence, if that is known without making anything. Reads the disk.
+  [[nodiscard]] std::optional<Result> known(const std::filesystem::path &file);
 
   // Forgets everything, on the disk as well.
   void clear();
@@ -67,7 +72,7 @@ private:
   [[nodiscard]] PictureResult<std::string> render(const std::filesystem::path &file, Asker asker);
   void store(const std::filesystem::path &file, const FileStatus &status, const std::string &data);
 
-  // Renders of phones or of windows.
+  // Renders of one kind of asker.
   struct Renders {
     int underWay = 0;
     int waiting = 0;
@@ -83,7 +88,7 @@ private:
   MemoryCache memory_ GUARDED_BY(lock_);
   MemoryCache endedOver_ GUARDED_BY(lock_); // keys over which a decoder has ended; no data
   std::map<std::string, std::shared_ptr<Rendering>> underWay_ GUARDED_BY(lock_); // by key
-  std::array<Renders, 2> renders_ GUARDED_BY(lock_);                             // by asker
+  std::array<Renders, 3> renders_ GUARDED_BY(lock_);                             // by asker
   std::int64_t newBytes_ GUARDED_BY(lock_) = 0; // stored since `grown_` was called
 };
 

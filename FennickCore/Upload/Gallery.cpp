@@ -6,6 +6,8 @@
 #include "FennickCore/Storage/PhotoOrder.h"
 #include "FennickCore/Upload/FileTypeSniffer.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <tuple>
@@ -35,6 +37,12 @@ std::int64_t wholeSeconds(Instant instant) {
   return std::chrono::duration_cast<std::chrono::seconds>(instant.time_since_epoch()).count();
 }
 
+// Two photos that swap their names may have one size and date, but never one inode.
+std::string versionOf(const FileStatus &status) {
+  return fmt::format("{:x}-{:x}-{:x}", status.bytes, status.modified.time_since_epoch().count(),
+                     status.identity.inode);
+}
+
 // Beginning with those that come first, `kMostEntries` at most.
 std::vector<std::pair<std::size_t, const FolderEntry *>> firstOnes(const std::vector<FolderEntry> &entries,
                                                                    const PhotoOrder::Ranks &ranks) {
@@ -55,7 +63,7 @@ std::vector<std::pair<std::size_t, const FolderEntry *>> firstOnes(const std::ve
 
 } // namespace
 
-std::vector<GalleryEntry> galleryList(const fs::path &folder, GalleryFilter *filter) {
+GalleryListing galleryListing(const fs::path &folder, GalleryFilter *filter) {
   auto entries = readFolder(folder, Links::follow, [](std::string_view name, FileKind kind) {
     return kind == FileKind::regular && isGalleryName(name);
   });
@@ -64,11 +72,18 @@ std::vector<GalleryEntry> galleryList(const fs::path &folder, GalleryFilter *fil
   if (filter != nullptr && filter->isActive(folder))
     std::erase_if(*entries,
                   [&](const auto &entry) { return filter->hides(folder / entry.name, &entry.status); });
-  std::vector<GalleryEntry> list;
+  GalleryListing listing{.photos = {}, .total = std::ssize(*entries)};
   for (const auto &[rank, entry] : firstOnes(*entries, PhotoOrder::Ranks(PhotoOrder::load(folder))))
-    list.push_back(
-        {.name = entry->name, .bytes = entry->status.bytes, .time = wholeSeconds(entry->status.created())});
-  return list;
+    listing.photos.push_back({.name = entry->name,
+                              .bytes = entry->status.bytes,
+                              .time = wholeSeconds(entry->status.created()),
+                              .version = versionOf(entry->status)});
+  return listing;
+}
+
+std::string galleryVersion(const fs::path &file) {
+  const auto status = fileStatus(file);
+  return status ? versionOf(*status) : std::string();
 }
 
 // Names and kinds are enough: nothing has to be looked at.

@@ -18,6 +18,7 @@ struct GalleryEntry {
   std::string name;
   std::int64_t bytes = 0;
   std::int64_t time = 0; // FileStatus::created in whole seconds since 1970
+  std::string version;   // see galleryVersion
   bool operator==(const GalleryEntry &) const = default;
 };
 
@@ -32,10 +33,23 @@ public:
   virtual bool hides(const std::filesystem::path &file, const FileStatus *status) = 0;
 };
 
-// The first 500 photos in the order of the photo wall: as the person arranged them, then newest first. Empty
-// when the folder cannot be read.
-[[nodiscard]] std::vector<GalleryEntry> galleryList(const std::filesystem::path &folder,
-                                                    GalleryFilter *filter = nullptr);
+struct GalleryListing {
+  std::vector<GalleryEntry> photos; // the first 500
+  std::int64_t total = 0;           // of all that phones may see
+};
+
+// The photos in the order of the photo wall: as the user arranged them, then newest first. Empty if the
+// folder cannot be read.
+[[nodiscard]] GalleryListing galleryListing(const std::filesystem::path &folder,
+                                            GalleryFilter *filter = nullptr);
+[[nodiscard]] inline std::vector<GalleryEntry> galleryList(const std::filesystem::path &folder,
+                                                           GalleryFilter *filter = nullptr) {
+  return galleryListing(folder, filter).photos;
+}
+
+// A short text that is fit for addresses and differs whenever another content may be under the file's name.
+// Empty if there is no such file.
+[[nodiscard]] std::string galleryVersion(const std::filesystem::path &file);
 
 // How many photos phones may see there, more than 500 included; 0 when the folder cannot be read.
 [[nodiscard]] std::int64_t galleryCount(const std::filesystem::path &folder, GalleryFilter *filter = nullptr);

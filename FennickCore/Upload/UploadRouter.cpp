@@ -1,5 +1,6 @@
 #include "FennickCore/Upload/UploadRouter.h"
 
+#include "FennickCore/HTTP/Compression.h"
 #include "FennickCore/Platform/Log.h"
 #include "FennickCore/Platform/Text.h"
 #include "FennickCore/Upload/Gallery.h"
@@ -38,11 +39,25 @@ bool isGalleryRoute(std::string_view path) {
   return path == "/gallery" || path.starts_with("/thumb/") || path.starts_with("/file/");
 }
 
-HTTPResponse listAnswer(const std::filesystem::path &folder, GalleryFilter *filter) {
+nlohmann::ordered_json listed(const GalleryEntry &entry) {
+  return {{"name", entry.name}, {"bytes", entry.bytes}, {"time", entry.time}};
+}
+
+// Clients that ask for versions get an object instead of the plain list.
+HTTPResponse listAnswer(const std::filesystem::path &folder, GalleryFilter *filter,
+                        const HTTPRequestHead &head) {
+  const auto listing = galleryListing(folder, filter);
   auto list = nlohmann::ordered_json::array();
-  for (const auto &[name, bytes, time] : galleryList(folder, filter))
-    list.push_back({{"name", name}, {"bytes", bytes}, {"time", time}});
-  return HTTPResponse::json(list);
+  const auto versions = head.query.find("versions");
+  const bool wantsVersions = versions != head.query.end() && versions->second == "1";
+  for (const auto &entry : listing.photos) {
+    list.push_back(listed(entry));
+    if (wantsVersions)
+      list.back()["version"] = entry.version;
+  }
+  if (!wantsVersions)
+    return HTTPResponse::json(list);
+  return HTTPResponse::json({{"total", listing.total}, {"photos", std::move(list)}});
 }
 
 std::optional<HTTPResponse> download(const std::filesystem::path &file) {
@@ -64,7 +79,7 @@ HTTPRouteDecision UploadRouter::route(const HTTPRequestHead &head, const std::st
   const bool getOrHead = get || head.method == "HEAD";
   const bool hasKey = keyCheck_.isCurrent(head);
   if (getOrHead && head.path == "/")
-    return hasKey ? phonePage()
+    return hasKey ? phonePage(head)
                   : wrongKey(head, remote, "请扫描 Mac 面板上的二维码进入 / Scan the QR code on your Mac");
   if (getOrHead && head.path == "/health")
     return respond(200, "ok");
@@ -85,9 +100,10 @@ HTTPRouteDecision UploadRouter::wrongKey(const HTTPRequestHead &head, const std:
   return HTTPReject{HTTPResponse::text(403, text), keyCheck_.failure(head, remote, clock_.uptime())};
 }
 
-HTTPRouteDecision UploadRouter::phonePage() const {
+HTTPRouteDecision UploadRouter::phonePage(const HTTPRequestHead &head) const {
   const std::string nonce = newNonce();
-  return HTTPRespond{HTTPResponse::page(page_.render(providers_.maxBytes(), nonce), nonce)};
+  auto page = HTTPResponse::page(page_.render(providers_.maxBytes(), nonce), nonce);
+  return HTTPRespond{acceptsGzip(head) ? gzipped(std::move(page)) : std::move(page)};
 }
 
 HTTPRouteDecision UploadRouter::status(const HTTPRequestHead &head) {
@@ -121,30 +137,13 @@ HTTPRouteDecision UploadRouter::gallery(const HTTPRequestHead &head) {
   if (!folder)
     return respond(403, "照片墙未开启 / gallery is off");
   if (head.path == "/gallery")
-    return HTTPRespond{listAnswer(*folder, providers_.pending)};
+    return HTTPRespond{listAnswer(*folder, providers_.pending, head)};
   const auto file = galleryFile(head.path, *folder, providers_.pending);
   if (!file)
     return HTTPRespond{HTTPResponse::notFound()};
-  auto answer = head.path.starts_with("/thumb/") ? galleryThumbnail(*file, head) : download(*file);
-  return HTTPRespond{answer ? std::move(*answer) : HTTPResponse::notFound()};
-}
-
-std::optional<HTTPResponse> UploadRouter::galleryThumbnail(const std::filesystem::path &file,
-                                                           const HTTPRequestHead &head) {
-  if (thumbnails_ == nullptr)
-    return std::nullopt;
-  const auto size = head.query.find("s");
-  const bool isLarge = size != head.query.end() && size->second == "large";
-  auto &service = isLarge ? thumbnails_->large() : thumbnails_->small();
-  auto data = service.thumbnail(file, ThumbnailService::Asker::phone);
-  if (!data)
-    return std::nullopt;
-  HTTPResponse response;
-  response.headers = {{"Content-Type", "image/jpeg"},
-                      {"X-Content-Type-Options", "nosniff"},
-                      {"Cache-Control", "private, max-age=600"}};
-  response.sharedBody = std::move(*data);
-  return response;
+  if (head.path.starts_with("/thumb/"))
+    return HTTPRespond{thumbnails_.answer(*file, head)};
+  return HTTPRespond{download(*file).value_or(HTTPResponse::notFound())};
 }
 
 HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::string &remote) {

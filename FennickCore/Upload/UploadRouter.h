@@ -6,7 +6,7 @@
 #include "FennickCore/Platform/FileSystem.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
-#include "FennickCore/Storage/Thumbnails.h"
+#include "FennickCore/Upload/GalleryThumbnails.h"
 #include "FennickCore/Upload/IncomingFolder.h"
 #include "FennickCore/Upload/KeyCheck.h"
 #include "FennickCore/Upload/PhonePage.h"
@@ -62,11 +62,9 @@ public:
 private:
   [[nodiscard]] HTTPRouteDecision wrongKey(const HTTPRequestHead &head, const std::string &remote,
                                            std::string_view text);
-  [[nodiscard]] HTTPRouteDecision phonePage() const;
+  [[nodiscard]] HTTPRouteDecision phonePage(const HTTPRequestHead &head) const;
   [[nodiscard]] HTTPRouteDecision status(const HTTPRequestHead &head);
   [[nodiscard]] HTTPRouteDecision gallery(const HTTPRequestHead &head);
-  [[nodiscard]] std::optional<HTTPResponse> galleryThumbnail(const std::filesystem::path &file,
-                                                             const HTTPRequestHead &head);
   [[nodiscard]] HTTPRouteDecision upload(const HTTPRequestHead &head, const std::string &remote);
   [[nodiscard]] HTTPRouteDecision admit(const HTTPRequestHead &head, const std::string &remote,
                                         UploadOutcomes::Attempt attempt);
@@ -86,7 +84,7 @@ private:
   UploadActivity &activity_;
   NameAllocator allocator_;
   SlidingWindowLimiter uploadThrottle_;
-  Thumbnails *const thumbnails_;
+  GalleryThumbnails thumbnails_;
 };
 
 } // namespace fennick

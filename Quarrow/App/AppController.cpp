@@ -80,6 +80,7 @@ void AppController::stop() {
   network_.cancel();
   saveFolder_.stop();
   phoneServer_->stop();
+  thumbnailWarmer_.stop();
   folderLimit_.stop();
   imports_->end();
   processing_->end(); // last: until here others hand it what they received
@@ -226,12 +227,14 @@ fs::path AppController::galleryURL() const {
 
 void AppController::updateRouterConfig() {
   const auto &settings = settings_.settings();
+  const auto gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt;
   routerConfig_.update({.key = demoKey_.value_or(settings_.accessKey()),
                         .destination = makeDestination(),
                         .maxBytes = settings.maxUploadBytes,
-                        .gallery = settings.galleryEnabled ? std::optional(galleryURL()) : std::nullopt,
+                        .gallery = gallery,
                         .policy = {.folderLimit = settings.folderLimit, .autoPrune = settings.autoPrune},
                         .drive = saveFolder_.drive()});
+  thumbnailWarmer_.follow(gallery);
   updateSharedInfo();
 }
 
@@ -301,6 +304,8 @@ void AppController::finishUpload(const PhotoProcessing::Finished &finished) {
   const fennick::UploadRecord &upload = finished.upload;
   const bool fromPhone = upload.source == fennick::UploadSource::phone;
   library_.noteAdded(url);
+  if (settings_.settings().galleryEnabled || desktop_.isOpen(Desktop::Window::main))
+    thumbnailWarmer_.add(url);
   if (fromPhone && !finished.resumed)
     desktop_.flashTrayItem();
   pruneIfNeeded();

@@ -27,6 +27,7 @@
 #include "Quarrow/App/SaveFolder.h"
 #include "Quarrow/App/ServerModel.h"
 #include "Quarrow/App/ThumbnailUpkeep.h"
+#include "Quarrow/App/ThumbnailWarmer.h"
 #include "Quarrow/App/UploadProgress.h"
 
 #include <QObject>
@@ -208,6 +209,7 @@ private:
   SaveFolder saveFolder_;
   fennick::PendingPhotos pending_{files_};
   fennick::UploadOutcomes outcomes_{options_.uploadRecord};
+  ThumbnailWarmer thumbnailWarmer_{thumbnails_, pending_};
   FolderLimit folderLimit_;
   const std::unique_ptr<PhotoProcessing> processing_;
   const std::unique_ptr<PhotoImport> imports_;     // hands what it saves to the processing

@@ -26,6 +26,7 @@ public:
   virtual void closePanel() = 0;
   // Opens the window, or brings it to the front; it gets the keyboard.
   virtual void show(Window window) = 0;
+  [[nodiscard]] virtual bool isOpen(Window window) const = 0;
 
   using Paths = std::vector<std::filesystem::path>;
   // Is told in words why something could not be done; on the main thread, perhaps later.

@@ -54,6 +54,7 @@ public:
   void showPanel() override { statusItem_.show(); }
   void closePanel() override { statusItem_.close(); }
   void show(Window window) override;
+  [[nodiscard]] bool isOpen(Window window) const override { return windows_.window(window) != nullptr; }
   void copyToClipboard(const Paths &files) override { clipboard_.copy(files); }
   void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override;
   void open(const Paths &files, Failed failed) override;

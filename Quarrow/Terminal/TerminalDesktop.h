@@ -22,6 +22,7 @@ public:
   void showPanel() override;
   void closePanel() override {}
   void show(Window window) override;
+  [[nodiscard]] bool isOpen(Window) const override { return false; }
   void copyToClipboard(const Paths &) override {}
   void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override;
   void open(const Paths &files, Failed failed) override;

@@ -209,4 +209,23 @@ TEST_F(ControllerTest, ProgressIsRefreshedOnlyWhileSomethingArrivesAndSomebodyLo
 }
 
 } // namespace
+TEST_F(ControllerTest, ThumbnailsAreMadeOnArrivalAndForTheWholeFolderWhileTheGalleryIsOn) {
+  decoder.setThumbnail(fennick::test::smallJPEG("thumbnail"));
+  disk.write("photos/earlier.jpg", kJPEG);
+  start();
+  upload();
+  runUntilReceived(1);
+  controller->stop();
+  EXPECT_THAT(disk.names("cache/thumbs/s"), IsEmpty());
+
+  store.update([](auto &settings) { settings.galleryEnabled = true; });
+  start();
+  upload();
+  runUntilReceived(2);
+  while (disk.names("cache/thumbs/s").size() < 3 || disk.names("cache/thumbs/l").empty())
+    std::this_thread::yield();
+  controller->stop();
+  EXPECT_THAT(disk.names("cache/thumbs/l"), ElementsAre(HasSubstr("_2.jpg")));
+}
+
 } // namespace quarrow::test

@@ -21,6 +21,7 @@ public:
     constexpr const char *kNames[] = {"main", "settings", "onboarding", "help"};
     asked.emplace_back(kNames[static_cast<int>(window)]);
   }
+  [[nodiscard]] bool isOpen(Window) const override { return false; }
   void copyToClipboard(const Paths &files) override { asked.push_back("copy " + namesOf(files)); }
   void openWith(const std::filesystem::path &application, const Paths &files, Failed failed) override {
     asked.push_back(fmt::format("open {} with {}", namesOf(files), application.filename().string()));

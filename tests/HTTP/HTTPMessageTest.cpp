@@ -1,3 +1,4 @@
+#include "FennickCore/HTTP/Compression.h"
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/HTTP/HTTPResponse.h"
 
@@ -119,6 +120,23 @@ TEST(HTTPResponse, DownloadsOfRegularFilesAreAttachmentsUnderAnEncodedName) {
               "attachment; filename*=UTF-8''" + encoded);
   std::filesystem::create_symlink(file, folder / "link.jpg");
   EXPECT_FALSE(HTTPResponse::file(folder / "link.jpg", "image/jpeg"));
+}
+
+TEST(Compression, IsUsedOnlyForClientsThatAcceptIt) {
+  const std::pair<std::string, bool> cases[] = {
+      {"", false},         {"gzip, deflate, br", true}, {"br;q=1.0, GZIP;q=0.8", true},
+      {"gzip;q=0", false}, {"gzip;q=0.0, *", false},    {"*", true},
+      {"*;q=0", false},    {"identity, x-gzip", false}};
+  for (const auto &[value, isAccepted] : cases)
+    EXPECT_EQ(acceptsGzip(HTTPRequestHead::parse("GET / HTTP/1.1\r\nAccept-Encoding: " + value).value()),
+              isAccepted)
+        << value;
+  EXPECT_FALSE(acceptsGzip(HTTPRequestHead::parse("GET / HTTP/1.1").value()));
+
+  const auto answer = gzipped(HTTPResponse::html(std::string(100'000, 'x')));
+  EXPECT_TRUE(answer.body.starts_with("\x1F\x8B"));
+  EXPECT_LT(answer.body.size(), 1000);
+  EXPECT_TRUE(answer.serialise(true).contains("\r\nContent-Encoding: gzip\r\nVary: Accept-Encoding\r\n"));
 }
 
 } // namespace

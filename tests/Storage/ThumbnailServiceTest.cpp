@@ -159,6 +159,39 @@ TEST_F(ThumbnailServiceTest, WindowsDoNotWaitForTheManyPicturesThatPhonesAskFor)
   EXPECT_EQ(decoder.mostAtOnce(), 3);
 }
 
+TEST_F(ThumbnailServiceTest, WhatNobodyWaitsForIsMadeOnlyWhileNobodyWaits) {
+  using Asker = ThumbnailService::Asker;
+  const std::array photos{disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
+  EXPECT_FALSE(service.known(photo));
+  decoder.hold();
+  {
+    std::vector<std::jthread> askers;
+    for (const auto &each : photos)
+      askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
+    decoder.awaitHeld(2); // the third one waits
+    askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(photo, Asker::nobody)), small); });
+    EXPECT_FALSE(service.known(photo));
+    decoder.release();
+  }
+  EXPECT_EQ(decoder.calls(), 4);
+  EXPECT_EQ(textOf(*service.known(photo)), small);
+  EXPECT_EQ(textOf(*ThumbnailService(files, disk / "cache", 400, 4, decoder).known(photo)),
+            small); // on the disk
+
+  // Phones are not kept from any of their places by what nobody waits for.
+  decoder.hold();
+  const std::array more{disk.write("4.jpg"), disk.write("5.jpg"), disk.write("6.jpg")};
+  {
+    std::jthread background([&] { std::ignore = service.thumbnail(more[0], Asker::nobody); });
+    decoder.awaitHeld(1);
+    std::vector<std::jthread> askers;
+    for (const auto &each : {more[1], more[2]})
+      askers.emplace_back([&, each] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
+    decoder.awaitHeld(3);
+    decoder.release();
+  }
+}
+
 // What is stored of photos of the folder "photos", in both sizes.
 class ThumbnailsTest : public ThumbnailServiceTest {
 protected:

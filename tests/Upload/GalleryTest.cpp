@@ -6,11 +6,18 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <latch>
+#include <map>
+#include <thread>
+#include <vector>
+
 namespace fennick {
 namespace {
 
 namespace fs = std::filesystem;
 using test::smallJPEG;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 
 class GalleryTest : public test::UploadStage {
@@ -163,6 +170,63 @@ TEST_F(GalleryTest, ThumbnailsComeInTwoSizesAndOnlyFromPictures) {
   decoder.setThumbnail(decoder.kFault(PictureFault::crashed));
   write("b.jpg", 1);
   EXPECT_EQ(ask("GET /thumb/b.jpg?k=secret"), "respond 404 not found");
+}
+
+TEST_F(GalleryTest, AVersionedAddressIsKeptForGoodAndShowsAnotherPhotoAtOnce) {
+  write("a.jpg", 1, "one");
+  write("b.jpg", 1, "two"); // of the same size and date
+  const auto versions = [&] {
+    const std::string answer = ask("GET /gallery?k=secret&versions=1").substr(12);
+    const auto listing = nlohmann::json::parse(answer);
+    EXPECT_EQ(listing.at("total"), 2);
+    std::map<std::string, std::string> found;
+    for (const auto &each : listing.at("photos"))
+      found[each.at("name")] = each.at("version");
+    return found;
+  };
+  const auto cacheControl = [&](const std::string &version) {
+    return get("/thumb/a.jpg?k=secret&v=" + version).headers.at(2).second;
+  };
+  const auto before = versions();
+  EXPECT_EQ(cacheControl(before.at("a.jpg")), "private, max-age=31536000, immutable");
+  EXPECT_EQ(cacheControl("other"), "no-store");
+
+  fs::rename(disk / "photos/a.jpg", disk / "photos/c.jpg");
+  fs::rename(disk / "photos/b.jpg", disk / "photos/a.jpg");
+  fs::rename(disk / "photos/c.jpg", disk / "photos/b.jpg");
+  const auto after = versions();
+  EXPECT_NE(after.at("a.jpg"), before.at("a.jpg"));
+  EXPECT_EQ(cacheControl(before.at("a.jpg")), "no-store");
+  EXPECT_EQ(cacheControl(after.at("a.jpg")), "private, max-age=31536000, immutable");
+}
+
+TEST_F(GalleryTest, OnlySomeConnectionsWaitForThumbnailsAndKnownOnesAreServedMeanwhile) {
+  write("known.jpg", 1);
+  get("/thumb/known.jpg?k=secret");
+  constexpr int kPhones = GalleryThumbnails::kMostWaiting + 1;
+  for (int i = 0; i <= kPhones; ++i)
+    write(fmt::format("{}.jpg", i), 1);
+  decoder.hold();
+  std::atomic<int> served = 0;
+  {
+    std::latch turnedAway(1); // the phone that comes last
+    std::vector<std::jthread> phones;
+    for (int i = 0; i < kPhones; ++i)
+      phones.emplace_back([&, i] {
+        const auto answer = get(fmt::format("/thumb/{}.jpg?k=secret&v=1", i));
+        served += answer.status == 200 ? 1 : 0;
+        if (answer.status == 503 && answer.body == "busy")
+          turnedAway.count_down();
+      });
+    turnedAway.wait();
+    EXPECT_THAT(get(fmt::format("/thumb/{}.jpg?k=secret&v=1", kPhones)).headers,
+                Contains(std::pair("Retry-After", "1")));
+    EXPECT_EQ(ask(fmt::format("GET /thumb/{}.jpg?k=secret", kPhones)), "respond 404 not found");
+    EXPECT_EQ(get("/thumb/known.jpg?k=secret").status, 200);
+    decoder.release();
+  }
+  EXPECT_EQ(served, GalleryThumbnails::kMostWaiting);
+  EXPECT_EQ(get(fmt::format("/thumb/{}.jpg?k=secret&v=1", kPhones)).status, 200);
 }
 
 } // namespace
