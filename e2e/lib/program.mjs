@@ -106,7 +106,7 @@ export async function until(test, what, patience = 20000, every = 30) {
   for (;;) {
     const value = await test();
     if (value) return value;
-    if (Date.now() > end) throw new Error(`waited in vain for ${what}`);
+    if (Date.now() > end) throw new Error(`timed out waiting for ${what}`);
     await new Promise((resolve) => setTimeout(resolve, every));
   }
 }
