@@ -62,6 +62,7 @@ describe('Chromium alone', () => {
     };
     await page.ready(program.url);
     assert.equal(await press('Tab'), 'camera');
+    assert.equal(await press('Tab'), 'recorder');
     assert.equal(await press('Tab'), 'chooser');
     const outline = await page.evaluate(() => getComputedStyle(document.querySelector('#chooser + .face')).outlineStyle);
     assert.equal(outline, 'solid');
