@@ -105,7 +105,7 @@ describe('gallery', () => {
     await page.click('#wallAll');
     fs.rmSync(path.join(program.folder, 'IMG_0002.jpg'));
     await page.click('#fetch');
-    await page.waitFor(() => /已下载 3 张.*1 张没下成.*IMG_0002\.jpg/.test(document.querySelector('#fetchText').innerText), 'the report');
+    await page.waitFor(() => /已把 3 张交给浏览器.*1 张没下成.*IMG_0002\.jpg/.test(document.querySelector('#fetchText').innerText), 'the report');
     await until(() => got.length === 3, 'three downloads');
     assert.deepEqual(got.map((download) => download.suggestedFilename()), [strange.replace('?', '_'), 'IMG_0001.jpg', 'IMG_0003.jpg']);
     assert.deepEqual(digests(await Promise.all(got.map((download) => download.path()))), digests(program.saved()));

@@ -18,15 +18,18 @@ const fetcher = (function () {
     lent = address;
   }
 
-  // A pause of a moment, since a browser leaves out downloads that come too quickly.
+  // With a pause, since browsers, those of iPhones above all, leave out downloads that come within a second.
   async function one(item) {
     const address = gallery.url('file', item);
     if (item.bytes > large) return hand(address, item.name);
     const reply = await fetch(address, { cache: 'no-store', signal: stopper.signal });
-    if (!reply.ok) throw reply.status;
+    if (!reply.ok) {
+      if (pictures.refused(reply.status, await reply.text())) stop();
+      throw reply.status;
+    }
     lend(URL.createObjectURL(await reply.blob()));
     hand(lent, item.name);
-    await new Promise((resolve) => setTimeout(resolve, 400));
+    await new Promise((resolve) => setTimeout(resolve, 1200));
   }
 
   async function start(list) {
@@ -42,7 +45,6 @@ const fetcher = (function () {
         gallery.unpick(item);
       } catch (reason) {
         if (!stopper.signal.aborted) failed.push(item.name);
-        if (reason === 403 || reason === 429) stop();  // the others would be refused as well
       }
       if (stopper.signal.aborted) break;
     }
@@ -61,7 +63,7 @@ const fetcher = (function () {
 
   function report(done, failed) {
     swap(false);
-    say(both('已下载 ' + done + ' 张', done + ' downloaded') + (failed.length
+    say(both('已把 ' + done + ' 张交给浏览器', done + ' handed to the browser') + (failed.length
       ? ' · ' + both(failed.length + ' 张没下成，可重试', failed.length + ' failed, please retry') + ': ' + failed.slice(0, 3).join(', ') : ''));
     gallery.tally();
   }

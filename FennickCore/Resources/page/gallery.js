@@ -3,16 +3,17 @@
 const gallery = (function () {
   const chosen = new Set();
   const grid = $.grid;
-  let items = [];         // { name, bytes, time, id, cell }, in the order of the computer
+  let items = [];         // { name, bytes, time, version, id, cell, source }, in the order of the computer
+  let total = 0;          // of all photos, of which the computer lists the first
   let filled = false;     // the list has been read
   let open = false;       // this view, not the upload's, is shown
   let choosing = false;
   let asking = false;
-  let stale = false;      // the connection was lost: pictures may be missing for that reason alone
   let elsewhere = 0;      // where the other view was scrolled to
 
-  const url = (route, item, more) => path(route + '/' + encodeURIComponent(item.name)) + (more || '');
+  const url = (route, item, more) => path(route + '/' + encodeURIComponent(item.name), (item.version ? '&v=' + item.version : '') + (more || ''));
   const owner = (node) => items.find((item) => item.cell === node.closest('li'));
+  const near = new IntersectionObserver(look, { rootMargin: '400px' });
 
   // -- The list
 
@@ -20,27 +21,23 @@ const gallery = (function () {
     if (asking || !open) return;
     asking = true;
     try {
-      const { code, json, text } = await query('gallery');
-      if (json) fill(json);
-      else if (code === 403 && /gallery is off/.test(text)) turn(false);
-      else if (code === 403) status.believe('key');
-      else if (code === 429) status.believe('banned');
-      else tell('list');
+      const { code, json, text } = await query('gallery', '&versions=1');
+      if (json) fill(json.photos || json, json.total || json.length);
+      else if (!pictures.refused(code, text)) tell('list');
     } catch (error) {
       tell(error instanceof SyntaxError ? 'list' : 'lost');
     }
     asking = false;
   }
 
-  function fill(list) {
+  function fill(list, all) {
+    total = all;
     const known = new Map(items.map((item) => [item.id, item]));
     const next = list.map((entry) => {
-      const id = entry.name + '/' + entry.bytes + '/' + entry.time;
+      const id = entry.name + '/' + (entry.version || entry.bytes + '/' + entry.time);
       return known.get(id) || Object.assign(entry, { id });
     });
     tell('');
-    if (stale) grid.querySelectorAll('[data-state=missing] img').forEach((image) => { image.src = image.src; });
-    stale = false;
     if (!filled || next.length !== items.length || next.some((item, i) => item !== items[i])) steady(() => arrange(next));
     filled = true;
     tally();
@@ -52,6 +49,8 @@ const gallery = (function () {
     items.filter((item) => !kept.has(item)).forEach((item) => {
       item.cell.remove();
       chosen.delete(item);
+      drop(item);
+      if (item.source) URL.revokeObjectURL(item.source);
     });
     fresh.forEach(build);
     let at = grid.firstChild;
@@ -70,10 +69,35 @@ const gallery = (function () {
     item.button = item.cell.firstChild;
     item.button.ariaLabel = item.name;
     if (choosing) item.button.ariaPressed = false;
-    item.cell.querySelector('img').src = url('thumb', item);
+    near.observe(item.cell);
   }
 
-  // What a person looks at stays where it is, whatever comes or goes above it.
+  // Pictures are loaded when they come near the screen.
+  function look(entries) {
+    entries.forEach(({ target, isIntersecting }) => {
+      const item = owner(target);
+      if (!item || item.cell.dataset.state) return;
+      if (!isIntersecting) drop(item);
+      else if (!item.unwant) item.unwant = pictures.want(url('thumb', item), false, (blob) => show(item, blob));
+    });
+  }
+
+  function drop(item) {
+    if (item.unwant) item.unwant();
+    item.unwant = null;
+  }
+
+  function show(item, blob) {
+    item.unwant = null;
+    if (!blob) {
+      item.cell.dataset.state = 'missing';
+      return;
+    }
+    item.source = URL.createObjectURL(blob);
+    item.cell.querySelector('img').src = item.source;
+  }
+
+  // What the user looks at stays where it is, whatever comes or goes above it.
   function steady(change) {
     const above = (item) => item.cell.getBoundingClientRect().top;
     const seen = grid.getBoundingClientRect().top < 0 && items.find((item) => above(item) >= 0);
@@ -95,9 +119,7 @@ const gallery = (function () {
     const known = { list: ['alert', 'warning', '照片列表没读到，请重试 / The list of photos could not be read, please retry'] };
     const [icon, tone, text] = known[state] || view.walls[state] || [];
     const note = $.wallNote;
-    if (state === 'lost') stale = true;
     note.hidden = !text;
-    // Every picture asked for with a key that is not valid would count against this phone.
     grid.hidden = state === 'key' || state === 'banned';
     $.wallAgain.hidden = grid.hidden;
     if (!text) return;
@@ -111,6 +133,7 @@ const gallery = (function () {
     const count = chosen.size;
     const feet = fetcher.running || choosing;
     $.wallTitle.textContent = choosing ? '已选 ' + count + ' / selected'
+      : items.length < total ? '最新 ' + items.length + ' 张，共 ' + total + ' 张 / the newest ' + items.length + ' of ' + total
       : items.length ? items.length + ' 张照片 / photos' : filled ? '照片墙 / Photos' : '正在读取 / Loading';
     $.wallEmpty.hidden = !filled || items.length > 0;
     $.gallery.classList.toggle('choosing', choosing);
@@ -134,14 +157,15 @@ const gallery = (function () {
     if (on || !open) return;
     viewer.close();
     fetcher.stop();
-    show(false);
+    go(false);
     $.wallOff.hidden = false;
     announce($.wallOff.textContent);
   }
 
-  function show(wall) {
+  function go(wall) {
     if (wall === open) return;
     open = wall;
+    pictures.run(wall && status.state === 'ok');
     $.upload.hidden = wall;
     $.gallery.hidden = !wall;
     $.page.classList.toggle('wide', wall);
@@ -157,6 +181,7 @@ const gallery = (function () {
   }
 
   function follow(state) {
+    pictures.run(open && state === 'ok');
     if (state !== 'ok') {
       if (open) tell(state);
       return;
@@ -188,7 +213,7 @@ const gallery = (function () {
     tally();
   }
 
-  // -- Hands
+  // -- Input
 
   // A finger that rests on a picture chooses it; the click that may follow is not meant.
   function wireLongPress() {
@@ -244,8 +269,8 @@ const gallery = (function () {
     on(grid, 'load error', (event) => {
       event.target.closest('li').dataset.state = event.type === 'load' ? 'shown' : 'missing';
     }, true);
-    [$.tabUpload, $.wallUpload].forEach((button) => on(button, 'click', () => show(false)));
-    on($.tabWall, 'click', () => show(true));
+    [$.tabUpload, $.wallUpload].forEach((button) => on(button, 'click', () => go(false)));
+    on($.tabWall, 'click', () => go(true));
     on($.wallAgain, 'click', () => status.ask());
     on($.wallPick, 'click', () => choose(!choosing));
     on($.wallAll, 'click', () => {
@@ -259,5 +284,5 @@ const gallery = (function () {
   }
 
   status.listen(follow);
-  return { wire, url, tally, show, unpick: (item) => pick(item, false), get items() { return items; } };
+  return { wire, url, tally, turn, show: go, unpick: (item) => pick(item, false), get items() { return items; } };
 })();

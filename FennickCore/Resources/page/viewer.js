@@ -20,8 +20,8 @@ const viewer = (function () {
     const words = document.createElement('p');
     slide.className = 'slide';
     words.textContent = '这张没有预览，可以下载原图 / No preview of this one; the original can be downloaded';
-    slide.append(words, picture(item, gallery.url('thumb', item)));
-    on(slide.lastChild, 'error', () => slide.classList.add('missing'));
+    slide.append(words, picture(item, item.source || ''));
+    slide.classList.toggle('missing', item.cell.dataset.state === 'missing');
     slides.set(item, slide);
     stage.append(slide);
     return slide;
@@ -30,43 +30,48 @@ const viewer = (function () {
   function picture(item, source) {
     const image = new Image();
     image.alt = item.name;
-    image.draggable = false;
-    image.src = source;
+    // A mouse would drag the picture away instead of moving it; a finger's long press needs it as it is.
+    if (matchMedia('(hover: hover)').matches) image.draggable = false;
+    if (source) image.src = source;
     return image;
   }
 
-  // The small picture stands in until the large one can be painted at once.
-  async function sharpen(item) {
+  // The small picture stands in until the large one can be painted at once. That has the address of the photo, so that
+  // what a long press saves has its name; by then the browser has it in its store.
+  function sharpen(item) {
     const slide = slides.get(item);
-    if (!slide || slide.dataset.large) return;
-    slide.dataset.large = 'asked';
-    const large = picture(item, gallery.url('thumb', item, '&s=large'));
-    try {
-      await large.decode();
+    if (!slide || slide.unwant) return;
+    const address = gallery.url('thumb', item, '&s=large');
+    slide.unwant = pictures.want(address, item === list[at], async (blob) => {
+      if (!blob) return slide.classList.toggle('missing', !item.source);
+      const large = picture(item, address);
+      await large.decode().catch(() => {});
+      if (slides.get(item) !== slide) return;
       slide.lastChild.replaceWith(large);
       slide.classList.remove('missing');
-      slide.dataset.large = 'shown';
       paint();
-    } catch (e) {
-      // The small one stays.
-    }
+    });
   }
 
-  async function place(glide) {
+  function drop(item) {
+    const slide = slides.get(item);
+    if (slide.unwant) slide.unwant();
+    slide.remove();
+    slides.delete(item);
+  }
+
+  function place(glide) {
     const item = list[at];
     const near = [item, list[at + 1], list[at - 1]].filter(Boolean);
-    slides.forEach((slide, other) => {
-      if (near.includes(other)) return;
-      slide.remove();
-      slides.delete(other);
+    Array.from(slides.keys()).forEach((other) => {
+      if (!near.includes(other)) drop(other);
     });
     stage.classList.toggle('glide', glide);
     near.forEach((other) => slides.get(other) || make(other));
     stage.getBoundingClientRect();
     paint();
     caption(item);
-    await sharpen(item);
-    if (item === list[at]) near.forEach(sharpen);
+    near.forEach(sharpen);
   }
 
   function caption(item) {
@@ -206,8 +211,7 @@ const viewer = (function () {
     const button = list[at].button;
     at = -1;
     fingers.clear();
-    slides.clear();
-    stage.textContent = '';
+    Array.from(slides.keys()).forEach(drop);
     $.viewer.hidden = true;
     stay(false);
     button.focus();
