@@ -1,0 +1,76 @@
+// What the gallery must do in every browser when pictures cannot be had, or are no longer the same.
+
+import assert from 'node:assert/strict';
+import fs from 'node:fs';
+import net from 'node:net';
+import path from 'node:path';
+import { after, before, describe, test } from 'node:test';
+import { make, makeMany } from './files.mjs';
+import { Program, scratch } from './program.mjs';
+
+const on = { set: { galleryEnabled: true } };
+
+export function galleryScenarios(Browser) {
+  describe(`${Browser.name}, gallery`, () => {
+    let browser;
+    before(async () => { browser = await Browser.launch(); });
+    after(() => browser?.close());
+
+    const shown = (page, number) => page.waitFor((least) => document.querySelectorAll('#grid [data-state=shown]').length >= least, `${number} pictures`, number);
+
+    test('a guest who scrolls with an old key is told to scan, and the new code works at once', async (t) => {
+      const home = scratch();
+      const first = await Program.start(t, { home, ...on });
+      makeMany(first.folder, 120);
+      const page = await browser.visitor(t);
+      await page.ready(first.url);
+      await page.click('#tabWall');
+      await shown(page, 9);
+      await first.stop();
+      const second = await Program.start(t, { home, state: path.join(home, 'other'), port: first.port, ...on });
+      await page.evaluate(() => { for (let i = 1; i < 20; i++) setTimeout(() => scrollTo(0, i * 400), i * 60); });
+      await page.link('key');
+      assert.match(await page.text(), /请重新扫码/);
+      await page.ready(second.url);
+      await page.click('#tabWall');
+      await shown(page, 9);
+    });
+
+    test('pictures that could not be had while the computer was busy come by themselves', async (t) => {
+      const program = await Program.start(t, on);
+      makeMany(program.folder, 12);
+      const page = await browser.visitor(t);
+      await page.ready(program.url);
+      await page.waitFor(() => !document.querySelector('#tabs').hidden, 'the gallery to be offered');
+      const held = await Promise.all(Array.from({ length: 62 }, () => new Promise((resolve) => {
+        const socket = net.connect(program.port, '127.0.0.1', () => resolve(socket));
+        socket.on('error', () => {});
+      })));
+      await page.click('#tabWall');
+      await new Promise((resolve) => setTimeout(resolve, 4000));  // as long as guests hold them
+      held.forEach((socket) => socket.destroy());
+      await shown(page, 12);
+    });
+
+    test('two photos that swap their names on the computer are shown as they are', async (t) => {
+      const program = await Program.start(t, on);
+      const [one, two] = ['one', 'two'].map((name) => path.join(program.folder, `${name}.jpg`));
+      fs.copyFileSync(make(scratch(), 'a.jpg'), one);  // eight pixels wide
+      fs.copyFileSync(make(scratch(), 'b.png', 5000), two);  // one
+      const page = await browser.visitor(t);
+      await page.ready(program.url);
+      await page.click('#tabWall');
+      const widths = () => page.evaluate(() => Object.fromEntries(Array.from(document.querySelectorAll('#grid button'),
+        (button) => [button.ariaLabel, button.querySelector('img').naturalWidth])));
+      await shown(page, 2);
+      assert.deepEqual(await widths(), { 'one.jpg': 8, 'two.jpg': 1 });
+      fs.renameSync(one, path.join(program.folder, 'other.jpg'));
+      fs.renameSync(two, one);
+      fs.renameSync(path.join(program.folder, 'other.jpg'), two);
+      await page.evaluate(() => document.dispatchEvent(new Event('visibilitychange')));
+      await page.waitFor(() => document.querySelector('#grid [aria-label="one.jpg"] img').naturalWidth === 1, 'the other picture');
+      await shown(page, 2);
+      assert.deepEqual(await widths(), { 'one.jpg': 1, 'two.jpg': 8 });
+    });
+  });
+}
