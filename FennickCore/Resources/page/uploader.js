@@ -289,7 +289,8 @@ const uploader = (function () {
     inquiry = setTimeout(() => {
       const asked = () => {
         const asks = queue.list((item) => item.unsure).map((item) => item.asks);
-        if (asks.length && status.state === 'ok') inquire(pause(Math.min(3, ...asks)));
+        const next = Math.min(3, ...asks);
+        if (asks.length && status.state === 'ok') inquire(next ? pause(next) : 200);
       };
       if (status.state !== 'key') status.ask().then(asked, asked);
     }, delay);
@@ -311,7 +312,8 @@ const uploader = (function () {
   // An upload that is still being received has either not ended yet, or its connection is dead, which the computer
   // notices after a minute.
   function settle(item, outcome) {
-    if (!outcome || outcome.state === 'receiving') {
+    if (!outcome) return;  // it became unsure after the question was sent
+    if (outcome.state === 'receiving') {
       item.asks++;
     } else if (outcome.state === 'saved') {
       answered(item, 200, outcome.name);
