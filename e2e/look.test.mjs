@@ -112,7 +112,7 @@ describe('looks', () => {
         await look('choosing');
         await page.click('#wallPick');
         await page.click('#grid li:nth-child(2)');
-        await page.page.waitForSelector('.slide[data-large=shown]');
+        await page.page.waitForSelector('.slide img[src*="s=large"]');
         await look('photo');
         await page.click('#viewClose');
         await program.stop();
