@@ -21,7 +21,7 @@ bool isOfMaker(const Exiv2::Exifdatum &datum) {
 
 } // namespace
 
-std::optional<std::string> encodedExif(const Exiv2::ExifData &data, Exiv2::ByteOrder order) {
+std::optional<std::string> encodedExif(Exiv2::ExifData &data, Exiv2::ByteOrder order) {
   if (data.empty())
     return std::nullopt;
   Exiv2::Blob blob;

@@ -1,6 +1,7 @@
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 
-#include <exiv2/exiv2.hpp>
+#include "FennickCore/Imaging/Picture/Exiv2Versions.h"
+
 #include <iconv.h>
 
 namespace fennick::picture {
@@ -8,7 +9,7 @@ namespace fennick::picture {
 void prepareExiv2() {
   static const bool isReady = [] {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-    Exiv2::enableBMFF();
+    enableHeif();
     // Old IPTC texts are in Latin 1. Its converter is a module, which stays loaded as long as one is open.
     [[maybe_unused]] static auto *const latin = iconv_open("UTF-8", "ISO-8859-1");
     return Exiv2::XmpParser::initialize();

@@ -1,5 +1,6 @@
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
+#include "FennickCore/Imaging/Picture/Exiv2Versions.h"
 #include "FennickCore/Imaging/Picture/HeifFile.h"
 #include "FennickCore/Imaging/Picture/JpegCompanions.h"
 #include "FennickCore/Imaging/Picture/Leftovers.h"
@@ -10,8 +11,6 @@
 
 #include <algorithm>
 #include <array>
-
-#include <exiv2/exiv2.hpp>
 
 // Looks at a written file for what had to go.
 namespace fennick::picture {
@@ -72,9 +71,7 @@ bool saysPlace(const Exiv2::Exifdatum &datum) {
 
 bool isCleanForExiv2(Bytes file, bool stripAll) {
   const auto isClean = guarded([&]() -> std::optional<bool> {
-    const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(file.data()),
-                                                 static_cast<long>(file.size()));
-    image->readMetadata();
+    const auto image = openedImage(file);
     const auto &exif = image->exifData();
     const auto &xmp = image->xmpData();
     const auto &iptc = image->iptcData();
@@ -83,8 +80,7 @@ bool isCleanForExiv2(Bytes file, bool stripAll) {
     const Exiv2::DataBuf sets = Exiv2::IptcParser::encode(iptc);
     return std::ranges::none_of(exif, saysPlace) &&
            std::ranges::none_of(xmp, [](const auto &d) { return xmpKeyNamesPlace(d.key()); }) &&
-           !iptcHasLocation(
-               {reinterpret_cast<const char *>(sets.pData_), static_cast<std::size_t>(sets.size_)});
+           !iptcHasLocation(textOf(sets));
   });
   return isClean.value_or(false);
 }

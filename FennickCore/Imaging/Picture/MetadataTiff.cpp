@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/ExifTiff.h"
+#include "FennickCore/Imaging/Picture/Exiv2Versions.h"
 #include "FennickCore/Imaging/Picture/MetadataExif.h"
 #include "FennickCore/Imaging/Picture/MetadataExiv2.h"
 #include "FennickCore/Imaging/Picture/MetadataIptc.h"
@@ -9,8 +10,6 @@
 #include <array>
 #include <string>
 #include <string_view>
-
-#include <exiv2/exiv2.hpp>
 
 namespace fennick::picture {
 
@@ -38,9 +37,7 @@ bool isForThisFile(const Exiv2::Exifdatum &datum) {
 
 std::string exifOf(Bytes file) {
   const auto block = guarded([&]() -> std::optional<std::string> {
-    const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(file.data()),
-                                                 static_cast<long>(file.size()));
-    image->readMetadata();
+    const auto image = openedImage(file);
     Exiv2::ExifData &data = image->exifData();
     for (auto datum = data.begin(); datum != data.end();)
       datum = isForThisFile(*datum) ? data.erase(datum) : std::next(datum);
