@@ -24,7 +24,10 @@ add_library(tevrin_options INTERFACE)
 target_include_directories(tevrin_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(tevrin_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
-  -Woverloaded-virtual -Wundef -Wcast-align -Wformat=2 -Werror)
+  -Woverloaded-virtual -Wundef -Wcast-align -Wformat=2)
+if(TEVRIN_WERROR)
+  target_compile_options(tevrin_options INTERFACE -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   target_compile_options(tevrin_options INTERFACE -Wthread-safety)
 else()
