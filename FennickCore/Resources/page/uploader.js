@@ -260,7 +260,7 @@ const uploader = (function () {
 
   // The file goes back and is sent once it fits; smaller ones may go before it.
   function noRoom(item) {
-    item.notBefore = now() + pause(item.tries++);
+    item.notBefore = now() + 5000;
     queue.set(item, 'waiting');
     check();
   }
