@@ -311,9 +311,9 @@ protected:
 
   void check(const std::vector<Row> &rows) {
     for (const Row &row : rows) {
-      const SCOPED_TRACE(row.name);
+      SCOPED_TRACE(row.name);
       for (std::size_t i = 0; i < kOptionSets; ++i) {
-        const SCOPED_TRACE("option set " + std::to_string(i + 1));
+        SCOPED_TRACE("option set " + std::to_string(i + 1));
         checkProcessing(row, kOptions.at(i), row.fates.at(i));
       }
       checkThumbnail(row);

@@ -34,7 +34,7 @@ TEST(SizeSearch, LowersQualityThenSizeAndStopsAtTheSmallestOrInTime) {
       {within(0), 1000, 0.85, false, 1},
   };
   for (const auto &[request, longEdge, quality, withinMaxBytes, encodes] : rows) {
-    const SCOPED_TRACE(testing::Message() << request.maxBytes.value_or(0) << " bytes in "
+    SCOPED_TRACE(testing::Message() << request.maxBytes.value_or(0) << " bytes in "
                                           << request.searchTime.value_or(Seconds(0)).count() << " s");
     int made = 0;
     const auto encodeAt = [&](std::int64_t edge, double tried) { // takes ten seconds
