@@ -101,7 +101,7 @@ private:
 // and lists them as JSON.
 class Nginx {
 public:
-  // Serves "nginx/files" in `folder`. Nothing when it is not installed or does not start.
+  // Serves "nginx/files" in `folder`. Returns null if it is not installed or does not start.
   [[nodiscard]] static std::unique_ptr<Nginx> start(const std::filesystem::path &folder);
   ~Nginx();
   Nginx(const Nginx &) = delete;

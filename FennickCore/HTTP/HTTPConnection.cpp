@@ -79,8 +79,8 @@ Uptime HTTPConnection::deadlineIn(Seconds length) const {
   return std::min(after(clock_.uptime(), length), lifetimeEnd_);
 }
 
-// Fills the buffer until it holds a whole head within the limits; how many bytes arrived, the start of a body
-// possibly among them. Nothing when the connection is over, an answer to an overlong head included.
+// Fills the buffer until it holds a whole head within the limits. Returns how many bytes arrived, which may
+// include the start of a body, or nullopt if the connection is over or an overlong head was answered.
 std::optional<std::size_t> HTTPConnection::receiveHead() {
   const auto limit = static_cast<std::size_t>(limits_.maxHeaderBytes);
   buffer_ = threadBuffer(limit + kHeadEnd.size() + kChunkBytes);

@@ -31,8 +31,8 @@ struct HTTPRequestHead {
 
   // The value of a header; the name may be given in any case.
   [[nodiscard]] std::optional<std::string> header(std::string_view name) const;
-  // The declared body length; nothing when it is absent, not a decimal number or past 64 bits. May be
-  // negative.
+  // The declared body length, which may be negative. Returns nullopt if it is absent, not a decimal number or
+  // does not fit into 64 bits.
   [[nodiscard]] std::optional<std::int64_t> contentLength() const;
   // The media type without its parameters, lower-cased.
   [[nodiscard]] std::optional<std::string> contentType() const;

@@ -121,7 +121,7 @@ void HTTPServer::admit(AcceptedSocket accepted) {
   }
 }
 
-// Enters a connection into the table; nothing when the table is full.
+// Enters a connection into the table. Returns nullopt if the table is full.
 std::optional<std::uint64_t> HTTPServer::enroll(const std::shared_ptr<HTTPConnection> &connection) {
   const Locked locked(lock_);
   if (static_cast<std::int64_t>(connections_.size()) >= limits_.maxConnections)

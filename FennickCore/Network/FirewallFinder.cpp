@@ -98,7 +98,7 @@ std::optional<FirewallFinding> FirewallFinder::nftables(const Arrival &arrival) 
   return finding(Kind::nftables, judgement.port, insertion(judgement.inTheWay, arrival.port));
 }
 
-// Nothing when the user may not read it.
+// Returns nullopt if the user may not read the file.
 std::optional<std::string> FirewallFinder::read(const char *file) const {
   const fs::path path = sources_.root / file;
   std::error_code unreadable;

@@ -17,7 +17,7 @@ struct FirewallFinding {
 
   Kind kind = Kind::none;
   Port port = Port::unknown; // `open` when there is no firewall
-  // What the person types to let phones in: "sudo ufw allow 8000/tcp". Empty without a firewall and where the
+  // The command that lets phones in: "sudo ufw allow 8000/tcp". Empty without a firewall and where the
   // port is open.
   std::string command{};
 

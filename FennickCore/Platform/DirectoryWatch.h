@@ -38,7 +38,7 @@ public:
   enum class Scope { names, content };
   enum class Woken { changes, mounts, interrupted, timeout };
 
-  // An object that can watch nothing when the system grants no inotify instance.
+  // If the system grants no inotify instance, the object watches no folder.
   explicit DirectoryWatch(Shared shared = Shared::refuse);
 
   // A number for the folder, given in its changes; the same for a folder that is watched already, whose

@@ -42,7 +42,7 @@ private:
 class SignalSource {
 public:
   explicit SignalSource(const std::vector<int> &numbers);
-  // The next one that arrived; nothing when there is none.
+  // Returns the next signal that arrived, or nullopt if there is none.
   [[nodiscard]] std::optional<int> take() const;
   [[nodiscard]] int descriptor() const { return fd_.get(); }
 

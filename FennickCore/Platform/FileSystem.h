@@ -56,7 +56,7 @@ public:
   // The folder and whatever is missing above it; what was made is on the disk on return. A folder that exists
   // is success; something else under that name is ENOTDIR.
   [[nodiscard]] virtual IOResult<void> createDirectories(const std::filesystem::path &folder) = 0;
-  // Moves a file within one file system; fails with EEXIST and changes nothing when `to` exists.
+  // Moves a file within one file system. Fails with EEXIST, without any change, if `to` exists.
   [[nodiscard]] virtual IOResult<void> moveNoReplace(const std::filesystem::path &from,
                                                      const std::filesystem::path &to) = 0;
   // Moves a file within one file system over whatever file has the name `to`.

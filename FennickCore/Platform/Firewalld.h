@@ -16,10 +16,10 @@ struct FirewalldAnswers {
   bool operator==(const FirewalldAnswers &) const = default;
 };
 
-// Asks firewalld over the bus at `busAddress`, the system's when that is empty. Nothing when the service does
-// not run; it is not started for this, and nobody is asked for a password. The zone is that of `interface`,
-// or the default zone when the interface is in none or empty. Blocks, for at most about `patience` in all;
-// what has no answer by then stays absent. Any thread.
+// Asks firewalld over the bus at `busAddress`, the system's when that is empty. Returns nullopt if the
+// service does not run; it is not started for this, and the user is not asked for a password. The zone is
+// that of `interface`, or the default zone when the interface is in none or empty. Blocks, for at most about
+// `patience` in all; what has no answer by then stays absent. Any thread.
 [[nodiscard]] std::optional<FirewalldAnswers> askFirewalld(std::uint16_t port, const std::string &interface,
                                                            const std::string &busAddress = {},
                                                            Seconds patience = Seconds(2));

@@ -11,8 +11,8 @@
 
 namespace fennick {
 
-// Sees to it that one running program at a time serves a user's state, and brings it what later launches were
-// asked to do. In the state's directory stand "<name>.lock", whose lock (flock) makes its holder the one that
+// Ensures a single running instance per state directory and forwards the arguments of later launches to it.
+// In the state's directory stand "<name>.lock", whose lock (flock) makes its holder the one that
 // runs, "<name>.starting", held while one starts, and "<name>.socket" where it listens. The lock files stay:
 // deleting one would let two programs each hold "the" lock. A program that dies leaves nothing behind that
 // hinders the next. Main thread.
@@ -22,7 +22,7 @@ public:
   // The most bytes of a hand-over, arguments, quotes and commas together.
   static constexpr std::size_t kLargestHandOver = std::size_t{64} << 10;
 
-  // Makes this program the one that runs, until the guard is gone; nothing when another one runs already.
+  // Makes this program the running instance until the guard is destroyed; nullopt if another one is running.
   // Makes the directory when it is missing, for the user alone (mode 0700). Fails where the file system has
   // no locks or sockets, and when it cannot be written to. `name` has at most 70 bytes and no slash.
   [[nodiscard]] static IOResult<std::optional<InstanceGuard>> claim(const std::filesystem::path &directory,

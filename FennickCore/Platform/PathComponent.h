@@ -11,7 +11,7 @@ namespace fennick {
 // came from outside passes through here before it is joined to a path, so that it cannot leave its folder.
 class PathComponent {
 public:
-  // Nothing when `text` is not such a name.
+  // Returns nullopt if `text` is not such a name.
   [[nodiscard]] static std::optional<PathComponent> make(std::string_view text);
 
   [[nodiscard]] const std::string &text() const { return text_; }

@@ -35,17 +35,17 @@ namespace fennick {
 // `text` without spaces and tabs at either end.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-// The bytes that "%XX" escapes stand for. Nothing when an escape is cut short or not hexadecimal, or when the
-// result is not UTF-8.
+// Decodes "%XX" escapes. Returns nullopt if an escape is cut short or not hexadecimal, or if the result is
+// not UTF-8.
 [[nodiscard]] std::optional<std::string> percentDecoded(std::string_view text);
 
-// `text` read as a decimal number with an optional leading "+" or "-"; nothing when anything else is in it or
-// the number does not fit.
+// Reads `text` as a decimal number with an optional leading "+" or "-". Returns nullopt if it contains
+// anything else or the number does not fit.
 [[nodiscard]] std::optional<std::int64_t> signedDecimal(std::string_view text);
 
 // Base64, standard alphabet with padding.
 [[nodiscard]] std::string base64(std::span<const std::byte> bytes);
-// Nothing when `text` is not exactly what `base64` writes for some bytes.
+// Returns nullopt if `text` is not exactly what `base64` writes for some bytes.
 [[nodiscard]] std::optional<std::vector<std::byte>> base64Decoded(std::string_view text);
 
 // A byte count in the file-size style, decimal units: "0 KB", "512 字节", "12 KB", "2.4 MB", "1.25 GB".

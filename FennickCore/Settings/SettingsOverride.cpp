@@ -133,7 +133,7 @@ struct Value {
   }
 };
 
-// Nothing when there is no such key.
+// nullopt if there is no such key.
 using Outcome = std::optional<ReadResult>;
 
 ReadResult assign(auto &field, const std::string &key, const Value &value) {

@@ -27,7 +27,7 @@
 
 namespace fennick {
 
-// What the photo wall shows: the photos and videos of the save folder, newest first unless the person has
+// What the photo wall shows: the photos and videos of the save folder, newest first unless the user has
 // arranged them, kept up to date with whatever happens in the folder. It also makes all edits of order files,
 // including those of folders that it does not show, one after another. Main thread, except where noted; it
 // looks at the folder and at pictures, and edits order files, on a thread of its own.
@@ -90,7 +90,7 @@ public:
 
   // What was done to files, for the list to follow at once. Others than listed ones are passed over.
   void remove(std::span<const std::filesystem::path> files);
-  // A renamed file keeps its place in the order that the person gave its folder.
+  // A renamed file keeps its place in the order that the user gave its folder.
   void rename(std::span<const Renaming> renamings);
   // Arranges the list like `files`; items that are not among them follow. The order is stored for each folder
   // on its own, so that photos of several folders keep the places that their folder has by date.

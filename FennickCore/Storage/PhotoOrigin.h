@@ -9,8 +9,8 @@
 
 namespace fennick {
 
-// Where a saved photo came from and what was done to it, as the program remembers it for the person who looks
-// at it later. It is kept with the file itself and follows it when it is renamed or moved; it is never sent
+// Where a saved photo came from and what was done to it, as the program remembers it for users who look at
+// it later. It is kept with the file itself and follows it when it is renamed or moved; it is never sent
 // to a phone and is no part of an export. A value; any thread.
 struct PhotoOrigin {
   std::string address{}; // of the phone that sent it; empty: it was taken in on this computer
@@ -33,7 +33,7 @@ inline constexpr std::size_t kMostOriginText = 512;
 // Where the file system keeps no such records nothing happens.
 void writeOrigin(const std::filesystem::path &file, const PhotoOrigin &origin);
 
-// Where the untouched file lies that `origin`, the record of `file`, speaks of; nothing when it is gone.
+// Returns where the original lies that `origin`, the record of `file`, names, or nullopt if it is gone.
 [[nodiscard]] std::optional<std::filesystem::path> keptOriginal(const std::filesystem::path &file,
                                                                 const PhotoOrigin &origin);
 

@@ -24,7 +24,7 @@ struct Listing {
 [[nodiscard]] std::optional<Listing> items(const std::filesystem::path &folder, std::size_t limit,
                                            PictureSizes &sizes, const std::function<bool()> &overtaken);
 
-// The item of a single file; nothing when it is no photo or video.
+// Returns the item of a single file, or nullopt if it is not a photo or video.
 [[nodiscard]] std::optional<PhotoItem> item(const std::filesystem::path &file, PictureSizes &sizes);
 
 } // namespace fennick::PhotoScan

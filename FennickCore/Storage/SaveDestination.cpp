@@ -22,7 +22,7 @@ std::tm localTime(Instant instant) {
   const std::time_t seconds =
       std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(instant));
   std::tm local{};
-  ::tzset(); // the person may have travelled since the program was started
+  ::tzset(); // the time zone may have changed since the program was started
   std::ignore = ::localtime_r(&seconds, &local); // fails for years beyond an int only
   return local;
 }

@@ -24,7 +24,7 @@ enum class ImportFault : std::uint8_t {
   notMedia,   // neither photo nor video by its content
   noRoom,     // the disk would be full
   notSaved,   // the save folder's drive is unplugged, or it cannot be written; the log says why
-  stopped,    // the person wants no more
+  stopped,    // the user has cancelled the import
 };
 
 // Brings photos and videos of this computer into the save folder as copies, on the way of an upload: the same

@@ -13,7 +13,7 @@ namespace fennick::FileTypeSniffer {
 // How many leading bytes are looked at.
 inline constexpr std::size_t kHeaderBytes = 16;
 
-// The extension that the magic number stands for; nothing when it is no photo or video that we take.
+// Returns the extension for the magic number, or nullopt if it is not a photo or video that we accept.
 [[nodiscard]] std::optional<std::string> sniff(std::span<const std::byte> header);
 // By media type, exactly as written in lower case ("image/jpeg").
 [[nodiscard]] std::optional<std::string> extensionForMediaType(std::string_view mediaType);

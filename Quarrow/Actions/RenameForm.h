@@ -61,7 +61,7 @@ public:
 
 signals:
   void changed();
-  // All is done, or nothing and `problem` says why (nothing when somebody stopped it).
+  // Either every file was renamed, or none: then `problem` says why, and is empty if the user stopped it.
   void finished(bool renamed);
 
 private:

@@ -126,7 +126,7 @@ public:
   [[nodiscard]] std::filesystem::path galleryURL() const;
   // From now on files are saved in `folder`, which exists. The model's error says why not.
   void chooseSaveFolder(const std::filesystem::path &folder) { saveFolder_.choose(folder); }
-  // Shows the error of something else that the person asked for.
+  // Shows the error of something else that the user asked for.
   void reportProblem(const std::string &problem) {
     errors_.report(ErrorSource::request, QString::fromStdString(problem));
   }

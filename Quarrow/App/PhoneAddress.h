@@ -10,8 +10,8 @@
 // How a phone reaches this computer. Pure functions; any thread.
 namespace quarrow {
 
-// The first address of the interface the person prefers; the first of all when there is no such preference or
-// that interface is not up; nothing without addresses.
+// Returns the first address of the interface that the user prefers, or the first of all if there is no such
+// preference or that interface is down, or nullopt if there are no addresses.
 [[nodiscard]] std::optional<fennick::LANAddress>
 preferredAddress(std::span<const fennick::LANAddress> addresses,
                  const std::optional<std::string> &preferredInterface);

@@ -12,7 +12,7 @@ class QAudioSink;
 
 namespace quarrow {
 
-// The loudspeaker that the person has chosen. It is opened for each sound and given back when the sound is
+// The sound output that the user has chosen. It is opened for each sound and given back when the sound is
 // over, so that a program that waits holds no device. Main thread.
 class ChimeOutput final : public QObject, public SoundOutput {
 public:

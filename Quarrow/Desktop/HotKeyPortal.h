@@ -20,8 +20,8 @@ namespace quarrow {
 // that does not know the question passes it over.
 void introduceToPortal(const QDBusConnection &bus);
 
-// One shortcut that was asked for at the desktop portal, from the question to the end of its session. It is
-// the person who decides there, and may choose other keys than those proposed. Main thread.
+// One shortcut that was asked for at the desktop portal, from the request to the end of its session. The
+// user decides there, and may choose other keys than those proposed. Main thread.
 class PortalSession final : public QObject {
   Q_OBJECT
 

@@ -15,7 +15,7 @@ struct xcb_key_press_event_t;
 
 namespace quarrow {
 
-// A key that the X server hands to us, whichever program has the keyboard. It is taken for every way in which
+// A key that the X server reports to us, whichever program has focus. It is taken for every way in which
 // CapsLock and NumLock may stand, and taken anew when the keyboard's layout changes. The presses come through
 // the application's own connection, so that the panel which they open may ask for the keyboard in their name.
 class HotKeyX11 final : public QObject, public HotKeyBackend, public QAbstractNativeEventFilter {

@@ -24,8 +24,8 @@ struct LaunchOptions {
   [[nodiscard]] static const char *help();
 };
 
-// What a second launch hands to the program that runs: what it was asked for, and the launcher's word that
-// the person wants a window now, without which desktops keep new windows from the front.
+// What a second launch forwards to the running program: its arguments, and the launcher's activation token,
+// which says that the user wants a window now. Without it desktops keep new windows from the front.
 struct HandOver {
   std::vector<std::string> windows;
   bool loginItem = false;      // nobody asked for a window

@@ -6,7 +6,7 @@
 
 namespace quarrow {
 
-// Whether the session starts the program when the person logs in: an entry "tevrin.desktop" in the desktop's
+// Whether the session starts the program when the user logs in: an entry "tevrin.desktop" in the desktop's
 // autostart folder, which passes "--login-item". The entry on the disk is the only state, so that what the
 // desktop's own settings change in it holds here too: an entry that they mark as hidden or switched off
 // starts nothing. Main thread.
@@ -18,7 +18,7 @@ public:
   // Read anew each time.
   [[nodiscard]] bool isEnabled() const;
   // Writes the entry, in place of whatever stood there, or takes it away; one that starts nothing stays as
-  // the person left it. On failure nothing has changed and the error says why in words.
+  // the user left it. On failure nothing has changed, and the error is a message for the user.
   [[nodiscard]] std::expected<void, std::string> setEnabled(bool enabled);
 
 private:

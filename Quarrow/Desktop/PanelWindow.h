@@ -14,8 +14,8 @@ class QQuickWindow;
 
 namespace quarrow {
 
-// The panel on the screen: a window without a frame at the tray icon, which has the keyboard at once and is
-// gone, memory and all, when it closes. Main thread.
+// The panel on the screen: a window without a frame at the tray icon, which takes focus at once and
+// frees its memory when it closes. Main thread.
 class PanelWindow final : public QObject, public StatusItemController::Panel {
   Q_OBJECT
 

@@ -59,8 +59,8 @@ public:
 
   Q_INVOKABLE void copyText(const QString &text);
   Q_INVOKABLE void openSaveFolder();
-  // Asks the person for a folder, beginning in `start`, above the window that has the keyboard. `chosen` is
-  // called with its address, unless they think better of it.
+  // Asks the user for a folder, beginning in `start`, above the window that has focus. `chosen` is called
+  // with its address, unless the user cancels.
   Q_INVOKABLE void askForFolder(const QString &title, const QUrl &start, const QJSValue &chosen);
   // Stores the folder as the save folder; an error goes to the model.
   Q_INVOKABLE void chooseSaveFolder(const QUrl &folder);

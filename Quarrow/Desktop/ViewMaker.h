@@ -8,8 +8,8 @@
 
 namespace quarrow {
 
-// Makes the view of this name ("Panel", "MainWindow"), which is not shown yet; nothing when that fails, which
-// has gone to the log then. Main thread.
+// Makes the view of this name ("Panel", "MainWindow"), which is not shown yet. Returns null if that fails;
+// the log then says why. Main thread.
 using ViewMaker = std::function<std::unique_ptr<QObject>(const QString &name)>;
 
 } // namespace quarrow

@@ -28,8 +28,8 @@ private:
   QTranslator qtTexts_;
 };
 
-// A launcher's or a shortcut's word, if not empty, that the person wants the next window that is shown; the
-// desktop gives it the keyboard then.
+// A launcher's or a shortcut's activation token, if not empty: the user wants the next window that is shown,
+// and the desktop gives it focus.
 void adoptActivationToken(const QString &token);
 
 // Draws the windows without OpenGL where there is none, or only one that is software itself and slower.

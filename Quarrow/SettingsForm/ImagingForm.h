@@ -128,7 +128,7 @@ private:
   fennick::Subscription items_;
 };
 
-// The photo that came last to the photo library; nothing when there is none that is decoded.
+// Returns the newest photo of the library that can be decoded, or nullopt if there is none.
 [[nodiscard]] std::optional<std::filesystem::path> latestPhoto(const fennick::PhotoLibrary &library);
 
 } // namespace quarrow

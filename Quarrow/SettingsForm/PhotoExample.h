@@ -34,8 +34,8 @@ struct Example {
 // about a third.
 [[nodiscard]] Example ofTypicalPhoto(const fennick::ImagingOptions &options, bool canEncodeHEIC);
 
-// `file`, really encoded, but not stored. Nothing when it is no picture that can be read. Blocks, for seconds
-// when a size is to be met.
+// Encodes `file` without storing the result. Returns nullopt if it is not a readable picture. Blocks, for
+// seconds if the result has a size limit.
 [[nodiscard]] std::optional<Example> ofPhoto(const std::filesystem::path &file,
                                              const fennick::ImagingOptions &options,
                                              fennick::PictureDecoder &decoder);

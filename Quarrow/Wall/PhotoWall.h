@@ -33,7 +33,7 @@ class PhotoWall : public QObject {
   Q_PROPERTY(QString limitText READ limitText NOTIFY countsChanged) // empty: everything is shown
   Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
   Q_PROPERTY(QString selectionText READ selectionText NOTIFY selectionChanged) // "已选 3 项 · 12.4 MB"
-  Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)         // that has the keyboard, or -1
+  Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)         // that has focus, or -1
   Q_PROPERTY(QUrl currentFile READ currentFile NOTIFY currentChanged)
   Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
   // The wanted side of a tile; kept across runs.
@@ -136,7 +136,7 @@ private:
   [[nodiscard]] bool passes(const fennick::PhotoItem &item) const;
   [[nodiscard]] QString nameOf(int place) const;
   [[nodiscard]] bool step(int key, int modifiers, int columns, int rows);
-  // Runs `change` and announces what it did to the photo that has the keyboard.
+  // Runs `change` and announces what it did to the focused photo.
   template <typename Change>
   void changing(Change change);
   void storeTileSize();

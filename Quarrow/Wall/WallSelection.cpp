@@ -33,8 +33,8 @@ void WallSelection::setFiles(Files files) {
   selection_.set(std::move(kept));
 }
 
-// Where the photo that has the keyboard stands now; if it is gone, the next one that is left, else the one
-// before.
+// Returns the present place of the focused photo; if it is gone, that of the next one that is left, else that
+// of the one before.
 int WallSelection::placeAfterLoss(const std::function<int(const fs::path &)> &placeOf) const {
   for (int place = current_; isThere(place); ++place)
     if (const int now = placeOf(file(place)); now >= 0)

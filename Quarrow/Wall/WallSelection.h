@@ -28,14 +28,14 @@ public:
   // `selection` outlives the object.
   explicit WallSelection(PhotoSelection &selection) : selection_(selection) {}
 
-  // The wall shows `files` now, in this order. What is not among them is no longer selected; the photo that
-  // has the keyboard keeps it, or hands it to its neighbour, selected where the lost one alone was.
+  // The wall shows `files` now, in this order. What is not among them is no longer selected. The focused
+  // photo keeps focus, or its neighbour gets it, and is selected if the lost photo alone was.
   void setFiles(Files files);
   // The same photos under new names.
   void rename(const std::vector<fennick::Renaming> &renamings);
 
   [[nodiscard]] int count() const { return static_cast<int>(files_.size()); }
-  [[nodiscard]] int current() const { return current_; } // that has the keyboard; -1: none
+  [[nodiscard]] int current() const { return current_; } // that has focus; -1: none
   [[nodiscard]] bool isSelected(int place) const;
 
   // The photo gets the keyboard as well. A place that does not exist is passed over.

@@ -96,7 +96,7 @@ export class Session {
     const values = Object.fromEntries(this.say('xdotool', 'getwindowgeometry', '--shell', id).split('\n').map((line) => line.split('=')));
     return { x: Number(values.X), y: Number(values.Y), width: Number(values.WIDTH), height: Number(values.HEIGHT) };
   }
-  // The window that has the keyboard.
+  // The window that has focus.
   get active() {
     return this.say('xdotool', 'getactivewindow').trim();
   }

@@ -51,7 +51,7 @@ public:
     server().setShared(name.toStdString(), count);
   }
 
-  // The wall shows these files, of the size `photo`; the first one has the keyboard. Every picture is a
+  // The wall shows these files, of the size `photo`; the first one has focus. Every picture is a
   // made-up landscape.
   Q_INVOKABLE void hang(const QStringList &names, const QSize &photo = {4032, 3024});
   // The same for one file that is no picture inside.

@@ -87,7 +87,7 @@ TestCase {
         Hands.press(window, Qt.Key_Escape);
         tryVerify(() => !sheet.visible);
         ask();
-        Hands.press(window, Qt.Key_Return); // "cancel" has the keyboard
+        Hands.press(window, Qt.Key_Return); // "cancel" has focus
         tryVerify(() => !sheet.visible);
         compare(Stage.accessKey(), before);
         ask();

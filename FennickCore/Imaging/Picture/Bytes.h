@@ -21,14 +21,14 @@ enum class ByteOrder : std::uint8_t { little, big };
 }
 [[nodiscard]] inline Bytes bytesOf(std::string_view text) { return std::as_bytes(std::span(text)); }
 
-// The part of `data` from `at` on, `length` bytes long; nothing when any of it lies outside.
+// Returns the `length` bytes of `data` from `at` on, or nullopt if any of them lies outside.
 [[nodiscard]] std::optional<std::string_view> slice(std::string_view data, std::uint64_t at,
                                                     std::uint64_t length);
 // The part of `data` from `at` on; empty where that lies outside.
 [[nodiscard]] inline std::string_view behind(std::string_view data, std::size_t at) {
   return data.substr(std::min(at, data.size()));
 }
-// The unsigned number of `width` bytes (0 to 8) at `at`; nothing when it reaches past the end.
+// Returns the unsigned number of `width` bytes (0 to 8) at `at`, or nullopt if it reaches past the end.
 [[nodiscard]] std::optional<std::uint64_t> readNumber(std::string_view data, std::uint64_t at,
                                                       std::size_t width, ByteOrder order = ByteOrder::big);
 // Overwrites `width` bytes at `at`, which must exist, with the lowest bytes of `value`.

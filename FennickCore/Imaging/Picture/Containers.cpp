@@ -70,7 +70,7 @@ std::size_t behindScan(std::string_view file, std::size_t at) {
   return file.size();
 }
 
-// What zlib packed; nothing when it is damaged or larger than `limit`.
+// Unpacks zlib data. Returns nullopt if it is damaged or larger than `limit`.
 std::optional<std::string> inflated(std::string_view packed, std::size_t limit) {
   z_stream stream{};
   if (packed.size() > std::numeric_limits<uInt>::max() || inflateInit(&stream) != Z_OK)

@@ -49,8 +49,8 @@ struct JpegSegment : Part {
 [[nodiscard]] std::optional<PixelSize> jpegFrameSize(std::string_view file);
 // Nothing for a payload beyond 65,533 bytes.
 [[nodiscard]] std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload);
-// Where the picture ends, behind its last marker, thumbnails within segments left aside; nothing when that is
-// missing.
+// Returns where the picture ends, behind its last marker; thumbnails within segments do not count. Returns
+// nullopt if the marker is missing.
 [[nodiscard]] std::optional<std::size_t> jpegEnd(std::string_view file);
 
 struct Chunk : Part {
@@ -58,8 +58,8 @@ struct Chunk : Part {
 };
 // Of a run of IDAT chunks the first stands for all.
 [[nodiscard]] std::vector<Chunk> pngChunks(std::string_view file);
-// What an iTXt chunk says behind its keyword: a flag for packing, its kind, a language, the keyword again,
-// the text. Nothing when it is cut off.
+// What follows the keyword in an iTXt chunk: whether the text is packed, and how, a language, the translated
+// keyword, and the text.
 struct PngText {
   bool isPacked = false;
   std::string_view text;

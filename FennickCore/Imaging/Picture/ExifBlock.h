@@ -20,7 +20,7 @@ namespace fennick::picture {
 // bytes and its place. A value; one thread at a time.
 class ExifBlock {
 public:
-  // `block` is a TIFF structure, with or without "Exif\0\0" before it. Nothing when it is none.
+  // `block` is a TIFF structure, with or without "Exif\0\0" before it. Returns nullopt if it is not one.
   [[nodiscard]] static std::optional<ExifBlock> parse(std::string_view block);
   // A small block that says the orientation and nothing else, without "Exif\0\0".
   [[nodiscard]] static std::string minimal(std::uint16_t orientation);

@@ -70,7 +70,7 @@ Targets targetsFor(std::string_view file, const HeifFile &heif, std::int64_t ori
   return targets;
 }
 
-// New values for the bytes that state an item's steps; nothing when those steps cannot make the target.
+// Returns new values for the bytes that state an item's steps, or nullopt if those cannot express the target.
 std::optional<std::vector<StatedStep>> restated(std::vector<StatedStep> steps, const Turning &target) {
   const auto count = [&steps](TurnStep::Kind kind) {
     return std::ranges::count(steps, kind, [](const StatedStep &stated) { return stated.step.kind; });
@@ -99,7 +99,7 @@ bool sharesBeyond(std::string_view file, const HeifFile &heif, const Targets &ta
   });
 }
 
-// The file with the properties that there are saying something else; nothing when that does not suffice.
+// Returns the file with its existing properties changed, or nullopt if changing them does not suffice.
 std::optional<std::string> turnedInPlace(std::string_view file, const HeifFile &heif,
                                          const Targets &targets) {
   if (sharesBeyond(file, heif, targets))
@@ -161,7 +161,7 @@ void reassociate(std::string_view file, const HeifFile &heif, std::vector<HeifAs
     own->list.push_back(added.add("imir", 1));
 }
 
-// The association box anew; nothing when it cannot hold so many.
+// Builds the association box anew. Returns nullopt if it cannot hold so many associations.
 std::optional<std::string> associationBox(std::string_view file, const HeifFile &heif,
                                           const std::vector<HeifAssociations> &all, std::size_t properties) {
   const HeifBox &old = heif.associationBox;

@@ -74,7 +74,7 @@ struct HeifFile {
   [[nodiscard]] const HeifItem *item(std::uint32_t id) const;
   [[nodiscard]] const HeifAssociations *associations(std::uint32_t id) const;
   [[nodiscard]] const HeifBox *property(const HeifAssociation &association) const;
-  // The property of a kind that the item has; nothing when it has none.
+  // Returns the item's property of this kind, or null if it has none.
   [[nodiscard]] const HeifBox *propertyOf(std::uint32_t id, std::string_view type) const;
   // The item of a kind that describes the primary picture; else the first of that kind.
   [[nodiscard]] const HeifItem *describing(std::string_view type, std::string_view contentType) const;

@@ -13,7 +13,7 @@ namespace fennick::picture {
 // Nothing for data without a single entry.
 [[nodiscard]] std::optional<std::string> encodedExif(Exiv2::ExifData &data, Exiv2::ByteOrder order);
 
-// `block` without the maker's notes and the preview; nothing when it cannot be read.
+// Returns `block` without the maker's notes and the preview, or nullopt if it cannot be read.
 [[nodiscard]] std::optional<std::string> exifWithoutNotes(std::string_view block);
 
 } // namespace fennick::picture

@@ -11,7 +11,7 @@ namespace fennick::picture {
 // is called; to be called before a process locks itself down.
 void prepareExiv2();
 
-// What `call`, which returns an optional, returns; nothing when it throws.
+// Returns the optional that `call` returns, or nullopt if it throws.
 template <typename Call>
 auto guarded(Call &&call) -> decltype(call()) {
   prepareExiv2();

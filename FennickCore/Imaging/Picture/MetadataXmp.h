@@ -36,7 +36,7 @@ struct XmpChange {
 // cannot be read and location may stay; otherwise an empty text.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
 
-// The same properties in as few bytes as possible; nothing when the packet cannot be read.
+// Returns the same properties in as few bytes as possible, or nullopt if the packet cannot be read.
 [[nodiscard]] std::optional<std::string> compactXmp(std::string_view packet);
 
 // Overwrites the digit of tiff:Orientation wherever the packet in `file` from `at` on states it; nothing

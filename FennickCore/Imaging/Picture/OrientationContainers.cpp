@@ -37,7 +37,8 @@ struct Replacement {
   }
 };
 
-// What `payload` says of EXIF with the orientation set; nothing when it is no EXIF or cannot take it.
+// Returns the EXIF data in `payload` with the orientation set, or nullopt if it is not EXIF or cannot hold
+// it.
 std::optional<std::string> turnedBlock(std::string_view payload, std::uint16_t orientation) {
   auto block = ExifBlock::parse(payload);
   if (!block)
@@ -96,7 +97,7 @@ std::optional<Replacement> jpegReplacement(std::string_view file, const std::vec
       at, at, jpegSegment(kAPP1, std::string(kExifPrefix) + ExifBlock::minimal(orientation)).value_or("")};
 }
 
-// The extended header that a simple file lacks; nothing when its picture's own header is damaged.
+// Builds the extended header that a simple file lacks. Returns nullopt if the picture's header is damaged.
 std::optional<std::string> extendedHeader(std::string_view file, const Chunk &picture) {
   const std::string_view payload = picture.payload(file);
   std::uint64_t width = 0, height = 0;

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// All that photo actions show over the window with the photos, and their keys: whoever has the keyboard there
+// All that photo actions show over the window with the photos, and their keys: the item that has focus there
 // forwards it (`Keys.forwardTo`), and calls `popup()` for the menu. New names of a single photo are typed where
 // the photo is.
 Item {

@@ -1,8 +1,8 @@
 import QtQuick
 import Tevrin
 
-// The photo that has the keyboard on the wall, over everything else in the window. Place it last in the window's
-// content and let it fill that; what it covers is best disabled while it is `opened`. It takes the keyboard.
+// The photo that has focus on the wall, over everything else in the window. Place it last in the window's
+// content and let it fill that; what it covers is best disabled while it is `opened`. It takes focus.
 FocusScope {
     id: look
 

@@ -10,7 +10,7 @@ FocusScope {
     readonly property bool renaming: box.visible
     property int bottomSpace: 0
 
-    // The person wants to see the photo that has the keyboard in full.
+    // The user wants to see the focused photo in full.
     signal lookedAt
     // A menu for the selected photos is wanted: at `tile`, or under the pointer without one.
     signal menuWanted(Item tile)
@@ -31,7 +31,7 @@ FocusScope {
         else if (Math.floor(place / plan.columns) === Math.floor((Wall.count - 1) / plan.columns))
             scrollBy(grid.height);
     }
-    // The photo that has the keyboard, where it stands.
+    // Renames the focused photo in its place.
     function rename() {
         if (Wall.currentIndex < 0)
             return;
@@ -70,7 +70,7 @@ FocusScope {
         onWantedChanged: restart()
         onTriggered: plan.pixels = wanted
     }
-    // Another photo has the keyboard; one that only moved, because others came, is not followed.
+    // Follows the focus to another photo, but not a focused photo that only moved because others arrived.
     Connections {
         property url followed
 

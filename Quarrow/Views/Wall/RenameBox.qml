@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// The name of the photo that has the keyboard, to be typed anew; what kind of file it is stays. Return and a
+// The name of the focused photo, to be typed anew; what kind of file it is stays. Return and a
 // click elsewhere take it, Escape leaves it; what does not work is said below.
 FocusScope {
     id: box
