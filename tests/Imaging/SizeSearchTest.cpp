@@ -35,7 +35,7 @@ TEST(SizeSearch, LowersQualityThenSizeAndStopsAtTheSmallestOrInTime) {
   };
   for (const auto &[request, longEdge, quality, withinMaxBytes, encodes] : rows) {
     SCOPED_TRACE(testing::Message() << request.maxBytes.value_or(0) << " bytes in "
-                                          << request.searchTime.value_or(Seconds(0)).count() << " s");
+                                    << request.searchTime.value_or(Seconds(0)).count() << " s");
     int made = 0;
     const auto encodeAt = [&](std::int64_t edge, double tried) { // takes ten seconds
       ++made;
