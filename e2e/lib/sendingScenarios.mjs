@@ -65,5 +65,20 @@ export function sendingScenarios(Browser) {
       await page.count('known', 1);
       assert.equal(program.saved().length, 2);
     });
+
+    test('videos that together would take too long are sent one at a time', { skip: Browser.name !== 'Chromium' && 'only Chromium can be made slow' }, async (t) => {
+      const program = await Program.start(t);
+      const page = await browser.visitor(t);
+      const from = scratch();
+      await page.ready(program.url);
+      await page.slow(100_000);
+      await page.choose([make(from, 'one.mp4', 40e6), make(from, 'two.mp4', 40e6)]);
+      await page.waitFor(() => /\/s/.test(document.querySelector('#sumPace').innerText), 'the speed to be known');
+      assert.deepEqual((await page.rows()).map((row) => row.state), ['sending', 'waiting']);
+      await page.slow(8_000_000);
+      await page.count('sending', 2);
+      await page.slow();
+      await page.done();
+    });
   });
 }

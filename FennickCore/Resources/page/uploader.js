@@ -1,7 +1,7 @@
 // ---- Uploader: sends the files, a few at a time
 
 const uploader = (function () {
-  const large = 32e6;            // with files this size two at a time fill the air
+  const large = 32e6;            // with files this size two at a time fill the air, and one until the speed is known
   const longest = 900;           // seconds; the computer closes a connection that lasts longer
   const tries = 5;               // for one file, while the computer is otherwise well
   const silence = 30000;         // no progress for this long: the connection is dead
@@ -33,13 +33,15 @@ const uploader = (function () {
     timer = setTimeout(pump, Math.max(50, time - now()));
   }
 
-  // How many files may be on their way together with this one.
+  // How many files may be on their way together with this one. Large files that share a slow connection could each take
+  // longer than the computer keeps a connection; how slow it is shows with the first one.
   function slots(item) {
     if (strikes) return 1;
-    const together = [item, ...active];
-    const slow = view.speed() && together.some((each) => 2 * each.file.size / view.speed() > 0.7 * longest);
-    if (slow) return 1;
-    return together.some((each) => each.file.size > large) ? 2 : 3;
+    const largest = Math.max(...[item, ...active].map((each) => each.file.size));
+    const most = largest > large ? 2 : 3;
+    const speed = view.speed();
+    if (!speed) return largest > large ? 1 : most;
+    return Math.max(1, Math.min(most, Math.floor(0.7 * longest * speed / largest)));
   }
 
   function pump() {
@@ -423,7 +425,7 @@ const uploader = (function () {
       if (asleep) item.movedAt = Math.max(item.movedAt, time - allowed + 8000);
       if (time - item.movedAt > allowed && item.xhr) item.xhr.abort();
     });
-    view.soon();
+    pump();
   }
 
   const leaving = (event) => {
