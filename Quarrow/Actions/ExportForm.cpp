@@ -46,10 +46,8 @@ template <typename T>
 void ExportForm::edit(T &field, const T &value) {
   if (std::exchange(field, value) == value)
     return;
-  services_.mainQueue.postAfter(kTypingPause, [this, edition = ++edition_, alive = std::weak_ptr(alive_)] {
-    if (alive.lock() && edition == edition_)
-      look();
-  });
+  edition_.cancel();
+  services_.mainQueue.postAfter(kTypingPause, edition_.guard([this] { look(); }));
   emit changed();
 }
 
@@ -104,7 +102,7 @@ void ExportForm::begin() {
   stage_ = Choosing;
   example_.clear();
   exampleCopy_.clear();
-  ++edition_;
+  edition_.cancel();
   look();
   emit changed();
 }
@@ -118,10 +116,7 @@ void ExportForm::look() {
                       .outlook = PhotoExport::outlook(file, options, decoder),
                       .canWriteHEIC = decoder.canEncodeHEIC()};
       },
-      [this, edition = edition_, alive = std::weak_ptr(alive_)](const Sample &sample) {
-        if (alive.lock() && edition == edition_)
-          show(sample);
-      });
+      edition_.guard([this](const Sample &sample) { show(sample); }));
 }
 
 void ExportForm::show(const Sample &sample) {
@@ -175,10 +170,7 @@ void ExportForm::apply() {
       count(),
       [photos = photos_, target = folder(), options = options(), services = services_](
           FileJobs::Ticket &ticket) { return exportAll(photos, target, options, services, ticket); },
-      [this, alive = std::weak_ptr(alive_)](Report report) {
-        if (alive.lock())
-          finish(std::move(report));
-      });
+      lifetime_.guard([this](Report report) { finish(std::move(report)); }));
   emit changed();
 }
 

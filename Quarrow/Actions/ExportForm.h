@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagingOptions.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Storage/PhotoExport.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/Failures.h"
@@ -116,7 +117,7 @@ private:
   FileJobs &jobs_;
   const std::function<Paths()> selected_;
   const std::function<std::filesystem::path()> saveFolder_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
 
   int longEdge_ = 2048;
   int mostKilobytes_ = 0;
@@ -133,7 +134,7 @@ private:
   QString remark_;
   Failures failures_;
   Paths copies_;
-  int edition_ = 0; // of what is chosen
+  fennick::Lifetime edition_; // of what is chosen
 };
 
 } // namespace quarrow

@@ -36,14 +36,14 @@ void FileJobs::stop() {
 std::shared_ptr<FileJobs::Ticket> FileJobs::begin(int steps) {
   auto ticket = std::make_shared<Ticket>();
   ticket->total_ = steps;
-  ticket->announce_ = [this, weak = std::weak_ptr(ticket), alive = std::weak_ptr(alive_)] {
-    mainQueue_.post([this, weak, alive] {
+  ticket->announce_ = [this, weak = std::weak_ptr(ticket), token = lifetime_.token()] {
+    mainQueue_.post(token.guard([this, weak] {
       const auto announced = weak.lock();
-      if (!announced || !alive.lock())
+      if (!announced)
         return;
       announced->announced_ = false;
       emit changed();
-    });
+    }));
   };
   tickets_.push_back(ticket);
   emit changed();
@@ -53,14 +53,12 @@ std::shared_ptr<FileJobs::Ticket> FileJobs::begin(int steps) {
 void FileJobs::post(std::shared_ptr<Ticket> ticket, std::function<std::function<void()>()> work) {
   if (!queue_)
     queue_ = std::make_unique<fennick::SerialQueue>("fennick.actions");
-  queue_->post([this, ticket = std::move(ticket), alive = std::weak_ptr(alive_), work = std::move(work)] {
-    mainQueue_.post([this, ticket, alive, finish = work()] {
-      if (!alive.lock())
-        return;
+  queue_->post([this, ticket = std::move(ticket), token = lifetime_.token(), work = std::move(work)] {
+    mainQueue_.post(token.guard([this, ticket, finish = work()] {
       if (ticket)
         end(ticket);
       finish();
-    });
+    }));
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
@@ -88,7 +89,7 @@ private:
   void end(const std::shared_ptr<Ticket> &ticket);
 
   fennick::MainQueue &mainQueue_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
   Tickets tickets_;                             // of work that is not over
   int finished_ = 0;                            // steps of work that is over, since last there was none
   std::unique_ptr<fennick::SerialQueue> queue_; // from the first work on; last: it uses the above

@@ -56,13 +56,11 @@ int PhotoActions::pictures() const {
 }
 
 Desktop::Failed PhotoActions::failedTo(const QString &what) {
-  return [this, what, alive = std::weak_ptr(alive_)](const std::string &reason) {
-    if (!alive.lock())
-      return;
+  return lifetime_.guard([this, what](const std::string &reason) {
     Failures failures;
     failures.add(selected_.empty() ? fs::path() : selected_.front(), reason);
     fail(what, std::move(failures));
-  };
+  });
 }
 
 void PhotoActions::open(bool evenMany) {
@@ -214,14 +212,12 @@ void PhotoActions::remember(Deed deed) {
 void PhotoActions::sortByDate() {
   if (!canSortByDate())
     return;
-  controller_.library().sortByDate([this, alive = std::weak_ptr(alive_)](const auto &stored) {
-    if (!alive.lock())
-      return;
+  controller_.library().sortByDate(lifetime_.guard([this](const auto &stored) {
     if (stored)
       say(tr("已按时间排列"), true);
     else
       failOrder(tr("没能按时间排列"), stored.error());
-  });
+  }));
 }
 
 void PhotoActions::undo() {
@@ -240,13 +236,12 @@ void PhotoActions::undo() {
 }
 
 void PhotoActions::undoArrangement(const Arrangement &arrangement) {
-  controller_.library().undo(arrangement.change,
-                             [this, arrangement, alive = std::weak_ptr(alive_)](const auto &stored) {
-                               if (stored || !alive.lock())
-                                 return;
-                               remember(arrangement);
-                               failOrder(tr("没能恢复之前的顺序，可按 Ctrl+Z 重试"), stored.error());
-                             });
+  controller_.library().undo(arrangement.change, lifetime_.guard([this, arrangement](const auto &stored) {
+    if (stored)
+      return;
+    remember(arrangement);
+    failOrder(tr("没能恢复之前的顺序，可按 Ctrl+Z 重试"), stored.error());
+  }));
 }
 
 void PhotoActions::failOrder(const QString &what, const std::error_code &reason) {
@@ -308,10 +303,11 @@ void PhotoActions::say(const QString &note, bool canBeUndone) {
 }
 
 void PhotoActions::hideNoteLater() {
-  services_.mainQueue.postAfter(kNoteTime, [this, number = ++noteNumber_, alive = std::weak_ptr(alive_)] {
-    if (alive.lock() && number == noteNumber_ && !noteHeld_)
+  noteTimer_.cancel();
+  services_.mainQueue.postAfter(kNoteTime, noteTimer_.guard([this] {
+    if (!noteHeld_)
       dismissNote();
-  });
+  }));
 }
 
 void PhotoActions::setNoteHeld(bool held) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Platform/Applications.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/ExportForm.h"
@@ -120,7 +121,7 @@ private:
 
   AppController &controller_;
   const ActionServices services_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
   std::vector<fennick::Subscription> subscriptions_;
 
   Paths selected_; // in the order of the wall
@@ -129,7 +130,7 @@ private:
   QString note_;
   bool noteCanBeUndone_ = false;
   bool noteHeld_ = false;
-  std::uint64_t noteNumber_ = 0;
+  fennick::Lifetime noteTimer_;
   QString failure_;
   Failures failures_;
 

@@ -50,7 +50,7 @@ void RenameForm::begin() {
   photos_ = selected_();
   appliesWhenReady_ = false;
   preview_.set({});
-  ++edition_;
+  edition_.cancel();
   look();
   emit changed();
 }
@@ -60,10 +60,8 @@ void RenameForm::edited() {
   ready_ = false;
   pending_ = true;
   appliesWhenReady_ = false;
-  services_.mainQueue.postAfter(kTypingPause, [this, edition = ++edition_, alive = std::weak_ptr(alive_)] {
-    if (alive.lock() && edition == edition_)
-      look();
-  });
+  edition_.cancel();
+  services_.mainQueue.postAfter(kTypingPause, edition_.guard([this] { look(); }));
   emit changed();
 }
 
@@ -72,15 +70,10 @@ void RenameForm::look() {
   pending_ = true;
   jobs_.ask([photos = photos_, numbering = numbering(),
              &files = services_.files] { return ops::numberedNames(photos, numbering, files); },
-            [this, edition = edition_, alive = std::weak_ptr(alive_)](const auto &names) {
-              if (alive.lock())
-                show(edition, names);
-            });
+            edition_.guard([this](const auto &names) { show(names); }));
 }
 
-void RenameForm::show(int edition, const ops::Result<Renamings> &names) {
-  if (edition != edition_)
-    return;
+void RenameForm::show(const ops::Result<Renamings> &names) {
   pending_ = false;
   problem_ = names ? QString() : previewProblem(names.error());
   if (names)

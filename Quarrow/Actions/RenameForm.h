@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/FileJobs.h"
@@ -68,14 +69,13 @@ private:
   [[nodiscard]] fennick::PhotoFileOps::Numbering numbering() const;
   void edited();
   void look();
-  void show(int edition, const fennick::PhotoFileOps::Result<Renamings> &names);
+  void show(const fennick::PhotoFileOps::Result<Renamings> &names);
   void end(bool renamed, const QString &problem);
 
   const ActionServices services_;
   FileJobs &jobs_;
   const std::function<Paths()> selected_;
   const Apply rename_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 
   QString prefix_;
   int digits_ = 3;
@@ -87,7 +87,7 @@ private:
   bool busy_ = false;
   bool pending_ = false; // what is entered was not looked at yet
   bool appliesWhenReady_ = false;
-  int edition_ = 0; // of what is entered
+  fennick::Lifetime edition_; // of what is entered
 };
 
 } // namespace quarrow

@@ -23,35 +23,32 @@ QClipboard &systemClipboard() { return *QGuiApplication::clipboard(); }
 Clipboard::Clipboard(fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue)
     : decoder_(decoder), mainQueue_(mainQueue) {}
 
-Clipboard::~Clipboard() { latest_ = 0; } // what waits to be rendered is not worth waiting for
+Clipboard::~Clipboard() { latest_.cancel(); } // nothing more is rendered
 
 void Clipboard::copy(const std::vector<std::filesystem::path> &files) {
-  const quint64 number = ++latest_;
+  latest_.cancel();
   offer(files, {});
   if (files.size() != 1 || fennick::isVideoName(files.front().filename().native()))
     return;
   if (!rendering_)
     rendering_ = std::make_unique<fennick::SerialQueue>("fennick.clipboard");
-  rendering_->post([this, number, file = files.front()] { render(number, file); });
+  rendering_->post([this, wanted = latest_.token(), file = files.front()] { render(wanted, file); });
 }
 
 // On the queue. Of many files that come at once only the last one's picture is wanted.
-void Clipboard::render(quint64 number, const std::filesystem::path &file) {
-  if (number != latest_)
+void Clipboard::render(const fennick::Lifetime::Token &wanted, const std::filesystem::path &file) {
+  if (wanted.isCancelled())
     return;
   const fennick::RenderRequest request{
       .output = fennick::PictureType::png, .longEdge = kMostPixels, .stripAllMetadata = true};
   const auto picture = decoder_.render(file, request, kRenderTimeout);
   if (!picture)
     return;
-  mainQueue_.post([this, alive = std::weak_ptr(alive_), number, file, png = picture->bytes] {
-    if (alive.lock())
-      addPicture(number, file, png);
-  });
+  mainQueue_.post(wanted.guard([this, file, png = picture->bytes] { addPicture(file, png); }));
 }
 
-void Clipboard::addPicture(quint64 number, const std::filesystem::path &file, const std::string &png) {
-  if (number == latest_ && !offered_.isNull() && systemClipboard().mimeData() == offered_)
+void Clipboard::addPicture(const std::filesystem::path &file, const std::string &png) {
+  if (!offered_.isNull() && systemClipboard().mimeData() == offered_)
     offer({file}, QByteArray::fromStdString(png));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 
@@ -9,7 +10,6 @@
 #include <QPointer>
 #include <QtGlobal>
 
-#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -37,14 +37,13 @@ public:
   void copy(const std::vector<std::filesystem::path> &files);
 
 private:
-  void render(quint64 number, const std::filesystem::path &file);
-  void addPicture(quint64 number, const std::filesystem::path &file, const std::string &png);
+  void render(const fennick::Lifetime::Token &wanted, const std::filesystem::path &file);
+  void addPicture(const std::filesystem::path &file, const std::string &png);
   void offer(const std::vector<std::filesystem::path> &files, const QByteArray &png);
 
   fennick::PictureDecoder &decoder_;
   fennick::MainQueue &mainQueue_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
-  std::atomic<quint64> latest_ = 0;                 // number of the last file that was copied
+  fennick::Lifetime latest_;                        // of the last file that was copied
   QPointer<QMimeData> offered_;                     // belongs to the clipboard while it is ours
   std::unique_ptr<fennick::SerialQueue> rendering_; // from the first picture on; last: it uses the above
 };

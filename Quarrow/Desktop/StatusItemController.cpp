@@ -26,11 +26,8 @@ void StatusItemController::panelLeft() {
 
 void StatusItemController::flash() {
   item_.setFace(TrayFace::received);
-  flashTask_ = std::make_shared<const int>();
-  mainQueue_.postAfter(kFlashLength, [this, task = std::weak_ptr(flashTask_)] {
-    if (!task.expired())
-      item_.setFace(TrayFace::normal);
-  });
+  flash_.cancel();
+  mainQueue_.postAfter(kFlashLength, flash_.guard([this] { item_.setFace(TrayFace::normal); }));
 }
 
 } // namespace quarrow

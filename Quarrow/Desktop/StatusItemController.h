@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "Quarrow/Desktop/TrayIcons.h"
 
@@ -50,7 +51,7 @@ private:
   Panel &panel_;
   fennick::MainQueue &mainQueue_;
   const fennick::Clock &clock_;
-  std::shared_ptr<const int> flashTask_; // the way back to the normal icon; the latest one counts
+  fennick::Lifetime flash_; // the way back to the normal icon; the latest one counts
   std::optional<fennick::Uptime> leftAt_;
 };
 

@@ -45,16 +45,12 @@ void LookPictures::ask(std::unique_ptr<fennick::SerialQueue> &queue,
                        std::function<void(const Answer &)> take) {
   if (!queue)
     queue = std::make_unique<fennick::SerialQueue>(&queue == &fullQueue_ ? "fennick.look.1" : "fennick.look");
-  queue->post([this, round = round_.load(), find = std::move(find), take = std::move(take)] {
+  queue->post([this, token = wanted_.token(), find = std::move(find), take = std::move(take)] {
     std::optional<Answer> answer;
-    while (!answer && round == round_)
+    while (!answer && !token.isCancelled())
       answer = find();
-    if (!answer)
-      return;
-    mainQueue_.post([this, alive = std::weak_ptr(alive_), round, answer = std::move(*answer), take] {
-      if (alive.lock() && round == round_)
-        take(answer);
-    });
+    if (answer)
+      mainQueue_.post(token.guard([answer = std::move(*answer), take] { take(answer); }));
   });
 }
 

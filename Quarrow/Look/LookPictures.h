@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Lifetime.h"
 #include "FennickCore/Platform/MainQueue.h"
 #include "FennickCore/Platform/SerialQueue.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
@@ -58,7 +59,7 @@ public:
   void askForFull(const std::filesystem::path &file, std::int64_t longEdge, TakePicture take);
   void askForFacts(const std::filesystem::path &file, TakeFacts take);
   // Nothing that was asked for so far is wanted any more.
-  void forget() { ++round_; }
+  void forget() { wanted_.cancel(); }
 
   // The longer side in which a picture of that size is decoded in full.
   [[nodiscard]] static std::int64_t fullEdge(std::int64_t width, std::int64_t height);
@@ -75,8 +76,7 @@ private:
   fennick::PictureDecoder &decoder_;
   fennick::MainQueue &mainQueue_;
   fennick::Thumbnails &thumbnails_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
-  std::atomic<std::uint64_t> round_ = 0;
+  fennick::Lifetime wanted_;
   // Each from its first task on; last: what runs on them uses the above.
   std::unique_ptr<fennick::SerialQueue> screenQueue_;
   std::unique_ptr<fennick::SerialQueue> fullQueue_;

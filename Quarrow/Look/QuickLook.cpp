@@ -85,7 +85,7 @@ void QuickLook::setShowsOriginal(bool shows) {
 
 void QuickLook::forget() {
   pictures_.forget();
-  ++lastSharpening_;
+  sharpening_.cancel();
   asksForFull_ = false;
   full_ = screen_ = QImage();
   facts_.reset();
@@ -137,7 +137,7 @@ void QuickLook::follow() {
   if (isNew)
     return load();
   pictures_.forget();
-  ++lastSharpening_;
+  sharpening_.cancel();
   asksForFull_ = false;
   full_ = QImage();
   pictures_.askForScreen(path(), [this](const QImage &picture) { take(picture); });
@@ -204,10 +204,8 @@ bool QuickLook::isSharpEnough() const {
 void QuickLook::sharpenSoon() {
   if (isSharpEnough())
     return;
-  mainQueue_.postAfter(kSharpenDelay, [this, alive = std::weak_ptr(alive_), number = ++lastSharpening_] {
-    if (alive.lock() && number == lastSharpening_)
-      sharpen();
-  });
+  sharpening_.cancel();
+  mainQueue_.postAfter(kSharpenDelay, sharpening_.guard([this] { sharpen(); }));
 }
 
 void QuickLook::sharpen() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/Look/LookPictures.h"
 
@@ -98,7 +99,6 @@ private:
 
   AppController &controller_;
   fennick::MainQueue &mainQueue_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
   bool open_ = false;
   QUrl file_;                                     // of the wall
   bool showsOriginal_ = false;                    // in its place
@@ -110,9 +110,9 @@ private:
   QImage screen_;
   QImage full_;
   bool asksForFull_ = false;
-  std::uint64_t lastSharpening_ = 0; // the pending one
-  std::optional<LookFacts> facts_;   // of the file, or of its original while that is shown
-  std::list<Ready> ready_;           // the latest first
+  fennick::Lifetime sharpening_;   // the pending one
+  std::optional<LookFacts> facts_; // of the file, or of its original while that is shown
+  std::list<Ready> ready_;         // the latest first
   fennick::Subscription items_;
   LookPictures pictures_; // last: it calls in
 };

@@ -131,11 +131,11 @@ ImagingForm::ImagingForm(AppController &controller, const FormServices &services
 void ImagingForm::setWatched(bool watched) {
   watched_ = watched;
   if (!watched) {
-    trial_.drop();
+    trial_.cancel();
     return;
   }
   if (!writesHEIC_)
-    heic_.ask([decoder = &services_.decoder] { return decoder->canEncodeHEIC(); });
+    heic_.request([decoder = &services_.decoder] { return decoder->canEncodeHEIC(); });
   tryLatest();
 }
 
@@ -161,7 +161,7 @@ void ImagingForm::tryLatest() {
   triedFile_ = file.value_or("");
   busy_ = file.has_value();
   if (file)
-    trial_.ask([file = *file, options = known_, decoder = &services_.decoder] {
+    trial_.request([file = *file, options = known_, decoder = &services_.decoder] {
       return PhotoExample::ofPhoto(file, options, *decoder);
     });
   else

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "FennickCore/Platform/LatestTask.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/SettingsForm/FormServices.h"
-#include "Quarrow/SettingsForm/Inquiry.h"
 #include "Quarrow/SettingsForm/PhotoExample.h"
 
 #include <QObject>
@@ -122,8 +122,8 @@ private:
   std::filesystem::path triedFile_;
   bool busy_ = false;
   bool watched_ = false;
-  Inquiry<bool> heic_;
-  Inquiry<std::optional<PhotoExample::Example>> trial_;
+  fennick::LatestTask<bool> heic_;
+  fennick::LatestTask<std::optional<PhotoExample::Example>> trial_;
   fennick::Subscription settings_;
   fennick::Subscription items_;
 };

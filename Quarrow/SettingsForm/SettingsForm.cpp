@@ -107,7 +107,7 @@ void SettingsForm::setWatched(bool watched) {
   if (watched)
     lookAgain();
   else
-    look_.drop();
+    look_.cancel();
 }
 
 void SettingsForm::follow(const AppSettings &settings) {
@@ -131,8 +131,8 @@ void SettingsForm::follow(const AppSettings &settings) {
 
 void SettingsForm::lookAgain() {
   if (watched_)
-    look_.ask([destination = controller_.makeDestination(), instant = services_.clock.now(),
-               files = &services_.files] { return lookAtUploadFolder(destination, instant, *files); });
+    look_.request([destination = controller_.makeDestination(), instant = services_.clock.now(),
+                   files = &services_.files] { return lookAtUploadFolder(destination, instant, *files); });
 }
 
 QString SettingsForm::error(Field field) const {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "FennickCore/Platform/LatestTask.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/SettingsForm/FormServices.h"
 #include "Quarrow/SettingsForm/ImagingForm.h"
-#include "Quarrow/SettingsForm/Inquiry.h"
 #include "Quarrow/SettingsForm/UploadFolder.h"
 #include "Quarrow/SettingsForm/WorkflowForm.h"
 
@@ -143,7 +143,7 @@ private:
   std::map<Field, QString> errors_;      // that stand
   UploadFolder next_;
   bool watched_ = false;
-  Inquiry<UploadFolder> look_;
+  fennick::LatestTask<UploadFolder> look_;
   ImagingForm imaging_;
   WorkflowForm workflow_;
   std::vector<fennick::Subscription> subscriptions_;

@@ -78,7 +78,7 @@ QString WorkflowForm::applicationError() const {
 void WorkflowForm::findApplications() {
   if (!std::exchange(searching_, true))
     emit searchingChanged();
-  search_.ask([] { return fennick::installedApplications("photo.jpg"); });
+  search_.request([] { return fennick::installedApplications("photo.jpg"); });
 }
 
 void WorkflowForm::chooseApplication(const QString &entry, const QString &name) {
@@ -106,7 +106,7 @@ void WorkflowForm::tryOut(Action action) {
   if (const auto latest = latestPhoto(controller_.library()))
     return tryWith(action, latest);
   asked_ = action;
-  sample_.ask([folder = services_.sampleFolder] { return samplePicture(folder); });
+  sample_.request([folder = services_.sampleFolder] { return samplePicture(folder); });
 }
 
 void WorkflowForm::tryWith(Action action, const Sample &sample) {
@@ -140,10 +140,9 @@ void WorkflowForm::open(const std::filesystem::path &file) {
     return setOutcome(Open, tr("先选一个应用"), true);
   setOutcome(Open, tr("已用“%1”打开 %2").arg(applicationName(), nameOf(file)));
   services_.desktop.openWith(QFile::encodeName(entry).toStdString(), file,
-                             [this, alive = std::weak_ptr(alive_)](const std::string &reason) {
-                               if (alive.lock())
-                                 setOutcome(Open, tr("没能打开：%1").arg(text(reason)), true);
-                             });
+                             lifetime_.guard([this](const std::string &reason) {
+                               setOutcome(Open, tr("没能打开：%1").arg(text(reason)), true);
+                             }));
 }
 
 void WorkflowForm::setOutcome(Action action, const QString &outcome, bool failed) {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "FennickCore/Platform/LatestTask.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/SettingsForm/ApplicationList.h"
 #include "Quarrow/SettingsForm/FormServices.h"
-#include "Quarrow/SettingsForm/Inquiry.h"
 
 #include <QObject>
 #include <QString>
@@ -95,9 +95,9 @@ private:
   std::array<QString, kActions> outcomes_;
   bool openingFailed_ = false;
   std::optional<Action> asked_; // waits for the sample
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
-  Inquiry<std::vector<fennick::InstalledApplication>> search_;
-  Inquiry<Sample> sample_;
+  fennick::Lifetime lifetime_;
+  fennick::LatestTask<std::vector<fennick::InstalledApplication>> search_;
+  fennick::LatestTask<Sample> sample_;
   fennick::Subscription settings_;
 };
 

@@ -180,10 +180,7 @@ void PhotoWall::setTileSize(int size) {
   emit tileSizeChanged();
   if (std::exchange(storesTileSize_, true))
     return;
-  mainQueue_.postAfter(kStoreDelay, [this, alive = std::weak_ptr(alive_)] {
-    if (alive.lock())
-      storeTileSize();
-  });
+  mainQueue_.postAfter(kStoreDelay, lifetime_.guard([this] { storeTileSize(); }));
 }
 
 void PhotoWall::storeTileSize() {
@@ -395,11 +392,11 @@ void PhotoWall::moveSelectionTo(int place) {
     (isMoved(item) ? moved : arranged).push_back(item.url);
   const auto before = next == shown.end() ? arranged.end() : std::ranges::find(arranged, next->url);
   arranged.insert(before, moved.begin(), moved.end());
-  controller_.library().reorder(arranged, [this, alive = std::weak_ptr(alive_)](const auto &stored) {
-    if (!stored && alive.lock())
+  controller_.library().reorder(arranged, lifetime_.guard([this](const auto &stored) {
+    if (!stored)
       controller_.reportProblem(
           tr("没能保存照片的顺序：%1").arg(QString::fromStdString(stored.error().message())).toStdString());
-  });
+  }));
 }
 
 } // namespace quarrow

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FennickCore/Platform/Lifetime.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/Wall/PhotoListModel.h"
 #include "Quarrow/Wall/TypeAhead.h"
@@ -144,7 +145,7 @@ private:
   AppController &controller_;
   fennick::Preferences &preferences_;
   fennick::MainQueue &mainQueue_;
-  const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
+  fennick::Lifetime lifetime_;
 
   Items known_; // of the library
   PhotoListModel model_;
