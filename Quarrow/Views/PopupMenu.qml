@@ -7,7 +7,7 @@ import Tevrin
 T.Menu {
     id: menu
 
-    property string icon // beside its name, in the menu that it is a part of
+    property string iconName // beside its name, in the menu that it is a part of
 
     // As wide as its widest entry; those that come later count as well.
     function widest() {

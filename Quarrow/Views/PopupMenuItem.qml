@@ -9,7 +9,7 @@ T.MenuItem {
 
     property string keys
     property bool grave: false
-    readonly property string sign: subMenu ? (subMenu as PopupMenu)?.icon ?? "" : icon.name
+    readonly property string sign: subMenu ? (subMenu as PopupMenu)?.iconName ?? "" : icon.name
     readonly property color ink: grave ? Theme.danger : Theme.text
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding

@@ -28,7 +28,7 @@ PopupMenu {
 
         objectName: "applications"
         title: qsTr("打开方式")
-        icon: "apps"
+        iconName: "apps"
         enabled: Actions.applications.length > 0
 
         Instantiator {
