@@ -117,9 +117,11 @@ const view = (function () {
     return sum;
   }
 
-  // Adding up is cheap but pointless sixty times a second; the last change is never lost.
+  // Adding up is cheap but pointless sixty times a second; the last change is never lost. What comes or goes above the
+  // rows does so together with them, so that nothing moves away under a finger.
   function summary() {
-    if (now() - summedAt < 100 && uploader.running()) {
+    const isShown = !$.sum.hidden && $.hold.hidden === !uploader.hold;
+    if (isShown && now() - summedAt < 100 && uploader.running()) {
       setTimeout(soon, 120);
       return;
     }
