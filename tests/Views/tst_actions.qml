@@ -46,6 +46,7 @@ TestCase {
         window.requestActivate();
         tryVerify(() => window.active);
         wall.forceActiveFocus();
+        tryVerify(() => wall.activeFocus);
         renames.clear();
     }
     function cleanup() {

@@ -36,6 +36,7 @@ TestCase {
         tryVerify(() => window.active);
         panel = createTemporaryObject(panelComponent, window.contentItem);
         panel.forceActiveFocus();
+        tryVerify(() => panel.activeFocus);
     }
     function find(name) {
         return findChild(panel, name);
