@@ -288,14 +288,7 @@ const uploader = (function () {
   // Asks about all unsure files at once. While the computer cannot be reached, the status itself asks on.
   function inquire(delay) {
     clearTimeout(inquiry);
-    inquiry = setTimeout(() => {
-      const asked = () => {
-        const asks = queue.list((item) => item.unsure).map((item) => item.asks);
-        const next = Math.min(3, ...asks);
-        if (asks.length && status.state === 'ok') inquire(next ? pause(next) : 200);
-      };
-      if (status.state !== 'key') status.ask().then(asked, asked);
-    }, delay);
+    inquiry = setTimeout(() => { if (status.state !== 'key') status.ask(); }, delay);
   }
 
   const unsure = () => queue.list((item) => item.unsure).map((item) => item.upload);
@@ -309,6 +302,9 @@ const uploader = (function () {
         .forEach((item) => queue.set(item, 'known', '已发送过 / Already sent'));
     }
     queue.list((item) => item.unsure).forEach((item) => settle(item, outcomes ? outcomes[item.upload] : { state: 'unknown' }));
+    const asks = queue.list((item) => item.unsure).map((item) => item.asks);
+    const next = Math.min(3, ...asks);
+    if (asks.length) inquire(next ? pause(next) : 200);
   }
 
   // An upload that is still being received has either not ended yet, or its connection is dead, which the computer
