@@ -1,6 +1,6 @@
 #include "bench/Measure.h"
 
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <fmt/format.h>
 

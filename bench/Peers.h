@@ -2,9 +2,9 @@
 
 #include "FennickCore/HTTP/HTTPServer.h"
 #include "FennickCore/HTTP/RateLimiter.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/ListeningSocket.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Network/ListeningSocket.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 #include "FennickCore/Upload/UploadRouter.h"
 
 #include <cstdint>

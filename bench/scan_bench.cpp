@@ -5,8 +5,8 @@
 //   scan_bench DISK_FOLDER [ROUNDS]
 
 #include "FennickCore/Imaging/DecoderPool.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "bench/Measure.h"
 #include "bench/Pictures.h"

@@ -2,7 +2,7 @@
 // grew.
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/ExifDetails.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "fuzz/Property.h"
 
 using namespace fennick::picture;

@@ -1,7 +1,7 @@
 // A request head from the network: parsed, asked everything a connection asks of it, and echoed.
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/HTTP/HTTPResponse.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "fuzz/Property.h"
 
 #include <algorithm>

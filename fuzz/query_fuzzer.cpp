@@ -1,6 +1,6 @@
 // The text behind the "?" of a request target, and percent escapes on their own.
 #include "FennickCore/HTTP/HTTPRequestHead.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "fuzz/Property.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "FennickCore/HTTP/Compression.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <zlib.h>
 

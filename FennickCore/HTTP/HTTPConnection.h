@@ -3,7 +3,7 @@
 #include "FennickCore/HTTP/HTTPLimits.h"
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
 #include "FennickCore/HTTP/RateLimiter.h"
-#include "FennickCore/Platform/ByteStream.h"
+#include "FennickCore/Platform/Network/ByteStream.h"
 
 #include <cstddef>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/HTTP/HTTPResponse.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "FennickCore/HTTP/HTTPResponse.h"
 
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <glib.h>

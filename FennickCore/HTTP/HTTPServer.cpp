@@ -1,7 +1,7 @@
 #include "FennickCore/HTTP/HTTPServer.h"
 
 #include "FennickCore/HTTP/PrivateAddress.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

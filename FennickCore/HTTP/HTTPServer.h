@@ -4,9 +4,9 @@
 #include "FennickCore/HTTP/HTTPLimits.h"
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
 #include "FennickCore/HTTP/RateLimiter.h"
-#include "FennickCore/Platform/ListeningSocket.h"
-#include "FennickCore/Platform/Mutex.h"
-#include "FennickCore/Platform/ThreadCache.h"
+#include "FennickCore/Platform/Network/ListeningSocket.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
+#include "FennickCore/Platform/Threads/ThreadCache.h"
 
 #include <condition_variable>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 #include "FennickCore/Imaging/DecoderPool.h"
 
-#include "FennickCore/Platform/Directories.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/MemoryFile.h"
+#include "FennickCore/Platform/Files/Directories.h"
+#include "FennickCore/Platform/Files/MemoryFile.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <fmt/format.h>
 

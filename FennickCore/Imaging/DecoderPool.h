@@ -2,10 +2,10 @@
 
 #include "FennickCore/Imaging/ImagingWire.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/ChildProcess.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/MessageSocket.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Processes/ChildProcess.h"
+#include "FennickCore/Platform/Processes/MessageSocket.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <array>
 #include <chrono>

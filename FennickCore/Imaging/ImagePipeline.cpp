@@ -3,7 +3,7 @@
 #include "FennickCore/Imaging/Originals.h"
 #include "FennickCore/Imaging/PictureCommit.h"
 #include "FennickCore/Imaging/ProcessingPlan.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <chrono>
 #include <string_view>

@@ -2,9 +2,9 @@
 
 #include "FennickCore/Imaging/ImagingOptions.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstdint>
 #include <expected>

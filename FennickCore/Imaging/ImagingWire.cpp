@@ -1,6 +1,6 @@
 #include "FennickCore/Imaging/ImagingWire.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 #include "FennickCore/Imaging/MediaTypes.h"
 
-#include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 #include "FennickCore/Imaging/Originals.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/FileAttributes.h"
-#include "FennickCore/Platform/FileCopy.h"
-#include "FennickCore/Platform/FreeName.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/Files/FileAttributes.h"
+#include "FennickCore/Platform/Files/FileCopy.h"
+#include "FennickCore/Platform/Files/FreeName.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <tuple>
 

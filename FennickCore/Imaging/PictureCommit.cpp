@@ -1,11 +1,11 @@
 #include "FennickCore/Imaging/PictureCommit.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/FileAttributes.h"
-#include "FennickCore/Platform/FreeName.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
+#include "FennickCore/Platform/Files/FileAttributes.h"
+#include "FennickCore/Platform/Files/FreeName.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <fmt/format.h>
 

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/Originals.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <filesystem>
 #include <string>

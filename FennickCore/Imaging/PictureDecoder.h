@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureTypes.h"
-#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstdint>
 #include <expected>

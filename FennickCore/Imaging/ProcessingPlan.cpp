@@ -1,7 +1,7 @@
 #include "FennickCore/Imaging/ProcessingPlan.h"
 
 #include "FennickCore/Imaging/ImageLimits.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Network/FirewallNftables.h"
 #include "FennickCore/Network/FirewallUfw.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <fmt/format.h>
 

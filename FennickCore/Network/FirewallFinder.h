@@ -2,7 +2,7 @@
 
 #include "FennickCore/Network/FirewallFinding.h"
 #include "FennickCore/Network/FirewallRules.h"
-#include "FennickCore/Platform/Firewalld.h"
+#include "FennickCore/Platform/Network/Firewalld.h"
 
 #include <cstdint>
 #include <filesystem>

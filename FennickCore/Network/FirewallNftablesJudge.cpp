@@ -1,5 +1,5 @@
 #include "FennickCore/Network/FirewallNftables.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <array>
 #include <functional>

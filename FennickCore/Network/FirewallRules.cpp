@@ -1,6 +1,6 @@
 #include "FennickCore/Network/FirewallRules.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 namespace fennick {
 

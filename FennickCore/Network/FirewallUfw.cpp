@@ -1,6 +1,6 @@
 #include "FennickCore/Network/FirewallUfw.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <ranges>
 #include <string>

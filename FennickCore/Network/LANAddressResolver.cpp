@@ -1,6 +1,6 @@
 #include "FennickCore/Network/LANAddressResolver.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Network/LANAddress.h"
 #include "FennickCore/Network/NetworkPath.h"
-#include "FennickCore/Platform/NetworkInterfaces.h"
+#include "FennickCore/Platform/Network/NetworkInterfaces.h"
 
 #include <map>
 #include <span>

@@ -1,7 +1,7 @@
 #include "FennickCore/Network/LocalNetworkProbe.h"
 
-#include "FennickCore/Platform/ClientSocket.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Network/ClientSocket.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 
 #include <algorithm>
 #include <array>

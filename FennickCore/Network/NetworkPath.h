@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/NetworkInterfaces.h"
+#include "FennickCore/Platform/Network/NetworkInterfaces.h"
 
 #include <span>
 #include <string>

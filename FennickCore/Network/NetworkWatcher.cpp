@@ -1,10 +1,10 @@
 #include "FennickCore/Network/NetworkWatcher.h"
 
 #include "FennickCore/Network/LANAddressResolver.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/RouteMonitor.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Network/RouteMonitor.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 
 #include <algorithm>
 #include <optional>

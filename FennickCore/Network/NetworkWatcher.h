@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Network/LANAddress.h"
-#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 
 #include <functional>
 #include <memory>

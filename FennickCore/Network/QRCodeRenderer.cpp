@@ -1,6 +1,6 @@
 #include "FennickCore/Network/QRCodeRenderer.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <qrencode.h>
 

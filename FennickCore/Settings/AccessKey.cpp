@@ -1,7 +1,7 @@
 #include "FennickCore/Settings/AccessKey.h"
 
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <cstdlib>
 

@@ -1,7 +1,7 @@
 #include "FennickCore/Settings/FolderBookmark.h"
 
-#include "FennickCore/Platform/Directories.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/Directories.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <fmt/format.h>
 

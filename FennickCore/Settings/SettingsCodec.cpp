@@ -1,8 +1,8 @@
 #include "FennickCore/Settings/SettingsCodec.h"
 
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/SettingsFields.h"
 #include "FennickCore/Settings/SettingsReading.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,9 +1,9 @@
 #include "FennickCore/Settings/SettingsOverride.h"
 
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/SettingsFields.h"
 #include "FennickCore/Settings/SettingsReading.h"
 #include "FennickCore/Settings/SettingsRules.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,7 +1,7 @@
 #include "FennickCore/Settings/SettingsReading.h"
 
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/SettingsFields.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,8 +1,8 @@
 #include "FennickCore/Settings/SettingsRules.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
+#include "FennickCore/Support/Text.h"
 
 namespace fennick {
 

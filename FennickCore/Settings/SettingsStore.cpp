@@ -1,6 +1,6 @@
 #include "FennickCore/Settings/SettingsStore.h"
 
-#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Platform/Files/Preferences.h"
 #include "FennickCore/Settings/AccessKey.h"
 #include "FennickCore/Settings/SettingsChanges.h"
 #include "FennickCore/Settings/SettingsCodec.h"

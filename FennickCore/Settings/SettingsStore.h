@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Observers.h"
 #include "FennickCore/Settings/AppSettings.h"
+#include "FennickCore/Support/Observers.h"
 
 #include <functional>
 #include <string>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/DirectoryWatch.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/DirectoryWatch.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 #include "FennickCore/Storage/TakenNames.h"
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/FolderPruner.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <algorithm>
 #include <span>

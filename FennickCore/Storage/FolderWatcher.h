@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FennickCore/Platform/DirectoryWatch.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Files/DirectoryWatch.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 
 #include <filesystem>
 #include <functional>

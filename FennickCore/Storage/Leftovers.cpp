@@ -1,11 +1,11 @@
 #include "FennickCore/Storage/Leftovers.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/FreeName.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/FreeName.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
 #include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 

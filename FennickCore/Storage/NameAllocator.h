@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/FolderListings.h"
 #include "FennickCore/Storage/SaveDestination.h"
 

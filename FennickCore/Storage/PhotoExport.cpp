@@ -1,10 +1,10 @@
 #include "FennickCore/Storage/PhotoExport.h"
 
 #include "FennickCore/Imaging/ProcessingPlan.h"
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/FileCopy.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/FreeName.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
+#include "FennickCore/Platform/Files/FileCopy.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Files/FreeName.h"
 #include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Storage/PhotoItem.h"
 

@@ -2,7 +2,7 @@
 
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/ImagingOptions.h"
-#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstdint>
 #include <expected>

@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/PhotoFileOps.h"
 
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <glib.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 #include "FennickCore/Storage/PhotoItem.h"
 
 #include <cstdint>

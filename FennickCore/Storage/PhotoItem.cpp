@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/PhotoItem.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
 
 namespace fennick {
 

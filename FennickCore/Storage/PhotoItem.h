@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstdint>
 #include <filesystem>

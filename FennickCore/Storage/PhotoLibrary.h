@@ -1,17 +1,17 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Mutex.h"
-#include "FennickCore/Platform/Observers.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/PhotoItem.h"
 #include "FennickCore/Storage/PhotoOrder.h"
 #include "FennickCore/Storage/PhotoScan.h"
 #include "FennickCore/Storage/PictureSizes.h"
+#include "FennickCore/Support/Observers.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,11 +1,11 @@
 #include "FennickCore/Storage/PhotoOrder.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
 #include "FennickCore/Storage/Leftovers.h"
+#include "FennickCore/Support/Text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -1,10 +1,10 @@
 #include "FennickCore/Storage/PhotoOrigin.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/FileAttributes.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/FileAttributes.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstddef>
 #include <filesystem>

@@ -1,6 +1,6 @@
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/FileAttributes.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
+#include "FennickCore/Platform/Files/FileAttributes.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/SaveDestination.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
 
 #include <fmt/format.h>
 

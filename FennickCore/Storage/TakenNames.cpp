@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/TakenNames.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/MemoryCache.h"
 #include "FennickCore/Storage/ThumbnailStore.h"
 

@@ -1,8 +1,8 @@
 #include "FennickCore/Storage/ThumbnailStore.h"
 
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
 #include "FennickCore/Storage/Leftovers.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <glib.h>

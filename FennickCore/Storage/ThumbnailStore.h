@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "FennickCore/Upload/FileImporter.h"
 
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 

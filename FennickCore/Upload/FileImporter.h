@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Upload/IncomingFolder.h"

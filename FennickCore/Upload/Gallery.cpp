@@ -1,9 +1,9 @@
 #include "FennickCore/Upload/Gallery.h"
 
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
 #include "FennickCore/Storage/PhotoOrder.h"
+#include "FennickCore/Support/Text.h"
 #include "FennickCore/Upload/FileTypeSniffer.h"
 
 #include <fmt/format.h>

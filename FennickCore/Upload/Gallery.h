@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <cstdint>
 #include <filesystem>

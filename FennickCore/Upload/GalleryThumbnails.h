@@ -2,7 +2,7 @@
 
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/HTTP/HTTPResponse.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/Thumbnails.h"
 
 #include <filesystem>

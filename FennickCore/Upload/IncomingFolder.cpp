@@ -1,9 +1,9 @@
 #include "FennickCore/Upload/IncomingFolder.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/DirectoryWatch.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/Files/DirectoryWatch.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <fmt/format.h>
 

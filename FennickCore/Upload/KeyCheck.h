@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <functional>
 #include <string>

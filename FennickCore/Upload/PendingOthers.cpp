@@ -1,8 +1,8 @@
 // The part of PendingPhotos that is about records which somebody else wrote, and about what phones see.
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/DirectoryWatch.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Files/DirectoryWatch.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/PhotoSearch.h"
 

@@ -3,10 +3,10 @@
 #include "FennickCore/Imaging/ImagePipeline.h"
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Imaging/ProcessingPlan.h"
-#include "FennickCore/Platform/AsideFile.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/PathComponent.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/Files/AsideFile.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
 #include "FennickCore/Upload/PhotoSearch.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagingOptions.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "FennickCore/Upload/IncomingFolder.h"
 #include "FennickCore/Upload/PendingRecord.h"

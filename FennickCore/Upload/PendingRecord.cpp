@@ -1,6 +1,6 @@
 #include "FennickCore/Upload/PendingRecord.h"
 
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/System/Random.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagingOptions.h"
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Upload/UploadRecord.h"
 
 #include <cstdint>

@@ -1,10 +1,10 @@
 #include "FennickCore/Upload/PhonePage.h"
 
-#include "FennickCore/Platform/Directories.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Random.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/Directories.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/System/Random.h"
+#include "FennickCore/Support/Text.h"
 
 #include <array>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <cstdint>
 #include <functional>

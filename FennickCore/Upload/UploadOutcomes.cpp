@@ -1,6 +1,6 @@
 #include "FennickCore/Upload/UploadOutcomes.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Upload/PhotoSearch.h"
 
 #include <fmt/format.h>

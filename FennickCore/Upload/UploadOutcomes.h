@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FennickCore/HTTP/HTTPResponse.h"
-#include "FennickCore/Platform/AppendedFile.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/AppendedFile.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "FennickCore/Upload/UploadRouter.h"
 
 #include "FennickCore/HTTP/Compression.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Support/Text.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "FennickCore/Upload/UploadQuery.h"
 

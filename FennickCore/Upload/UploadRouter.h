@@ -2,8 +2,8 @@
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
 #include "FennickCore/HTTP/SlidingWindowLimiter.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Upload/GalleryThumbnails.h"

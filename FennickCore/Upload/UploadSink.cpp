@@ -1,6 +1,6 @@
 #include "FennickCore/Upload/UploadSink.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <fmt/format.h>
 

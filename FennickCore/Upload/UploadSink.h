@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 #include "FennickCore/Storage/NameAllocator.h"
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Upload/FileTypeSniffer.h"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "Quarrow/App/Desktop.h"
 
 namespace quarrow {

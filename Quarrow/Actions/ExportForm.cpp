@@ -1,8 +1,8 @@
 #include "Quarrow/Actions/ExportForm.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Storage/Leftovers.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagingOptions.h"
-#include "FennickCore/Platform/Lifetime.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoExport.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/Failures.h"

@@ -1,6 +1,6 @@
 #include "Quarrow/Actions/Failures.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 namespace quarrow {
 

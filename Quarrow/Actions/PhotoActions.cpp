@@ -15,7 +15,7 @@ namespace ops = fennick::PhotoFileOps;
 namespace {
 
 constexpr fennick::Seconds kNoteTime{8};
-using Application = fennick::InstalledApplication;
+using Application = applications::InstalledApplication;
 
 constexpr std::size_t kMostDeeds = 50; // that are remembered
 
@@ -79,7 +79,7 @@ void PhotoActions::openWith(const QString &application) {
 void PhotoActions::lookForApplications() {
   if (selected_.empty())
     return;
-  jobs_.ask([file = selected_.front()] { return fennick::installedApplications(file); },
+  jobs_.ask([file = selected_.front()] { return applications::installedApplications(file); },
             [this](const auto &installed) {
               const bool someSuit = std::ranges::any_of(installed, &Application::isMadeForIt);
               QVariantList found;

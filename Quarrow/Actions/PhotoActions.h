@@ -1,7 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Applications.h"
-#include "FennickCore/Platform/Lifetime.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/ExportForm.h"
@@ -9,6 +8,7 @@
 #include "Quarrow/Actions/PhotoUndo.h"
 #include "Quarrow/Actions/RenameForm.h"
 #include "Quarrow/App/AppController.h"
+#include "Quarrow/App/Applications.h"
 
 #include <QObject>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "Quarrow/Actions/PhotoUndo.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <algorithm>
 #include <utility>

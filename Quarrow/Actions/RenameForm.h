@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Lifetime.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/FileJobs.h"

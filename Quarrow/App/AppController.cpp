@@ -1,6 +1,6 @@
 #include "Quarrow/App/AppController.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Upload/Gallery.h"
 #include "Quarrow/App/GalleryFolder.h"
 #include "Quarrow/App/ReceivedNote.h"

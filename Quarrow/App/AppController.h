@@ -1,12 +1,12 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Preferences.h"
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Files/Preferences.h"
+#include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "FennickCore/Settings/FolderBookmark.h"
 #include "FennickCore/Settings/SettingsStore.h"
 #include "FennickCore/Storage/PhotoLibrary.h"

@@ -1,8 +1,8 @@
 #include "Quarrow/App/ArrivalActions.h"
 
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Settings/FolderBookmark.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 

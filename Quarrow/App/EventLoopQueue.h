@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FennickCore/Platform/EventSources.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/System/EventSources.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <QSocketNotifier>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "FennickCore/Upload/IncomingFolder.h"
 
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "Quarrow/App/FolderLimit.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Storage/FolderPruner.h"
 
 #include <fmt/format.h>

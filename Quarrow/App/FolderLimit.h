@@ -1,9 +1,9 @@
 #pragma once
 
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/SerialQueue.h"
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 
 #include <atomic>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "Quarrow/App/PhoneServer.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <fmt/format.h>
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "FennickCore/HTTP/HTTPServer.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/UploadRouter.h"
 

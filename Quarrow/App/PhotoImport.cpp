@@ -1,9 +1,9 @@
 #include "Quarrow/App/PhotoImport.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/PhotoItem.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QStringList>
 

@@ -1,6 +1,6 @@
 #include "Quarrow/App/PhotoProcessing.h"
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Storage/PhotoItem.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
 #include "Quarrow/App/ReceivedNote.h"

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagePipeline.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Mutex.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "FennickCore/Upload/PendingPhotos.h"
 #include "FennickCore/Upload/UploadRecord.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/SaveDestination.h"
 #include "FennickCore/Upload/UploadRouter.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "FennickCore/Settings/SettingsStore.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "FennickCore/Storage/SaveDestination.h"

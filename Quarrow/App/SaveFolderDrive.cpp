@@ -1,6 +1,6 @@
 #include "Quarrow/App/SaveFolderDrive.h"
 
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <algorithm>
 

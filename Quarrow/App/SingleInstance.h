@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/InstanceGuard.h"
+#include "FennickCore/Platform/Processes/InstanceGuard.h"
 
 #include <QSocketNotifier>
 

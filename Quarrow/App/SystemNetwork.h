@@ -3,9 +3,9 @@
 #include "FennickCore/Network/FirewallFinder.h"
 #include "FennickCore/Network/LocalNetworkProbe.h"
 #include "FennickCore/Network/NetworkWatcher.h"
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "Quarrow/App/LocalNetwork.h"
 
 #include <memory>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Observers.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "FennickCore/Storage/Thumbnails.h"
+#include "FennickCore/Support/Observers.h"
 
 #include <filesystem>
 

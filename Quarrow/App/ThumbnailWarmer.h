@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Lifetime.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 #include "FennickCore/Storage/Thumbnails.h"
 #include "FennickCore/Upload/Gallery.h"
 

@@ -1,6 +1,6 @@
 #include "Quarrow/Desktop/AppDesktop.h"
 
-#include "FennickCore/Platform/Applications.h"
+#include "Quarrow/App/Applications.h"
 
 #include <QCoreApplication>
 
@@ -49,12 +49,12 @@ void AppDesktop::closeAll() {
 }
 
 void AppDesktop::openWith(const std::filesystem::path &application, const Paths &files, Failed failed) {
-  if (const auto opened = fennick::openWith(application, files); !opened)
+  if (const auto opened = applications::openWith(application, files); !opened)
     failed(opened.error());
 }
 
 void AppDesktop::open(const Paths &files, Failed failed) {
-  if (const auto opened = fennick::openFiles(files); !opened)
+  if (const auto opened = applications::openFiles(files); !opened)
     failed(opened.error());
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "Quarrow/App/Desktop.h"
 #include "Quarrow/Desktop/Chime.h"
 #include "Quarrow/Desktop/ChimeOutput.h"

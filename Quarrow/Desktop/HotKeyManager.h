@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "Quarrow/Desktop/HotKeyBackend.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "Quarrow/Desktop/LaunchOptions.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,8 @@
 #include "Quarrow/Desktop/LoginItem.h"
 
-#include "FennickCore/Platform/Directories.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Platform/Files/Directories.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 

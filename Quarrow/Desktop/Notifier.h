@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/SerialQueue.h"
+#include "FennickCore/Platform/Threads/SerialQueue.h"
 
 #include <QByteArray>
 #include <QDBusConnection>

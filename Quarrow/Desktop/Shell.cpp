@@ -1,6 +1,6 @@
 #include "Quarrow/Desktop/Shell.h"
 
-#include "FennickCore/Platform/Applications.h"
+#include "Quarrow/App/Applications.h"
 #include "Quarrow/Desktop/HotKeyManager.h"
 
 #include <QClipboard>
@@ -83,7 +83,7 @@ void Shell::copyText(const QString &text) { QGuiApplication::clipboard()->setTex
 
 void Shell::openSaveFolder() {
   const auto folder = controller_.server().saveFolder().value_or("");
-  if (const auto opened = fennick::openFolder(folder); !opened)
+  if (const auto opened = applications::openFolder(folder); !opened)
     controller_.reportProblem(opened.error());
 }
 

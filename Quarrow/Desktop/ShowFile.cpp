@@ -1,7 +1,7 @@
 #include "Quarrow/Desktop/ShowFile.h"
 
-#include "FennickCore/Platform/Applications.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "Quarrow/App/Applications.h"
 #include "Quarrow/Desktop/DBusCall.h"
 
 #include <QFile>
@@ -22,7 +22,7 @@ void logFailure(const std::expected<void, std::string> &result) {
 
 } // namespace
 
-void openFile(const std::filesystem::path &file) { logFailure(fennick::openFile(file)); }
+void openFile(const std::filesystem::path &file) { logFailure(applications::openFile(file)); }
 
 void showInFolder(const std::vector<std::filesystem::path> &files, const QDBusConnection &bus,
                   QObject &context) {
@@ -37,7 +37,7 @@ void showInFolder(const std::vector<std::filesystem::path> &files, const QDBusCo
   call << addresses << QString();
   callAsync(bus, call, context, [folder = files.front().parent_path()](const QDBusMessage &reply) {
     if (reply.type() == QDBusMessage::ErrorMessage)
-      logFailure(fennick::openFolder(folder));
+      logFailure(applications::openFolder(folder));
   });
 }
 

@@ -1,6 +1,6 @@
 #include "Quarrow/Look/LookPictures.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/PhotoItem.h"
 
 #include <QByteArray>

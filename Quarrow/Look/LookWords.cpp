@@ -1,6 +1,6 @@
 #include "Quarrow/Look/LookWords.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

@@ -1,6 +1,6 @@
 #include "Quarrow/Look/QuickLook.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/Look/LookWords.h"
 
 #include <QFile>

@@ -9,7 +9,7 @@
 
 namespace quarrow {
 
-void ApplicationList::setApplications(std::vector<fennick::InstalledApplication> applications) {
+void ApplicationList::setApplications(std::vector<applications::InstalledApplication> applications) {
   all_ = std::move(applications);
   narrow();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Applications.h"
+#include "Quarrow/App/Applications.h"
 
 #include <QAbstractListModel>
 #include <QString>
@@ -25,7 +25,7 @@ public:
 
   using QAbstractListModel::QAbstractListModel;
 
-  void setApplications(std::vector<fennick::InstalledApplication> applications);
+  void setApplications(std::vector<applications::InstalledApplication> applications);
   [[nodiscard]] QString search() const { return search_; }
   void setSearch(const QString &search);
   [[nodiscard]] int count() const { return static_cast<int>(shown_.size()); }
@@ -41,8 +41,8 @@ signals:
 private:
   void narrow();
 
-  std::vector<fennick::InstalledApplication> all_;
-  std::vector<fennick::InstalledApplication> shown_;
+  std::vector<applications::InstalledApplication> all_;
+  std::vector<applications::InstalledApplication> shown_;
   QString search_;
 };
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "FennickCore/Imaging/PictureDecoder.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/MainQueue.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Clock.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
 #include "Quarrow/App/Desktop.h"
 
 #include <filesystem>

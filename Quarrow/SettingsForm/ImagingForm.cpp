@@ -1,7 +1,7 @@
 #include "Quarrow/SettingsForm/ImagingForm.h"
 
 #include "FennickCore/Imaging/PictureTypes.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QVariantMap>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/LatestTask.h"
+#include "FennickCore/Platform/Threads/LatestTask.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/SettingsForm/FormServices.h"
 #include "Quarrow/SettingsForm/PhotoExample.h"

@@ -1,8 +1,8 @@
 #include "Quarrow/SettingsForm/SettingsForm.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/SettingsRules.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QFile>
 #include <QVariantMap>

@@ -1,6 +1,6 @@
 #include "Quarrow/SettingsForm/WorkflowForm.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/SettingsForm/ImagingForm.h"
 #include "Quarrow/SettingsForm/SamplePicture.h"
 
@@ -78,7 +78,7 @@ QString WorkflowForm::applicationError() const {
 void WorkflowForm::findApplications() {
   if (!std::exchange(searching_, true))
     emit searchingChanged();
-  search_.request([] { return fennick::installedApplications("photo.jpg"); });
+  search_.request([] { return applications::installedApplications("photo.jpg"); });
 }
 
 void WorkflowForm::chooseApplication(const QString &entry, const QString &name) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/LatestTask.h"
+#include "FennickCore/Platform/Threads/LatestTask.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/SettingsForm/ApplicationList.h"
 #include "Quarrow/SettingsForm/FormServices.h"
@@ -96,7 +96,7 @@ private:
   bool openingFailed_ = false;
   std::optional<Action> asked_; // waits for the sample
   fennick::Lifetime lifetime_;
-  fennick::LatestTask<std::vector<fennick::InstalledApplication>> search_;
+  fennick::LatestTask<std::vector<applications::InstalledApplication>> search_;
   fennick::LatestTask<Sample> sample_;
   fennick::Subscription settings_;
 };

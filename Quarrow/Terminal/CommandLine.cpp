@@ -1,6 +1,6 @@
 #include "Quarrow/Terminal/CommandLine.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <glib.h>

@@ -1,6 +1,6 @@
 #include "Quarrow/Terminal/TerminalDesktop.h"
 
-#include "FennickCore/Platform/Applications.h"
+#include "Quarrow/App/Applications.h"
 
 namespace quarrow {
 
@@ -16,19 +16,19 @@ void TerminalDesktop::show(Window window) {
 }
 
 void TerminalDesktop::openWith(const std::filesystem::path &application, const Paths &files, Failed failed) {
-  if (const auto opened = fennick::openWith(application, files); !opened)
+  if (const auto opened = applications::openWith(application, files); !opened)
     failed(opened.error());
 }
 
 void TerminalDesktop::open(const Paths &files, Failed failed) {
-  if (const auto opened = fennick::openFiles(files); !opened)
+  if (const auto opened = applications::openFiles(files); !opened)
     failed(opened.error());
 }
 
 void TerminalDesktop::showInFolder(const Paths &files) {
   if (files.empty())
     return;
-  if (const auto opened = fennick::openFolder(files.front().parent_path()); !opened)
+  if (const auto opened = applications::openFolder(files.front().parent_path()); !opened)
     report_.notice(opened.error());
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/KeyboardInput.h"
+#include "FennickCore/Platform/System/KeyboardInput.h"
 
 #include <QSocketNotifier>
 

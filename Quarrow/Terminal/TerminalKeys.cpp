@@ -1,6 +1,6 @@
 #include "Quarrow/Terminal/TerminalKeys.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/App/AppController.h"
 
 #include <fmt/format.h>

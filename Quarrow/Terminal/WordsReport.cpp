@@ -1,6 +1,6 @@
 #include "Quarrow/Terminal/WordsReport.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/Terminal/TerminalQR.h"
 
 #include <fmt/format.h>

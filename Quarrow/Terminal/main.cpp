@@ -1,19 +1,19 @@
 // The terminal program: builds its objects in order, wires them and runs until a signal or a key ends it.
 
 #include "FennickCore/Imaging/DecoderPool.h"
-#include "FennickCore/Platform/Applications.h"
-#include "FennickCore/Platform/Clock.h"
-#include "FennickCore/Platform/Directories.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/InstanceGuard.h"
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/Preferences.h"
-#include "FennickCore/Platform/Process.h"
-#include "FennickCore/Platform/Text.h"
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/Directories.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Files/Preferences.h"
+#include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Platform/Processes/InstanceGuard.h"
+#include "FennickCore/Platform/Processes/Process.h"
+#include "FennickCore/Platform/System/Log.h"
+#include "FennickCore/Platform/Threads/Clock.h"
 #include "FennickCore/Settings/SettingsOverride.h"
 #include "FennickCore/Settings/SettingsStore.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/App/AppController.h"
+#include "Quarrow/App/Applications.h"
 #include "Quarrow/App/EventLoopQueue.h"
 #include "Quarrow/App/SingleInstance.h"
 #include "Quarrow/App/SystemNetwork.h"
@@ -97,7 +97,7 @@ void showNextAddress(quarrow::AppController &controller, quarrow::Report &report
 
 void openSaveFolder(quarrow::AppController &controller, quarrow::Report &report) {
   const auto folder = controller.server().saveFolder().value_or("");
-  if (const auto opened = fennick::openFolder(folder); !opened)
+  if (const auto opened = quarrow::applications::openFolder(folder); !opened)
     report.notice(fmt::format("{}\n  {}", opened.error(),
                               fennick::withoutControls(fennick::displayText(folder.string()))));
 }

@@ -1,6 +1,6 @@
 #include "Quarrow/Views/Arrivals.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/Views/Registration.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "Quarrow/Wall/PhotoListModel.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 #include "Quarrow/Wall/WallThumbnails.h"
 
 #include <QDateTime>

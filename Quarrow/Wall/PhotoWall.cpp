@@ -1,6 +1,6 @@
 #include "Quarrow/Wall/PhotoWall.h"
 
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <QClipboard>
 #include <QFile>

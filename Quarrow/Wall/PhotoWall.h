@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Lifetime.h"
+#include "FennickCore/Platform/Threads/Lifetime.h"
 #include "Quarrow/App/AppController.h"
 #include "Quarrow/Wall/PhotoListModel.h"
 #include "Quarrow/Wall/TypeAhead.h"

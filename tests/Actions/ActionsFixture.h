@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "Quarrow/Actions/PhotoActions.h"
 #include "tests/App/HandNetwork.h"
 #include "tests/App/RecordingDesktop.h"

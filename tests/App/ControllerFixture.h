@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "Quarrow/App/AppController.h"
 #include "tests/App/HandNetwork.h"
 #include "tests/App/RecordingDesktop.h"

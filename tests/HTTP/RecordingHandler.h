@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/HTTP/HTTPRequestHandler.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <atomic>
 #include <functional>

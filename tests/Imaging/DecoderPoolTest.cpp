@@ -1,5 +1,5 @@
 #include "FennickCore/Imaging/DecoderPool.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

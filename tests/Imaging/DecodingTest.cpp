@@ -5,7 +5,8 @@
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

@@ -6,7 +6,7 @@
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCompanions.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "tests/Imaging/PictureSamples.h"
 #include "tests/Support/TemporaryFolder.h"
 

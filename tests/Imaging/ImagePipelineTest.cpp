@@ -1,8 +1,8 @@
 #include "FennickCore/Imaging/ImagePipeline.h"
 
 #include "FennickCore/Imaging/ProcessingPlan.h"
-#include "FennickCore/Platform/FileStatus.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/KillAtEveryChange.h"

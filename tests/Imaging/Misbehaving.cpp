@@ -2,9 +2,9 @@
 // A picture that begins with "good" is answered properly.
 
 #include "FennickCore/Imaging/ImagingWire.h"
-#include "FennickCore/Platform/ChildProcess.h"
-#include "FennickCore/Platform/MemoryFile.h"
-#include "FennickCore/Platform/MessageSocket.h"
+#include "FennickCore/Platform/Files/MemoryFile.h"
+#include "FennickCore/Platform/Processes/ChildProcess.h"
+#include "FennickCore/Platform/Processes/MessageSocket.h"
 
 #include <sys/mman.h>
 #include <sys/resource.h>

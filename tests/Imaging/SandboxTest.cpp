@@ -1,6 +1,6 @@
 #include "FennickCore/Imaging/Picture/Sandbox.h"
 
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "Quarrow/Look/QuickLook.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "tests/App/ControllerFixture.h"
 
 #include <QBuffer>

@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/Firewalld.h"
+#include "FennickCore/Platform/Network/Firewalld.h"
 
 #include "tests/Support/TemporaryFolder.h"
 

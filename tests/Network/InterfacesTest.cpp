@@ -1,7 +1,7 @@
 #include "FennickCore/Network/LocalNetworkProbe.h"
 #include "FennickCore/Network/NetworkWatcher.h"
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/RouteMonitor.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Network/RouteMonitor.h"
 #include "tests/Support/ManualQueue.h"
 
 #include <fcntl.h>

@@ -1,7 +1,7 @@
 #include "FennickCore/Network/LocalNetworkProbe.h"
 
-#include "FennickCore/Platform/ByteStream.h"
-#include "FennickCore/Platform/ListeningSocket.h"
+#include "FennickCore/Platform/Network/ByteStream.h"
+#include "FennickCore/Platform/Network/ListeningSocket.h"
 
 #include <gtest/gtest.h>
 

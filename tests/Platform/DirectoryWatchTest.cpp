@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/DirectoryWatch.h"
+#include "FennickCore/Platform/Files/DirectoryWatch.h"
 
 #include "tests/Support/TemporaryFolder.h"
 

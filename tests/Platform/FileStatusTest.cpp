@@ -1,6 +1,6 @@
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/Trash.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

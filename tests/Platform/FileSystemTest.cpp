@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include "tests/Support/TemporaryFolder.h"
 

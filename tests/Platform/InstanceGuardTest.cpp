@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/InstanceGuard.h"
+#include "FennickCore/Platform/Processes/InstanceGuard.h"
 
 #include "tests/Support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/LatestTask.h"
+#include "FennickCore/Platform/Threads/LatestTask.h"
 #include "tests/Support/ManualQueue.h"
 
 #include <gtest/gtest.h>

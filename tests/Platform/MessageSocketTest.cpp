@@ -1,6 +1,6 @@
-#include "FennickCore/Platform/MessageSocket.h"
+#include "FennickCore/Platform/Processes/MessageSocket.h"
 
-#include "FennickCore/Platform/MemoryFile.h"
+#include "FennickCore/Platform/Files/MemoryFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/Preferences.h"
+#include "FennickCore/Platform/Files/Preferences.h"
 
 #include "tests/Support/TemporaryFolder.h"
 

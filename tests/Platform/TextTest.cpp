@@ -1,7 +1,7 @@
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
-#include "FennickCore/Platform/Log.h"
-#include "FennickCore/Platform/PathComponent.h"
+#include "FennickCore/Platform/Files/PathComponent.h"
+#include "FennickCore/Platform/System/Log.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/ThreadCache.h"
+#include "FennickCore/Platform/Threads/ThreadCache.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/Text.h"
 #include "FennickCore/Settings/AppSettings.h"
+#include "FennickCore/Support/Text.h"
 
 namespace fennick::test {
 

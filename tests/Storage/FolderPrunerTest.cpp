@@ -1,6 +1,6 @@
 #include "FennickCore/Storage/FolderPruner.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <fmt/format.h>

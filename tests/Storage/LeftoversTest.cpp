@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/Leftovers.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
-#include "FennickCore/Platform/Random.h"
+#include "FennickCore/Platform/System/Random.h"
 #include "FennickCore/Storage/PhotoExport.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoOrder.h"

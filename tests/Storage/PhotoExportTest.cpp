@@ -1,6 +1,6 @@
 #include "FennickCore/Storage/PhotoExport.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/TemporaryFolder.h"

@@ -1,7 +1,7 @@
 #include "FennickCore/Storage/PhotoOrigin.h"
 
-#include "FennickCore/Platform/FileAttributes.h"
-#include "FennickCore/Platform/Log.h"
+#include "FennickCore/Platform/Files/FileAttributes.h"
+#include "FennickCore/Platform/System/Log.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/TemporaryFolder.h"

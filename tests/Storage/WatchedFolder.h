@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "FennickCore/Storage/FolderWatcher.h"
 #include "tests/Support/TemporaryFolder.h"
 

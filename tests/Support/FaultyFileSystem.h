@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/FileSystem.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 
 #include <functional>
 #include <map>

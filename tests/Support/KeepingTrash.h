@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/Trash.h"
+#include "FennickCore/Platform/Files/Trash.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/MainQueue.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "tests/Support/FakeClock.h"
 
 #include <condition_variable>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "FennickCore/Platform/ByteStream.h"
-#include "FennickCore/Platform/Mutex.h"
+#include "FennickCore/Platform/Network/ByteStream.h"
+#include "FennickCore/Platform/Threads/Mutex.h"
 #include "tests/Support/FakeClock.h"
 
 #include <condition_variable>

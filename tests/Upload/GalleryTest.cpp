@@ -1,4 +1,4 @@
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/PhotoOrder.h"
 #include "tests/Upload/UploadStage.h"
 

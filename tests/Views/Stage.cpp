@@ -1,6 +1,6 @@
 #include "tests/Views/Stage.h"
 
-#include "FennickCore/Platform/FileStatus.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
 #include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/Registration.h"
@@ -239,7 +239,7 @@ void Stage::lookAhead() {
 
 void Stage::offerApplications(const QStringList &names) {
   queue_.runUntil([this] { return !form_.workflow()->isSearching(); });
-  std::vector<fennick::InstalledApplication> applications;
+  std::vector<applications::InstalledApplication> applications;
   for (const auto &name : names)
     applications.push_back({.entry = disk_.write(name.toStdString() + ".desktop"),
                             .name = name.toStdString(),

@@ -1,7 +1,7 @@
 #include "FennickCore/Imaging/Picture/ExifDetails.h"
 
 #include "FennickCore/Imaging/Picture/ExifTiff.h"
-#include "FennickCore/Platform/Text.h"
+#include "FennickCore/Support/Text.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,7 +1,7 @@
 #include "FennickCore/Imaging/Picture/Sandbox.h"
 
 #include "FennickCore/Imaging/ImagingWire.h"
-#include "FennickCore/Platform/FileSystem.h"
+#include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>

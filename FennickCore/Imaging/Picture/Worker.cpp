@@ -7,7 +7,7 @@
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "FennickCore/Imaging/Picture/Sandbox.h"
-#include "FennickCore/Platform/MemoryFile.h"
+#include "FennickCore/Platform/Files/MemoryFile.h"
 
 #include <sys/time.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FennickCore/Platform/MessageSocket.h"
+#include "FennickCore/Platform/Processes/MessageSocket.h"
 
 namespace fennick::picture {
 

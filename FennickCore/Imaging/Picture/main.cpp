@@ -2,7 +2,7 @@
 // end of a socket; a person has no use for it.
 
 #include "FennickCore/Imaging/Picture/Worker.h"
-#include "FennickCore/Platform/ChildProcess.h"
+#include "FennickCore/Platform/Processes/ChildProcess.h"
 
 #include <fcntl.h>
 #include <unistd.h>
