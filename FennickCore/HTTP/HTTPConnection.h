@@ -38,7 +38,6 @@ private:
   std::optional<std::size_t> receiveHead();
   void handleHead(std::string_view bytes, std::span<const std::byte> rest);
   void receiveBody(const HTTPRequestHead &head, HTTPReceive decision, std::span<const std::byte> rest);
-  bool receiveExactly(std::size_t length);
   void reject(const HTTPRequestHead &head, const HTTPReject &rejection);
   void drain(Uptime deadline);
   void respond(const HTTPResponse &response);

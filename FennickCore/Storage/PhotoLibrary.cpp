@@ -52,10 +52,6 @@ Subscription PhotoLibrary::observeItems(std::function<void(const Items &)> obser
   return itemsObservers_.add(std::move(observer));
 }
 
-Subscription PhotoLibrary::observeFolder(std::function<void(const std::optional<fs::path> &)> observer) {
-  return folderObservers_.add(std::move(observer));
-}
-
 Subscription PhotoLibrary::observeListed(std::function<void(const bool &)> observer) {
   return listedObservers_.add(std::move(observer));
 }
@@ -92,7 +88,6 @@ void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
     publish({});
     setArranged(false);
     listedObservers_.publish(listed_);
-    folderObservers_.publish(folder_);
   }
 }
 

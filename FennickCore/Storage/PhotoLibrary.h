@@ -62,8 +62,6 @@ public:
 
   // `observer` is called on the main thread after each change, with the new value; not for the present one.
   [[nodiscard]] Subscription observeItems(std::function<void(const Items &)> observer);
-  [[nodiscard]] Subscription
-  observeFolder(std::function<void(const std::optional<std::filesystem::path> &)> observer);
   // Called after the list itself has been published.
   [[nodiscard]] Subscription observeListed(std::function<void(const bool &)> observer);
   [[nodiscard]] Subscription observeRecentlyAdded(std::function<void(const Paths &)> observer);
@@ -127,7 +125,6 @@ private:
   Paths recentlyAdded_;
   std::map<std::filesystem::path, std::uint64_t> highlights_; // the latest one of each file
   ObserverList<Items> itemsObservers_;
-  ObserverList<std::optional<std::filesystem::path>> folderObservers_;
   ObserverList<bool> listedObservers_;
   ObserverList<Paths> recentlyAddedObservers_;
   ObserverList<bool> arrangedObservers_;

@@ -1,7 +1,6 @@
 #include "Quarrow/App/ServerModel.h"
 
 #include "Quarrow/App/AddressEntry.h"
-#include "Quarrow/App/ImageURL.h"
 #include "Quarrow/App/PhoneAddress.h"
 
 #include <fmt/format.h>
@@ -125,13 +124,13 @@ void ServerModel::setFirewall(std::optional<fennick::FirewallFinding> finding) {
     emit firewallChanged();
 }
 
+std::optional<fennick::Bitmap> ServerModel::qrImage() const {
+  return qrText_ ? fennick::QRCodeRenderer::image(*qrText_, kModulePixels, kQuietModules) : std::nullopt;
+}
+
 void ServerModel::refreshQR() {
-  auto text = phoneURL();
-  if (!assign(qrText_, std::move(text)))
-    return;
-  qrImage_ = qrText_ ? fennick::QRCodeRenderer::image(*qrText_, kModulePixels, kQuietModules) : std::nullopt;
-  qrImageURL_ = qrImage_ ? imageURL(*qrImage_) : QUrl();
-  emit qrImageChanged();
+  if (assign(qrText_, phoneURL()))
+    emit qrImageChanged();
 }
 
 void ServerModel::announcePhoneURL() {

@@ -7,7 +7,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QUrl>
 #include <QVariantList>
 
 #include <cstdint>
@@ -30,8 +29,6 @@ class ServerModel : public QObject {
   Q_PROPERTY(QString preferredInterface READ preferredInterfaceText NOTIFY preferredInterfaceChanged)
   Q_PROPERTY(QString accessKey READ accessKeyText NOTIFY accessKeyChanged)
   Q_PROPERTY(QString error READ errorText NOTIFY errorChanged)
-  // A "data:" address of a PNG, for Image.source.
-  Q_PROPERTY(QUrl qrImage READ qrImageURL NOTIFY qrImageChanged)
   Q_PROPERTY(QString saveFolder READ saveFolderText NOTIFY saveFolderChanged)
   Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
   // Received photos whose processing is not over, and a sentence about them, empty while there are none.
@@ -60,8 +57,8 @@ public:
   [[nodiscard]] const std::string &accessKey() const { return accessKey_; }
   // The latest error to show: of the server's start, the save folder, the settings or the shortcut.
   [[nodiscard]] const std::optional<std::string> &error() const { return error_; }
-  // The QR code of the phone URL.
-  [[nodiscard]] const std::optional<fennick::Bitmap> &qrImage() const { return qrImage_; }
+  // The QR code of the phone URL as of the last `refreshQR`; made at each call.
+  [[nodiscard]] std::optional<fennick::Bitmap> qrImage() const;
   [[nodiscard]] const std::optional<std::filesystem::path> &saveFolder() const { return saveFolder_; }
   // One line about the file received last.
   [[nodiscard]] const std::optional<std::string> &lastNote() const { return lastNote_; }
@@ -95,7 +92,7 @@ public:
   void setLocalNetworkStatus(LocalNetworkStatus status);
   void setShared(std::string folderName, std::int64_t count);
   void setFirewall(std::optional<fennick::FirewallFinding> finding);
-  // Makes the QR code anew from the phone URL, or takes it away where there is none.
+  // Takes the current phone URL, or its absence, over into the QR code.
   void refreshQR();
 
 signals:
@@ -120,7 +117,6 @@ private:
   [[nodiscard]] QString preferredInterfaceText() const;
   [[nodiscard]] QString accessKeyText() const;
   [[nodiscard]] QString errorText() const;
-  [[nodiscard]] QUrl qrImageURL() const { return qrImageURL_; }
   [[nodiscard]] QString saveFolderText() const;
   [[nodiscard]] QString lastNoteText() const;
   [[nodiscard]] QString sharedFolderNameText() const;
@@ -137,9 +133,7 @@ private:
   std::optional<std::string> preferredInterface_;
   std::string accessKey_;
   std::optional<std::string> error_;
-  std::optional<fennick::Bitmap> qrImage_;
-  QUrl qrImageURL_;
-  std::optional<std::string> qrText_; // what the image says
+  std::optional<std::string> qrText_; // what the QR code says
   std::optional<std::filesystem::path> saveFolder_;
   std::optional<std::string> lastNote_;
   int waitingPhotos_ = 0;

@@ -17,10 +17,7 @@ AppDesktop::AppDesktop(const Services &services)
       notifier_(services.bus, services.decoder,
                 {.open = openFile, .showInFolder = [this](const auto &file) { showInFolder({file}); }}) {
   connect(&panel_, &PanelWindow::left, this, [this] { statusItem_.panelLeft(); });
-  connect(&tray_, &TrayItem::shownChanged, this, [this] {
-    windows_.setAsksBeforeLast(!hasTray());
-    emit trayChanged();
-  });
+  connect(&tray_, &TrayItem::shownChanged, this, [this] { windows_.setAsksBeforeLast(!hasTray()); });
 }
 
 AppDesktop::~AppDesktop() = default;

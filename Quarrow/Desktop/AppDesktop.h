@@ -67,7 +67,6 @@ public:
   [[nodiscard]] bool launchedAsLoginItem() const override { return launchedAsLoginItem_; }
 
 signals:
-  void trayChanged();
   // The person asked for the main window, or for whatever comes first, in the tray's menu.
   void mainWindowAskedFor();
 

@@ -22,7 +22,6 @@ public:
   ChimeOutput &operator=(const ChimeOutput &) = delete;
 
   void play(std::span<const std::int16_t> samples, int rate) override;
-  [[nodiscard]] bool isPlaying() const { return sink_ != nullptr; }
 
 private:
   void stopAfterTheEnd();

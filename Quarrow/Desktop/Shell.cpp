@@ -72,13 +72,6 @@ void Shell::setStartsAtLogin(bool starts) {
 
 QString Shell::resetKeyWarning() { return AppController::resetKeyWarning(); }
 
-void Shell::setHasTray(bool hasTray) {
-  if (hasTray_ == hasTray)
-    return;
-  hasTray_ = hasTray;
-  emit hasTrayChanged();
-}
-
 void Shell::copyText(const QString &text) { QGuiApplication::clipboard()->setText(text); }
 
 void Shell::openSaveFolder() {

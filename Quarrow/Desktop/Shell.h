@@ -32,8 +32,6 @@ class Shell : public QObject {
   // Files received since the program was started.
   Q_PROPERTY(int receivedCount READ receivedCount NOTIFY receivedCountChanged)
   Q_PROPERTY(QString resetKeyWarning READ resetKeyWarning CONSTANT)
-  // Whether the tray icon is there to come back through when the last window closes.
-  Q_PROPERTY(bool hasTray READ hasTray WRITE setHasTray NOTIFY hasTrayChanged)
 
 public:
   // Both outlive the object.
@@ -54,8 +52,6 @@ public:
   void setStartsAtLogin(bool starts);
   [[nodiscard]] int receivedCount() const { return receivedCount_; }
   [[nodiscard]] static QString resetKeyWarning();
-  [[nodiscard]] bool hasTray() const { return hasTray_; }
-  void setHasTray(bool hasTray);
 
   Q_INVOKABLE void copyText(const QString &text);
   Q_INVOKABLE void openSaveFolder();
@@ -77,7 +73,6 @@ signals:
   void settingsChanged();
   void startsAtLoginChanged();
   void receivedCountChanged();
-  void hasTrayChanged();
 
 private:
   AppController &controller_;
@@ -85,7 +80,6 @@ private:
   fennick::Subscription subscription_;
   std::unique_ptr<QFileDialog> folderDialog_; // from the first question on
   int receivedCount_ = 0;
-  bool hasTray_ = false;
 };
 
 } // namespace quarrow

@@ -170,8 +170,6 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   quarrow::SettingsSingleton::instance = &form;
   QObject::connect(&application, &quarrow::WindowedApplication::coloursChanged, &desktop,
                    [&] { desktop.recolour(); });
-  QObject::connect(&desktop, &quarrow::AppDesktop::trayChanged, &shell,
-                   [&] { shell.setHasTray(desktop.hasTray()); });
   QObject::connect(&desktop, &quarrow::AppDesktop::mainWindowAskedFor, &shell,
                    [&] { shell.showMainWindow(); });
 

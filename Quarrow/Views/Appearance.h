@@ -16,13 +16,13 @@ class Appearance : public QObject {
   QML_ELEMENT
   QML_SINGLETON
   Q_PROPERTY(bool dark READ dark NOTIFY changed)
-  Q_PROPERTY(bool still READ still NOTIFY changed)
+  Q_PROPERTY(bool reducedMotion READ reducedMotion NOTIFY changed)
 
 public:
   explicit Appearance(QObject *parent = nullptr);
 
   [[nodiscard]] bool dark() const;
-  [[nodiscard]] bool still() const { return !animates_ || pinnedDark_; }
+  [[nodiscard]] bool reducedMotion() const { return !animates_ || pinnedDark_; }
 
   // Shows every view light or dark from now on, without motion, whatever the desktop says: for pictures.
   void pin(bool dark);

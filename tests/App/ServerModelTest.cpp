@@ -7,7 +7,6 @@
 #include <QVariantList>
 
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include <map>
 
@@ -34,33 +33,22 @@ TEST(ServerModel, TheAddressInTheCodeIsThePreferredOneElseTheFirst) {
   EXPECT_EQ(model.shortcutUploadURL(), std::nullopt);
 }
 
-TEST(ServerModel, TheCodeSaysThePhoneURLAndReachesViewsAsThatPicture) {
+TEST(ServerModel, TheQRCodeContainsThePhoneURL) {
   ServerModel model;
   model.setAccessKey("secret");
   model.setPort(8001);
   model.setAddresses({kWifi});
   model.refreshQR();
-  const auto &code = model.qrImage();
+  const auto code = model.qrImage();
   ASSERT_TRUE(code);
   const auto isDark = [&](std::int64_t x, std::int64_t y) {
     return code->rgb[static_cast<std::size_t>((y * code->width + x) * 3)] == 0;
   };
   EXPECT_EQ(fennick::test::readQRCode(code->width, isDark), *model.phoneURL());
 
-  const QString url = model.property("qrImage").toUrl().toString(QUrl::FullyEncoded);
-  ASSERT_TRUE(url.startsWith("data:image/png;base64,"));
-  const QByteArray png = QByteArray::fromBase64(url.mid(url.indexOf(',') + 1).toLatin1());
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  ASSERT_TRUE(png_image_begin_read_from_memory(&image, png.data(), static_cast<std::size_t>(png.size())));
-  image.format = PNG_FORMAT_RGB;
-  std::vector<std::uint8_t> pixels(PNG_IMAGE_SIZE(image));
-  ASSERT_TRUE(png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr));
-  EXPECT_EQ(pixels, code->rgb);
-
   model.setAddresses({});
   model.refreshQR();
-  EXPECT_EQ(model.property("qrImage").toUrl(), QUrl());
+  EXPECT_EQ(model.qrImage(), std::nullopt);
 }
 
 // What QML relies on: a value that is the same again wakes no binding, one that differs wakes each that

@@ -229,7 +229,7 @@ QStringList Stage::wallNames() {
 bool Stage::isStillAfter(const QString &group, const QString &key, const QVariant &value) {
   Appearance appearance;
   appearance.follow(group, key, QDBusVariant(value));
-  return appearance.still();
+  return appearance.reducedMotion();
 }
 
 void Stage::lookAhead() {

@@ -77,7 +77,7 @@ bool take(const Shot &shot, bool dark, const QString &file) {
   stage.settle();
   shot.arrange(stage);
   QQmlEngine engine;
-  std::ignore = makeView(engine, "Words"); // imports the module
+  std::ignore = makeView(engine, "Label"); // imports the module
   engine.singletonInstance<Appearance *>(qmlTypeId("Tevrin", 1, 0, "Appearance"))->pin(dark);
   const auto window = show(engine, shot);
   if (!window)

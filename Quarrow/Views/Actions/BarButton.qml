@@ -15,7 +15,7 @@ T.Button {
     Keys.onEnterPressed: clicked()
 
     contentItem: RowLayout {
-        Words {
+        Label {
             visible: !control.icon.name
             text: control.text
             color: "#5CC9B8"

@@ -43,7 +43,7 @@ ColumnLayout {
             onEntered: number => choices.form.longEdge = number
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("文件大小")
 
@@ -76,12 +76,12 @@ ColumnLayout {
             onEntered: number => choices.form.mostKilobytes = number
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("格式")
         detail: choices.form.canWriteHEIC ? "" : qsTr("这台电脑不能写 HEIC，会写成 JPEG")
 
-        Choice {
+        ComboBox {
             objectName: "format"
             name: qsTr("格式")
             model: [
@@ -106,15 +106,15 @@ ColumnLayout {
             onChosen: format => choices.form.format = format
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("画质")
         enabled: choices.form.format !== "png"
         detail: enabled ? "" : qsTr("PNG 总是无损")
 
-        Scale {
+        Slider {
             name: qsTr("画质")
-            words: qsTr("%1%").arg(Math.round(value * 100))
+            valueText: qsTr("%1%").arg(Math.round(value * 100))
             enabled: choices.form.format !== "png"
             from: 0.3
             to: 1
@@ -123,12 +123,12 @@ ColumnLayout {
             onMoved: choices.form.quality = value
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("拍摄信息")
         detail: qsTr("时间、相机、位置")
 
-        Choice {
+        ComboBox {
             objectName: "metadata"
             name: qsTr("拍摄信息")
             model: [
@@ -149,7 +149,7 @@ ColumnLayout {
             onChosen: metadata => choices.form.metadata = metadata
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("导出到")
         detail: choices.form.folder

@@ -28,15 +28,15 @@ Rectangle {
         ColumnLayout {
             spacing: 2
 
-            Words {
+            Label {
                 text: example.form.example || qsTr("正在看第一张…")
-                quiet: true
+                secondary: true
                 font.pixelSize: Theme.caption
                 wrapMode: Text.NoWrap
                 elide: Text.ElideMiddle
                 Layout.fillWidth: true
             }
-            Words {
+            Label {
                 text: example.form.exampleCopy ? qsTr("→ %1").arg(example.form.exampleCopy) : " "
                 wrapMode: Text.NoWrap
                 elide: Text.ElideMiddle

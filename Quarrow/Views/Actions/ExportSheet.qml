@@ -29,7 +29,7 @@ Sheet {
         verb: qsTr("正在导出")
         Layout.fillWidth: true
     }
-    Words {
+    Label {
         visible: text && sheet.form.stage === ExportForm.Finished
         text: sheet.form.remark
         Layout.fillWidth: true
@@ -45,13 +45,13 @@ Sheet {
 
         Icon {
             name: "folder"
-            color: Theme.quiet
+            color: Theme.secondaryText
             Layout.preferredWidth: 18
             Layout.preferredHeight: 18
         }
-        Words {
+        Label {
             text: sheet.form.folder
-            quiet: true
+            secondary: true
             wrapMode: Text.WrapAnywhere
             Layout.fillWidth: true
         }

@@ -11,9 +11,9 @@ ColumnLayout {
 
     spacing: 4
 
-    Words {
+    Label {
         text: field.label
-        quiet: true
+        secondary: true
         font.pixelSize: Theme.caption
         Accessible.ignored: true
     }

@@ -31,7 +31,7 @@ Rectangle {
         Accessible.name: qsTr("文件")
 
         // qmllint disable unqualified
-        delegate: Words {
+        delegate: Label {
             required property string modelData
 
             width: list.width
@@ -41,7 +41,7 @@ Rectangle {
             font.pixelSize: Theme.caption
         }
         // qmllint enable unqualified
-        T.ScrollBar.vertical: ThinBar {}
+        T.ScrollBar.vertical: ScrollBar {}
     }
     FocusRing {
         shown: list.activeFocus

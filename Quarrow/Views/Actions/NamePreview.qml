@@ -42,9 +42,9 @@ Rectangle {
             height: 28
             spacing: 12
 
-            Words {
+            Label {
                 text: oldName
-                quiet: true
+                secondary: true
                 wrapMode: Text.NoWrap
                 elide: Text.ElideMiddle
                 Layout.fillWidth: true
@@ -56,9 +56,9 @@ Rectangle {
                 Layout.preferredWidth: 16
                 Layout.preferredHeight: 16
             }
-            Words {
+            Label {
                 text: newName
-                quiet: !changes
+                secondary: !changes
                 wrapMode: Text.NoWrap
                 elide: Text.ElideMiddle
                 Layout.fillWidth: true
@@ -66,7 +66,7 @@ Rectangle {
             }
         }
         // qmllint enable unqualified
-        T.ScrollBar.vertical: ThinBar {}
+        T.ScrollBar.vertical: ScrollBar {}
     }
     FocusRing {
         shown: list.activeFocus

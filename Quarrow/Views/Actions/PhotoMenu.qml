@@ -60,7 +60,7 @@ PopupMenu {
         keys: "Ctrl+C"
         onTriggered: Actions.copy()
     }
-    PopupMenuRule {}
+    PopupMenuSeparator {}
     PopupMenuItem {
         objectName: "rename"
         text: menu.many ? qsTr("批量重命名…") : qsTr("重命名")
@@ -96,7 +96,7 @@ PopupMenu {
         keys: "Ctrl+E"
         onTriggered: menu.sheets.exportPhotos()
     }
-    PopupMenuRule {}
+    PopupMenuSeparator {}
     PopupMenuItem {
         objectName: "sortByDate"
         text: qsTr("按时间排列")
@@ -105,7 +105,7 @@ PopupMenu {
         enabled: Actions.canSortByDate
         onTriggered: Actions.sortByDate()
     }
-    PopupMenuRule {}
+    PopupMenuSeparator {}
     PopupMenuItem {
         objectName: "trash"
         text: qsTr("移到废纸篓")

@@ -20,7 +20,7 @@ RowLayout {
 
     spacing: 8
 
-    NumberBox {
+    SpinBox {
         objectName: "typed"
         visible: row.free
         name: row.name
@@ -31,7 +31,7 @@ RowLayout {
         number: row.number
         onEntered: number => row.entered(number)
     }
-    Choice {
+    ComboBox {
         name: row.name
         model: row.presets.concat([{
                     text: qsTr("自定"),

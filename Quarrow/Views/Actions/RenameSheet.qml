@@ -38,7 +38,7 @@ Sheet {
             Layout.fillWidth: true
             Layout.alignment: Qt.AlignTop
 
-            TextBox {
+            TextField {
                 id: prefix
 
                 objectName: "prefix"
@@ -57,7 +57,7 @@ Sheet {
             Layout.fillWidth: false
             Layout.alignment: Qt.AlignTop
 
-            NumberBox {
+            SpinBox {
                 objectName: "digits"
                 name: qsTr("编号的位数")
                 implicitWidth: 72
@@ -72,7 +72,7 @@ Sheet {
             Layout.fillWidth: false
             Layout.alignment: Qt.AlignTop
 
-            NumberBox {
+            SpinBox {
                 objectName: "start"
                 name: qsTr("第一个编号")
                 implicitWidth: 112

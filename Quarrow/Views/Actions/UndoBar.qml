@@ -32,7 +32,7 @@ Rectangle {
     Accessible.name: words.text
 
     Behavior on opacity {
-        enabled: !Theme.still
+        enabled: !Theme.reducedMotion
 
         NumberAnimation {
             duration: Theme.motion
@@ -63,7 +63,7 @@ Rectangle {
         anchors.rightMargin: 8
         spacing: 8
 
-        Words {
+        Label {
             id: words
 
             text: bar.latest

@@ -11,7 +11,7 @@ ColumnLayout {
 
     spacing: 8
 
-    Words {
+    Label {
         text: Actions.jobs.stopping ? qsTr("正在停止，做完手上这一张…") : qsTr("%1 %2 / %3").arg(progress.verb).arg(Math.min(Actions.jobs.done + 1, Actions.jobs.total)).arg(Actions.jobs.total)
         Layout.fillWidth: true
     }
@@ -30,7 +30,7 @@ ColumnLayout {
             color: Theme.accent
 
             Behavior on width {
-                enabled: !Theme.still
+                enabled: !Theme.reducedMotion
 
                 NumberAnimation {
                     duration: Theme.motion

@@ -25,7 +25,7 @@ Rectangle {
         ColumnLayout {
             spacing: 6
 
-            Words {
+            Label {
                 text: Imports.total > 0 ? qsTr("正在导入 %1 / %2").arg(Math.min(Imports.done + 1, Imports.total)).arg(Imports.total) : qsTr("正在导入…")
                 Layout.fillWidth: true
             }

@@ -34,17 +34,17 @@ Rectangle {
             Layout.fillWidth: true
             Layout.rightMargin: 8
 
-            Words {
+            Label {
                 text: Look.name
                 font.weight: Font.DemiBold
                 wrapMode: Text.NoWrap
                 elide: Text.ElideMiddle
                 Layout.fillWidth: true
             }
-            Words {
+            Label {
                 objectName: "line"
                 text: Look.showsOriginal ? qsTr("原图 · %1").arg(Look.line) : Look.line
-                quiet: true
+                secondary: true
                 font.pixelSize: Theme.caption
                 wrapMode: Text.NoWrap
                 elide: Text.ElideRight
@@ -52,9 +52,9 @@ Rectangle {
                 Layout.fillWidth: true
             }
         }
-        Words {
+        Label {
             text: qsTr("%1 / %2").arg(Wall.currentIndex + 1).arg(Wall.count)
-            quiet: true
+            secondary: true
             font.pixelSize: Theme.caption
             visible: bar.wide && Wall.count > 0
             Layout.rightMargin: 8
@@ -104,7 +104,7 @@ Rectangle {
         LookButton {
             text: qsTr("详细信息")
             icon.name: "info"
-            ink: bar.detailed ? Theme.accent : Theme.quiet
+            ink: bar.detailed ? Theme.accent : Theme.secondaryText
             Layout.leftMargin: 8
             Accessible.checkable: true
             Accessible.checked: bar.detailed

@@ -33,13 +33,13 @@ Rectangle {
                 spacing: 2
                 Layout.fillWidth: true
 
-                Words {
+                Label {
                     text: row.modelData.label
-                    quiet: true
+                    secondary: true
                     font.pixelSize: Theme.caption
                     Layout.fillWidth: true
                 }
-                Words {
+                Label {
                     text: row.modelData.text
                     wrapMode: Text.WrapAtWordBoundaryOrAnywhere
                     Layout.fillWidth: true
@@ -52,9 +52,9 @@ Rectangle {
             Layout.topMargin: 8
             Layout.fillWidth: true
 
-            Words {
+            Label {
                 text: Look.showsOriginal ? qsTr("现在看到的是处理前的原图。") : qsTr("处理前的原图留在 originals 文件夹里。")
-                quiet: true
+                secondary: true
                 Layout.fillWidth: true
             }
             PushButton {

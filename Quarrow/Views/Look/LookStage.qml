@@ -61,40 +61,40 @@ FocusScope {
         Accessible.focusable: true
 
         Behavior on x {
-            enabled: zoom.glides && !Theme.still
+            enabled: zoom.glides && !Theme.reducedMotion
 
             Glide {}
         }
         Behavior on y {
-            enabled: zoom.glides && !Theme.still
+            enabled: zoom.glides && !Theme.reducedMotion
 
             Glide {}
         }
         Behavior on width {
-            enabled: zoom.glides && !Theme.still
+            enabled: zoom.glides && !Theme.reducedMotion
 
             Glide {}
         }
         Behavior on height {
-            enabled: zoom.glides && !Theme.still
+            enabled: zoom.glides && !Theme.reducedMotion
 
             Glide {}
         }
     }
-    LookHands {
+    LookPointerInput {
         anchors.fill: parent
         enabled: stage.shows
         zoom: zoom
     }
-    LookNothing {
+    LookPlaceholder {
         anchors.centerIn: parent
         width: Math.min(360, parent.width - 128)
         visible: Look.kind > Look.Picture
     }
-    Words { // only where it takes a while
+    Label { // only where it takes a while
         anchors.centerIn: parent
         text: qsTr("正在打开…")
-        quiet: true
+        secondary: true
         visible: Look.kind === Look.Loading
 
         SequentialAnimation on opacity {
@@ -111,14 +111,14 @@ FocusScope {
             }
         }
     }
-    LookTurn {
+    LookStepButton {
         anchors.left: parent.left
         text: qsTr("上一张")
         icon.name: "back"
         enabled: Wall.currentIndex > 0
         onClicked: Wall.moveCurrent(-1)
     }
-    LookTurn {
+    LookStepButton {
         anchors.right: parent.right
         objectName: "next"
         text: qsTr("下一张")

@@ -20,9 +20,9 @@ T.Button {
     Keys.onEnterPressed: clicked()
     onClicked: zoom.toggle(Qt.point(zoom.view.width / 2, zoom.view.height / 2))
 
-    contentItem: Words {
+    contentItem: Label {
         text: control.enabled ? control.share : ""
-        quiet: !control.hovered
+        secondary: !control.hovered
         font.pixelSize: Theme.caption
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
@@ -38,7 +38,7 @@ T.Button {
         shown: control.visualFocus
         gap: 0
     }
-    Tip {
+    ToolTip {
         text: control.text
         shown: control.hovered
     }

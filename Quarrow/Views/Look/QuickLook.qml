@@ -45,7 +45,7 @@ FocusScope {
         target: Wall
     }
     Behavior on opacity {
-        enabled: !Theme.still
+        enabled: !Theme.reducedMotion
 
         NumberAnimation {
             duration: Theme.motion
@@ -94,7 +94,7 @@ FocusScope {
         property real drawn: look.detailed ? 1 : 0
 
         Behavior on drawn {
-            enabled: !Theme.still
+            enabled: !Theme.reducedMotion
 
             NumberAnimation {
                 duration: Theme.motion

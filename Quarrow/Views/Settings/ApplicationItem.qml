@@ -30,7 +30,7 @@ T.AbstractButton {
             Layout.preferredWidth: 28
             Layout.preferredHeight: 28
         }
-        Words {
+        Label {
             text: item.name
             wrapMode: Text.NoWrap
             elide: Text.ElideRight

@@ -35,7 +35,7 @@ ColumnLayout {
             what: qsTr("用应用打开")
         }
     }
-    Words {
+    Label {
         visible: text
         text: row.workflow.applicationError
         color: Theme.danger
@@ -43,7 +43,7 @@ ColumnLayout {
         Layout.fillWidth: true
         Accessible.role: Accessible.AlertMessage
     }
-    Outcome {
+    TryResult {
         action: WorkflowForm.Open
         Layout.fillWidth: true
     }

@@ -25,7 +25,7 @@ Sheet {
         workflow.findApplications();
     }
 
-    TextBox {
+    TextField {
         id: search
 
         objectName: "search"
@@ -70,11 +70,11 @@ Sheet {
         }
         // qmllint enable unqualified
 
-        Words {
+        Label {
             anchors.centerIn: parent
             visible: list.count === 0
             text: sheet.workflow.searching ? qsTr("正在找已安装的应用…") : sheet.workflow.applications.search ? qsTr("没有叫这个名字的应用") : qsTr("没有找到能打开照片的应用")
-            quiet: true
+            secondary: true
         }
     }
 

@@ -13,12 +13,12 @@ Section {
         Layout.fillWidth: true
         onToggled: Shell.startsAtLogin = checked
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("全局快捷键")
         detail: qsTr("随时打开二维码。⌃ Ctrl　⌥ Alt　⇧ Shift　⌘ Super")
 
-        Choice {
+        ComboBox {
             objectName: "hotKey"
             name: qsTr("全局快捷键")
             model: Phrases.hotKeyChoices(Shell.hotKeyPresets)

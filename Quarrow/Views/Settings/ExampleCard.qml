@@ -12,9 +12,9 @@ Card {
     Accessible.role: Accessible.StaticText
     Accessible.name: qsTr("%1：%2，处理后：%3").arg(imaging.exampleTitle).arg(imaging.exampleBefore).arg(imaging.exampleAfter)
 
-    Words {
+    Label {
         text: card.imaging.exampleTitle
-        quiet: true
+        secondary: true
         font.pixelSize: Theme.caption
         elide: Text.ElideMiddle
         maximumLineCount: 1
@@ -28,7 +28,7 @@ Card {
         rowSpacing: 4
         Layout.fillWidth: true
 
-        Words {
+        Label {
             text: card.imaging.exampleBefore
             font.pixelSize: 15
             Accessible.ignored: true
@@ -36,11 +36,11 @@ Card {
         Icon {
             name: "back"
             rotation: parent.columns === 1 ? -90 : 180
-            color: Theme.quiet
+            color: Theme.secondaryText
             Layout.preferredWidth: 18
             Layout.preferredHeight: 18
         }
-        Words {
+        Label {
             objectName: "exampleAfter"
             text: card.imaging.exampleAfter
             color: Theme.accent
@@ -51,10 +51,10 @@ Card {
             Accessible.ignored: true
         }
     }
-    Words {
+    Label {
         visible: text
         text: card.imaging.exampleBusy ? qsTr("正在试…") : card.imaging.exampleRemark
-        quiet: true
+        secondary: true
         font.pixelSize: Theme.caption
         Layout.fillWidth: true
     }

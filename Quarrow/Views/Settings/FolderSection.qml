@@ -26,7 +26,7 @@ Section {
         text: qsTr("改回默认的保存目录")
         onClicked: Settings.useDefaultFolder()
     }
-    Rule {}
+    Separator {}
     ToggleRow {
         objectName: "dateSubfolders"
         text: qsTr("每天一个文件夹")
@@ -35,12 +35,12 @@ Section {
         Layout.fillWidth: true
         onToggled: Settings.dateSubfolders = checked
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("活动文件夹")
         detail: qsTr("新照片另放一处，比如一次聚会；不填就不分")
 
-        TextBox {
+        TextField {
             objectName: "sessionSubfolder"
             name: qsTr("活动文件夹")
             placeholder: qsTr("例如：七月旅行")
@@ -50,8 +50,8 @@ Section {
             onTaken: text => Settings.sessionSubfolder = text
         }
     }
-    Rule {}
-    Outlook {
+    Separator {}
+    EffectLine {
         text: qsTr("下一张照片存到")
         what: Phrases.folder(Settings.nextFolder)
         Layout.fillWidth: true

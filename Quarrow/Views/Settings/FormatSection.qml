@@ -12,7 +12,7 @@ Section {
         text: qsTr("格式")
         detail: section.imaging.formatMeaning
 
-        Choice {
+        ComboBox {
             objectName: "format"
             name: qsTr("格式")
             implicitWidth: 180
@@ -21,12 +21,12 @@ Section {
             onChosen: format => section.imaging.format = format
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("质量")
         detail: section.imaging.format === "png" ? qsTr("PNG 不损失画质，用不到这一项") : qsTr("越低文件越小，低于 60 看得出来")
 
-        Scale {
+        Slider {
             objectName: "quality"
             name: qsTr("质量")
             enabled: section.imaging.format !== "png"
@@ -35,8 +35,8 @@ Section {
             to: 100
             stepSize: 5
             value: section.imaging.quality
-            words: section.imaging.qualityWords
-            wordsWidth: 60
+            valueText: section.imaging.qualityWords
+            valueWidth: 60
             onMoved: section.imaging.quality = value
         }
     }
@@ -45,7 +45,7 @@ Section {
         text: qsTr("最低质量")
         detail: qsTr("为了不超过限制，质量最多降到这里，再往下就缩尺寸")
 
-        Scale {
+        Slider {
             objectName: "qualityFloor"
             name: qsTr("最低质量")
             enabled: section.imaging.format !== "png"
@@ -54,8 +54,8 @@ Section {
             to: section.imaging.quality
             stepSize: 5
             value: section.imaging.qualityFloor
-            words: section.imaging.qualityFloorWords
-            wordsWidth: 60
+            valueText: section.imaging.qualityFloorWords
+            valueWidth: 60
             onMoved: section.imaging.qualityFloor = value
         }
     }

@@ -33,7 +33,7 @@ ScrollPage {
             Layout.fillWidth: true
             onToggled: page.imaging.stripLocation = checked
         }
-        Rule {}
+        Separator {}
         ToggleRow {
             objectName: "stripAllMetadata"
             text: qsTr("去掉全部拍摄信息")

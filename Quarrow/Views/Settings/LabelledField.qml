@@ -13,9 +13,9 @@ ColumnLayout {
     Layout.fillWidth: true
     Layout.alignment: Qt.AlignTop
 
-    Words {
+    Label {
         text: field.text
-        quiet: true
+        secondary: true
         font.pixelSize: Theme.caption
         Accessible.ignored: true
     }

@@ -9,7 +9,7 @@ Section {
         text: qsTr("单个文件最大")
         detail: Settings.uploadLimitMeaning
 
-        NumberBox {
+        SpinBox {
             objectName: "uploadLimit"
             name: qsTr("单个文件最大，MB")
             detail: Settings.uploadLimitMeaning
@@ -21,7 +21,7 @@ Section {
             onEntered: number => Settings.uploadLimit = number
         }
     }
-    Rule {}
+    Separator {}
     ToggleRow {
         objectName: "limitsFolder"
         text: qsTr("限制文件夹里的照片数量")
@@ -35,7 +35,7 @@ Section {
         text: qsTr("最多")
         detail: qsTr("照片和视频一起算，只算新照片所在的文件夹")
 
-        NumberBox {
+        SpinBox {
             objectName: "folderLimit"
             name: qsTr("文件夹里最多几张照片")
             detail: Settings.folderLimitMeaning

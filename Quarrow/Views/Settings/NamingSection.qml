@@ -9,7 +9,7 @@ Section {
         text: qsTr("命名方式")
         detail: Settings.numbered ? qsTr("前缀加连续的号码，删掉照片也不会重号") : qsTr("收到照片的日期和时间")
 
-        Choice {
+        ComboBox {
             objectName: "naming"
             name: qsTr("命名方式")
             model: [{text: qsTr("按时间"), value: false}, {text: qsTr("按序号"), value: true}]
@@ -30,7 +30,7 @@ Section {
             text: qsTr("前缀")
             Layout.preferredWidth: 160
 
-            TextBox {
+            TextField {
                 objectName: "prefix"
                 name: qsTr("前缀")
                 placeholder: qsTr("没有前缀")
@@ -44,7 +44,7 @@ Section {
             text: qsTr("分隔")
             Layout.preferredWidth: 80
 
-            TextBox {
+            TextField {
                 objectName: "separator"
                 name: qsTr("前缀和号码之间的分隔")
                 placeholder: qsTr("没有")
@@ -58,7 +58,7 @@ Section {
             text: qsTr("至少几位")
             Layout.preferredWidth: 80
 
-            NumberBox {
+            SpinBox {
                 objectName: "digits"
                 name: qsTr("号码至少几位")
                 from: 1
@@ -72,7 +72,7 @@ Section {
             text: qsTr("从几开始")
             Layout.preferredWidth: 100
 
-            NumberBox {
+            SpinBox {
                 objectName: "start"
                 name: qsTr("号码从几开始")
                 number: Settings.start
@@ -81,8 +81,8 @@ Section {
             }
         }
     }
-    Rule {}
-    Outlook {
+    Separator {}
+    EffectLine {
         objectName: "nextName"
         text: qsTr("下一张")
         what: Settings.nextName

@@ -6,7 +6,7 @@ import Tevrin
 T.TabButton {
     id: tab
 
-    readonly property color ink: checked ? Theme.accent : hovered ? Theme.text : Theme.quiet
+    readonly property color ink: checked ? Theme.accent : hovered ? Theme.text : Theme.secondaryText
 
     implicitWidth: implicitContentWidth + 24
     implicitHeight: 36
@@ -25,7 +25,7 @@ T.TabButton {
             Layout.preferredWidth: 18
             Layout.preferredHeight: 18
         }
-        Words {
+        Label {
             text: tab.text
             color: tab.ink
             font.weight: tab.checked ? Font.DemiBold : Font.Normal

@@ -17,7 +17,7 @@ Section {
         text: qsTr("给手机看的文件夹")
         detail: Settings.galleryFolderMeaning
 
-        Choice {
+        ComboBox {
             objectName: "galleryFolder"
             name: qsTr("给手机看的文件夹")
             implicitWidth: 200
@@ -26,9 +26,9 @@ Section {
             onChosen: folder => Settings.galleryFolder = folder
         }
     }
-    Rule {}
+    Separator {}
     PortRow {}
-    Rule {
+    Separator {
         visible: address.visible
     }
     SettingRow {
@@ -44,7 +44,7 @@ Section {
             implicitWidth: 220
         }
     }
-    Rule {}
+    Separator {}
     ColumnLayout {
         spacing: 8
 
@@ -56,7 +56,7 @@ Section {
             Layout.fillWidth: true
         }
     }
-    Rule {}
+    Separator {}
     SettingRow {
         text: qsTr("访问密钥")
         detail: qsTr("不想让扫过码的人再传照片时，换一把新的。")

@@ -21,15 +21,15 @@ T.RadioButton {
     contentItem: ColumnLayout {
         spacing: 2
 
-        Words {
+        Label {
             text: control.text
             font.weight: Font.DemiBold
             Layout.fillWidth: true
             Accessible.ignored: true
         }
-        Words {
+        Label {
             text: control.detail
-            quiet: true
+            secondary: true
             font.pixelSize: Theme.caption
             Layout.fillWidth: true
             Layout.fillHeight: true
@@ -50,7 +50,7 @@ T.RadioButton {
             anchors.centerIn: parent
             visible: control.checked
             name: "check"
-            color: Theme.accentInk
+            color: Theme.textOnAccent
             width: 14
             height: 14
         }

@@ -10,7 +10,7 @@ ColumnLayout {
 
     spacing: 8
 
-    Words {
+    Label {
         text: qsTr("怎么处理照片")
         font.weight: Font.DemiBold
         Layout.leftMargin: 4
@@ -42,10 +42,10 @@ ColumnLayout {
             // qmllint enable unqualified
         }
     }
-    Words {
+    Label {
         visible: picker.imaging.preset === "own"
         text: qsTr("现在是自定义：下面的设置由你自己定。选上面任意一项可以回到现成的组合。")
-        quiet: true
+        secondary: true
         font.pixelSize: Theme.caption
         Layout.leftMargin: 4
         Layout.fillWidth: true

@@ -21,7 +21,7 @@ Section {
         visible: section.imaging.limitsPixels
         text: qsTr("长边最多")
 
-        NumberBox {
+        SpinBox {
             objectName: "maxPixels"
             name: qsTr("长边最多，像素")
             detail: section.imaging.pixelsMeaning
@@ -34,7 +34,7 @@ Section {
             onEntered: number => section.imaging.maxPixels = number
         }
     }
-    Rule {}
+    Separator {}
     ToggleRow {
         objectName: "limitsBytes"
         text: qsTr("限制每张照片的大小")
@@ -47,7 +47,7 @@ Section {
         visible: section.imaging.limitsBytes
         text: qsTr("每张最大")
 
-        NumberBox {
+        SpinBox {
             objectName: "maxKilobytes"
             name: qsTr("每张最大，KB")
             implicitWidth: 128

@@ -29,7 +29,7 @@ ColumnLayout {
             what: row.text
         }
     }
-    Outcome {
+    TryResult {
         action: row.action
         Layout.fillWidth: true
     }

@@ -10,9 +10,9 @@ ScrollPage {
     widest: 640
     spacing: 24
 
-    Words {
+    Label {
         text: qsTr("手机传来照片以后，这台电脑还要做什么。每一项都可以马上试一下，用的是最近收到的照片。")
-        quiet: true
+        secondary: true
         Layout.leftMargin: 4
         Layout.rightMargin: 4
         Layout.fillWidth: true
@@ -29,7 +29,7 @@ ScrollPage {
             Layout.fillWidth: true
             onToggled: checked => page.workflow.copyToClipboard = checked
         }
-        Rule {}
+        Separator {}
         ApplicationRow {
             Layout.fillWidth: true
             onChooseAsked: chooser.open()
@@ -47,7 +47,7 @@ ScrollPage {
             Layout.fillWidth: true
             onToggled: checked => page.workflow.playSound = checked
         }
-        Rule {}
+        Separator {}
         TryRow {
             objectName: "notify"
             action: WorkflowForm.Note

@@ -79,12 +79,12 @@ Item {
         radius: 12
         color: Theme.accent
 
-        Words {
+        Label {
             id: count
 
             anchors.centerIn: parent
             text: Wall.selectedCount
-            color: Theme.accentInk
+            color: Theme.textOnAccent
             font.pixelSize: Theme.caption
             font.weight: Font.DemiBold
         }

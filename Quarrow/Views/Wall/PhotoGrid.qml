@@ -110,12 +110,12 @@ FocusScope {
         delegate: PhotoTile {
             layout: plan
         }
-        footer: Words {
+        footer: Label {
             width: grid.width
             height: text ? 48 : 0
             visible: text
             text: Wall.limitText
-            quiet: true
+            secondary: true
             horizontalAlignment: Text.AlignHCenter
             verticalAlignment: Text.AlignVCenter
         }

@@ -62,7 +62,7 @@ Item {
         Loader {
             anchors.fill: parent
             active: !tile.thumbnail || picture.status === Image.Error
-            sourceComponent: TileSign {
+            sourceComponent: TilePlaceholder {
                 name: tile.layout.labelled ? "" : tile.name
                 sizeText: tile.sizeText
                 icon: tile.isVideo ? "video" : "image-off"
@@ -104,14 +104,14 @@ Item {
                 radius: 11
                 color: Theme.accent
                 border.width: 1.5
-                border.color: Theme.accentInk
+                border.color: Theme.textOnAccent
 
                 Icon {
                     anchors.centerIn: parent
                     width: 14
                     height: 14
                     name: "check"
-                    color: Theme.accentInk
+                    color: Theme.textOnAccent
                 }
             }
         }
@@ -123,11 +123,11 @@ Item {
                 shown: true
                 innerRadius: tile.corner
                 gap: tile.isSelected ? -5 : 1
-                border.color: tile.isSelected ? Theme.accentInk : Theme.accent
+                border.color: tile.isSelected ? Theme.textOnAccent : Theme.accent
             }
         }
         // qmllint enable unqualified
-        Words {
+        Label {
             x: 0
             y: face.height + 5
             width: face.width

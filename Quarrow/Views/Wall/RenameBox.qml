@@ -54,7 +54,7 @@ FocusScope {
         selectByMouse: true
         color: Theme.text
         selectionColor: Theme.accent
-        selectedTextColor: Theme.accentInk
+        selectedTextColor: Theme.textOnAccent
         font.pixelSize: Theme.body
         Accessible.name: qsTr("新名称")
         Accessible.description: box.error
@@ -73,14 +73,14 @@ FocusScope {
             border.color: box.error ? Theme.danger : Theme.accent
         }
 
-        Words {
+        Label {
             id: suffix
 
             anchors.right: parent.right
             anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
             text: box.extension
-            quiet: true
+            secondary: true
         }
     }
     Rectangle {
@@ -95,7 +95,7 @@ FocusScope {
         border.width: 1
         border.color: Theme.danger
 
-        Words {
+        Label {
             id: words
 
             x: 8

@@ -17,7 +17,7 @@ Item {
         radius: Math.max(4, caption.corner - 3)
         color: "#B3000000"
 
-        Words {
+        Label {
             id: words
 
             x: 6

@@ -73,12 +73,12 @@ DropArea {
             radius: 22
             color: Theme.accent
 
-            Words {
+            Label {
                 id: words
 
                 anchors.centerIn: parent
                 text: qsTr("松开，复制到保存目录")
-                color: Theme.accentInk
+                color: Theme.textOnAccent
                 font.weight: Font.DemiBold
             }
         }

@@ -25,7 +25,7 @@ Rectangle {
         anchors.rightMargin: 12
         spacing: 8
 
-        Segments {
+        SegmentedControl {
             objectName: "filter"
             name: qsTr("显示哪些")
             model: [
@@ -45,10 +45,10 @@ Rectangle {
             value: Wall.filter
             onChosen: kind => Wall.filter = kind
         }
-        Words {
+        Label {
             objectName: "counts"
             text: Wall.selectionText || Wall.countText
-            color: Wall.selectedCount > 0 ? Theme.accent : Theme.quiet
+            color: Wall.selectedCount > 0 ? Theme.accent : Theme.secondaryText
             font.weight: Wall.selectedCount > 0 ? Font.DemiBold : Font.Normal
             wrapMode: Text.NoWrap
             elide: Text.ElideRight
@@ -68,11 +68,11 @@ Rectangle {
         Icon {
             visible: header.wide
             name: "tiles-small"
-            color: Theme.quiet
+            color: Theme.secondaryText
             Layout.preferredWidth: 16
             Layout.preferredHeight: 16
         }
-        Scale {
+        Slider {
             objectName: "tileSize"
             visible: header.wide
             name: qsTr("照片的大小")
@@ -86,7 +86,7 @@ Rectangle {
         Icon {
             visible: header.wide
             name: "tiles-large"
-            color: Theme.quiet
+            color: Theme.secondaryText
             Layout.preferredWidth: 16
             Layout.preferredHeight: 16
             Layout.rightMargin: 8

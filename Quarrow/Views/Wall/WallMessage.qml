@@ -27,10 +27,10 @@ ColumnLayout {
         horizontalAlignment: Text.AlignHCenter
         Layout.fillWidth: true
     }
-    Words {
+    Label {
         visible: text
         text: message.text
-        quiet: true
+        secondary: true
         lineHeight: 1.15
         horizontalAlignment: Text.AlignHCenter
         Layout.fillWidth: true

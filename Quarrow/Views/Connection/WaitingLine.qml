@@ -1,0 +1,12 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// How many received photos wait for their processing.
+Label {
+    text: Server.waitingNote
+    visible: Server.waitingNote
+    secondary: true
+    font.pixelSize: Theme.caption
+    Layout.fillWidth: true
+}

@@ -1,8 +1,0 @@
-import QtQuick
-import Tevrin
-
-Words {
-    font.pixelSize: Theme.title
-    font.weight: Font.DemiBold
-    Accessible.role: Accessible.Heading
-}

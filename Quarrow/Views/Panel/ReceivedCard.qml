@@ -1,0 +1,19 @@
+import QtQuick
+import QtQuick.Layouts
+import Tevrin
+
+// What has arrived, and what is arriving.
+Card {
+    visible: Server.lastNote || Arrivals.busy
+
+    ProgressLine {}
+    LastNote {}
+    Label {
+        visible: Shell.receivedCount > 1
+        text: qsTr("这次打开以来共收到 %1 个文件").arg(Shell.receivedCount)
+        secondary: true
+        font.pixelSize: Theme.caption
+        Layout.leftMargin: 26
+        Layout.topMargin: -8
+    }
+}
