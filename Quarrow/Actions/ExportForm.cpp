@@ -37,9 +37,10 @@ QString measureText(const std::optional<std::int64_t> &longEdge, std::int64_t by
 
 } // namespace
 
-ExportForm::ExportForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected,
+ExportForm::ExportForm(const Parts &parts, std::function<Paths()> selected,
                        std::function<fs::path()> saveFolder)
-    : services_(services), jobs_(jobs), selected_(std::move(selected)), saveFolder_(std::move(saveFolder)) {}
+    : tools_(parts.tools), desktop_(parts.desktop), mainQueue_(parts.mainQueue), jobs_(parts.jobs),
+      selected_(std::move(selected)), saveFolder_(std::move(saveFolder)) {}
 
 // What is dragged or typed in one go is looked at once.
 template <typename T>
@@ -47,7 +48,7 @@ void ExportForm::edit(T &field, const T &value) {
   if (std::exchange(field, value) == value)
     return;
   edition_.cancel();
-  services_.mainQueue.postAfter(kTypingPause, edition_.guard([this] { look(); }));
+  mainQueue_.postAfter(kTypingPause, edition_.guard([this] { look(); }));
   emit changed();
 }
 
@@ -111,7 +112,7 @@ void ExportForm::look() {
   if (photos_.empty())
     return;
   jobs_.ask(
-      [file = photos_.front(), options = options(), &decoder = services_.decoder] {
+      [file = photos_.front(), options = options(), &decoder = tools_.decoder] {
         return Sample{.file = file,
                       .outlook = PhotoExport::outlook(file, options, decoder),
                       .canWriteHEIC = decoder.canEncodeHEIC()};
@@ -140,9 +141,9 @@ void ExportForm::show(const Sample &sample) {
 
 // On the jobs' thread.
 ExportForm::Report ExportForm::exportAll(const Paths &photos, const fs::path &folder,
-                                         const fennick::ImagingOptions &options,
-                                         const ActionServices &services, FileJobs::Ticket &ticket) {
-  fennick::clearLeftovers(folder, services.files);
+                                         const fennick::ImagingOptions &options, const FileTools &tools,
+                                         FileJobs::Ticket &ticket) {
+  fennick::clearLeftovers(folder, tools.files);
   Report report;
   for (int step = 0; const auto &photo : photos) {
     if (!ticket.reached(step++)) {
@@ -150,7 +151,7 @@ ExportForm::Report ExportForm::exportAll(const Paths &photos, const fs::path &fo
       break;
     }
     const auto exported = PhotoExport::exportFile(photo, folder, options, kTimeout,
-                                                  {.decoder = services.decoder, .files = services.files});
+                                                  {.decoder = tools.decoder, .files = tools.files});
     if (!exported) {
       report.failures.add(photo, reasonOf(exported.error()).toStdString());
       continue;
@@ -168,8 +169,9 @@ void ExportForm::apply() {
   stage_ = Exporting;
   jobs_.run(
       count(),
-      [photos = photos_, target = folder(), options = options(), services = services_](
-          FileJobs::Ticket &ticket) { return exportAll(photos, target, options, services, ticket); },
+      [photos = photos_, target = folder(), options = options(), tools = tools_](FileJobs::Ticket &ticket) {
+        return exportAll(photos, target, options, tools, ticket);
+      },
       lifetime_.guard([this](Report report) { finish(std::move(report)); }));
   emit changed();
 }
@@ -197,7 +199,7 @@ void ExportForm::finish(Report report) {
 
 void ExportForm::showCopies() {
   if (!copies_.empty())
-    services_.desktop.showInFolder(copies_);
+    desktop_.showInFolder(copies_);
 }
 
 } // namespace quarrow

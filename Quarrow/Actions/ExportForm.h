@@ -3,9 +3,10 @@
 #include "FennickCore/Imaging/ImagingOptions.h"
 #include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoExport.h"
-#include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/Failures.h"
 #include "Quarrow/Actions/FileJobs.h"
+#include "Quarrow/Actions/FileTools.h"
+#include "Quarrow/App/Desktop.h"
 
 #include <QObject>
 #include <QString>
@@ -51,9 +52,15 @@ public:
   enum Stage { Choosing, Exporting, Finished };
   Q_ENUM(Stage)
 
-  // `services` and `jobs` outlive the form. `selected` gives the photos in their order, `saveFolder` the
-  // folder that the reserved one lies in.
-  ExportForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected,
+  // All outlive the form.
+  struct Parts {
+    FileTools tools;
+    Desktop &desktop;
+    fennick::MainQueue &mainQueue;
+    FileJobs &jobs;
+  };
+  // `selected` returns the photos in their order, `saveFolder` the folder that contains the reserved one.
+  ExportForm(const Parts &parts, std::function<Paths()> selected,
              std::function<std::filesystem::path()> saveFolder);
 
   [[nodiscard]] int longEdge() const { return longEdge_; }
@@ -105,15 +112,17 @@ private:
   [[nodiscard]] fennick::ImagingOptions options() const;
   [[nodiscard]] std::filesystem::path folder() const;
   [[nodiscard]] static Report exportAll(const Paths &photos, const std::filesystem::path &folder,
-                                        const fennick::ImagingOptions &options,
-                                        const ActionServices &services, FileJobs::Ticket &ticket);
+                                        const fennick::ImagingOptions &options, const FileTools &tools,
+                                        FileJobs::Ticket &ticket);
   template <typename T>
   void edit(T &field, const T &value);
   void look();
   void show(const Sample &sample);
   void finish(Report report);
 
-  const ActionServices services_;
+  const FileTools tools_;
+  Desktop &desktop_;
+  fennick::MainQueue &mainQueue_;
   FileJobs &jobs_;
   const std::function<Paths()> selected_;
   const std::function<std::filesystem::path()> saveFolder_;

@@ -17,33 +17,34 @@ namespace {
 constexpr fennick::Seconds kNoteTime{8};
 using Application = applications::InstalledApplication;
 
-constexpr std::size_t kMostDeeds = 50; // that are remembered
+constexpr std::size_t kMostUndoEntries = 50; // that are remembered
 
 } // namespace
 
-PhotoActions::PhotoActions(AppController &controller, const ActionServices &services)
-    : controller_(controller), services_(services), jobs_(services.mainQueue),
+PhotoActions::PhotoActions(const Parts &parts)
+    : library_(parts.library), selection_(parts.selection), commands_(parts.commands), tools_(parts.tools),
+      desktop_(parts.desktop), mainQueue_(parts.mainQueue), jobs_(mainQueue_),
       renaming_(
-          services, jobs_, [this] { return selected_; },
+          tools_.files, mainQueue_, jobs_, [this] { return selected_; },
           [this](const auto &photos, const auto &numbering, const auto &finished) {
             renameBatch(photos, numbering, finished);
           }),
       exporting_(
-          services, jobs_, [this] { return selected_; },
-          [this] { return controller_.server().saveFolder().value_or(fs::path()); }) {
-  connect(&controller_.selection(), &PhotoSelection::changed, this, [this] { follow(); });
-  auto &library = controller_.library();
-  subscriptions_.push_back(library.observeItems([this](const auto &) { follow(); }));
-  subscriptions_.push_back(library.observeArranged([this](bool) { emit canSortByDateChanged(); }));
-  subscriptions_.push_back(
-      library.observeRearrangements([this](const auto &change) { remember(Arrangement{.change = change}); }));
+          {.tools = tools_, .desktop = desktop_, .mainQueue = mainQueue_, .jobs = jobs_},
+          [this] { return selected_; },
+          [&server = parts.server] { return server.saveFolder().value_or(fs::path()); }) {
+  connect(&selection_, &PhotoSelection::changed, this, [this] { follow(); });
+  subscriptions_.push_back(library_.observeItems([this](const auto &) { follow(); }));
+  subscriptions_.push_back(library_.observeArranged([this](bool) { emit canSortByDateChanged(); }));
+  subscriptions_.push_back(library_.observeRearrangements(
+      [this](const auto &change) { remember(Arrangement{.change = change}); }));
   follow();
 }
 
 void PhotoActions::follow() {
   Paths selected;
-  const auto &files = controller_.selection().files();
-  for (const auto &item : controller_.library().items())
+  const auto &files = selection_.files();
+  for (const auto &item : library_.items())
     if (files.contains(item.url))
       selected.push_back(item.url);
   if (std::exchange(selected_, selected) != selected)
@@ -67,13 +68,13 @@ void PhotoActions::open(bool evenMany) {
   if (count() > kManyToOpen && !evenMany)
     emit askedToOpenMany(count());
   else if (count() > 0)
-    services_.desktop.open(selected_, failedTo(tr("没能打开")));
+    desktop_.open(selected_, failedTo(tr("没能打开")));
 }
 
 void PhotoActions::openWith(const QString &application) {
   if (count() > 0)
-    services_.desktop.openWith(fs::path(QFile::encodeName(application).toStdString()), selected_,
-                               failedTo(tr("没能用这个应用打开")));
+    desktop_.openWith(fs::path(QFile::encodeName(application).toStdString()), selected_,
+                      failedTo(tr("没能用这个应用打开")));
 }
 
 void PhotoActions::lookForApplications() {
@@ -94,13 +95,13 @@ void PhotoActions::lookForApplications() {
 
 void PhotoActions::showInFolder() {
   if (count() > 0)
-    services_.desktop.showInFolder(selected_);
+    desktop_.showInFolder(selected_);
 }
 
 void PhotoActions::copy() {
   if (count() == 0)
     return;
-  services_.desktop.copyToClipboard(selected_);
+  desktop_.copyToClipboard(selected_);
   say(tr("已拷贝 %1 项").arg(count()), false);
 }
 
@@ -108,40 +109,40 @@ QString PhotoActions::rename(const QString &name) {
   if (count() != 1)
     return {};
   const fs::path file = selected_.front();
-  const auto renamed = ops::rename(file, name.toStdString(), services_.files);
+  const auto renamed = ops::rename(file, name.toStdString(), tools_.files);
   if (!renamed)
     return problemText(renamed.error());
   if (*renamed == file)
     return {};
-  const Rename deed{.files = {{.from = file, .to = *renamed}}};
-  adopt(deed.files);
-  remember(deed);
+  const Rename entry{.files = {{.from = file, .to = *renamed}}};
+  adopt(entry.files);
+  remember(entry);
   return {};
 }
 
 // Library and selection go along with new names. The library may have looked at the folder while a batch was
 // under way, when its photos had other names for a moment.
 void PhotoActions::adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting) {
-  auto selection = controller_.selection().files();
+  auto selection = selection_.files();
   PhotoSelection::Paths added;
   for (const auto &[from, to] : renamings)
     if (selection.erase(from) > 0 || selecting == Selecting::all)
       added.insert(to);
   selection.merge(added);
-  controller_.library().rename(renamings);
+  library_.rename(renamings);
   if (renamings.size() > 1)
-    controller_.library().scan();
-  controller_.selection().set(std::move(selection));
+    library_.scan();
+  selection_.set(std::move(selection));
 }
 
 void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &numbering,
                                const std::function<void(bool, const QString &)> &finished) {
   jobs_.run(
       static_cast<int>(photos.size()),
-      [photos, numbering, services = services_](FileJobs::Ticket &ticket) {
-        const auto names = ops::numberedNames(photos, numbering, services.files);
+      [photos, numbering, tools = tools_](FileJobs::Ticket &ticket) {
+        const auto names = ops::numberedNames(photos, numbering, tools.files);
         if (names)
-          return quarrow::renameAll(*names, services, ticket);
+          return quarrow::renameAll(*names, tools, ticket);
         Outcome refused;
         refused.problem = problemText(names.error());
         return refused;
@@ -168,11 +169,11 @@ void PhotoActions::rotate(bool clockwise) {
   const auto direction = clockwise ? ops::QuarterTurn::clockwise : ops::QuarterTurn::anticlockwise;
   jobs_.run(
       static_cast<int>(files.size()),
-      [files, direction, services = services_](FileJobs::Ticket &ticket) {
-        return turn(files, direction, services, ticket);
+      [files, direction, tools = tools_](FileJobs::Ticket &ticket) {
+        return turn(files, direction, tools, ticket);
       },
       [this](Outcome outcome) {
-        controller_.library().scan();
+        library_.scan();
         if (!outcome.failures.isEmpty())
           fail(tr("%1 张没能旋转").arg(outcome.failures.count()), std::move(outcome.failures));
         remember(std::move(outcome.done));
@@ -185,14 +186,14 @@ void PhotoActions::trash() {
   dismissNote();
   jobs_.run(
       count(),
-      [files = selected_, services = services_](FileJobs::Ticket &ticket) {
-        return moveToTrash(files, services, ticket);
+      [files = selected_, tools = tools_](FileJobs::Ticket &ticket) {
+        return moveToTrash(files, tools, ticket);
       },
       [this](Outcome outcome) { finishTrash(std::move(outcome)); });
 }
 
 void PhotoActions::finishTrash(Outcome outcome) {
-  controller_.forget(outcome.files);
+  commands_.forget(outcome.files);
   if (!isEmpty(outcome.done))
     say(tr("已将 %1 项移到废纸篓").arg(countOf(outcome.done)), true);
   remember(std::move(outcome.done));
@@ -200,19 +201,19 @@ void PhotoActions::finishTrash(Outcome outcome) {
     fail(tr("%1 项没能移到废纸篓").arg(outcome.failures.count()), std::move(outcome.failures));
 }
 
-void PhotoActions::remember(Deed deed) {
-  if (isEmpty(deed))
+void PhotoActions::remember(UndoEntry entry) {
+  if (isEmpty(entry))
     return;
-  if (deeds_.size() == kMostDeeds)
-    deeds_.erase(deeds_.begin());
-  deeds_.push_back(std::move(deed));
+  if (undoEntries_.size() == kMostUndoEntries)
+    undoEntries_.erase(undoEntries_.begin());
+  undoEntries_.push_back(std::move(entry));
   emit undoChanged();
 }
 
 void PhotoActions::sortByDate() {
   if (!canSortByDate())
     return;
-  controller_.library().sortByDate(lifetime_.guard([this](const auto &stored) {
+  library_.sortByDate(lifetime_.guard([this](const auto &stored) {
     if (stored)
       say(tr("已按时间排列"), true);
     else
@@ -221,22 +222,22 @@ void PhotoActions::sortByDate() {
 }
 
 void PhotoActions::undo() {
-  if (deeds_.empty())
+  if (undoEntries_.empty())
     return;
   dismissNote();
-  const Deed deed = std::move(deeds_.back());
-  deeds_.pop_back();
+  const UndoEntry entry = std::move(undoEntries_.back());
+  undoEntries_.pop_back();
   emit undoChanged();
-  if (const auto *arrangement = std::get_if<Arrangement>(&deed))
+  if (const auto *arrangement = std::get_if<Arrangement>(&entry))
     return undoArrangement(*arrangement);
   jobs_.run(
-      countOf(deed),
-      [deed, services = services_](FileJobs::Ticket &ticket) { return takeBack(deed, services, ticket); },
-      [this, deed](Outcome outcome) { finishUndo(deed, std::move(outcome)); });
+      countOf(entry),
+      [entry, tools = tools_](FileJobs::Ticket &ticket) { return takeBack(entry, tools, ticket); },
+      [this, entry](Outcome outcome) { finishUndo(entry, std::move(outcome)); });
 }
 
 void PhotoActions::undoArrangement(const Arrangement &arrangement) {
-  controller_.library().undo(arrangement.change, lifetime_.guard([this, arrangement](const auto &stored) {
+  library_.undo(arrangement.change, lifetime_.guard([this, arrangement](const auto &stored) {
     if (stored)
       return;
     remember(arrangement);
@@ -250,14 +251,14 @@ void PhotoActions::failOrder(const QString &what, const std::error_code &reason)
   fail(what, std::move(failures));
 }
 
-void PhotoActions::finishUndo(const Deed &deed, Outcome outcome) {
+void PhotoActions::finishUndo(const UndoEntry &entry, Outcome outcome) {
   if (const auto *renamed = std::get_if<Rename>(&outcome.done))
     adopt(renamed->files);
-  for (auto &earlier : deeds_)
+  for (auto &earlier : undoEntries_)
     quarrow::follow(earlier, outcome.renamed);
-  if (std::holds_alternative<Deletion>(deed))
+  if (std::holds_alternative<Deletion>(entry))
     noteRestored(outcome);
-  controller_.library().scan();
+  library_.scan();
   remember(outcome.left);
   sayWhatIsLeft(std::move(outcome));
 }
@@ -270,8 +271,8 @@ void PhotoActions::noteRestored(const Outcome &outcome) {
     const auto renamed = std::ranges::find(outcome.renamed, file, &fennick::Renaming::to);
     restored.push_back({.from = renamed == outcome.renamed.end() ? file : renamed->from, .to = file});
   }
-  controller_.library().noteRestored(restored);
-  controller_.selection().set({outcome.files.begin(), outcome.files.end()});
+  library_.noteRestored(restored);
+  selection_.set({outcome.files.begin(), outcome.files.end()});
   if (outcome.renamed.empty())
     say(tr("已放回 %1 项").arg(outcome.files.size()), false);
   else if (outcome.renamed.size() == 1)
@@ -304,7 +305,7 @@ void PhotoActions::say(const QString &note, bool canBeUndone) {
 
 void PhotoActions::hideNoteLater() {
   noteTimer_.cancel();
-  services_.mainQueue.postAfter(kNoteTime, noteTimer_.guard([this] {
+  mainQueue_.postAfter(kNoteTime, noteTimer_.guard([this] {
     if (!noteHeld_)
       dismissNote();
   }));

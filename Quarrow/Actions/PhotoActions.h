@@ -2,13 +2,17 @@
 
 #include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
-#include "Quarrow/Actions/ActionServices.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
 #include "Quarrow/Actions/ExportForm.h"
 #include "Quarrow/Actions/FileJobs.h"
+#include "Quarrow/Actions/FileTools.h"
 #include "Quarrow/Actions/PhotoUndo.h"
 #include "Quarrow/Actions/RenameForm.h"
-#include "Quarrow/App/AppController.h"
 #include "Quarrow/App/Applications.h"
+#include "Quarrow/App/Commands.h"
+#include "Quarrow/App/Desktop.h"
+#include "Quarrow/App/PhotoSelection.h"
+#include "Quarrow/App/ServerModel.h"
 
 #include <QObject>
 #include <QString>
@@ -54,7 +58,17 @@ public:
   static constexpr int kManyToOpen = 10; // more are opened only after a question
 
   // All outlive the object.
-  PhotoActions(AppController &controller, const ActionServices &services);
+  // What the actions act on and with. All outlive the object.
+  struct Parts {
+    fennick::PhotoLibrary &library;
+    PhotoSelection &selection;
+    const ServerModel &server; // knows the save folder
+    PhotoCommands &commands;
+    FileTools tools;
+    Desktop &desktop;
+    fennick::MainQueue &mainQueue;
+  };
+  explicit PhotoActions(const Parts &parts);
 
   [[nodiscard]] int count() const { return static_cast<int>(selected_.size()); }
   [[nodiscard]] int pictures() const;
@@ -66,8 +80,8 @@ public:
   [[nodiscard]] bool noteCanBeUndone() const { return noteCanBeUndone_; }
   [[nodiscard]] bool noteHeld() const { return noteHeld_; }
   void setNoteHeld(bool held);
-  [[nodiscard]] bool canUndo() const { return !deeds_.empty(); }
-  [[nodiscard]] bool canSortByDate() const { return controller_.library().isArranged(); }
+  [[nodiscard]] bool canUndo() const { return !undoEntries_.empty(); }
+  [[nodiscard]] bool canSortByDate() const { return library_.isArranged(); }
   [[nodiscard]] const QString &failure() const { return failure_; }
   [[nodiscard]] QStringList failureLines() const { return failures_.lines(); }
 
@@ -107,26 +121,30 @@ private:
                    const std::function<void(bool, const QString &)> &finished);
   void finishTrash(Outcome outcome);
   void undoArrangement(const Arrangement &arrangement);
-  void finishUndo(const Deed &deed, Outcome outcome);
+  void finishUndo(const UndoEntry &entry, Outcome outcome);
   void noteRestored(const Outcome &outcome);
   void sayWhatIsLeft(Outcome &&outcome);
   void failOrder(const QString &what, const std::error_code &reason);
   enum class Selecting { whatWas, all };
   void adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting = Selecting::whatWas);
-  void remember(Deed deed);
+  void remember(UndoEntry entry);
   void say(const QString &note, bool canBeUndone);
   void hideNoteLater();
   void fail(const QString &sentence, Failures &&failures);
   [[nodiscard]] Desktop::Failed failedTo(const QString &what);
 
-  AppController &controller_;
-  const ActionServices services_;
+  fennick::PhotoLibrary &library_;
+  PhotoSelection &selection_;
+  PhotoCommands &commands_;
+  const FileTools tools_;
+  Desktop &desktop_;
+  fennick::MainQueue &mainQueue_;
   fennick::Lifetime lifetime_;
   std::vector<fennick::Subscription> subscriptions_;
 
   Paths selected_; // in the order of the wall
   QVariantList applications_;
-  std::vector<Deed> deeds_; // the latest last
+  std::vector<UndoEntry> undoEntries_; // the latest last
   QString note_;
   bool noteCanBeUndone_ = false;
   bool noteHeld_ = false;
@@ -134,7 +152,7 @@ private:
   QString failure_;
   Failures failures_;
 
-  FileJobs jobs_; // its work uses `services_` only, and ends with it
+  FileJobs jobs_; // its work uses `tools_` only, and ends with it
   RenameForm renaming_;
   ExportForm exporting_;
 };

@@ -17,7 +17,7 @@ ops::QuarterTurn opposite(ops::QuarterTurn direction) {
                                                   : ops::QuarterTurn::clockwise;
 }
 
-Outcome restore(const Deletion &deletion, const ActionServices &services, FileJobs::Ticket &ticket) {
+Outcome restore(const Deletion &deletion, const FileTools &tools, FileJobs::Ticket &ticket) {
   Outcome outcome;
   Deletion left;
   int step = 0;
@@ -26,7 +26,7 @@ Outcome restore(const Deletion &deletion, const ActionServices &services, FileJo
       left.files.push_back(trashed);
       continue;
     }
-    const auto back = fennick::restoreFromTrash(trashed, services.files);
+    const auto back = fennick::restoreFromTrash(trashed, tools.files);
     if (!back) {
       outcome.failures.add(trashed.original, back.error());
       if (back.error() != std::errc::no_such_file_or_directory)
@@ -65,7 +65,7 @@ Rename remaining(Rename rename, const std::vector<fennick::Renaming> &moved) {
   return rename;
 }
 
-Outcome renameBack(const Rename &rename, const ActionServices &services, FileJobs::Ticket &ticket) {
+Outcome renameBack(const Rename &rename, const FileTools &tools, FileJobs::Ticket &ticket) {
   Rename present;
   Failures gone;
   for (const auto &renaming : rename.files)
@@ -73,7 +73,7 @@ Outcome renameBack(const Rename &rename, const ActionServices &services, FileJob
       gone.add(renaming.to, std::make_error_code(std::errc::no_such_file_or_directory));
     else
       present.files.push_back(renaming);
-  Outcome outcome = renameAll(reversed(present).files, services, ticket);
+  Outcome outcome = renameAll(reversed(present).files, tools, ticket);
   outcome.failures = std::move(gone);
   if (outcome.files.empty()) // none, or all
     outcome.left = remaining(present, std::get<Rename>(outcome.done).files);
@@ -87,7 +87,7 @@ bool mayTurnLater(const fs::path &file, const ops::OpError &error) {
 
 } // namespace
 
-int countOf(const Deed &deed) {
+int countOf(const UndoEntry &entry) {
   return std::visit(
       [](const auto &each) {
         if constexpr (requires { each.files; })
@@ -95,10 +95,10 @@ int countOf(const Deed &deed) {
         else
           return 1;
       },
-      deed);
+      entry);
 }
 
-void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings) {
+void follow(UndoEntry &entry, const std::vector<fennick::Renaming> &renamings) {
   const auto adopt = [&](fs::path &file) {
     for (const auto &[from, to] : renamings)
       if (file == from) {
@@ -106,22 +106,21 @@ void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings) {
         return;
       }
   };
-  if (auto *turned = std::get_if<Turn>(&deed))
+  if (auto *turned = std::get_if<Turn>(&entry))
     for (auto &file : turned->files)
       adopt(file);
-  if (auto *renamed = std::get_if<Rename>(&deed))
+  if (auto *renamed = std::get_if<Rename>(&entry))
     for (auto &renaming : renamed->files)
       adopt(renaming.to);
 }
 
-Outcome moveToTrash(const std::vector<fs::path> &files, const ActionServices &services,
-                    FileJobs::Ticket &ticket) {
+Outcome moveToTrash(const std::vector<fs::path> &files, const FileTools &tools, FileJobs::Ticket &ticket) {
   Outcome outcome;
   Deletion deletion;
   for (int step = 0; const auto &file : files) {
     if (!ticket.reached(step++))
       break;
-    if (auto trashed = services.trash.moveToTrash(file)) {
+    if (auto trashed = tools.trash.moveToTrash(file)) {
       deletion.files.push_back(std::move(*trashed));
       outcome.files.push_back(file);
     } else if (trashed.error() == std::errc::not_supported) {
@@ -134,7 +133,7 @@ Outcome moveToTrash(const std::vector<fs::path> &files, const ActionServices &se
   return outcome;
 }
 
-Outcome turn(const std::vector<fs::path> &files, ops::QuarterTurn direction, const ActionServices &services,
+Outcome turn(const std::vector<fs::path> &files, ops::QuarterTurn direction, const FileTools &tools,
              FileJobs::Ticket &ticket) {
   Outcome outcome;
   Turn turned{.files = {}, .direction = direction};
@@ -144,7 +143,7 @@ Outcome turn(const std::vector<fs::path> &files, ops::QuarterTurn direction, con
       left.files.push_back(file);
       continue;
     }
-    const auto done = ops::rotate(file, direction, services.decoder, services.files);
+    const auto done = ops::rotate(file, direction, tools.decoder, tools.files);
     if (done) {
       turned.files.push_back(file);
       continue;
@@ -159,13 +158,12 @@ Outcome turn(const std::vector<fs::path> &files, ops::QuarterTurn direction, con
   return outcome;
 }
 
-Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const ActionServices &services,
+Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const FileTools &tools,
                   FileJobs::Ticket &ticket) {
   Outcome outcome{.done = Rename{}};
   const auto steps = static_cast<double>(renamings.size());
-  const auto done = ops::renameAll(renamings, services.files, [&](double share) {
-    return ticket.reached(static_cast<int>(share * steps));
-  });
+  const auto done = ops::renameAll(
+      renamings, tools.files, [&](double share) { return ticket.reached(static_cast<int>(share * steps)); });
   if (done) {
     outcome.done = Rename{.files = renamings};
     for (const auto &renaming : renamings)
@@ -179,12 +177,12 @@ Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const ActionS
   return outcome;
 }
 
-Outcome takeBack(const Deed &deed, const ActionServices &services, FileJobs::Ticket &ticket) {
-  if (const auto *deletion = std::get_if<Deletion>(&deed))
-    return restore(*deletion, services, ticket);
-  if (const auto *turned = std::get_if<Turn>(&deed))
-    return turn(turned->files, opposite(turned->direction), services, ticket);
-  return renameBack(std::get<Rename>(deed), services, ticket);
+Outcome takeBack(const UndoEntry &entry, const FileTools &tools, FileJobs::Ticket &ticket) {
+  if (const auto *deletion = std::get_if<Deletion>(&entry))
+    return restore(*deletion, tools, ticket);
+  if (const auto *turned = std::get_if<Turn>(&entry))
+    return turn(turned->files, opposite(turned->direction), tools, ticket);
+  return renameBack(std::get<Rename>(entry), tools, ticket);
 }
 
 } // namespace quarrow

@@ -4,9 +4,9 @@
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoItem.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
-#include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/Failures.h"
 #include "Quarrow/Actions/FileJobs.h"
+#include "Quarrow/Actions/FileTools.h"
 
 #include <filesystem>
 #include <variant>
@@ -30,21 +30,21 @@ struct Turn {
 struct Arrangement {
   fennick::PhotoLibrary::RearrangementRef change;
 };
-using Deed = std::variant<Deletion, Rename, Turn, Arrangement>;
+using UndoEntry = std::variant<Deletion, Rename, Turn, Arrangement>;
 
 // The number of files; 1 for an arrangement.
-[[nodiscard]] int countOf(const Deed &deed);
-// A deed that changed nothing needs no way back.
-[[nodiscard]] inline bool isEmpty(const Deed &deed) { return countOf(deed) == 0; }
+[[nodiscard]] int countOf(const UndoEntry &entry);
+// A entry that changed nothing needs no way back.
+[[nodiscard]] inline bool isEmpty(const UndoEntry &entry) { return countOf(entry) == 0; }
 
-// The files of a deed that lie under other names by now, so that taking it back finds them and nobody else.
-void follow(Deed &deed, const std::vector<fennick::Renaming> &renamings);
+// The files of a entry that lie under other names by now, so that taking it back finds them and nobody else.
+void follow(UndoEntry &entry, const std::vector<fennick::Renaming> &renamings);
 
 // What came of an action, or of taking one back.
 struct Outcome {
-  Deed done; // what can be taken back now
-  // What failed or was stopped and may work later, as the deed whose undoing does it: `undo` keeps it.
-  Deed left = Deletion{};
+  UndoEntry done; // what can be taken back now
+  // What failed or was stopped and may work later, as the entry whose undoing does it: `undo` keeps it.
+  UndoEntry left = Deletion{};
   Failures failures{};
   QString problem{};                          // of all of it
   std::vector<std::filesystem::path> files{}; // where the files are now
@@ -52,15 +52,15 @@ struct Outcome {
 };
 
 // Each does its work on the thread that it is called on, file by file; what was stopped has done a part.
-[[nodiscard]] Outcome moveToTrash(const std::vector<std::filesystem::path> &files,
-                                  const ActionServices &services, FileJobs::Ticket &ticket);
+[[nodiscard]] Outcome moveToTrash(const std::vector<std::filesystem::path> &files, const FileTools &tools,
+                                  FileJobs::Ticket &ticket);
 [[nodiscard]] Outcome turn(const std::vector<std::filesystem::path> &files,
-                           fennick::PhotoFileOps::QuarterTurn direction, const ActionServices &services,
+                           fennick::PhotoFileOps::QuarterTurn direction, const FileTools &tools,
                            FileJobs::Ticket &ticket);
 // All files get their new names, or all keep the old ones.
-[[nodiscard]] Outcome renameAll(const std::vector<fennick::Renaming> &renamings,
-                                const ActionServices &services, FileJobs::Ticket &ticket);
+[[nodiscard]] Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const FileTools &tools,
+                                FileJobs::Ticket &ticket);
 // Undoes everything but an arrangement. Files that are gone are reported and not left for later.
-[[nodiscard]] Outcome takeBack(const Deed &deed, const ActionServices &services, FileJobs::Ticket &ticket);
+[[nodiscard]] Outcome takeBack(const UndoEntry &entry, const FileTools &tools, FileJobs::Ticket &ticket);
 
 } // namespace quarrow

@@ -21,9 +21,10 @@ QString previewProblem(const ops::OpError &error) {
 
 } // namespace
 
-RenameForm::RenameForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected,
-                       Apply rename)
-    : services_(services), jobs_(jobs), selected_(std::move(selected)), rename_(std::move(rename)) {}
+RenameForm::RenameForm(fennick::FileSystem &files, fennick::MainQueue &mainQueue, FileJobs &jobs,
+                       std::function<Paths()> selected, Apply rename)
+    : files_(files), mainQueue_(mainQueue), jobs_(jobs), selected_(std::move(selected)),
+      rename_(std::move(rename)) {}
 
 void RenameForm::setPrefix(const QString &prefix) {
   if (std::exchange(prefix_, prefix) != prefix)
@@ -61,7 +62,7 @@ void RenameForm::edited() {
   pending_ = true;
   appliesWhenReady_ = false;
   edition_.cancel();
-  services_.mainQueue.postAfter(kTypingPause, edition_.guard([this] { look(); }));
+  mainQueue_.postAfter(kTypingPause, edition_.guard([this] { look(); }));
   emit changed();
 }
 
@@ -69,7 +70,7 @@ void RenameForm::look() {
   ready_ = false;
   pending_ = true;
   jobs_.ask([photos = photos_, numbering = numbering(),
-             &files = services_.files] { return ops::numberedNames(photos, numbering, files); },
+             &files = files_] { return ops::numberedNames(photos, numbering, files); },
             edition_.guard([this](const auto &names) { show(names); }));
 }
 

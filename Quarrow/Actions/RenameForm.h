@@ -2,7 +2,6 @@
 
 #include "FennickCore/Platform/Threads/Lifetime.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
-#include "Quarrow/Actions/ActionServices.h"
 #include "Quarrow/Actions/FileJobs.h"
 #include "Quarrow/Actions/RenamePreview.h"
 
@@ -36,11 +35,12 @@ public:
   static constexpr int kMostDigits = 9;
   static constexpr int kHighestStart = 999'999'999;
 
-  // `services` and `jobs` outlive the form. `selected` gives the photos in their order; `rename` renames them
+  // The references outlive the form. `selected` gives the photos in their order; `rename` renames them
   // and tells its last argument whether it did, and what stood in the way if it was not just stopped.
   using Apply = std::function<void(const Paths &, const fennick::PhotoFileOps::Numbering &,
                                    std::function<void(bool, const QString &)>)>;
-  RenameForm(const ActionServices &services, FileJobs &jobs, std::function<Paths()> selected, Apply rename);
+  RenameForm(fennick::FileSystem &files, fennick::MainQueue &mainQueue, FileJobs &jobs,
+             std::function<Paths()> selected, Apply rename);
 
   [[nodiscard]] const QString &prefix() const { return prefix_; }
   void setPrefix(const QString &prefix);
@@ -72,7 +72,8 @@ private:
   void show(const fennick::PhotoFileOps::Result<Renamings> &names);
   void end(bool renamed, const QString &problem);
 
-  const ActionServices services_;
+  fennick::FileSystem &files_;
+  fennick::MainQueue &mainQueue_;
   FileJobs &jobs_;
   const std::function<Paths()> selected_;
   const Apply rename_;

@@ -171,6 +171,10 @@ QString ServerModel::checkAdvice() const {
                             : tr("换一个网络地址再试；如果开着 VPN，请先关掉。");
 }
 
+QString ServerModel::resetKeyWarning() {
+  return tr("重置后，之前扫过的二维码和快捷指令里填写的地址都会失效，手机需要重新扫码。");
+}
+
 QString ServerModel::firewallAdviceText() const {
   return firewall_ ? textOf(firewallAdvice(*firewall_)) : QString();
 }

@@ -69,6 +69,8 @@ public:
   [[nodiscard]] const std::string &sharedFolderName() const { return sharedFolderName_; }
   [[nodiscard]] std::int64_t sharedCount() const { return sharedCount_; }
   [[nodiscard]] QString checkAdvice() const;
+  // What the user should read before the key is reset (SettingsStore::resetAccessKey).
+  [[nodiscard]] static QString resetKeyWarning();
   // Absent until it was looked for.
   [[nodiscard]] const std::optional<fennick::FirewallFinding> &firewall() const { return firewall_; }
 

@@ -14,39 +14,33 @@
 
 namespace quarrow {
 
-Shell::Shell(AppController &controller, LoginItem &loginItem)
-    : controller_(controller), loginItem_(loginItem),
-      subscription_(controller.settings().observeSettings([this](const auto &) { emit settingsChanged(); })) {
-  connect(&controller_, &AppController::received, this, [this] {
-    ++receivedCount_;
-    emit receivedCountChanged();
-  });
-}
+Shell::Shell(fennick::SettingsStore &settings, const ServerModel &server, AppCommands &commands,
+             LoginItem &loginItem)
+    : settings_(settings), server_(server), commands_(commands), loginItem_(loginItem),
+      subscription_(settings.observeSettings([this](const auto &) { emit settingsChanged(); })) {}
 
 Shell::~Shell() = default;
 
-bool Shell::galleryEnabled() const { return controller_.settings().settings().galleryEnabled; }
+bool Shell::galleryEnabled() const { return settings_.settings().galleryEnabled; }
 
 void Shell::setGalleryEnabled(bool enabled) {
-  controller_.settings().update([&](auto &settings) { settings.galleryEnabled = enabled; });
+  settings_.update([&](auto &settings) { settings.galleryEnabled = enabled; });
 }
 
 QString Shell::preferredInterface() const {
-  return QString::fromStdString(controller_.settings().settings().preferredInterface.value_or(""));
+  return QString::fromStdString(settings_.settings().preferredInterface.value_or(""));
 }
 
 void Shell::setPreferredInterface(const QString &interface) {
-  controller_.settings().update([&](auto &settings) {
+  settings_.update([&](auto &settings) {
     settings.preferredInterface = interface.isEmpty() ? std::nullopt : std::optional(interface.toStdString());
   });
 }
 
-int Shell::hotKeyPreset() const {
-  return static_cast<int>(controller_.settings().settings().hotKeyPreset.value_or(-1));
-}
+int Shell::hotKeyPreset() const { return static_cast<int>(settings_.settings().hotKeyPreset.value_or(-1)); }
 
 void Shell::setHotKeyPreset(int preset) {
-  controller_.settings().update([&](auto &settings) {
+  settings_.update([&](auto &settings) {
     settings.hotKeyPreset = preset < 0 ? std::nullopt : std::optional<std::int64_t>(preset);
   });
 }
@@ -59,25 +53,30 @@ QVariantList Shell::hotKeyPresets() {
   return presets;
 }
 
-int Shell::preferredPort() const { return controller_.settings().settings().preferredPort; }
+int Shell::preferredPort() const { return settings_.settings().preferredPort; }
 
 bool Shell::startsAtLogin() const { return loginItem_.isEnabled(); }
 
 void Shell::setStartsAtLogin(bool starts) {
   if (const auto done = loginItem_.setEnabled(starts); !done)
-    controller_.reportProblem(
+    commands_.reportProblem(
         tr("无法设置登录时启动：%1").arg(QString::fromStdString(done.error())).toStdString());
   emit startsAtLoginChanged();
 }
 
-QString Shell::resetKeyWarning() { return AppController::resetKeyWarning(); }
+QString Shell::resetKeyWarning() { return ServerModel::resetKeyWarning(); }
+
+void Shell::countReceived() {
+  ++receivedCount_;
+  emit receivedCountChanged();
+}
 
 void Shell::copyText(const QString &text) { QGuiApplication::clipboard()->setText(text); }
 
 void Shell::openSaveFolder() {
-  const auto folder = controller_.server().saveFolder().value_or("");
+  const auto folder = server_.saveFolder().value_or("");
   if (const auto opened = applications::openFolder(folder); !opened)
-    controller_.reportProblem(opened.error());
+    commands_.reportProblem(opened.error());
 }
 
 void Shell::askForFolder(const QString &title, const QUrl &start, const QJSValue &chosen) {
@@ -94,15 +93,15 @@ void Shell::askForFolder(const QString &title, const QUrl &start, const QJSValue
 }
 
 void Shell::chooseSaveFolder(const QUrl &folder) {
-  controller_.chooseSaveFolder(folder.toLocalFile().toStdString());
+  commands_.chooseSaveFolder(folder.toLocalFile().toStdString());
 }
-void Shell::showMainWindow() { controller_.handleArguments({}); }
-void Shell::showSettings() { controller_.showSettingsAction(); }
-void Shell::showHelp() { controller_.showHelpAction(); }
-void Shell::finishOnboarding() { controller_.finishOnboarding(); }
-void Shell::resetKey() { controller_.settings().resetAccessKey(); }
-void Shell::checkAgain() { controller_.runLocalNetworkCheck(); }
-void Shell::dismissError() { controller_.dismissError(); }
+void Shell::showMainWindow() { commands_.handleArguments({}); }
+void Shell::showSettings() { commands_.showSettingsAction(); }
+void Shell::showHelp() { commands_.showHelpAction(); }
+void Shell::finishOnboarding() { commands_.finishOnboarding(); }
+void Shell::resetKey() { settings_.resetAccessKey(); }
+void Shell::checkAgain() { commands_.runLocalNetworkCheck(); }
+void Shell::dismissError() { commands_.dismissError(); }
 void Shell::quit() { QCoreApplication::quit(); }
 
 } // namespace quarrow

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "Quarrow/App/AppController.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "Quarrow/App/Commands.h"
+#include "Quarrow/App/ServerModel.h"
 #include "Quarrow/Desktop/LoginItem.h"
 
 #include <QJSValue>
@@ -34,8 +36,9 @@ class Shell : public QObject {
   Q_PROPERTY(QString resetKeyWarning READ resetKeyWarning CONSTANT)
 
 public:
-  // Both outlive the object.
-  Shell(AppController &controller, LoginItem &loginItem);
+  // All outlive the object.
+  Shell(fennick::SettingsStore &settings, const ServerModel &server, AppCommands &commands,
+        LoginItem &loginItem);
   ~Shell() override;
   Shell(const Shell &) = delete;
   Shell &operator=(const Shell &) = delete;
@@ -52,6 +55,9 @@ public:
   void setStartsAtLogin(bool starts);
   [[nodiscard]] int receivedCount() const { return receivedCount_; }
   [[nodiscard]] static QString resetKeyWarning();
+
+  // A phone has sent a file.
+  void countReceived();
 
   Q_INVOKABLE void copyText(const QString &text);
   Q_INVOKABLE void openSaveFolder();
@@ -75,7 +81,9 @@ signals:
   void receivedCountChanged();
 
 private:
-  AppController &controller_;
+  fennick::SettingsStore &settings_;
+  const ServerModel &server_;
+  AppCommands &commands_;
   LoginItem &loginItem_;
   fennick::Subscription subscription_;
   std::unique_ptr<QFileDialog> folderDialog_; // from the first question on

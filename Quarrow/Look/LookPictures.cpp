@@ -25,8 +25,9 @@ QImage decoded(const std::string &jpeg) {
 
 } // namespace
 
-LookPictures::LookPictures(const Services &services)
-    : decoder_(services.decoder), mainQueue_(services.mainQueue), thumbnails_(services.thumbnails) {}
+LookPictures::LookPictures(fennick::PictureDecoder &decoder, fennick::Thumbnails &thumbnails,
+                           fennick::MainQueue &mainQueue)
+    : decoder_(decoder), mainQueue_(mainQueue), thumbnails_(thumbnails) {}
 
 LookPictures::~LookPictures() { forget(); }
 

@@ -44,12 +44,8 @@ public:
   static constexpr std::int64_t kMostPixels = 48'000'000;
 
   // All outlive the object.
-  struct Services {
-    fennick::PictureDecoder &decoder;
-    fennick::MainQueue &mainQueue;
-    fennick::Thumbnails &thumbnails;
-  };
-  explicit LookPictures(const Services &services);
+  LookPictures(fennick::PictureDecoder &decoder, fennick::Thumbnails &thumbnails,
+               fennick::MainQueue &mainQueue);
   ~LookPictures(); // waits for the pictures that are being decoded
   LookPictures(const LookPictures &) = delete;
   LookPictures &operator=(const LookPictures &) = delete;

@@ -38,9 +38,11 @@ QSize uprightSize(const fennick::PictureFacts &facts) {
 
 } // namespace
 
-QuickLook::QuickLook(AppController &controller, const LookPictures::Services &services)
-    : controller_(controller), mainQueue_(services.mainQueue),
-      items_(controller.library().observeItems([this](const Items &) { follow(); })), pictures_(services) {}
+QuickLook::QuickLook(fennick::PhotoLibrary &library, fennick::PictureDecoder &decoder,
+                     fennick::Thumbnails &thumbnails, fennick::MainQueue &mainQueue)
+    : library_(library), mainQueue_(mainQueue),
+      items_(library.observeItems([this](const Items &) { follow(); })),
+      pictures_(decoder, thumbnails, mainQueue) {}
 
 fs::path QuickLook::path() const {
   if (showsOriginal_ && original_)
@@ -49,7 +51,7 @@ fs::path QuickLook::path() const {
 }
 
 const fennick::PhotoItem *QuickLook::listed(const fs::path &file) const {
-  const auto &items = controller_.library().items();
+  const auto &items = library_.items();
   const auto found = std::ranges::find(items, file, &fennick::PhotoItem::url);
   return found == items.end() ? nullptr : &*found;
 }
@@ -221,7 +223,7 @@ void QuickLook::sharpen() {
 
 // The nearest ones that are pictures; the wall may show others in between.
 void QuickLook::prepareNeighbours() {
-  const auto &items = controller_.library().items();
+  const auto &items = library_.items();
   const auto here = item_ ? std::ranges::find(items, item_->url, &fennick::PhotoItem::url) : items.end();
   if (here == items.end())
     return;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FennickCore/Platform/Threads/Lifetime.h"
-#include "Quarrow/App/AppController.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
 #include "Quarrow/Look/LookPictures.h"
 
 #include <QImage>
@@ -45,8 +45,9 @@ public:
   enum Kind { Nothing, Loading, Picture, Video, Oversized, Damaged };
   Q_ENUM(Kind)
 
-  // `controller` outlives the object.
-  QuickLook(AppController &controller, const LookPictures::Services &services);
+  // All outlive the object.
+  QuickLook(fennick::PhotoLibrary &library, fennick::PictureDecoder &decoder, fennick::Thumbnails &thumbnails,
+            fennick::MainQueue &mainQueue);
 
   [[nodiscard]] bool isOpen() const { return open_; }
   void setOpen(bool open);
@@ -97,7 +98,7 @@ private:
   void setKind(Kind kind);
   [[nodiscard]] bool isSharpEnough() const;
 
-  AppController &controller_;
+  fennick::PhotoLibrary &library_;
   fennick::MainQueue &mainQueue_;
   bool open_ = false;
   QUrl file_;                                     // of the wall

@@ -147,22 +147,35 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
                                      .trash = trash,
                                      .desktop = desktop,
                                      .network = network});
-  quarrow::Shell shell(controller, loginItem);
-  quarrow::PhotoWall wall(controller, {.preferences = preferences,
-                                       .mainQueue = mainQueue,
-                                       .clock = clock,
-                                       .thumbnails = controller.thumbnails()});
-  quarrow::QuickLook look(
-      controller, {.decoder = decoder, .mainQueue = mainQueue, .thumbnails = controller.thumbnails()});
-  quarrow::PhotoActions actions(
-      controller,
-      {.mainQueue = mainQueue, .files = files, .decoder = decoder, .trash = trash, .desktop = desktop});
-  quarrow::SettingsForm form(controller, {.mainQueue = mainQueue,
-                                          .files = files,
-                                          .clock = clock,
-                                          .decoder = decoder,
-                                          .desktop = desktop,
-                                          .sampleFolder = state.cache / "sample"});
+  quarrow::Shell shell(controller.settings(), controller.server(), controller, loginItem);
+  quarrow::PhotoWall wall({.library = controller.library(),
+                           .selection = controller.selection(),
+                           .server = controller.server(),
+                           .commands = controller,
+                           .thumbnails = controller.thumbnails(),
+                           .preferences = preferences,
+                           .mainQueue = mainQueue,
+                           .clock = clock});
+  quarrow::QuickLook look(controller.library(), decoder, controller.thumbnails(), mainQueue);
+  quarrow::PhotoActions actions({.library = controller.library(),
+                                 .selection = controller.selection(),
+                                 .server = controller.server(),
+                                 .commands = controller,
+                                 .tools = {.files = files, .decoder = decoder, .trash = trash},
+                                 .desktop = desktop,
+                                 .mainQueue = mainQueue});
+  quarrow::ImagingForm imagingForm(controller.settings(), controller.library(), decoder, mainQueue);
+  quarrow::WorkflowForm workflowForm(controller.settings(), controller.library(), desktop, mainQueue,
+                                     state.cache / "sample");
+  quarrow::SettingsForm form({.settings = controller.settings(),
+                              .library = controller.library(),
+                              .server = controller.server(),
+                              .folders = controller,
+                              .files = files,
+                              .mainQueue = mainQueue,
+                              .clock = clock,
+                              .imaging = imagingForm,
+                              .workflow = workflowForm});
   lendToQml(controller, shell);
   quarrow::WallSingleton::instance = &wall;
   quarrow::LookSingleton::instance = &look;
@@ -170,6 +183,7 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
   quarrow::SettingsSingleton::instance = &form;
   QObject::connect(&application, &quarrow::WindowedApplication::coloursChanged, &desktop,
                    [&] { desktop.recolour(); });
+  QObject::connect(&controller, &quarrow::AppController::received, &shell, &quarrow::Shell::countReceived);
   QObject::connect(&desktop, &quarrow::AppDesktop::mainWindowAskedFor, &shell,
                    [&] { shell.showMainWindow(); });
 

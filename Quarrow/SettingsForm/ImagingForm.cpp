@@ -104,25 +104,26 @@ std::optional<std::filesystem::path> latestPhoto(const fennick::PhotoLibrary &li
   return latest != nullptr ? std::optional(latest->url) : std::nullopt;
 }
 
-ImagingForm::ImagingForm(AppController &controller, const FormServices &services)
-    : controller_(controller), services_(services), known_(now()), lastPixels_(kUsualPixels),
+ImagingForm::ImagingForm(fennick::SettingsStore &settings, fennick::PhotoLibrary &library,
+                         fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue)
+    : store_(settings), library_(library), decoder_(decoder), known_(now()), lastPixels_(kUsualPixels),
       lastKilobytes_(kUsualKilobytes), typical_(PhotoExample::ofTypicalPhoto(known_, true)),
-      heic_(services.mainQueue, "fennick.heic",
+      heic_(mainQueue, "fennick.heic",
             [this](bool writes) {
               writesHEIC_ = writes;
               typical_ = PhotoExample::ofTypicalPhoto(known_, writes);
               emit changed();
               emit exampleChanged();
             }),
-      trial_(services.mainQueue, "fennick.trial",
+      trial_(mainQueue, "fennick.trial",
              [this](const auto &example) {
                tried_ = example;
                busy_ = false;
                emit exampleChanged();
              }),
-      settings_(controller.settings().observeSettings([this](const auto &all) { follow(all.imaging); })),
-      items_(controller.library().observeItems([this](const auto &) {
-        if (latestPhoto(controller_.library()).value_or("") != triedFile_)
+      settings_(settings.observeSettings([this](const auto &all) { follow(all.imaging); })),
+      items_(library.observeItems([this](const auto &) {
+        if (latestPhoto(library_).value_or("") != triedFile_)
           tryLatest();
       })) {
   rememberLimits();
@@ -135,7 +136,7 @@ void ImagingForm::setWatched(bool watched) {
     return;
   }
   if (!writesHEIC_)
-    heic_.request([decoder = &services_.decoder] { return decoder->canEncodeHEIC(); });
+    heic_.request([decoder = &decoder_] { return decoder->canEncodeHEIC(); });
   tryLatest();
 }
 
@@ -157,11 +158,11 @@ void ImagingForm::rememberLimits() {
 void ImagingForm::tryLatest() {
   if (!watched_)
     return;
-  const auto file = latestPhoto(controller_.library());
+  const auto file = latestPhoto(library_);
   triedFile_ = file.value_or("");
   busy_ = file.has_value();
   if (file)
-    trial_.request([file = *file, options = known_, decoder = &services_.decoder] {
+    trial_.request([file = *file, options = known_, decoder = &decoder_] {
       return PhotoExample::ofPhoto(file, options, *decoder);
     });
   else
@@ -170,7 +171,7 @@ void ImagingForm::tryLatest() {
 }
 
 void ImagingForm::store(const std::function<void(ImagingOptions &)> &change) {
-  controller_.settings().update([&](auto &settings) { change(settings.imaging); });
+  store_.update([&](auto &settings) { change(settings.imaging); });
 }
 
 QString ImagingForm::preset() const {

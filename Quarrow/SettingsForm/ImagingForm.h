@@ -1,8 +1,9 @@
 #pragma once
 
+#include "FennickCore/Imaging/PictureDecoder.h"
 #include "FennickCore/Platform/Threads/LatestTask.h"
-#include "Quarrow/App/AppController.h"
-#include "Quarrow/SettingsForm/FormServices.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
 #include "Quarrow/SettingsForm/PhotoExample.h"
 
 #include <QObject>
@@ -53,8 +54,9 @@ class ImagingForm : public QObject {
   Q_PROPERTY(bool exampleBusy READ exampleBusy NOTIFY exampleChanged)
 
 public:
-  // `controller` outlives the object.
-  ImagingForm(AppController &controller, const FormServices &services);
+  // All outlive the object.
+  ImagingForm(fennick::SettingsStore &settings, fennick::PhotoLibrary &library,
+              fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue);
 
   void setWatched(bool watched);
   // Of the next JPEG once it has been processed; empty when it keeps its own.
@@ -101,9 +103,7 @@ signals:
   void exampleChanged();
 
 private:
-  [[nodiscard]] const fennick::ImagingOptions &now() const {
-    return controller_.settings().settings().imaging;
-  }
+  [[nodiscard]] const fennick::ImagingOptions &now() const { return store_.settings().imaging; }
   void store(const std::function<void(fennick::ImagingOptions &)> &change);
   void follow(const fennick::ImagingOptions &options);
   void rememberLimits();
@@ -111,8 +111,9 @@ private:
   // What is shown: the photo that was tried, or the typical one.
   [[nodiscard]] const PhotoExample::Example &shown() const { return tried_ ? *tried_ : typical_; }
 
-  AppController &controller_;
-  const FormServices services_;
+  fennick::SettingsStore &store_;
+  fennick::PhotoLibrary &library_;
+  fennick::PictureDecoder &decoder_;
   fennick::ImagingOptions known_; // that were last announced
   int lastPixels_;                // the limits that are, or were last
   int lastKilobytes_;

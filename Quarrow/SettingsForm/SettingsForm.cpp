@@ -82,18 +82,17 @@ QVariantMap choice(const QString &words, const QString &value) { return {{"text"
 
 } // namespace
 
-SettingsForm::SettingsForm(AppController &controller, const FormServices &services)
-    : controller_(controller), services_(services), known_(now()), lastLimit_(kUsualFolderLimit),
-      look_(services.mainQueue, "fennick.form",
-            [this](const UploadFolder &seen) {
-              next_ = seen;
-              emit nextChanged();
-            }),
-      imaging_(controller, services), workflow_(controller, services) {
-  subscriptions_.push_back(
-      controller_.settings().observeSettings([this](const auto &settings) { follow(settings); }));
-  subscriptions_.push_back(controller_.library().observeItems([this](const auto &) { lookAgain(); }));
-  connect(&controller_.server(), &ServerModel::saveFolderChanged, this, [this] { lookAgain(); });
+SettingsForm::SettingsForm(const Parts &parts)
+    : store_(parts.settings), folders_(parts.folders), files_(parts.files), clock_(parts.clock),
+      known_(now()), lastLimit_(kUsualFolderLimit), look_(parts.mainQueue, "fennick.form",
+                                                          [this](const UploadFolder &seen) {
+                                                            next_ = seen;
+                                                            emit nextChanged();
+                                                          }),
+      imaging_(parts.imaging), workflow_(parts.workflow) {
+  subscriptions_.push_back(store_.observeSettings([this](const auto &settings) { follow(settings); }));
+  subscriptions_.push_back(parts.library.observeItems([this](const auto &) { lookAgain(); }));
+  connect(&parts.server, &ServerModel::saveFolderChanged, this, [this] { lookAgain(); });
   connect(&imaging_, &ImagingForm::exampleChanged, this, &SettingsForm::nextChanged);
 }
 
@@ -131,8 +130,9 @@ void SettingsForm::follow(const AppSettings &settings) {
 
 void SettingsForm::lookAgain() {
   if (watched_)
-    look_.request([destination = controller_.makeDestination(), instant = services_.clock.now(),
-                   files = &services_.files] { return lookAtUploadFolder(destination, instant, *files); });
+    look_.request([destination = folders_.makeDestination(), instant = clock_.now(), files = &files_] {
+      return lookAtUploadFolder(destination, instant, *files);
+    });
 }
 
 QString SettingsForm::error(Field field) const {
@@ -154,9 +154,7 @@ void SettingsForm::store(Field field, const QString &problem,
     store(change);
 }
 
-void SettingsForm::store(const std::function<void(AppSettings &)> &change) {
-  controller_.settings().update(change);
-}
+void SettingsForm::store(const std::function<void(AppSettings &)> &change) { store_.update(change); }
 
 void SettingsForm::setPort(int port) {
   store(Field::port, port == this->port() ? QString() : portProblem(port),
@@ -310,8 +308,8 @@ QString SettingsForm::galleryFolderMeaning() const {
   const auto chosen = now().galleryFolder.value_or("");
   if (chosen.empty())
     return tr("手机看到的就是新照片所在的文件夹");
-  const auto shown = controller_.galleryURL();
-  if (shown == (controller_.makeDestination().folder / chosen).lexically_normal())
+  const auto shown = folders_.galleryURL();
+  if (shown == (folders_.makeDestination().folder / chosen).lexically_normal())
     return tr("手机只看得到保存目录里的“%1”").arg(text(chosen));
   return tr("“%1”现在不在了，手机看到的是新照片所在的文件夹").arg(text(chosen));
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "FennickCore/Platform/Threads/LatestTask.h"
-#include "Quarrow/App/AppController.h"
-#include "Quarrow/SettingsForm/FormServices.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
+#include "Quarrow/App/Commands.h"
+#include "Quarrow/App/ServerModel.h"
 #include "Quarrow/SettingsForm/ImagingForm.h"
 #include "Quarrow/SettingsForm/UploadFolder.h"
 #include "Quarrow/SettingsForm/WorkflowForm.h"
@@ -64,8 +66,19 @@ class SettingsForm : public QObject {
   Q_PROPERTY(QString nextFolder READ nextFolder NOTIFY nextChanged)
 
 public:
-  // `controller` outlives the object.
-  SettingsForm(AppController &controller, const FormServices &services);
+  // What the form edits, and what it shows of the rest of the program. All outlive the object.
+  struct Parts {
+    fennick::SettingsStore &settings;
+    fennick::PhotoLibrary &library;
+    ServerModel &server; // announces another save folder
+    FoldersInUse &folders;
+    fennick::FileSystem &files;
+    fennick::MainQueue &mainQueue;
+    const fennick::Clock &clock;
+    ImagingForm &imaging;
+    WorkflowForm &workflow;
+  };
+  explicit SettingsForm(const Parts &parts);
 
   [[nodiscard]] ImagingForm *imaging() { return &imaging_; }
   [[nodiscard]] WorkflowForm *workflow() { return &workflow_; }
@@ -124,7 +137,7 @@ signals:
 private:
   enum class Field { port, session, prefix, separator };
 
-  [[nodiscard]] const fennick::AppSettings &now() const { return controller_.settings().settings(); }
+  [[nodiscard]] const fennick::AppSettings &now() const { return store_.settings(); }
   [[nodiscard]] QString error(Field field) const;
   void setError(Field field, const QString &problem);
   // Stores the change unless there is a problem with the field's input.
@@ -135,8 +148,10 @@ private:
   void follow(const fennick::AppSettings &settings);
   void lookAgain();
 
-  AppController &controller_;
-  const FormServices services_;
+  fennick::SettingsStore &store_;
+  FoldersInUse &folders_;
+  fennick::FileSystem &files_;
+  const fennick::Clock &clock_;
   fennick::AppSettings known_;           // that were last announced
   fennick::PrefixSequenceNaming unused_; // the numbering, while files are named by the time
   int lastLimit_;                        // of the folder, while it has none
@@ -144,8 +159,8 @@ private:
   UploadFolder next_;
   bool watched_ = false;
   fennick::LatestTask<UploadFolder> look_;
-  ImagingForm imaging_;
-  WorkflowForm workflow_;
+  ImagingForm &imaging_;
+  WorkflowForm &workflow_;
   std::vector<fennick::Subscription> subscriptions_;
 };
 

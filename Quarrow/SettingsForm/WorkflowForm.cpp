@@ -20,26 +20,27 @@ QString nameOf(const std::filesystem::path &file) { return QFile::decodeName(fil
 
 } // namespace
 
-WorkflowForm::WorkflowForm(AppController &controller, const FormServices &services)
-    : controller_(controller), services_(services), known_(now()),
-      search_(services.mainQueue, "fennick.apps",
-              [this](const auto &found) {
-                applications_.setApplications(found);
-                searching_ = false;
-                emit searchingChanged();
-              }),
-      sample_(services.mainQueue, "fennick.sample",
+WorkflowForm::WorkflowForm(fennick::SettingsStore &settings, fennick::PhotoLibrary &library, Desktop &desktop,
+                           fennick::MainQueue &mainQueue, std::filesystem::path sampleFolder)
+    : store_(settings), library_(library), desktop_(desktop), sampleFolder_(std::move(sampleFolder)),
+      known_(now()), search_(mainQueue, "fennick.apps",
+                             [this](const auto &found) {
+                               applications_.setApplications(found);
+                               searching_ = false;
+                               emit searchingChanged();
+                             }),
+      sample_(mainQueue, "fennick.sample",
               [this](const Sample &sample) {
                 if (const auto asked = std::exchange(asked_, std::nullopt))
                   tryWith(*asked, sample);
               }),
-      settings_(controller.settings().observeSettings([this](const auto &settings) {
-        if (std::exchange(known_, settings.workflow) != settings.workflow)
+      settings_(settings.observeSettings([this](const auto &all) {
+        if (std::exchange(known_, all.workflow) != all.workflow)
           emit changed();
       })) {}
 
 void WorkflowForm::store(const std::function<void(fennick::WorkflowOptions &)> &change) {
-  controller_.settings().update([&](auto &settings) { change(settings.workflow); });
+  store_.update([&](auto &settings) { change(settings.workflow); });
 }
 
 void WorkflowForm::setCopyToClipboard(bool wanted) {
@@ -103,10 +104,10 @@ void WorkflowForm::chooseNoApplication() {
 }
 
 void WorkflowForm::tryOut(Action action) {
-  if (const auto latest = latestPhoto(controller_.library()))
+  if (const auto latest = latestPhoto(library_))
     return tryWith(action, latest);
   asked_ = action;
-  sample_.request([folder = services_.sampleFolder] { return samplePicture(folder); });
+  sample_.request([folder = sampleFolder_] { return samplePicture(folder); });
 }
 
 void WorkflowForm::tryWith(Action action, const Sample &sample) {
@@ -114,17 +115,17 @@ void WorkflowForm::tryWith(Action action, const Sample &sample) {
     return setOutcome(action, tr("没有照片可试，样张也存不下来。磁盘满了吗？"), action == Open);
   switch (action) {
   case Copy:
-    services_.desktop.copyToClipboard(*sample);
+    desktop_.copyToClipboard(*sample);
     return setOutcome(action, tr("已复制 %1，到别的程序里粘贴看看").arg(nameOf(*sample)));
   case Open:
     return open(*sample);
   case Sound:
-    services_.desktop.playSound();
+    desktop_.playSound();
     return setOutcome(action, tr("响过了。没听见的话，请看看音量"));
   case Note:
     std::error_code gone;
     const auto bytes = std::filesystem::file_size(*sample, gone);
-    services_.desktop.notify(
+    desktop_.notify(
         tr("收到照片").toStdString(),
         tr("%1 · %2")
             .arg(nameOf(*sample), text(fennick::fileSizeText(gone ? 0 : static_cast<std::int64_t>(bytes))))
@@ -139,10 +140,10 @@ void WorkflowForm::open(const std::filesystem::path &file) {
   if (entry.isEmpty())
     return setOutcome(Open, tr("先选一个应用"), true);
   setOutcome(Open, tr("已用“%1”打开 %2").arg(applicationName(), nameOf(file)));
-  services_.desktop.openWith(QFile::encodeName(entry).toStdString(), file,
-                             lifetime_.guard([this](const std::string &reason) {
-                               setOutcome(Open, tr("没能打开：%1").arg(text(reason)), true);
-                             }));
+  desktop_.openWith(QFile::encodeName(entry).toStdString(), file,
+                    lifetime_.guard([this](const std::string &reason) {
+                      setOutcome(Open, tr("没能打开：%1").arg(text(reason)), true);
+                    }));
 }
 
 void WorkflowForm::setOutcome(Action action, const QString &outcome, bool failed) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "FennickCore/Platform/Threads/LatestTask.h"
-#include "Quarrow/App/AppController.h"
+#include "FennickCore/Settings/SettingsStore.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
+#include "Quarrow/App/Applications.h"
+#include "Quarrow/App/Desktop.h"
 #include "Quarrow/SettingsForm/ApplicationList.h"
-#include "Quarrow/SettingsForm/FormServices.h"
 
 #include <QObject>
 #include <QString>
@@ -41,8 +43,10 @@ public:
   enum Action { Copy, Open, Sound, Note };
   Q_ENUM(Action)
 
-  // `controller` outlives the object.
-  WorkflowForm(AppController &controller, const FormServices &services);
+  // All outlive the object. The sample picture that actions are tried with is made in `sampleFolder` when it
+  // is needed.
+  WorkflowForm(fennick::SettingsStore &settings, fennick::PhotoLibrary &library, Desktop &desktop,
+               fennick::MainQueue &mainQueue, std::filesystem::path sampleFolder);
 
   [[nodiscard]] bool copyToClipboard() const { return now().copyToClipboard; }
   void setCopyToClipboard(bool wanted);
@@ -78,16 +82,16 @@ private:
   using Sample = std::optional<std::filesystem::path>;
   static constexpr std::size_t kActions = 4;
 
-  [[nodiscard]] const fennick::WorkflowOptions &now() const {
-    return controller_.settings().settings().workflow;
-  }
+  [[nodiscard]] const fennick::WorkflowOptions &now() const { return store_.settings().workflow; }
   void store(const std::function<void(fennick::WorkflowOptions &)> &change);
   void tryWith(Action action, const Sample &sample);
   void open(const std::filesystem::path &file);
   void setOutcome(Action action, const QString &outcome, bool failed = false);
 
-  AppController &controller_;
-  const FormServices services_;
+  fennick::SettingsStore &store_;
+  fennick::PhotoLibrary &library_;
+  Desktop &desktop_;
+  const std::filesystem::path sampleFolder_;
   fennick::WorkflowOptions known_; // that were last announced
   QString choiceError_;            // about the application that was chosen last
   ApplicationList applications_;

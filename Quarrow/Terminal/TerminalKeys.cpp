@@ -1,7 +1,7 @@
 #include "Quarrow/Terminal/TerminalKeys.h"
 
 #include "FennickCore/Support/Text.h"
-#include "Quarrow/App/AppController.h"
+#include "Quarrow/App/ServerModel.h"
 
 #include <fmt/format.h>
 
@@ -60,7 +60,7 @@ void TerminalKeys::obey(char key) {
     return actions_.nextAddress();
   case 'k':
     asking_ = true;
-    return report_.notice(fmt::format("{}\n{}", AppController::resetKeyWarning().toStdString(), kQuestion));
+    return report_.notice(fmt::format("{}\n{}", ServerModel::resetKeyWarning().toStdString(), kQuestion));
   case 'o':
     return actions_.openFolder();
   case 'q':

@@ -88,21 +88,21 @@ std::int64_t sizeOfSelected(const Items &items, const PhotoSelection::Paths &sel
 
 } // namespace
 
-PhotoWall::PhotoWall(AppController &controller, const Services &services)
-    : controller_(controller), preferences_(services.preferences), mainQueue_(services.mainQueue),
-      known_(controller.library().items()), selection_(controller.selection()), typeAhead_(services.clock),
-      thumbnails_(services.thumbnails), tileSize_(tileSizeFrom(preferences_)) {
-  auto &library = controller_.library();
-  subscriptions_.push_back(library.observeItems([this](const Items &items) { follow(items); }));
-  subscriptions_.push_back(library.observeListed([this](bool) { updateState(); }));
+PhotoWall::PhotoWall(const Parts &parts)
+    : library_(parts.library), selected_(parts.selection), commands_(parts.commands),
+      preferences_(parts.preferences), mainQueue_(parts.mainQueue), known_(library_.items()),
+      selection_(selected_), typeAhead_(parts.clock), thumbnails_(parts.thumbnails),
+      tileSize_(tileSizeFrom(preferences_)) {
+  subscriptions_.push_back(library_.observeItems([this](const Items &items) { follow(items); }));
+  subscriptions_.push_back(library_.observeListed([this](bool) { updateState(); }));
   subscriptions_.push_back(
-      library.observeRecentlyAdded([this](const auto &files) { model_.setRecent(files); }));
-  connect(&controller_.server(), &ServerModel::errorChanged, this, &PhotoWall::updateState);
-  connect(&controller_.selection(), &PhotoSelection::changed, this, [this] {
-    model_.setSelected(controller_.selection().files());
+      library_.observeRecentlyAdded([this](const auto &files) { model_.setRecent(files); }));
+  connect(&parts.server, &ServerModel::errorChanged, this, &PhotoWall::updateState);
+  connect(&selected_, &PhotoSelection::changed, this, [this] {
+    model_.setSelected(selected_.files());
     emit selectionChanged();
   });
-  model_.setRecent(library.recentlyAdded());
+  model_.setRecent(library_.recentlyAdded());
   show();
 }
 
@@ -153,12 +153,11 @@ PhotoWall::State PhotoWall::stateNow() const {
     return Filled;
   if (!known_.empty())
     return NoMatch;
-  const auto &library = controller_.library();
-  if (!library.folder())
+  if (!library_.folder())
     return Empty;
-  if (!library.isListed())
+  if (!library_.isListed())
     return Loading;
-  return controller_.hasLibraryFolder() ? Empty : Missing;
+  return commands_.hasLibraryFolder() ? Empty : Missing;
 }
 
 void PhotoWall::updateState() {
@@ -205,12 +204,12 @@ QString PhotoWall::limitText() const {
   return tr("照片墙最多显示 %1 项，其余的请到文件夹里看").arg(fennick::PhotoLibrary::kLimit);
 }
 
-int PhotoWall::selectedCount() const { return static_cast<int>(controller_.selection().files().size()); }
+int PhotoWall::selectedCount() const { return static_cast<int>(selected_.files().size()); }
 
 QString PhotoWall::selectionText() const {
   if (selectedCount() == 0)
     return {};
-  const auto bytes = sizeOfSelected(known_, controller_.selection().files());
+  const auto bytes = sizeOfSelected(known_, selected_.files());
   return tr("已选 %1 项 · %2").arg(selectedCount()).arg(QString::fromStdString(fennick::fileSizeText(bytes)));
 }
 
@@ -350,7 +349,7 @@ QStringList PhotoWall::dragThumbnails(int most) const {
 }
 
 void PhotoWall::lookAgain() {
-  controller_.library().scan();
+  library_.scan();
   updateState();
 }
 
@@ -360,7 +359,7 @@ void PhotoWall::importFiles(const QList<QUrl> &files) {
     if (each.isLocalFile())
       paths.emplace_back(QFile::encodeName(each.toLocalFile()).toStdString());
   if (!paths.empty())
-    controller_.importFiles(std::move(paths));
+    commands_.importFiles(std::move(paths));
 }
 
 // Pictures are handed on as they are: looking inside them is the decoder's business.
@@ -376,12 +375,12 @@ bool PhotoWall::paste() {
       std::ranges::find_if(kPastedFormats, [&](const char *each) { return content->hasFormat(each); });
   if (format == std::end(kPastedFormats))
     return false;
-  controller_.importPicture(content->data(*format).toStdString(), tr("粘贴的图片").toStdString());
+  commands_.importPicture(content->data(*format).toStdString(), tr("粘贴的图片").toStdString());
   return true;
 }
 
 void PhotoWall::moveSelectionTo(int place) {
-  const auto &selected = controller_.selection().files();
+  const auto &selected = selected_.files();
   const auto &shown = model_.items();
   const auto isMoved = [&](const PhotoItem &item) { return selected.contains(item.url); };
   const auto next =
@@ -392,9 +391,9 @@ void PhotoWall::moveSelectionTo(int place) {
     (isMoved(item) ? moved : arranged).push_back(item.url);
   const auto before = next == shown.end() ? arranged.end() : std::ranges::find(arranged, next->url);
   arranged.insert(before, moved.begin(), moved.end());
-  controller_.library().reorder(arranged, lifetime_.guard([this](const auto &stored) {
+  library_.reorder(arranged, lifetime_.guard([this](const auto &stored) {
     if (!stored)
-      controller_.reportProblem(
+      commands_.reportProblem(
           tr("没能保存照片的顺序：%1").arg(QString::fromStdString(stored.error().message())).toStdString());
   }));
 }

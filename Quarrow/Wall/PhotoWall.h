@@ -1,7 +1,13 @@
 #pragma once
 
+#include "FennickCore/Platform/Files/Preferences.h"
 #include "FennickCore/Platform/Threads/Lifetime.h"
-#include "Quarrow/App/AppController.h"
+#include "FennickCore/Platform/Threads/MainQueue.h"
+#include "FennickCore/Storage/PhotoLibrary.h"
+#include "FennickCore/Storage/Thumbnails.h"
+#include "Quarrow/App/Commands.h"
+#include "Quarrow/App/PhotoSelection.h"
+#include "Quarrow/App/ServerModel.h"
 #include "Quarrow/Wall/PhotoListModel.h"
 #include "Quarrow/Wall/TypeAhead.h"
 #include "Quarrow/Wall/WallSelection.h"
@@ -56,14 +62,18 @@ public:
   // What marks a drag as one of the wall's own.
   static constexpr const char *kOwnDrag = "application/x-tevrin-photos";
 
-  // All outlive the object.
-  struct Services {
-    fennick::Preferences &preferences;
+  // What the wall shows and asks for. All outlive the object.
+  struct Parts {
+    fennick::PhotoLibrary &library;
+    PhotoSelection &selection;
+    ServerModel &server; // its error may be about the folder
+    PhotoCommands &commands;
+    fennick::Thumbnails &thumbnails;
+    fennick::Preferences &preferences; // hold the size of the tiles
     fennick::MainQueue &mainQueue;
     const fennick::Clock &clock;
-    fennick::Thumbnails &thumbnails;
   };
-  PhotoWall(AppController &controller, const Services &services);
+  explicit PhotoWall(const Parts &parts);
   ~PhotoWall() override;
   PhotoWall(const PhotoWall &) = delete;
   PhotoWall &operator=(const PhotoWall &) = delete;
@@ -142,7 +152,9 @@ private:
   void changing(Change change);
   void storeTileSize();
 
-  AppController &controller_;
+  fennick::PhotoLibrary &library_;
+  PhotoSelection &selected_;
+  PhotoCommands &commands_;
   fennick::Preferences &preferences_;
   fennick::MainQueue &mainQueue_;
   fennick::Lifetime lifetime_;

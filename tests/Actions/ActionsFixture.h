@@ -2,13 +2,7 @@
 
 #include "FennickCore/Platform/Files/FileStatus.h"
 #include "Quarrow/Actions/PhotoActions.h"
-#include "tests/App/HandNetwork.h"
-#include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FakeDecoder.h"
-#include "tests/Support/FaultyFileSystem.h"
-#include "tests/Support/KeepingTrash.h"
-#include "tests/Support/ManualQueue.h"
-#include "tests/Support/TemporaryFolder.h"
+#include "tests/App/Surroundings.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -19,7 +13,7 @@
 namespace quarrow::test {
 
 // Photos on a wall, in a real folder, and what can be done to them; time and threads wait for the test.
-class ActionsTest : public ::testing::Test {
+class ActionsTest : public ::testing::Test, public IdleController<> {
 protected:
   using Names = std::vector<std::string>;
 
@@ -36,25 +30,7 @@ protected:
     awaitWall(names);
   }
   void awaitWall(const Names &names) {
-    queue.runUntil([&] { return wall() == names; });
-  }
-  [[nodiscard]] Names wall() {
-    Names names;
-    for (const auto &item : controller.library().items())
-      names.push_back(item.name);
-    return names;
-  }
-  void select(const Names &names) {
-    PhotoSelection::Paths chosen;
-    for (const auto &name : names)
-      chosen.insert(disk / ("photos/" + name));
-    controller.selection().set(std::move(chosen));
-  }
-  [[nodiscard]] Names selected() {
-    Names names;
-    for (const auto &file : controller.selection().files())
-      names.push_back(file.filename().string());
-    return names;
+    queue.runUntil([&] { return listed() == names; });
   }
   // Until what was entered has been looked at.
   void awaitAnswers() {
@@ -68,26 +44,13 @@ protected:
     queue.runUntil([this] { return !actions.jobs()->running(); });
   }
 
-  fennick::test::TemporaryFolder disk;
-  fennick::FilePreferences preferences{disk / "preferences.json"};
-  fennick::test::FaultyFileSystem files;
-  fennick::test::ManualQueue queue;
-  fennick::test::FakeDecoder decoder;
-  fennick::test::KeepingTrash trash{disk / "trash"};
-  RecordingDesktop desktop;
-  HandNetwork network;
-  AppController controller{{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"},
-                           {.preferences = preferences,
-                            .mainQueue = queue,
-                            .files = files,
-                            .clock = queue.clock(),
-                            .decoder = decoder,
-                            .trash = trash,
-                            .desktop = desktop,
-                            .network = network}};
-  PhotoActions actions{
-      controller,
-      {.mainQueue = queue, .files = files, .decoder = decoder, .trash = trash, .desktop = desktop}};
+  PhotoActions actions{{.library = library(),
+                        .selection = controller.selection(),
+                        .server = controller.server(),
+                        .commands = controller,
+                        .tools = {.files = files, .decoder = decoder, .trash = trash},
+                        .desktop = desktop,
+                        .mainQueue = queue}};
 };
 
 } // namespace quarrow::test

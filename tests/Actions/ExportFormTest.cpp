@@ -73,7 +73,7 @@ TEST_F(ExportFormTest, CopiesGoToTheReservedFolderOrAChosenOneAndNoPhotoChanges)
   apply();
   EXPECT_THAT(disk.names("elsewhere"), ElementsAre("a.mov", "b.jpeg"));
   EXPECT_EQ(form.remark(), "");
-  EXPECT_THAT(wall(), ElementsAre("b.jpg", "a.mov"));
+  EXPECT_THAT(listed(), ElementsAre("b.jpg", "a.mov"));
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
 }
 

@@ -57,11 +57,11 @@ TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
   EXPECT_EQ(actions.rename("a"), "");
   EXPECT_FALSE(actions.canUndo());
   EXPECT_EQ(actions.rename(" c "), "");
-  EXPECT_THAT(wall(), ElementsAre("c.jpg", "b.jpg"));
+  EXPECT_THAT(listed(), ElementsAre("c.jpg", "b.jpg"));
   EXPECT_THAT(selected(), ElementsAre("c.jpg"));
   actions.undo();
   settle();
-  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg"));
+  EXPECT_THAT(listed(), ElementsAre("a.jpg", "b.jpg"));
   EXPECT_THAT(selected(), ElementsAre("a.jpg"));
   EXPECT_EQ(disk.read("photos/a.jpg"), "content of a.jpg");
 }
@@ -75,7 +75,7 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   select({"a.jpg", "c.jpg", "d.jpg"});
   actions.trash();
   settle();
-  EXPECT_THAT(wall(), ElementsAre("b.jpg", "c.jpg"));
+  EXPECT_THAT(listed(), ElementsAre("b.jpg", "c.jpg"));
   EXPECT_THAT(selected(), ElementsAre("c.jpg"));
   EXPECT_EQ(actions.note(), "已将 2 项移到废纸篓");
   EXPECT_TRUE(actions.noteCanBeUndone());
@@ -93,7 +93,7 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   settle();
   EXPECT_EQ(actions.note(), "原来的名字已被占用，放回为 d_2.jpg");
   EXPECT_THAT(selected(), ElementsAre("a.jpg", "d_2.jpg"));
-  queue.runUntil([this] { return wall().size() == 5; });
+  queue.runUntil([this] { return listed().size() == 5; });
   EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 6");
   actions.undo(); // of the turn: it is found under its new name
   settle();

@@ -75,7 +75,7 @@ TEST_F(RenameFormTest, WhatStandsInTheWayIsSaidAndNothingIsHalfDone) {
   files.failNext(Operation::moveNoReplace, EACCES);
   EXPECT_FALSE(apply());
   EXPECT_EQ(form.problem(), "没有权限");
-  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg"));
+  EXPECT_THAT(listed(), ElementsAre("a.jpg", "b.jpg"));
   EXPECT_FALSE(actions.canUndo());
 }
 
@@ -101,7 +101,7 @@ TEST_F(RenameFormTest, ABatchThatIsStoppedKeepsTheOldNames) {
   queue.runUntil([&] { return finished.count() == 1; });
   EXPECT_FALSE(finished[0][0].toBool());
   EXPECT_TRUE(form.ready() && form.problem().isEmpty()) << "it can be tried again";
-  EXPECT_THAT(wall(), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
+  EXPECT_THAT(listed(), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
   EXPECT_THAT(disk.names("photos"), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
   EXPECT_EQ(actions.note(), "");
 }

@@ -1,14 +1,9 @@
 #pragma once
 
+#include "FennickCore/Platform/Network/ListeningSocket.h"
 #include "FennickCore/Platform/System/Log.h"
-#include "Quarrow/App/AppController.h"
-#include "tests/App/HandNetwork.h"
-#include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FakeDecoder.h"
-#include "tests/Support/FaultyFileSystem.h"
+#include "tests/App/Surroundings.h"
 #include "tests/Support/LoopbackClient.h"
-#include "tests/Support/ManualQueue.h"
-#include "tests/Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -16,15 +11,6 @@
 #include <algorithm>
 
 namespace quarrow::test {
-
-// Takes whatever it is given.
-class RemovingTrash final : public fennick::Trash {
-public:
-  fennick::IOResult<fennick::Trashed> moveToTrash(const std::filesystem::path &file) override {
-    std::filesystem::remove(file);
-    return fennick::Trashed{};
-  }
-};
 
 constexpr std::string_view kJPEG = "\xFF\xD8\xFF\xE0 a photo"; // 12 bytes
 
@@ -37,7 +23,7 @@ inline fennick::LANAddress wired(const std::string &address = "10.0.0.5") {
 
 // A controller with a real server on this computer and a real save folder; everything else is in the test's
 // hands. Nothing happens on the main thread until the queue runs.
-class ControllerTest : public ::testing::Test {
+class ControllerTest : public ::testing::Test, public Surroundings<> {
 protected:
   ControllerTest() {
     fennick::logTo([this](std::string_view line) {
@@ -53,14 +39,7 @@ protected:
   }
 
   void make() {
-    controller.emplace(options, AppController::Services{.preferences = preferences,
-                                                        .mainQueue = queue,
-                                                        .files = *fileSystem,
-                                                        .clock = queue.clock(),
-                                                        .decoder = decoder,
-                                                        .trash = trash,
-                                                        .desktop = desktop,
-                                                        .network = network});
+    controller.emplace(options, services());
     QObject::connect(&*controller, &AppController::received,
                      [this](const ReceivedFile &file) { received.push_back(file); });
   }
@@ -108,16 +87,7 @@ protected:
     return {first->port(), second->port()};
   }
 
-  fennick::test::TemporaryFolder disk;
-  fennick::FilePreferences preferences{disk / "state/preferences.json"};
   fennick::SettingsStore store{preferences}; // for what is stored before the start
-  fennick::test::FaultyFileSystem files;
-  fennick::FileSystem *fileSystem = &files; // of the next controller
-  fennick::test::ManualQueue queue;
-  fennick::test::FakeDecoder decoder;
-  RemovingTrash trash;
-  RecordingDesktop desktop;
-  HandNetwork network;
   AppController::Options options{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"};
   std::vector<ReceivedFile> received;
   std::optional<AppController> controller;

@@ -27,13 +27,13 @@ constexpr int kSurvived = 0;
 constexpr int kRefused = 7;
 constexpr int kNoSandbox = 8;
 
-// What became of a process that locked itself down and then did `deed`, which gives true when it worked.
-int statusAfter(const std::function<bool()> &deed) {
+// What became of a process that locked itself down and then did `entry`, which gives true when it worked.
+int statusAfter(const std::function<bool()> &entry) {
   const pid_t child = ::fork();
   if (child == 0) {
     if (!limitResources() || !lockDown())
       ::_exit(kNoSandbox);
-    ::_exit(deed() ? kSurvived : kRefused);
+    ::_exit(entry() ? kSurvived : kRefused);
   }
   int status = 0;
   ::waitpid(child, &status, 0);

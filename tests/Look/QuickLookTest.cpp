@@ -49,9 +49,7 @@ protected:
     return file;
   }
   void begin() {
-    look.emplace(*controller, LookPictures::Services{.decoder = decoder,
-                                                     .mainQueue = queue,
-                                                     .thumbnails = controller->thumbnails()});
+    look.emplace(controller->library(), decoder, controller->thumbnails(), queue);
     controller->library().setFolder(disk / "photos");
     queue.runUntil([&] { return std::ssize(controller->library().items()) == added_; });
     look->setOpen(true);

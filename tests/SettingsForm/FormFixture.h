@@ -1,12 +1,7 @@
 #pragma once
 
 #include "Quarrow/SettingsForm/SettingsForm.h"
-#include "tests/App/HandNetwork.h"
-#include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FakeDecoder.h"
-#include "tests/Support/FaultyFileSystem.h"
-#include "tests/Support/ManualQueue.h"
-#include "tests/Support/TemporaryFolder.h"
+#include "tests/App/Surroundings.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +11,7 @@
 namespace quarrow::test {
 
 // A form over a real coordinator and a real save folder, "photos", that nobody has started to serve.
-class FormTest : public ::testing::Test {
+class FormTest : public ::testing::Test, public IdleController<> {
 protected:
   FormTest() { controller.server().setSaveFolder(disk.makeFolder("photos")); }
 
@@ -36,36 +31,17 @@ protected:
     runUntil([&] { return !controller.library().items().empty(); });
   }
 
-  fennick::test::TemporaryFolder disk;
-  fennick::FilePreferences preferences{disk / "preferences.json"};
-  fennick::test::FaultyFileSystem files;
-  fennick::test::ManualQueue queue;
-  fennick::test::FakeDecoder decoder;
-  class NoTrash final : public fennick::Trash {
-    fennick::IOResult<fennick::Trashed> moveToTrash(const std::filesystem::path &) override {
-      return fennick::Trashed{};
-    }
-  } trash;
-  RecordingDesktop desktop;
-  HandNetwork network;
-  AppController controller{{.cacheDirectory = disk / "cache"},
-                           {.preferences = preferences,
-                            .mainQueue = queue,
-                            .files = files,
-                            .clock = queue.clock(),
-                            .decoder = decoder,
-                            .trash = trash,
-                            .desktop = desktop,
-                            .network = network}};
-  SettingsForm form{controller,
-                    {.mainQueue = queue,
+  ImagingForm imaging{controller.settings(), library(), decoder, queue};
+  WorkflowForm workflow{controller.settings(), library(), desktop, queue, disk / "sample"};
+  SettingsForm form{{.settings = controller.settings(),
+                     .library = library(),
+                     .server = controller.server(),
+                     .folders = controller,
                      .files = files,
+                     .mainQueue = queue,
                      .clock = queue.clock(),
-                     .decoder = decoder,
-                     .desktop = desktop,
-                     .sampleFolder = disk / "sample"}};
-  ImagingForm &imaging = *form.imaging();
-  WorkflowForm &workflow = *form.workflow();
+                     .imaging = imaging,
+                     .workflow = workflow}};
 };
 
 } // namespace quarrow::test

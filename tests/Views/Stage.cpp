@@ -24,25 +24,16 @@ fennick::LANAddress addressOf(const QString &interface) {
 
 } // namespace
 
-Stage::Stage()
-    : controller_({.cacheDirectory = disk_ / "cache", .saveFolder = disk_ / "photos"},
-                  {.preferences = preferences_,
-                   .mainQueue = queue_,
-                   .files = files_,
-                   .clock = queue_.clock(),
-                   .decoder = decoder_,
-                   .trash = trash_,
-                   .desktop = desktop_,
-                   .network = network_}) {
-  ServerSingleton::instance = &controller_.server();
-  ProgressSingleton::instance = &controller_.progress();
-  ImportsSingleton::instance = &controller_.imports();
+Stage::Stage() {
+  ServerSingleton::instance = &controller.server();
+  ProgressSingleton::instance = &controller.progress();
+  ImportsSingleton::instance = &controller.imports();
   ShellSingleton::instance = &shell_;
   WallSingleton::instance = &wall_;
   LookSingleton::instance = &look_;
   ActionsSingleton::instance = &actions_;
   SettingsSingleton::instance = &form_;
-  controller_.progress().setWatched(true);
+  controller.progress().setWatched(true);
 }
 
 Stage::~Stage() {
@@ -99,58 +90,58 @@ void Stage::blockByFirewall() {
 }
 
 void Stage::hang(const QStringList &names, const QSize &photo) {
-  decoder_.setFacts(fennick::PictureFacts{.type = fennick::PictureType::jpeg,
-                                          .frames = 1,
-                                          .width = photo.width(),
-                                          .height = photo.height(),
-                                          .orientation = {}});
-  decoder_.setThumbnail(landscape(photo.scaled(1600, 1600, Qt::KeepAspectRatio)));
+  decoder.setFacts(fennick::PictureFacts{.type = fennick::PictureType::jpeg,
+                                         .frames = 1,
+                                         .width = photo.width(),
+                                         .height = photo.height(),
+                                         .orientation = {}});
+  decoder.setThumbnail(landscape(photo.scaled(1600, 1600, Qt::KeepAspectRatio)));
   hangFiles(names);
 }
 
 void Stage::hangBroken(const QString &name) {
   using fennick::PictureFault;
-  decoder_.setFacts(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
-  decoder_.setThumbnail(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
+  decoder.setFacts(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
+  decoder.setThumbnail(fennick::test::FakeDecoder::kFault(PictureFault::undecodable));
   hangFiles({name});
 }
 
 void Stage::hangFiles(const QStringList &names) {
-  auto &library = controller_.library();
+  auto &library = controller.library();
   library.setFolder(std::nullopt);
-  std::filesystem::remove_all(disk_ / "photos");
+  std::filesystem::remove_all(disk / "photos");
   // On a day of its own: what is remembered of files of the same names is of others.
   const auto day = std::chrono::sys_days(std::chrono::May / 1 / 2024) + std::chrono::days(hangings_++);
   fennick::Instant taken = day + std::chrono::hours(2);
   for (const QString &name : names) {
-    const auto file = disk_.write("photos/" + name.toStdString(), std::string(2'412'345, 'p'));
+    const auto file = disk.write("photos/" + name.toStdString(), std::string(2'412'345, 'p'));
     std::ignore = fennick::setModificationTime(file, taken -= std::chrono::minutes(7));
   }
-  library.setFolder(disk_ / "photos");
-  queue_.runUntil([&] { return std::ssize(library.items()) == names.size(); });
+  library.setFolder(disk / "photos");
+  queue.runUntil([&] { return std::ssize(library.items()) == names.size(); });
   wall_.moveCurrent(-wall_.count());
 }
 
 void Stage::awaitLook() {
-  queue_.runUntil([this] {
+  queue.runUntil([this] {
     return look_.kind() == QuickLook::Nothing ||
            (look_.kind() != QuickLook::Loading && !look_.details().isEmpty());
   });
 }
 
 void Stage::rememberOrigin() {
-  const auto file = controller_.library().items().front().url;
-  disk_.write("photos/originals/IMG_0412.HEIC");
+  const auto file = controller.library().items().front().url;
+  disk.write("photos/originals/IMG_0412.HEIC");
   fennick::writeOrigin(file, {.address = "192.168.1.34",
                               .name = "IMG_0412.HEIC",
                               .receivedAt = fennick::Instant(std::chrono::seconds(1'714'527'000)),
                               .note = "3.2 MB → 4032px · q85 · 2.4 MB · JPEG · 已转正 / rotated",
                               .original = "IMG_0412.HEIC"});
-  decoder_.setDetails(fennick::PictureDetails{.camera = "Apple iPhone 15 Pro",
-                                              .lens = "iPhone 15 Pro back triple camera 6.765mm f/1.78",
-                                              .taken = "2024-05-01 09:23:11",
-                                              .offset = "+08:00",
-                                              .exposure = "1/125 s · f/1.8 · ISO 100 · 24 mm"});
+  decoder.setDetails(fennick::PictureDetails{.camera = "Apple iPhone 15 Pro",
+                                             .lens = "iPhone 15 Pro back triple camera 6.765mm f/1.78",
+                                             .taken = "2024-05-01 09:23:11",
+                                             .offset = "+08:00",
+                                             .exposure = "1/125 s · f/1.8 · ISO 100 · 24 mm"});
 }
 
 void Stage::setError(const QString &error) {
@@ -159,62 +150,62 @@ void Stage::setError(const QString &error) {
 
 void Stage::receive(const QString &note) {
   server().setLastNote(note.toStdString());
-  emit controller_.received({.url = disk_ / "photos/a.jpg", .bytes = 12, .note = note.toStdString()});
+  shell_.countReceived();
 }
 
 void Stage::beginUpload() {
-  upload_.emplace(controller_.progress().counter(), 48'000'000);
-  queue_.run();
+  upload_.emplace(controller.progress().counter(), 48'000'000);
+  queue.run();
   upload_->received(20'000'000);
-  queue_.advance(fennick::Seconds(0.25));
+  queue.advance(fennick::Seconds(0.25));
 }
 
 void Stage::endUploads() {
   upload_.reset();
-  queue_.advance(fennick::Seconds(1));
+  queue.advance(fennick::Seconds(1));
 }
 
 void Stage::makePhoto(const QString &name, int age) {
-  const auto file = disk_.write("photos/" + name.toStdString(), "");
+  const auto file = disk.write("photos/" + name.toStdString(), "");
   const auto bytes = fennick::isVideoName(name.toStdString()) ? 24'000'000U : 2'400'000U;
   std::filesystem::resize_file(file, bytes + static_cast<unsigned>(std::abs(age)) % 30 * 100'000);
-  std::ignore = fennick::setModificationTime(file, queue_.clock().now() - std::chrono::minutes(age));
+  std::ignore = fennick::setModificationTime(file, queue.clock().now() - std::chrono::minutes(age));
 }
 
 void Stage::fillWall(const QStringList &names) {
-  decoder_.makeUp(true);
-  std::filesystem::remove_all(disk_ / "photos");
+  decoder.makeUp(true);
+  std::filesystem::remove_all(disk / "photos");
   for (qsizetype i = 0; i < names.size(); ++i)
     makePhoto(names[i], static_cast<int>(i));
-  auto &library = controller_.library();
+  auto &library = controller.library();
   library.setFolder({});
-  library.setFolder(disk_ / "photos");
-  queue_.runUntil([&] { return library.isListed(); });
+  library.setFolder(disk / "photos");
+  queue.runUntil([&] { return library.isListed(); });
 }
 
 void Stage::arrive(const QString &name) {
   makePhoto(name, -1);
-  controller_.library().noteAdded(disk_ / ("photos/" + name.toStdString()));
+  controller.library().noteAdded(disk / ("photos/" + name.toStdString()));
   awaitOnWall(name);
 }
 
 void Stage::awaitOnWall(const QString &name) {
-  queue_.runUntil([&] { return wallNames().contains(name); });
+  queue.runUntil([&] { return wallNames().contains(name); });
 }
 
 void Stage::awaitWall(const QStringList &names) {
-  queue_.runUntil([&] { return wallNames() == names; });
+  queue.runUntil([&] { return wallNames() == names; });
 }
 
 void Stage::losePhotos() {
-  auto &library = controller_.library();
-  library.setFolder(disk_ / "gone");
-  queue_.runUntil([&] { return library.isListed(); });
+  auto &library = controller.library();
+  library.setFolder(disk / "gone");
+  queue.runUntil([&] { return library.isListed(); });
 }
 
 void Stage::clearWall() {
-  decoder_.makeUp(false);
-  controller_.library().setFolder({});
+  decoder.makeUp(false);
+  controller.library().setFolder({});
   wall_.setFilter(PhotoWall::All);
   wall_.setTileSize(PhotoWall::kUsualTile);
 }
@@ -234,14 +225,14 @@ bool Stage::isStillAfter(const QString &group, const QString &key, const QVarian
 
 void Stage::lookAhead() {
   form_.setWatched(true);
-  queue_.runUntil([this] { return !form_.nextName().isEmpty() && !form_.imaging()->exampleBusy(); });
+  queue.runUntil([this] { return !form_.nextName().isEmpty() && !form_.imaging()->exampleBusy(); });
 }
 
 void Stage::offerApplications(const QStringList &names) {
-  queue_.runUntil([this] { return !form_.workflow()->isSearching(); });
+  queue.runUntil([this] { return !form_.workflow()->isSearching(); });
   std::vector<applications::InstalledApplication> applications;
   for (const auto &name : names)
-    applications.push_back({.entry = disk_.write(name.toStdString() + ".desktop"),
+    applications.push_back({.entry = disk.write(name.toStdString() + ".desktop"),
                             .name = name.toStdString(),
                             .icon = {},
                             .isMadeForIt = true});
@@ -250,29 +241,29 @@ void Stage::offerApplications(const QStringList &names) {
 
 void Stage::select(const QStringList &names) {
   PhotoSelection::Paths chosen;
-  for (const auto &item : controller_.library().items())
+  for (const auto &item : controller.library().items())
     if (names.contains(QString::fromStdString(item.name)))
       chosen.insert(item.url);
-  controller_.selection().set(std::move(chosen));
+  controller.selection().set(std::move(chosen));
 }
 
 void Stage::awaitActions() {
-  queue_.advance(fennick::Seconds(0.2));
+  queue.advance(fennick::Seconds(0.2));
   bool answered = false; // after everything that was asked before
   actions_.jobs()->ask([] { return true; }, [&answered](bool) { answered = true; });
-  queue_.runUntil([&] { return answered; });
+  queue.runUntil([&] { return answered; });
 }
 
 QStringList Stage::photoNames() {
   QStringList names;
-  for (const auto &name : disk_.names("photos"))
+  for (const auto &name : disk.names("photos"))
     names.append(QString::fromStdString(name));
   return names;
 }
 
 QStringList Stage::asked() {
   QStringList all;
-  for (const auto &each : desktop_.take())
+  for (const auto &each : desktop.take())
     all.append(QString::fromStdString(each));
   return all;
 }

@@ -2,18 +2,12 @@
 
 #include "FennickCore/Upload/UploadActivity.h"
 #include "Quarrow/Actions/PhotoActions.h"
-#include "Quarrow/App/AppController.h"
 #include "Quarrow/Desktop/LoginItem.h"
 #include "Quarrow/Desktop/Shell.h"
 #include "Quarrow/Look/QuickLook.h"
 #include "Quarrow/SettingsForm/SettingsForm.h"
 #include "Quarrow/Wall/PhotoWall.h"
-#include "tests/App/HandNetwork.h"
-#include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FaultyFileSystem.h"
-#include "tests/Support/KeepingTrash.h"
-#include "tests/Support/ManualQueue.h"
-#include "tests/Support/TemporaryFolder.h"
+#include "tests/App/Surroundings.h"
 #include "tests/Views/MadeUpPhotos.h"
 
 #include <QObject>
@@ -28,7 +22,7 @@ namespace quarrow::test {
 // A real coordinator that was never started, with everything around it in hand: views show what it is told to
 // hold, and what they ask for is asked of it. There is one at a time; it is what QML's Server, Progress and
 // Shell are. Main thread.
-class Stage : public QObject {
+class Stage : public QObject, private IdleController<MadeUpPhotos> {
   Q_OBJECT
 
 public:
@@ -60,7 +54,7 @@ public:
   Q_INVOKABLE void awaitLook();
   // The first file on the wall was sent by a phone, processed, and its original kept.
   void rememberOrigin();
-  [[nodiscard]] fennick::test::FakeDecoder &decoder() { return decoder_; }
+  using IdleController<MadeUpPhotos>::decoder;
 
   // The settings' examples are those of the folder.
   Q_INVOKABLE void lookAhead();
@@ -69,7 +63,7 @@ public:
   [[nodiscard]] SettingsForm &form() { return form_; }
 
   // Files are saved where the photos on the wall lie.
-  Q_INVOKABLE void saveWithPhotos() { server().setSaveFolder(disk_ / "photos"); }
+  Q_INVOKABLE void saveWithPhotos() { server().setSaveFolder(disk / "photos"); }
   // Selects these of the photos on the wall.
   Q_INVOKABLE void select(const QStringList &names);
   // What was asked of the photo actions is done, and what was typed has been looked at.
@@ -89,17 +83,17 @@ public:
   // Thumbnails that are on the disk but not in memory, and a second wall over the same folder that shows
   // them.
   [[nodiscard]] std::unique_ptr<fennick::Thumbnails> anotherThumbnails() {
-    return std::make_unique<fennick::Thumbnails>(files_, disk_ / "cache" / "thumbs", decoder_);
+    return std::make_unique<fennick::Thumbnails>(files, disk / "cache" / "thumbs", decoder);
   }
   [[nodiscard]] std::unique_ptr<PhotoWall> anotherWall(fennick::Thumbnails &thumbnails) {
-    return std::make_unique<PhotoWall>(controller_, wallServices(thumbnails));
+    return std::make_unique<PhotoWall>(wallParts(thumbnails));
   }
   // Lets time pass.
-  Q_INVOKABLE void pass(double seconds) { queue_.advance(fennick::Seconds(seconds)); }
+  Q_INVOKABLE void pass(double seconds) { queue.advance(fennick::Seconds(seconds)); }
   // Runs what other threads hand over until a photo of this name is on the wall.
   Q_INVOKABLE void awaitOnWall(const QString &name);
 
-  [[nodiscard]] ServerModel &server() { return controller_.server(); }
+  [[nodiscard]] ServerModel &server() { return controller.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 
   // What was asked of the desktop since the last time.
@@ -107,40 +101,44 @@ public:
   // Whether nothing moves after the desktop's portal has said this.
   Q_INVOKABLE static bool isStillAfter(const QString &group, const QString &key, const QVariant &value);
   // What is stored.
-  Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller_.settings().accessKey()); }
+  Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller.settings().accessKey()); }
 
 private:
   void hangFiles(const QStringList &names);
   void makePhoto(const QString &name, int age); // in minutes
-  [[nodiscard]] PhotoWall::Services wallServices(fennick::Thumbnails &thumbnails) {
-    return {
-        .preferences = preferences_, .mainQueue = queue_, .clock = queue_.clock(), .thumbnails = thumbnails};
+  [[nodiscard]] PhotoWall::Parts wallParts(fennick::Thumbnails &thumbnails) {
+    return {.library = library(),
+            .selection = controller.selection(),
+            .server = server(),
+            .commands = controller,
+            .thumbnails = thumbnails,
+            .preferences = preferences,
+            .mainQueue = queue,
+            .clock = queue.clock()};
   }
 
-  fennick::test::TemporaryFolder disk_;
-  fennick::FilePreferences preferences_{disk_ / "preferences.json"};
-  fennick::test::FaultyFileSystem files_;
-  fennick::test::ManualQueue queue_;
-  MadeUpPhotos decoder_;
-  fennick::test::KeepingTrash trash_{disk_ / "trash"};
-  RecordingDesktop desktop_;
-  HandNetwork network_;
-  AppController controller_;
-  LoginItem loginItem_{disk_ / "autostart", "/usr/bin/tevrin"};
-  Shell shell_{controller_, loginItem_};
-  PhotoWall wall_{controller_, wallServices(controller_.thumbnails())};
-  QuickLook look_{controller_,
-                  {.decoder = decoder_, .mainQueue = queue_, .thumbnails = controller_.thumbnails()}};
-  PhotoActions actions_{
-      controller_,
-      {.mainQueue = queue_, .files = files_, .decoder = decoder_, .trash = trash_, .desktop = desktop_}};
-  SettingsForm form_{controller_,
-                     {.mainQueue = queue_,
-                      .files = files_,
-                      .clock = queue_.clock(),
-                      .decoder = decoder_,
-                      .desktop = desktop_,
-                      .sampleFolder = disk_ / "sample"}};
+  LoginItem loginItem_{disk / "autostart", "/usr/bin/tevrin"};
+  Shell shell_{controller.settings(), controller.server(), controller, loginItem_};
+  PhotoWall wall_{wallParts(controller.thumbnails())};
+  QuickLook look_{library(), decoder, controller.thumbnails(), queue};
+  PhotoActions actions_{{.library = library(),
+                         .selection = controller.selection(),
+                         .server = controller.server(),
+                         .commands = controller,
+                         .tools = {.files = files, .decoder = decoder, .trash = trash},
+                         .desktop = desktop,
+                         .mainQueue = queue}};
+  ImagingForm imaging_{controller.settings(), library(), decoder, queue};
+  WorkflowForm workflow_{controller.settings(), library(), desktop, queue, disk / "sample"};
+  SettingsForm form_{{.settings = controller.settings(),
+                      .library = library(),
+                      .server = controller.server(),
+                      .folders = controller,
+                      .files = files,
+                      .mainQueue = queue,
+                      .clock = queue.clock(),
+                      .imaging = imaging_,
+                      .workflow = workflow_}};
   std::optional<fennick::UploadActivity::Upload> upload_;
   int hangings_ = 0; // how often the wall was filled
 };

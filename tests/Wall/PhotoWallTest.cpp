@@ -1,10 +1,6 @@
 #include "Quarrow/Wall/PhotoWall.h"
-#include "tests/App/HandNetwork.h"
-#include "tests/App/RecordingDesktop.h"
-#include "tests/Support/FakeDecoder.h"
-#include "tests/Support/FaultyFileSystem.h"
-#include "tests/Support/ManualQueue.h"
-#include "tests/Support/TemporaryFolder.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
+#include "tests/App/Surroundings.h"
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>
@@ -21,20 +17,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class NoTrash final : public fennick::Trash {
-  fennick::IOResult<fennick::Trashed> moveToTrash(const fs::path &) override { return fennick::Trashed{}; }
-};
-
 // A wall over a real folder; the main thread's time is in the test's hands.
-class PhotoWallTest : public ::testing::Test {
+class PhotoWallTest : public ::testing::Test, public IdleController<> {
 protected:
   PhotoWallTest() { open(); }
 
   void open() {
-    wall.emplace(controller, PhotoWall::Services{.preferences = preferences,
-                                                 .mainQueue = queue,
-                                                 .clock = queue.clock(),
-                                                 .thumbnails = controller.thumbnails()});
+    wall.emplace(PhotoWall::Parts{.library = library(),
+                                  .selection = controller.selection(),
+                                  .server = controller.server(),
+                                  .commands = controller,
+                                  .thumbnails = controller.thumbnails(),
+                                  .preferences = preferences,
+                                  .mainQueue = queue,
+                                  .clock = queue.clock()});
   }
   // Files of the save folder, the first one the newest.
   void fill(const std::vector<std::string> &names) {
@@ -65,23 +61,6 @@ protected:
     return wall->press(key, modifiers, text, 3, 2);
   }
 
-  fennick::test::TemporaryFolder disk;
-  fennick::FilePreferences preferences{disk / "preferences.json"};
-  fennick::test::FaultyFileSystem files;
-  fennick::test::ManualQueue queue;
-  fennick::test::FakeDecoder decoder;
-  NoTrash trash;
-  RecordingDesktop desktop;
-  HandNetwork network;
-  AppController controller{{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"},
-                           {.preferences = preferences,
-                            .mainQueue = queue,
-                            .files = files,
-                            .clock = queue.clock(),
-                            .decoder = decoder,
-                            .trash = trash,
-                            .desktop = desktop,
-                            .network = network}};
   std::optional<PhotoWall> wall;
 };
 

@@ -74,7 +74,7 @@ std::vector<Shot> actionsShots() {
               [] {
                 actions().exporting()->setLongEdge(1800);
                 actions().exporting()->setFormat("png");
-                onStage->decoder().encodesHEIC = false;
+                onStage->decoder.encodesHEIC = false;
               })),
       shot("export-narrow", several, in("exportSheet", [] {}), {380, 520}),
       shot("export-running", several,
@@ -96,7 +96,7 @@ std::vector<Shot> actionsShots() {
            }),
       shot("failures", several,
            [](QObject &) {
-             onStage->decoder().setOriented(
+             onStage->decoder.setOriented(
                  fennick::test::FakeDecoder::kFault(fennick::PictureFault::unsupported));
              actions().rotate(true);
              onStage->awaitActions();

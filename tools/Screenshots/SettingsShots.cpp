@@ -63,7 +63,7 @@ void choseApplication(Stage &stage) {
 
 void latestPhoto(Stage &stage) {
   stage.hang({"七月旅行_042.jpg"});
-  stage.decoder().setRendering(fennick::Rendering{.bytes = std::string(914'000, 'x'), .longEdge = 2048});
+  stage.decoder.setRendering(fennick::Rendering{.bytes = std::string(914'000, 'x'), .longEdge = 2048});
   stage.form().imaging()->setPreset("share");
   stage.form().imaging()->setStripAllMetadata(true);
   stage.lookAhead();
