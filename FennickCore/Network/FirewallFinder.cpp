@@ -1,15 +1,11 @@
 #include "FennickCore/Network/FirewallFinder.h"
 
-#include "FennickCore/Network/FirewallNftables.h"
 #include "FennickCore/Network/FirewallUfw.h"
 #include "FennickCore/Platform/Files/FileSystem.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
 #include <utility>
-#include <vector>
 
 namespace fennick {
 
@@ -20,8 +16,8 @@ namespace {
 using Kind = FirewallFinding::Kind;
 using Port = FirewallFinding::Port;
 
-// The longest of the files, /etc/services, has 700 KB on some systems. Longer ones are not read.
-constexpr std::int64_t kLongestFile = 2'000'000;
+// Bytes. The settings have a few kilobytes; longer files are not read.
+constexpr std::int64_t kLongestFile = 100'000;
 
 FirewallFinding finding(Kind kind, Port port, std::string command) {
   return {.kind = kind, .port = port, .command = port == Port::open ? "" : std::move(command)};
@@ -33,24 +29,6 @@ Port portOf(const FirewalldAnswers &answers) {
   return answers.hasPort && answers.target ? Port::closed : Port::unknown;
 }
 
-// A rule at the head of each chain: what comes first decides.
-std::string insertion(std::vector<std::string> chains, std::uint16_t port) {
-  if (chains.empty())
-    chains.emplace_back("inet filter input"); // as they are called nearly everywhere
-  std::string command;
-  for (const auto &chain : chains)
-    command += fmt::format("{}sudo nft insert rule {} tcp dport {} accept", command.empty() ? "" : " && ",
-                           chain, port);
-  return command;
-}
-
-bool isServiceEnabled(const fs::path &root) {
-  constexpr std::array kTargets{"sysinit.target.wants", "multi-user.target.wants"};
-  return std::ranges::any_of(kTargets, [&](const char *target) {
-    return fileKind(root / "etc/systemd/system" / target / "nftables.service").has_value();
-  });
-}
-
 } // namespace
 
 FirewallFinder::Sources FirewallFinder::Sources::system() {
@@ -60,42 +38,30 @@ FirewallFinder::Sources FirewallFinder::Sources::system() {
 }
 
 FirewallFinding FirewallFinder::find(std::uint16_t port, const std::string &interface) const {
-  const Arrival arrival{.port = port, .interface = interface};
-  auto found = firewalld(arrival);
+  auto found = firewalld(port, interface);
   if (!found)
-    found = ufw(arrival);
-  if (!found)
-    found = nftables(arrival);
+    found = ufw(port);
   return found.value_or(finding(Kind::none, Port::open, ""));
 }
 
-std::optional<FirewallFinding> FirewallFinder::firewalld(const Arrival &arrival) const {
-  const auto answers = sources_.firewalld(arrival.port, arrival.interface);
+std::optional<FirewallFinding> FirewallFinder::firewalld(std::uint16_t port,
+                                                         const std::string &interface) const {
+  const auto answers = sources_.firewalld(port, interface);
   if (!answers)
     return std::nullopt;
   const std::string zone = answers->zone.empty() ? "" : fmt::format(" --zone={}", answers->zone);
   return finding(
       Kind::firewalld, portOf(*answers),
       fmt::format("sudo firewall-cmd{} --add-port={}/tcp --permanent && sudo firewall-cmd --reload", zone,
-                  arrival.port));
+                  port));
 }
 
-std::optional<FirewallFinding> FirewallFinder::ufw(const Arrival &arrival) const {
+std::optional<FirewallFinding> FirewallFinder::ufw(std::uint16_t port) const {
   const auto configuration = read("etc/ufw/ufw.conf");
   if (!configuration || !FirewallUfw::isEnabled(*configuration))
     return std::nullopt;
-  const auto port =
-      FirewallUfw::port(read("etc/default/ufw").value_or(""), read("etc/ufw/user.rules"), arrival);
-  return finding(Kind::ufw, port, fmt::format("sudo ufw allow {}/tcp", arrival.port));
-}
-
-std::optional<FirewallFinding> FirewallFinder::nftables(const Arrival &arrival) const {
-  if (!isServiceEnabled(sources_.root))
-    return std::nullopt;
-  FirewallNftables::Judgement judgement;
-  if (const auto rules = read("etc/nftables.conf"))
-    judgement = FirewallNftables::judge(*rules, read("etc/services").value_or(""), arrival);
-  return finding(Kind::nftables, judgement.port, insertion(judgement.inTheWay, arrival.port));
+  return finding(Kind::ufw, FirewallUfw::port(read("etc/default/ufw").value_or("")),
+                 fmt::format("sudo ufw allow {}/tcp", port));
 }
 
 // Returns nullopt if the user may not read the file.

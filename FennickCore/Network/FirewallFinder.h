@@ -1,7 +1,6 @@
 #pragma once
 
 #include "FennickCore/Network/FirewallFinding.h"
-#include "FennickCore/Network/FirewallRules.h"
 #include "FennickCore/Platform/Network/Firewalld.h"
 
 #include <cstdint>
@@ -12,17 +11,17 @@
 
 namespace fennick {
 
-// Finds out whether a firewall is active on this computer and lets phones in, as far as an ordinary user may
-// see, and words the command that opens the port. It only looks: nothing is ever opened or changed. Any
-// thread; it reads a few files and asks the bus, so that an answer takes up to two seconds.
+// Finds an active firewall and whether it lets phones in, as far as an ordinary user may see, and words the
+// command that opens the port. Changes nothing. Reads a few files and asks the system bus, which takes up to
+// two seconds. Any thread.
 //
-// Of several that are active firewalld is told, then ufw, then nftables. What the firewall's own settings
-// leave open, and what hides from the user, is `unknown`. Not seen are rules that were loaded by hand, and a
-// service of firewalld that happens to include the port.
+// Reports firewalld before ufw if both are active. The port is `unknown` if the settings that users may read
+// do not tell. Rules that were loaded by hand are not seen, nor is a service of firewalld that includes the
+// port.
 class FirewallFinder {
 public:
   struct Sources {
-    std::filesystem::path root; // what "/" is
+    std::filesystem::path root; // of the file system: "/"
     std::function<std::optional<FirewalldAnswers>(std::uint16_t port, const std::string &interface)>
         firewalld;
 
@@ -31,13 +30,13 @@ public:
 
   explicit FirewallFinder(Sources sources) : sources_(std::move(sources)) {}
 
-  // With regard to TCP over IPv4 that comes to `port` by `interface`.
+  // For TCP over IPv4 that arrives at `port` on `interface`.
   [[nodiscard]] FirewallFinding find(std::uint16_t port, const std::string &interface) const;
 
 private:
-  [[nodiscard]] std::optional<FirewallFinding> firewalld(const Arrival &arrival) const;
-  [[nodiscard]] std::optional<FirewallFinding> ufw(const Arrival &arrival) const;
-  [[nodiscard]] std::optional<FirewallFinding> nftables(const Arrival &arrival) const;
+  [[nodiscard]] std::optional<FirewallFinding> firewalld(std::uint16_t port,
+                                                         const std::string &interface) const;
+  [[nodiscard]] std::optional<FirewallFinding> ufw(std::uint16_t port) const;
   [[nodiscard]] std::optional<std::string> read(const char *file) const;
 
   const Sources sources_;

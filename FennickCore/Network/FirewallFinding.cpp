@@ -10,8 +10,6 @@ std::string_view rawValue(FirewallFinding::Kind kind) {
     return "ufw";
   case FirewallFinding::Kind::firewalld:
     return "firewalld";
-  case FirewallFinding::Kind::nftables:
-    return "nftables";
   }
   return {};
 }

@@ -10,8 +10,7 @@ struct FirewallFinding {
   enum class Kind {
     none, // none was found to be active
     ufw,
-    firewalld,
-    nftables // rules loaded by the system's own nftables service
+    firewalld
   };
   enum class Port { open, closed, unknown };
 

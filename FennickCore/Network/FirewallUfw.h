@@ -1,20 +1,17 @@
 #pragma once
 
-#include "FennickCore/Network/FirewallRules.h"
+#include "FennickCore/Network/FirewallFinding.h"
 
-#include <optional>
 #include <string_view>
 
-// Reads the files of ufw, the firewall of Ubuntu and its relatives. They may hold anything; what is not
-// understood leaves doubt. All are pure; any thread.
+// Reads the settings of ufw, the firewall of Ubuntu and its relatives, as far as ordinary users may read
+// them: its rules are for root only. Any text is accepted. Pure; any thread.
 namespace fennick::FirewallUfw {
 
-// Whether ufw.conf switches it on.
+// Returns whether the content of ufw.conf turns the firewall on.
 [[nodiscard]] bool isEnabled(std::string_view configuration);
 
-// What becomes of the arrival by /etc/default/ufw and the rules in user.rules, which only root may read and
-// which are otherwise absent.
-[[nodiscard]] FirewallFinding::Port port(std::string_view defaults, std::optional<std::string_view> rules,
-                                         const Arrival &arrival);
+// Returns `open` if the content of /etc/default/ufw lets in what no rule refuses, otherwise `unknown`.
+[[nodiscard]] FirewallFinding::Port port(std::string_view defaults);
 
 } // namespace fennick::FirewallUfw
