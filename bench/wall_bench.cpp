@@ -183,7 +183,7 @@ int main(int argc, char *argv[]) {
   const QGuiApplication application(argc, argv);
   const int rounds = argc > 1 ? std::atoi(argv[1]) : 5;
   quarrow::test::Stage stage;
-  stage.settle();
+  stage.reset();
   QStringList names;
   for (int i = 0; i < kPhotos; ++i)
     names << QString("IMG_%1.jpg").arg(i, 5, 10, QChar('0'));

@@ -18,7 +18,7 @@ namespace {
 constexpr int kLevel = 6;            // zlib's own choice between size and time
 constexpr int kGzipWindow = 15 + 16; // the largest window, in the format of gzip
 
-// Whether the part of a header's element behind its name says "q=0".
+// Returns whether the parameters of an element of the header contain "q=0".
 bool isRefused(std::string_view parameters) {
   const std::size_t at = parameters.find("q=");
   return at != std::string_view::npos &&

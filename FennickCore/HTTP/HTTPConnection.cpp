@@ -13,7 +13,7 @@ constexpr std::size_t kChunkBytes = 262144; // most bytes of one receive, and of
 constexpr std::size_t kSentWithHead =
     32768; // most bytes of a shared body that are sent together with the head
 
-// A connection's buffer, kept by the thread for the next connection it serves: the pages of a fresh one would
+// The connection's buffer. The thread keeps it for the next connection: the page faults of a new one would
 // cost a small photo several per cent of its time.
 std::span<std::byte> threadBuffer(std::size_t size) {
   static thread_local std::unique_ptr<std::byte[]> buffer;
@@ -27,8 +27,7 @@ std::span<std::byte> threadBuffer(std::size_t size) {
 
 constexpr std::string_view kHeadEnd = "\r\n\r\n";
 
-// How many bytes at the end of `text` may be the beginning of a head's end, the rest of which is still to
-// come.
+// Returns how many bytes at the end of `text` may be the beginning of the blank line that ends a head.
 std::size_t endBegun(std::string_view text) {
   for (std::size_t length = kHeadEnd.size() - 1; length > 0; --length)
     if (text.ends_with(kHeadEnd.substr(0, length)))
@@ -53,7 +52,7 @@ HTTPConnection::HTTPConnection(std::unique_ptr<ByteStream> stream, std::string r
 void HTTPConnection::close() { stream_->cancel(); }
 
 void HTTPConnection::start() {
-  // Whatever happens, a sink is aborted and the listener hears of the end.
+  // Aborts the sink and reports the end on every way out.
   struct AtEnd {
     HTTPConnection &connection;
     ~AtEnd() { connection.finish(); }
@@ -139,7 +138,7 @@ void HTTPConnection::receiveBody(const HTTPRequestHead &head, HTTPReceive decisi
         return;
       rest = std::span(buffer_.data(), *count);
     }
-    // Bytes past the declared length never reach the sink.
+    // Bytes beyond the declared length never reach the sink.
     rest = rest.first(static_cast<std::size_t>(std::min<std::int64_t>(std::ssize(rest), remaining)));
     if (!writeToSink(rest))
       return;
@@ -170,7 +169,8 @@ void HTTPConnection::reject(const HTTPRequestHead &head, const HTTPReject &rejec
   drain(deadline);
 }
 
-// Reads on for a while, so that a client still sending its body reads the answer instead of seeing a reset.
+// Reads on for a while, so that a client that is still sending its body reads the answer instead of seeing a
+// reset.
 void HTTPConnection::drain(Uptime deadline) {
   std::int64_t budget = limits_.rejectDrainBytes;
   while (budget > 0) {
@@ -188,8 +188,8 @@ void HTTPConnection::respond(const HTTPResponse &response) {
     stream_->finishOutput();
 }
 
-// An answer whose body is in memory. The beginning of what is shared goes with the head, since a packet for
-// the head alone costs more than copying that; the rest is sent from where it is.
+// Sends a response whose body is in memory. The beginning of a shared body is copied behind the head, since a
+// packet for the head alone costs more than the copy; the rest is sent from where it is.
 bool HTTPConnection::sendBytes(const HTTPResponse &response, Uptime deadline) {
   std::string first = response.serialise(isHead_);
   if (isHead_ || !response.sharedBody)
@@ -228,7 +228,7 @@ bool HTTPConnection::sendAll(std::span<const std::byte> bytes, Uptime deadline) 
   return true;
 }
 
-// Sends for as long as the peer keeps reading: the idle time-out begins anew with every step forward.
+// Sends while the peer keeps reading: the idle time-out starts again with every byte sent.
 bool HTTPConnection::sendWhileRead(std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto count = stream_->send(bytes, deadlineIn(limits_.bodyIdleTimeout));

@@ -14,12 +14,12 @@
 
 namespace fennick {
 
-// Serves exactly one request on one accepted connection and then closes it: head, decision of the handler,
-// body into a sink or a file out, one response. A peer that is too slow or too long-lived is dropped without
-// a word.
+// Serves exactly one request on one accepted connection and then closes it: reads the head, asks the handler,
+// receives the body into a sink or sends a file, and sends one response. A peer that is too slow or exceeds
+// the lifetime is disconnected without a response.
 //
-// The connection lives on the thread that calls `start`, one blocking step after another; only `close` may
-// come from elsewhere. Handler, limiter and clock are borrowed and outlive it.
+// Runs on the thread that calls `start`; only `close` may be called from other threads. Handler, limiter and
+// clock are borrowed and outlive it.
 class HTTPConnection {
 public:
   HTTPConnection(std::unique_ptr<ByteStream> stream, std::string remote, HTTPRequestHandler &handler,
@@ -31,7 +31,8 @@ public:
 
   // Serves the request and returns when the connection is closed. Once.
   void start();
-  // Ends the connection from any thread: whatever it waits for fails, a sink still receiving is aborted.
+  // Ends the connection from any thread: its waiting calls fail and a sink that is still receiving is
+  // aborted.
   void close();
 
 private:
@@ -58,7 +59,7 @@ private:
   Uptime lifetimeEnd_;
   bool isHead_ = false;
   std::span<std::byte> buffer_;        // of the serving thread
-  std::unique_ptr<HTTPBodySink> sink_; // present while a body is being received
+  std::unique_ptr<HTTPBodySink> sink_; // set while a body is being received
 };
 
 } // namespace fennick

@@ -13,35 +13,37 @@
 
 namespace fennick {
 
-// Takes the body of one request. Called by one connection, one call at a time, on that connection's thread.
+// Receives the body of one request. Called by one connection, one call at a time, on that connection's
+// thread.
 class HTTPBodySink {
 public:
   virtual ~HTTPBodySink() = default;
-  // The next piece of the body; `bytes` is borrowed for the call. After a failure only `abort` follows.
+  // Receives the next piece of the body; `bytes` is borrowed for the call. After a failure only `abort` is
+  // called.
   [[nodiscard]] virtual IOResult<void> write(std::span<const std::byte> bytes) = 0;
-  // Called once, after the last byte; gives the response to send.
+  // Called once after the last byte. Returns the response to send.
   [[nodiscard]] virtual HTTPResponse finish() = 0;
-  // Called instead when the body cannot be completed (failed write, time-out, peer gone): discards what it
-  // has.
+  // Called instead of `finish` if the body cannot be completed (failed write, time-out, closed connection).
+  // Discards what was received.
   virtual void abort() = 0;
 };
 
-// Answer now.
+// Sends the response now.
 struct HTTPRespond {
   HTTPResponse response;
 };
 
-// Answer now, and count the request as a failure of the remote address.
+// Sends the response now and counts the request as a failure of the remote address.
 struct HTTPReject {
   enum class Failure {
     counted,
-    alreadyCounted // it belongs to a failure that was counted before
+    alreadyCounted // part of a failure that was counted before
   };
   HTTPResponse response;
   Failure failure = Failure::counted;
 };
 
-// Read exactly `expectedBytes` of body into `sink`, then answer with what it returns.
+// Receives exactly `expectedBytes` of body into `sink`, then sends the response that it returns.
 struct HTTPReceive {
   std::int64_t expectedBytes;
   std::unique_ptr<HTTPBodySink> sink;
@@ -49,7 +51,7 @@ struct HTTPReceive {
 
 using HTTPRouteDecision = std::variant<HTTPRespond, HTTPReject, HTTPReceive>;
 
-// Decides what to do with a request. Called on the threads of all connections at once.
+// Decides what to do with a request. Called by several threads at once.
 class HTTPRequestHandler {
 public:
   virtual ~HTTPRequestHandler() = default;

@@ -9,7 +9,7 @@ namespace fennick {
 
 namespace {
 
-// Takes the text up to `separator` off the front of `rest`; the whole rest when there is none.
+// Removes the text up to `separator` from the front of `rest` and returns it; all of `rest` if there is none.
 std::string_view takeUntil(std::string_view &rest, std::string_view separator) {
   const auto end = rest.find(separator);
   const std::string_view piece = rest.substr(0, end);
@@ -17,7 +17,7 @@ std::string_view takeUntil(std::string_view &rest, std::string_view separator) {
   return piece;
 }
 
-// "+" becomes a space, then escapes are decoded; text with a broken escape stays exactly as it came.
+// Decodes "+" as a space and then escapes. Text with an invalid escape is returned unchanged.
 std::string decodedQueryText(std::string_view text) {
   std::string spaced(text);
   std::ranges::replace(spaced, '+', ' ');
@@ -36,7 +36,7 @@ std::map<std::string, std::string> parsedQuery(std::string_view text) {
   return query;
 }
 
-// The words of the request line; nothing unless there are exactly three.
+// Returns the words of the request line, or nullopt unless there are exactly three.
 std::optional<std::array<std::string_view, 3>> requestWords(std::string_view line) {
   std::array<std::string_view, 3> words;
   std::size_t count = 0;

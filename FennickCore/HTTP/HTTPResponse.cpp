@@ -57,8 +57,8 @@ bool isLetterMarkOrDigit(gunichar character) {
          g_unichar_isdigit(character) != FALSE;
 }
 
-// Letters, marks and digits of every script stay, all else becomes %XX of its UTF-8 bytes; "file" for a name
-// that is not UTF-8.
+// Keeps letters, marks and digits of every script and replaces everything else by %XX of its UTF-8 bytes.
+// Returns "file" for a name that is not UTF-8.
 std::string encodedDownloadName(const std::string &name) {
   if (!isValidUTF8(name))
     return "file";

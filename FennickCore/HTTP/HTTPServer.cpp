@@ -13,7 +13,7 @@ namespace fennick {
 
 namespace {
 
-// Threads kept asleep for the next requests: a page with its calls, or a few uploads at a time.
+// Threads kept for the next requests: a page with its calls, or a few uploads at a time.
 constexpr std::size_t kIdleThreads = 8;
 
 bool isPortTaken(const std::error_code &error) { return error == std::errc::address_in_use; }
@@ -98,8 +98,7 @@ void HTTPServer::acceptConnections() {
     admit(std::move(*accepted));
 }
 
-// A refused connection is closed without a byte written, by letting go of its socket; so is one for which
-// there is no thread or no memory.
+// Refuses a connection by closing its socket without a response, also if there is no thread or memory for it.
 void HTTPServer::admit(AcceptedSocket accepted) {
   if (limits_.privateSourcesOnly && !isPrivateAddress(accepted.remote))
     return;
@@ -121,7 +120,7 @@ void HTTPServer::admit(AcceptedSocket accepted) {
   }
 }
 
-// Enters a connection into the table. Returns nullopt if the table is full.
+// Adds a connection to the table. Returns nullopt if the table is full.
 std::optional<std::uint64_t> HTTPServer::enroll(const std::shared_ptr<HTTPConnection> &connection) {
   const Locked locked(lock_);
   if (static_cast<std::int64_t>(connections_.size()) >= limits_.maxConnections)
@@ -147,7 +146,7 @@ void HTTPServer::serve(std::uint64_t identity, const std::shared_ptr<HTTPConnect
   try {
     connection->start();
   } catch (const std::exception &error) {
-    // Out of memory, most likely: this request is lost, the service goes on.
+    // Most likely out of memory: this request is lost, but the service continues.
     log(fmt::format("request {} failed: {}", identity, error.what()));
   }
   const Locked locked(lock_);

@@ -21,7 +21,7 @@
 
 namespace fennick {
 
-// Every port of the run was taken; `tried` lists them in order. Another preferred port helps.
+// Every port of the range was taken; `tried` lists them in order. Choosing another preferred port helps.
 struct NoFreePort {
   std::vector<std::uint16_t> tried;
   bool operator==(const NoFreePort &) const = default;
@@ -35,11 +35,11 @@ struct ListenerFailed {
 
 using HTTPServerError = std::variant<NoFreePort, ListenerFailed>;
 
-// The error in the user's words.
+// Returns the error as a message for the user.
 [[nodiscard]] std::string description(const HTTPServerError &error);
 
-// Owns the listening socket, admits or refuses each connection and keeps the table of live ones. The listener
-// has a thread of its own, each connection one from a small cache.
+// Owns the listening socket, admits or refuses each connection and keeps the table of open ones. The listener
+// has a thread of its own; connections run on threads of a small cache.
 //
 // `start`, `stop`, `close` and the destructor: one thread at a time, never a connection's own. `port`: any
 // thread. Handler, limiter and clock are borrowed and outlive the server.
@@ -49,17 +49,16 @@ public:
              const Clock &clock);
   ~HTTPServer();
 
-  // Listens on the first free port of preferredPort, preferredPort + 1, …, `attempts` of them, none past
-  // 65535; gives the port bound. A preferred port of 0 lets the system choose. Any failure but a taken port
-  // ends the search. The kernel answers at once and once, so this does not wait.
+  // Listens on the first free port of preferredPort, preferredPort + 1, … up to `attempts` ports and port
+  // 65535, and returns it. A preferred port of 0 lets the system choose. Any failure other than a taken port
+  // ends the search. Does not block.
   [[nodiscard]] std::expected<std::uint16_t, HTTPServerError> start(std::uint16_t preferredPort,
                                                                     int attempts);
 
-  // Ends the listener and every connection and returns when all of them are over, aborted uploads cleaned up.
-  // A server that is not running stays so.
+  // Ends the listener and every connection and returns when all of them have ended and aborted uploads are
+  // cleaned up. Does nothing if the server is not running.
   void stop();
-  // The first half of `stop`: the port is free and every connection cut off, though what they were doing may
-  // not be over yet.
+  // Releases the port and disconnects every connection without waiting for them to end; `stop` waits.
   void close();
 
   [[nodiscard]] std::optional<std::uint16_t> port() const;
@@ -88,7 +87,7 @@ private:
   std::size_t serving_ GUARDED_BY(lock_) = 0; // connections whose thread has not returned yet
   std::optional<std::uint16_t> port_ GUARDED_BY(lock_);
 
-  ThreadCache threads_; // last: its threads have ended before anything above goes
+  ThreadCache threads_; // last: its threads end before anything above is destroyed
 };
 
 } // namespace fennick

@@ -11,13 +11,13 @@
 
 namespace fennick {
 
-// Bans a remote address that keeps failing. One object is shared by the listener and all its connections; any
-// thread; guarded by its own lock. Nothing is persisted: a restart forgets every ban. Moments are on the
-// uptime clock, so that setting the computer's clock changes no ban.
+// Bans remote addresses that keep failing. Shared by the listener and all connections; any thread; guarded by
+// its own lock. Not persistent: a restart forgets every ban. Times are on the uptime clock, so that setting
+// the computer's clock changes no ban.
 class RateLimiter {
 public:
   struct Config {
-    std::int64_t maxFailures; // so many failures within `window` ban the address
+    std::int64_t maxFailures; // this many failures within `window` ban the address
     Seconds window;
     Seconds banDuration;
   };
@@ -36,7 +36,8 @@ private:
   std::unordered_map<std::string, Uptime> bans_ GUARDED_BY(lock_);                  // when each ban ends
 };
 
-// What this program runs with: guessing a key stops after ten tries, a fumbling guest waits five minutes.
+// The values of this program: guessing a key ends after ten tries; a guest who mistyped it waits five
+// minutes.
 inline constexpr RateLimiter::Config kServiceBans{
     .maxFailures = 10, .window = Seconds(60), .banDuration = Seconds(300)};
 

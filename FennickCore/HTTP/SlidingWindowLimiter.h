@@ -10,12 +10,13 @@
 
 namespace fennick {
 
-// Throttles accepted work: at most `max` hits a key within any `window`. Any thread; guarded by its own lock.
+// Limits how often something may happen: at most `max` times per key within any `window`. Any thread; guarded
+// by its own lock.
 class SlidingWindowLimiter {
 public:
   SlidingWindowLimiter(std::int64_t max, Seconds window) : max_(max), window_(window) {}
 
-  // Whether the key may go on now; if so, the hit is counted. A refused one is not.
+  // Returns whether the key may proceed, and counts it if so. Refused calls are not counted.
   [[nodiscard]] bool allow(const std::string &key, Uptime now);
 
 private:

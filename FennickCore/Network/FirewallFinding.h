@@ -5,7 +5,7 @@
 
 namespace fennick {
 
-// What is known of this computer's firewall with regard to the port that phones come to.
+// What is known about this computer's firewall and the port that phones connect to.
 struct FirewallFinding {
   enum class Kind {
     none, // none was found to be active
@@ -15,12 +15,12 @@ struct FirewallFinding {
   enum class Port { open, closed, unknown };
 
   Kind kind = Kind::none;
-  Port port = Port::unknown; // `open` when there is no firewall
-  // The command that lets phones in: "sudo ufw allow 8000/tcp". Empty without a firewall and where the
-  // port is open.
+  Port port = Port::unknown; // `open` if there is no firewall
+  // The command that opens the port: "sudo ufw allow 8000/tcp". Empty without a firewall and if the port is
+  // open.
   std::string command{};
 
-  // Whether it keeps phones out, or perhaps does.
+  // Returns whether the firewall blocks phones or may block them.
   [[nodiscard]] bool mayBlock() const { return kind != Kind::none && port != Port::open; }
   bool operator==(const FirewallFinding &) const = default;
 };

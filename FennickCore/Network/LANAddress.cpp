@@ -18,7 +18,7 @@ std::string_view rawValue(LANAddress::Kind kind) {
 
 } // namespace fennick
 
-// Equal addresses have equal kinds almost always, so the kind adds nothing.
+// Equal addresses almost always have equal kinds, so the kind adds nothing to the hash.
 std::size_t std::hash<fennick::LANAddress>::operator()(const fennick::LANAddress &address) const noexcept {
   const std::hash<std::string> textHash;
   return textHash(address.interface) * 31 + textHash(address.address);

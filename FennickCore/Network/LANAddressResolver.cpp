@@ -36,7 +36,8 @@ bool isUsable(std::string_view address) {
   const auto numbers = numbersOf(address);
   if (numbers.size() != 4 || numbers[0] == 0 || numbers[0] == 127)
     return false;
-  return numbers[0] != 198 || (numbers[1] != 18 && numbers[1] != 19); // 198.18.0.0/15 is for benchmarks
+  return numbers[0] != 198 ||
+         (numbers[1] != 18 && numbers[1] != 19); // 198.18.0.0/15 is reserved for benchmarks
 }
 
 bool isLinkLocal(const InterfaceAddress &entry) { return entry.address.starts_with("169.254."); }
@@ -66,12 +67,13 @@ std::vector<InterfaceAddress> systemIPv4Interfaces() { return systemIPv4Addresse
 std::vector<LANAddress> rank(std::span<const InterfaceAddress> interfaces,
                              std::span<const std::string> preferredOrder,
                              const std::map<std::string, LANAddress::Kind> &kinds) {
-  std::multimap<std::tuple<bool, std::ptrdiff_t, std::string_view>, LANAddress> placed; // equal keys in order
+  std::multimap<std::tuple<bool, std::ptrdiff_t, std::string_view>, LANAddress>
+      placed; // equal keys keep their order
   std::set<std::pair<std::string_view, std::string_view>> seen;
   for (const InterfaceAddress &entry : interfaces) {
     if (isExcluded(entry.name) || !isUsable(entry.address) || !seen.emplace(entry.name, entry.address).second)
       continue;
-    // A name that is not found is at the end of the list: the largest position.
+    // A name that is not in the list gets the position after its end.
     const auto position = std::ranges::find(preferredOrder, entry.name) - preferredOrder.begin();
     placed.emplace(std::tuple(isLinkLocal(entry), position, std::string_view(entry.name)),
                    LANAddress{entry.name, entry.address, kindOf(entry.name, kinds)});

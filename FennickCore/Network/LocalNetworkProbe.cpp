@@ -17,7 +17,7 @@ namespace {
 using Outcome = LocalNetworkProbe::Outcome;
 using Kind = Outcome::Kind;
 
-// What arrives first of the answer.
+// Sends the health request and returns the first bytes of the answer.
 IOResult<std::string> askForHealth(ClientSocket &socket, const std::string &host, std::uint16_t port) {
   if (const auto connected = socket.connect(host, port); !connected)
     return std::unexpected(connected.error());

@@ -9,8 +9,8 @@
 
 namespace fennick {
 
-// Checks that the receiving service answers at an address, by asking it for its health over TCP, as a phone
-// would. A probe runs on a thread of its own ("fennick.probe").
+// Checks that the receiving service answers at an address by sending its health request over TCP, as a phone
+// would. Each probe has a thread of its own ("fennick.probe").
 class LocalNetworkProbe {
   struct State;
 
@@ -18,20 +18,20 @@ public:
   struct Outcome {
     enum class Kind { unreachable, reachable, timeout };
     Kind kind = Kind::unreachable;
-    // Of `unreachable`: the system's words, "bad port", or "bad response" where the first bytes of the answer
-    // do not begin with "HTTP/1.1 200".
+    // For `unreachable`: the system's error message, "bad port", or "bad response" if the answer does not
+    // begin with "HTTP/1.1 200".
     std::string message{};
 
     bool operator==(const Outcome &) const = default;
   };
 
-  // Begins to ask `host` (dotted IPv4). `done` is called exactly once, on the probe's thread or, for port 0
-  // and where the system grants no socket or thread, before this returns; it must not destroy the probe.
-  // `timeout` runs from this call to the first bytes of the answer, suspended time included.
+  // Starts a probe of `host` (dotted IPv4). `done` is called exactly once, on the probe's thread, or before
+  // this returns for port 0 and if the system grants no socket or thread; it must not destroy the probe.
+  // `timeout` runs from this call to the first bytes of the answer and counts suspended time.
   [[nodiscard]] static std::unique_ptr<LocalNetworkProbe>
   probe(const std::string &host, std::uint16_t port, Seconds timeout, std::function<void(Outcome)> done);
 
-  // Gives up a probe under way; `done` is not called any more once this has returned.
+  // Cancels a running probe. `done` is not called after this has returned.
   ~LocalNetworkProbe();
   LocalNetworkProbe(const LocalNetworkProbe &) = delete;
   LocalNetworkProbe &operator=(const LocalNetworkProbe &) = delete;
@@ -39,7 +39,7 @@ public:
   explicit LocalNetworkProbe(std::unique_ptr<State> state); // called by `probe` alone
 
 private:
-  std::unique_ptr<State> state_; // none when there was nothing to begin
+  std::unique_ptr<State> state_; // null if there was nothing to start
 };
 
 } // namespace fennick

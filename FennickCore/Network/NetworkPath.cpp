@@ -17,15 +17,15 @@ namespace {
 constexpr int kEthernet = 1; // ARPHRD_ETHER
 constexpr std::uint32_t kNoRoute = std::numeric_limits<std::uint32_t>::max();
 
-// Cables and networks inside this computer, and those that lead out of it unseen, recognised by the names
-// that container, virtual-machine and VPN programs give them. What is no Ethernet, and bridges without
-// hardware at the bottom, need no names.
+// Interfaces inside this computer and VPN tunnels, recognised by the names that container, virtual-machine
+// and VPN programs give them. Interfaces other than Ethernet and bridges without hardware are recognised
+// without names.
 constexpr std::array<std::string_view, 27> kVirtualPrefixes{
     "cali", "cilium", "cni",      "docker", "dummy",  "flannel",   "ifb",   "incusbr", "kube",
     "lxc",  "lxdbr",  "nordlynx", "ovs-",   "podman", "tailscale", "tap",   "tun",     "vbox",
     "ve-",  "veth",   "virbr",    "vmnet",  "vnet",   "vz-",       "weave", "wg",      "zt"};
 
-// "br-" and twelve hexadecimal digits; "br-lan" is somebody's own bridge.
+// "br-" and twelve hexadecimal digits; "br-lan" is a bridge that a user made.
 bool isContainerNetwork(std::string_view name) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   return name.starts_with("br-") && name.size() == 15 &&
@@ -37,7 +37,7 @@ bool hasVirtualName(const InterfaceFacts &facts) {
   return std::ranges::any_of(kVirtualPrefixes, begins) || isContainerNetwork(facts.name);
 }
 
-// What a phone could be at the other end of.
+// Returns whether a phone could be on the other end of the interface.
 bool isEthernet(const InterfaceFacts &facts) {
   const bool isMobileBroadband = facts.deviceType == "wwan";
   return facts.linkType == kEthernet && !facts.isTunnel && !isMobileBroadband;
@@ -51,8 +51,7 @@ bool isStacked(const InterfaceFacts &facts) {
   return facts.isBridge || facts.isBond || facts.deviceType == "vlan";
 }
 
-// Whether a cable or an antenna is at the bottom of a bridge, bond or VLAN. They stack a few levels at most;
-// the kernel allows 8.
+// Returns whether a bridge, bond or VLAN leads to a cable or an antenna. The kernel allows at most 8 levels.
 bool standsOnHardware(const InterfaceFacts &facts, std::span<const InterfaceFacts> all, int levels = 8) {
   return std::ranges::any_of(facts.lower, [&](const std::string &name) {
     const auto lower = std::ranges::find(all, name, &InterfaceFacts::name);
@@ -84,7 +83,7 @@ InterfaceType typeOf(const InterfaceFacts &facts) {
 } // namespace
 
 NetworkPath networkPath(std::span<const InterfaceFacts> interfaces) {
-  std::multimap<std::pair<Group, std::uint32_t>, PathInterface> placed; // equal keys stay in order
+  std::multimap<std::pair<Group, std::uint32_t>, PathInterface> placed; // equal keys keep their order
   for (const InterfaceFacts &facts : interfaces)
     if (const auto group = groupOf(facts, interfaces))
       placed.emplace(std::pair(*group, facts.defaultRouteMetric.value_or(kNoRoute)),

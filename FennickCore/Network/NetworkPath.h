@@ -16,21 +16,21 @@ struct PathInterface {
   bool operator==(const PathInterface &) const = default;
 };
 
-// The interfaces over which phones most likely reach this computer, the likeliest first. Interfaces that are
-// not in it may have usable addresses too.
+// The interfaces over which phones most likely reach this computer, best first. Other interfaces may have
+// usable addresses too.
 struct NetworkPath {
   std::vector<PathInterface> interfaces;
   bool operator==(const NetworkPath &) const = default;
 };
 
-// First hardware, and bridges, bonds and VLANs on hardware, that carry a default route, the smallest metric
-// first; then other hardware; then what else stands on hardware; then virtual Ethernet that no known program
-// made, which in a container is all there is. A default route lifts nothing over hardware that is not
-// hardware itself. Left out is what leads elsewhere: tunnels, mobile broadband, and the bridges and ports of
-// containers, virtual machines and VPNs. Within a group the order of `interfaces` is kept. Any thread.
+// Orders interfaces: first hardware (and bridges, bonds and VLANs on hardware) with a default route, the
+// smallest metric first; then other hardware; then other bridges, bonds and VLANs on hardware; then virtual
+// Ethernet of no known program, which is all that a container has. A default route does not lift virtual
+// interfaces above hardware. Tunnels, mobile broadband and the interfaces of containers, virtual machines and
+// VPNs are left out. Within a group the order of `interfaces` is kept. Any thread.
 [[nodiscard]] NetworkPath networkPath(std::span<const InterfaceFacts> interfaces);
 
-// The same for this computer as it is now.
+// Returns the path of this computer as it is now.
 [[nodiscard]] NetworkPath currentNetworkPath();
 
 } // namespace fennick

@@ -16,10 +16,10 @@ namespace {
 
 using Woken = RouteMonitor::Woken;
 
-constexpr Seconds kQuiet{0.3}; // longer than what happens at once when a network is joined
+constexpr Seconds kQuiet{0.3}; // longer than the burst of changes when a network is joined
 constexpr Seconds kLongest{2};
 
-// Waits until nothing has happened for a while, though not for ever; false when it was interrupted.
+// Waits until no change has arrived for kQuiet, but not longer than the limit. Returns false if interrupted.
 bool letSettle(RouteMonitor &monitor) {
   const SystemClock clock;
   const Uptime end = after(clock.uptime(), kLongest);
@@ -31,7 +31,7 @@ bool letSettle(RouteMonitor &monitor) {
 
 } // namespace
 
-// From a start to a stop.
+// The state between a start and a stop.
 struct NetworkWatcher::State {
   State(MainQueue &queueOfMain, OnChange callback) : mainQueue(queueOfMain), onChange(std::move(callback)) {
     queue.post([this] { run(); });
@@ -44,7 +44,7 @@ struct NetworkWatcher::State {
   MainQueue &mainQueue;
   const OnChange onChange;
   Lifetime lifetime;
-  std::optional<std::vector<LANAddress>> reported; // of the queue's thread
+  std::optional<std::vector<LANAddress>> reported; // for the queue's thread only
   RouteMonitor monitor;
   SerialQueue queue{"fennick.network.watcher"}; // last: its task uses all of the above
 };
@@ -60,7 +60,7 @@ void NetworkWatcher::State::report() {
   if (reported == addresses)
     return;
   reported = addresses;
-  // The callback is copied, since it may destroy the watcher.
+  // The callback is copied because it may destroy the watcher.
   mainQueue.post(lifetime.guard([call = onChange, addresses = std::move(addresses)] { call(addresses); }));
 }
 

@@ -9,10 +9,10 @@
 
 namespace fennick {
 
-// Tells this computer's addresses, the one that phones most likely reach first, as soon as it is started and
-// whenever they have changed: once for each change that has settled, so that an address that is gone for a
-// moment is not reported. A change has settled when nothing has happened for 0.3 s, and after 2 s in any
-// case. The kernel wakes it; it asks for nothing by itself. It looks on a thread of its own.
+// Reports this computer's addresses, best first, when it is started and after every change. A burst of
+// changes is reported once, when nothing has changed for 0.3 s or after 2 s, so that an address that is gone
+// for a moment is not reported. Events from the kernel wake it; it does not poll. Works on a thread of its
+// own.
 class NetworkWatcher {
 public:
   using OnChange = std::function<void(std::vector<LANAddress>)>;
@@ -23,8 +23,8 @@ public:
   NetworkWatcher(const NetworkWatcher &) = delete;
   NetworkWatcher &operator=(const NetworkWatcher &) = delete;
 
-  // Main thread, both. After `stop` nothing is reported, what is posted already included. `start` throws when
-  // the system grants no thread (std::system_error); it does nothing while the watcher is at work.
+  // Main thread. Nothing is reported after `stop`, including reports that are already posted. `start` throws
+  // std::system_error if the system grants no thread, and does nothing while the watcher runs.
   void start();
   void stop();
 

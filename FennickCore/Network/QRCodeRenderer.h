@@ -8,7 +8,7 @@
 
 namespace fennick {
 
-// A picture of 8-bit red, green and blue, rows from the top, without padding.
+// An image of 8-bit red, green and blue, rows from the top, without padding.
 struct Bitmap {
   std::int64_t width = 0; // pixels
   std::int64_t height = 0;
@@ -16,7 +16,7 @@ struct Bitmap {
   bool operator==(const Bitmap &) const = default;
 };
 
-// The square of modules of a QR code, without the quiet zone.
+// The modules of a QR code, without the quiet zone.
 struct QRModules {
   std::int64_t side = 0;
   std::vector<bool> dark; // rows from the top
@@ -30,14 +30,14 @@ struct QRModules {
 // 177 modules a side). Any thread.
 namespace QRCodeRenderer {
 
-// The largest side of a picture in pixels: a few times the largest screen, 192 MiB.
+// The largest side of an image in pixels: a few times the largest screen, 192 MiB.
 inline constexpr std::int64_t kMaxSide = 8192;
 
-// Nothing for an empty text and for one beyond 2331 bytes, which no QR code holds.
+// Returns nullopt for an empty text and for one of more than 2331 bytes, the capacity of a QR code.
 [[nodiscard]] std::optional<QRModules> modules(std::string_view text);
 
-// Each module a block of `modulePixels` × `modulePixels`, black on white, with `quietModules` white modules
-// all around (phones want 2 at least). Nothing where `modules` gives nothing, for less than 1 pixel or a
+// Draws each module as `modulePixels` × `modulePixels` pixels, black on white, with `quietModules` white
+// modules around (phones need at least 2). Returns nullopt if `modules` does, for less than 1 pixel or a
 // negative zone, and beyond kMaxSide. A side that overflows 64 bits ends the program.
 [[nodiscard]] std::optional<Bitmap> image(std::string_view text, std::int64_t modulePixels,
                                           std::int64_t quietModules);

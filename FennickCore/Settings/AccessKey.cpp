@@ -11,8 +11,8 @@ namespace {
 
 __extension__ using Wide = unsigned __int128;
 
-// Words whose product with the count falls below this remainder would favour some characters; 2^64 modulo the
-// count, in 64-bit arithmetic.
+// Rejects words whose product with the count falls below this remainder, which would favour some characters:
+// 2^64 modulo the count, in 64-bit arithmetic.
 constexpr std::uint64_t kCount = kAlphabet.size();
 constexpr std::uint64_t kRejectedBelow = (0 - kCount) % kCount;
 

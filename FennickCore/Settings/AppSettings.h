@@ -21,8 +21,8 @@ struct WorkflowOptions {
   bool operator==(const WorkflowOptions &) const = default;
 };
 
-// Everything the user sets. The initial values are those of a new installation and of a stored record that
-// lacks the field. A new field is listed in SettingsFields.h as well, which does not compile without it.
+// All settings of the user. The initial values apply to a new installation and to fields that a stored record
+// lacks. A new field is also listed in SettingsFields.h; otherwise that does not compile.
 struct AppSettings {
   std::uint16_t preferredPort = 8000;               // the server takes the next free one when it is in use
   std::optional<BookmarkData> saveFolderBookmark{}; // absent: FolderBookmark::defaultFolder()
@@ -32,12 +32,14 @@ struct AppSettings {
   std::optional<std::string> preferredInterface{}; // a LANAddress::interface; absent: chosen automatically
   ImagingOptions imaging{};
   WorkflowOptions workflow{};
-  std::optional<std::int64_t> hotKeyPreset{};    // absent: no global shortcut
-  std::optional<std::string> sessionSubfolder{}; // one name below the save folder; absent or empty: none
+  std::optional<std::int64_t> hotKeyPreset{}; // absent: no global shortcut
+  std::optional<std::string>
+      sessionSubfolder{}; // one folder name below the save folder; absent or empty: none
   bool galleryEnabled = false;
-  std::optional<std::string> galleryFolder{}; // below the save folder; absent or empty: where uploads go
-  std::optional<std::int64_t> folderLimit{};  // most photos and videos in the folder; absent: no limit
-  bool autoPrune = true;                      // make room by removing the oldest; only ever with a limit
+  std::optional<std::string>
+      galleryFolder{}; // below the save folder; absent or empty: the folder of new uploads
+  std::optional<std::int64_t> folderLimit{}; // most photos and videos in the folder; absent: no limit
+  bool autoPrune = true;                     // make room by removing the oldest; only ever with a limit
 
   bool operator==(const AppSettings &) const = default;
 };

@@ -6,7 +6,7 @@ namespace fennick {
 
 namespace {
 
-// The field with this name; the record has one, and of this type.
+// Returns the field with this name and type, which the record has.
 template <typename Field>
 Field &fieldNamed(auto &record, std::string_view key) {
   Field *found = nullptr;

@@ -4,9 +4,9 @@
 
 namespace fennick {
 
-// Gives `into` the value of `after` in every field in which `after` differs from `before`; its other fields
-// stay. The records inside are gone through field by field, so that a new picture quality leaves the picture
-// format alone. A naming goes as a whole unless all three are of the kind with a prefix. Any thread.
+// Copies into `into` every field in which `after` differs from `before`. Nested records are compared field by
+// field, so that a new picture quality leaves the picture format alone. A naming is copied as a whole unless
+// all three are of the kind with a prefix. Any thread.
 void carryChanges(const AppSettings &before, const AppSettings &after, AppSettings &into);
 
 } // namespace fennick

@@ -16,8 +16,8 @@ namespace {
 
 using OrderedJson = nlohmann::ordered_json;
 
-// What the library throws is caught in `encode`, together with the one failure it does not know: JSON has no
-// way to write a number that is not finite.
+// `encode` catches what the library throws and checks for numbers that are not finite, which JSON cannot
+// express and the library does not reject.
 template <typename T>
 OrderedJson stored(const T &value) {
   return value;

@@ -19,17 +19,17 @@ struct SettingsError {
   bool operator==(const SettingsError &) const = default;
 };
 
-// The largest text that is looked at, in bytes. A record with every field set and the longest paths takes
-// some 20 KiB; a text beyond this was not written by us.
+// The longest text that is parsed, in bytes. A record with every field set and the longest paths has about 20
+// KiB; a longer text was not written by this program.
 inline constexpr std::size_t kLargestSettings = std::size_t{1} << 20;
 
-// Reads a stored record. A field that is missing or null has its initial value, and unknown fields are passed
-// over; a value of the wrong type fails the whole record. A whole number must be written as one (no fraction,
-// no exponent) and fit its field. `json` may be anything at all. Any thread.
+// Reads a stored record. Missing and null fields get their initial values, and unknown fields are skipped; a
+// value of the wrong type fails the whole record. Integers must be written without fraction and exponent and
+// fit their field. `json` may be any text. Any thread.
 [[nodiscard]] std::expected<AppSettings, SettingsError> decodeAppSettings(std::string_view json);
 
-// One JSON object with the fields in declared order, absent ones left out; `decodeAppSettings` gives an equal
-// record back. Fails when a text is not UTF-8 or a number is not finite. Any thread.
+// Writes one JSON object with the fields in declared order, leaving out absent ones; `decodeAppSettings`
+// returns an equal record. Fails if a text is not UTF-8 or a number is not finite. Any thread.
 [[nodiscard]] std::expected<std::string, SettingsError> encode(const AppSettings &settings);
 
 } // namespace fennick

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <type_traits>
 
-// The one list of fields that reading, writing and the command line share. Each function calls
-// `visit(key, field)` for every field of its record in declared order; the bindings stop compiling as soon as
-// a record gains a field that is not listed. Private to this room and its tests.
+// The one list of fields, used for reading, writing and the command line. Each function calls `visit(key,
+// field)` for every field of its record in declared order; the bindings do not compile if a record has a
+// field that is not listed. For this folder and its tests.
 namespace fennick {
 
 template <typename R, typename T>

@@ -18,7 +18,7 @@ namespace fennick {
 
 namespace {
 
-// A path given as it stands is often valid base64 of something else, so what comes out is looked at.
+// Paths are often valid Base64 of other bytes, so the decoded text is checked.
 bool isPath(const std::optional<BookmarkData> &bookmark) {
   return !bookmark || (!bookmark->empty() && bookmark->front() == std::byte{'/'} &&
                        std::ranges::count(*bookmark, std::byte{0}) == 0);
@@ -31,7 +31,7 @@ bool atLeast(const std::optional<T> &value, T least) {
 
 bool isShare(double value) { return value >= 0 && value <= 1; }
 
-// True for other namings.
+// Returns true for other namings.
 template <typename Check>
 bool sequence(const AppSettings &settings, Check check) {
   const auto *naming = std::get_if<PrefixSequenceNaming>(&settings.naming);
@@ -40,7 +40,7 @@ bool sequence(const AppSettings &settings, Check check) {
 
 bool anything(const AppSettings &) { return true; }
 
-// What a field takes, in both languages, and whether a record's value is that (its type being right).
+// What a field accepts, in both languages, and a check of a record's value, whose type is right.
 struct Rule {
   std::string_view key;
   std::string_view chinese;
@@ -125,9 +125,9 @@ constexpr std::array kRules{
 
 struct Value {
   std::string text;
-  ParsedJson json; // discarded when the text is none
+  ParsedJson json; // discarded if the text is not JSON
 
-  // The text that a field of text gets.
+  // The value for a field of type text.
   [[nodiscard]] ParsedJson asText() const {
     return json.is_string() ? ParsedJson(json.get_ref<const std::string &>()) : ParsedJson(text);
   }
@@ -178,7 +178,7 @@ Outcome setBelow(NamingPolicy &naming, const std::string &outer, std::string_vie
 Outcome setBelow(SettingsRecord auto &record, const std::string &outer, std::string_view path,
                  const Value &value);
 
-// Sets the field at `path`, or the one below it that the rest of the path names.
+// Sets the field at `path`, or the field inside it that the rest of the path names.
 Outcome setField(auto &field, const std::string &key, std::string_view path, const Value &value) {
   if (path.empty())
     return assign(field, key, value);
@@ -205,7 +205,7 @@ Outcome setBelow(NamingPolicy &naming, const std::string &outer, std::string_vie
                   value);
 }
 
-// What came from the command line, fit to be shown: without control characters, not endless.
+// Makes text from the command line fit for a message: without control characters and limited in length.
 std::string shown(std::string_view text) {
   constexpr std::size_t kLongest = 80;
   std::string line = displayText(text.substr(0, kLongest));
@@ -216,7 +216,7 @@ std::string shown(std::string_view text) {
 std::unexpected<std::string> refused(std::string_view key, std::string_view given) {
   const auto *rule = std::ranges::find(kRules, key, &Rule::key);
   if (rule == kRules.end())
-    rule = std::ranges::find(kRules, "naming", &Rule::key); // its JSON form alone has other keys inside
+    rule = std::ranges::find(kRules, "naming", &Rule::key); // only its JSON form has other keys inside
   return std::unexpected(fmt::format("{0} 不能设为“{1}”，应为{2} / {0} cannot be \"{1}\": it takes {3}", key,
                                      shown(given), rule->chinese, rule->english));
 }

@@ -22,7 +22,7 @@ std::unexpected<SettingsError> wrongType(const ParsedJson &json, const std::stri
   return failure(key, fmt::format("must be {}, found {}", wanted, json.type_name()));
 }
 
-// An initial record, so that what an earlier read left behind never shows through.
+// Starts from an initial record, so that values of an earlier read never remain.
 template <SettingsRecord Record>
 ReadResult readRecord(const ParsedJson &json, const std::string &key, Record &record) {
   if (!json.is_object())

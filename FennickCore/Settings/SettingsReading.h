@@ -8,12 +8,11 @@
 #include <optional>
 #include <string>
 
-// Reading parsed JSON into fields. `key` is the field's dotted key, for the error. What is left in the field
-// after a failure is open. Private to this room.
+// Reads parsed JSON into fields. `key` is the field's dotted key for the error. The field's value after a
+// failure is unspecified. For this folder only.
 namespace fennick {
 
-// The map that finds a key in logarithmic time: a hostile object with a great many keys costs no more than
-// its size.
+// A map with logarithmic lookup, so that a hostile object with very many keys costs no more than its size.
 using ParsedJson = nlohmann::json;
 using ReadResult = std::expected<void, SettingsError>;
 
@@ -35,7 +34,7 @@ ReadResult readValue(const ParsedJson &json, const std::string &key, std::option
   return readValue(json, key, value.emplace());
 }
 
-// "imaging" and "maxPixels" give "imaging.maxPixels"; the outermost record has the empty key.
+// Joins "imaging" and "maxPixels" to "imaging.maxPixels"; the outermost record has an empty key.
 [[nodiscard]] std::string dotted(std::string_view outer, std::string_view inner);
 
 } // namespace fennick

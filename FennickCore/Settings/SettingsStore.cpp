@@ -41,7 +41,8 @@ void SettingsStore::update(const std::function<void(AppSettings &)> &change) {
   change(settings);
   AppSettings stored = stored_;
   change(stored);
-  carryChanges(settings_, settings, stored); // a field that was turned over has the value that people saw
+  carryChanges(settings_, settings,
+               stored); // the stored value of a field that was switched becomes the value that the user saw
   adopt(std::move(settings), std::move(stored));
 }
 

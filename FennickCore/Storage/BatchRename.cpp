@@ -22,7 +22,7 @@ constexpr std::size_t kLongestName = 255;                     // bytes, of every
 
 using Paths = std::vector<fs::path>;
 
-// What files outside the selection are called, by folder.
+// The names of files outside the selection, by folder.
 using ForeignNames = std::map<fs::path, std::unordered_set<std::string>>;
 
 IOResult<ForeignNames> foreignNames(std::span<const fs::path> selection, FileSystem &files) {
@@ -71,14 +71,14 @@ Paths oldNames(std::span<const Renaming> renamings) {
   return names;
 }
 
-// The moves of one batch, each file's to a name of its own and then to its new one, and the way back.
+// Moves each file of one batch to a temporary name and then to its new one, and can undo the moves.
 class Batch {
 public:
   Batch(std::span<const Renaming> renamings, FileSystem &files, const Proceed &proceed)
       : files_(files), proceed_(proceed), moves_(2 * renamings.size()), original_(oldNames(renamings)),
         current_(original_) {}
 
-  // Moves every file on to its place in `targets`, or as far as it goes.
+  // Moves every file to its place in `targets` and stops at the first failure.
   IOResult<void> moveAll(const Paths &targets) {
     for (std::size_t i = 0; i < targets.size(); ++i) {
       if (proceed_ && !proceed_(static_cast<double>(made_.size()) / static_cast<double>(moves_)))
@@ -91,7 +91,7 @@ public:
     return {};
   }
 
-  // Takes the moves back, the latest first. A file that cannot go back one step stays, and the others go on.
+  // Undoes the moves, the latest first. A file that cannot be moved back stays; the others are moved.
   void undo() {
     std::set<std::size_t> stuck;
     for (; !made_.empty(); made_.pop_back()) {
@@ -121,7 +121,7 @@ private:
 
   FileSystem &files_;
   const Proceed &proceed_;
-  const std::size_t moves_; // of the whole batch
+  const std::size_t moves_; // in the whole batch
   Paths original_;
   Paths current_;
   std::vector<Move> made_;

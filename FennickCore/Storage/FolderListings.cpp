@@ -30,10 +30,10 @@ IOResult<TakenNames *> FolderListings::at(const std::filesystem::path &folder) {
   return &listings_.front().names;
 }
 
-// Watched before it is read, so that nothing falls between the two.
+// Begins to watch before reading, so that no change falls between the two.
 IOResult<FolderListings::Listing> FolderListings::read(const std::filesystem::path &folder) {
   Listing listing{.folder = folder, .identity = {}, .watch = watch_.add(folder).value_or(-1), .names = {}};
-  // The same folder under another path has the same watch; the newer path keeps it.
+  // The same folder under another path has the same watch; the newer path replaces the older.
   std::erase_if(listings_,
                 [&](const Listing &other) { return listing.watch >= 0 && other.watch == listing.watch; });
   const auto identity = fileIdentity(folder);
@@ -68,10 +68,10 @@ void FolderListings::apply(const DirectoryChange &change) {
   }
   const auto listing = std::ranges::find(listings_, change.watch, &Listing::watch);
   if (listing == listings_.end())
-    return; // a folder that was given up meanwhile
+    return; // the folder was dropped meanwhile
   if (change.kind == DirectoryChange::Kind::lost)
     return forget(listing);
-  // What a name stands for is asked now: it may have come and gone, or be another file already.
+  // Reads the kind now: the entry may have vanished again or been replaced.
   const auto kind = fileKind(listing->folder / change.name);
   if (kind)
     listing->names.insert(change.name, *kind);

@@ -9,21 +9,21 @@
 
 namespace fennick {
 
-// The names in the folders that photos land in, read once and then kept up to date by following the changes
-// that anyone makes, so that receiving a photo costs the same in a full folder as in an empty one. Folders
-// that cannot be followed (network drives) are read anew each time. One thread at a time.
+// The names in the folders that receive photos, read once and then kept up to date by following all changes,
+// so that receiving a photo costs the same in a full folder as in an empty one. Folders that cannot be
+// followed (network drives) are read each time. One thread at a time.
 class FolderListings {
 public:
   explicit FolderListings(FileSystem &files) : files_(files) {} // `files` outlives the object
 
-  // The names in `folder` as of now; borrowed until the next call. Fails as listing the folder fails.
+  // Returns the current names in `folder`, borrowed until the next call. Fails if listing the folder fails.
   [[nodiscard]] IOResult<TakenNames *> at(const std::filesystem::path &folder);
 
 private:
   struct Listing {
     std::filesystem::path folder;
     FileIdentity identity;
-    int watch = -1; // -1: not followed, good for one use
+    int watch = -1; // -1: not followed, to be used once
     TakenNames names;
   };
   using Position = std::list<Listing>::iterator;

@@ -17,7 +17,7 @@ std::vector<std::filesystem::path> prune(const std::filesystem::path &folder, st
   if (!entries || std::ssize(*entries) <= limit)
     return {};
   std::ranges::sort(*entries, {}, [](const FolderEntry &entry) {
-    // Many files may have the same date where the file system counts in seconds: "_9" is before "_10".
+    // Files may have equal dates if the file system counts in seconds: "_9" is before "_10".
     const std::string_view name = entry.name;
     return std::tuple(entry.status.created(), name.substr(0, name.rfind('.')).size(), name);
   });

@@ -37,7 +37,8 @@ void FolderWatcher::run() {
   for (auto woken = watch_.awaitChanges(); woken != Woken::interrupted; woken = watch_.awaitChanges()) {
     const Meaning meaning = woken == Woken::mounts ? readMounts() : readChanges();
     if (meaning == Meaning::folders)
-      watchEverything(); // before telling: who looks now sees all that came before the new watches
+      watchEverything(); // before the call: an observer that looks now sees all that came before the new
+                         // watches
     if (meaning != Meaning::nothing)
       onChange_();
     if (watch_.pause(kLatency) == Woken::interrupted)
@@ -52,7 +53,7 @@ FolderWatcher::Meaning FolderWatcher::readChanges() {
   return all;
 }
 
-// Programs mount a lot elsewhere: containers, packages, pictures of disks.
+// Ignores mounts elsewhere, which containers, packages and disk images make often.
 FolderWatcher::Meaning FolderWatcher::readMounts() const {
   const bool isElsewhere = std::ranges::all_of(
       places_, [](const Place &place) { return identityOf(place.path) == place.identity; });
@@ -64,7 +65,7 @@ FolderWatcher::Meaning FolderWatcher::meaningOf(const DirectoryChange &change) c
     return Meaning::folders;
   const auto found = watched_.find(change.watch);
   if (found == watched_.end())
-    return Meaning::nothing; // a folder that was given up meanwhile
+    return Meaning::nothing; // the folder was dropped meanwhile
   const auto &[level, next] = found->second;
   if (change.kind == DirectoryChange::Kind::lost)
     return Meaning::folders;
@@ -76,7 +77,7 @@ FolderWatcher::Meaning FolderWatcher::meaningOf(const DirectoryChange &change) c
   return counts ? Meaning::photos : Meaning::nothing;
 }
 
-// Watches what there is now and nothing else; what is watched already keeps its number.
+// Watches exactly the folders that exist now; a folder that is watched already keeps its number.
 void FolderWatcher::watchEverything() {
   const auto before = std::exchange(watched_, {});
   places_.clear();
@@ -87,7 +88,7 @@ void FolderWatcher::watchEverything() {
       watch_.remove(watch);
 }
 
-// Every folder above, so that the watcher notices when the path begins to lead elsewhere.
+// Watches every folder above, to notice when the path begins to lead elsewhere.
 void FolderWatcher::watchWayTo(const fs::path &folder) {
   for (fs::path below = folder; below.has_relative_path(); below = below.parent_path())
     if (const auto number = watch(below.parent_path(), DirectoryWatch::Scope::names))
@@ -110,7 +111,7 @@ void FolderWatcher::watchFolder(const fs::path &folder, int level) {
       watchFolder(folder / entry.name, level + 1);
 }
 
-// The place is noted first: what is mounted between the two is noticed as a change of it.
+// Notes the place first, so that a mount between the two steps is noticed as a change of it.
 std::optional<int> FolderWatcher::watch(const fs::path &folder, DirectoryWatch::Scope scope) {
   places_.push_back({.path = folder, .identity = identityOf(folder)});
   const auto number = watch_.add(folder, scope);

@@ -13,28 +13,28 @@
 
 namespace fennick {
 
-// Tells when the photos in a save folder may have changed: in it and in the folders inside it that photos are
-// looked for in, those that appear later included. It keeps to the path: a folder that is moved away and
-// another, or none, that takes its place are changes as well, be it that a drive is plugged in or out.
+// Reports when the photos in a save folder may have changed: in it and in the folders inside it that may
+// contain photos, including new ones. It follows the path: moving the folder away, replacing it, and plugging
+// its drive in or out are changes as well.
 class FolderWatcher {
 public:
-  // `onChange` is called once when the watching has begun and then after changes: at once after the first,
-  // and for all that follow within 0.2 s together. On a thread of its own; it must not destroy the watcher.
-  // Where the system grants no watching, it is called just once.
+  // Calls `onChange` once when watching has begun and then after changes: at once after the first, and once
+  // for all that follow within 0.2 s. It is called on a thread of its own and must not destroy the watcher.
+  // If the system grants no watches, it is called just once.
   FolderWatcher(const std::filesystem::path &folder, std::function<void()> onChange);
-  // Returns when no call is under way and none will come.
+  // Returns when no call is running and none will follow.
   ~FolderWatcher();
 
 private:
-  // A folder that is watched: one that photos lie in, or one on the way to the save folder.
+  // A watched folder: one that contains photos, or one on the path to the save folder.
   struct Watched {
     int level = 0;    // below the save folder; negative on the way to it
-    std::string next; // on the way: the name to follow
+    std::string next; // on the path: the name to follow
   };
-  // Where a path led when it was looked at.
+  // Where a path led when it was read last.
   struct Place {
     std::filesystem::path path;
-    std::optional<FileIdentity> identity; // absent when it led nowhere
+    std::optional<FileIdentity> identity; // nullopt if it led nowhere
   };
   enum class Meaning { nothing, photos, folders };
 
@@ -50,7 +50,7 @@ private:
   const std::filesystem::path folder_;
   const std::function<void()> onChange_;
   DirectoryWatch watch_{DirectoryWatch::Shared::accept};
-  // Of the queue's thread, both.
+  // Both are used by the queue's thread only.
   std::map<int, Watched> watched_; // by the number of the watch
   std::vector<Place> places_;      // of all that is watched or would be if it were there
   SerialQueue queue_{"fennick.folder.watch"};

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kLongestName = 255; // bytes, of every Linux file system
+constexpr std::size_t kLongestName = 255; // bytes, on every Linux file system
 constexpr std::size_t kUUIDLength = 36;
 
 struct Shape {
@@ -55,8 +55,8 @@ bool isPhotoTemporary(std::string_view name) {
          isTemporary(name, Temporary::exported);
 }
 
-// The photo's own name in its batch name; nullopt if `name` is none. What is left of a long one must not hide
-// the photo.
+// Returns the photo's own name from its batch name, or nullopt if `name` is not a batch name. The rest of a
+// long name must not make the photo hidden.
 std::optional<std::string_view> nameBeforeBatch(std::string_view name) {
   if (name.size() <= kUUIDLength || name[kUUIDLength] != '-' || !isUUID(name.substr(0, kUUIDLength)))
     return std::nullopt;
@@ -64,7 +64,7 @@ std::optional<std::string_view> nameBeforeBatch(std::string_view name) {
   return countsAsMedia(name, FileKind::regular) ? std::optional(name) : std::nullopt;
 }
 
-// A link to the folder is followed, as photos are looked for in a save folder that is one.
+// Follows a link to the folder, since a save folder may be one.
 IOResult<DirectoryLock> tryLockFolder(const fs::path &folder, DirectoryLock::Mode mode) {
   std::error_code failed;
   const fs::path canonical = fs::canonical(folder, failed);
@@ -107,7 +107,7 @@ void clear(const fs::path &folder, std::span<const DirectoryEntry> entries, File
     std::ignore = files.syncDirectory(folder);
 }
 
-// One folder and those in it that photos are looked for in.
+// Clears a folder and the folders in it that may contain photos.
 void clearBelow(const fs::path &folder, int level, FileSystem &files,
                 const std::function<bool()> &isStopped) {
   if (isStopped())

@@ -7,8 +7,7 @@
 #include <functional>
 #include <string>
 
-// Temporary files beside photos and thumbnails, and what becomes of them when the program is killed. Any
-// thread.
+// Temporary files beside photos and thumbnails, and their removal after a crash. Any thread.
 namespace fennick {
 
 enum class Temporary : std::uint8_t {
@@ -18,15 +17,15 @@ enum class Temporary : std::uint8_t {
   thumbnail, // ".<UUID>.tmp" in a folder of thumbnails
 };
 
-// A new name for a temporary file in `folder`.
+// Returns a new name for a temporary file in `folder`.
 [[nodiscard]] std::filesystem::path temporaryIn(const std::filesystem::path &folder, Temporary kind);
-// The name that a photo has while a batch is renamed: "<UUID>-<name>". Of a name near the limit of file names
-// only the end fits.
+// Returns the name that a photo has while a batch is renamed: "<UUID>-<name>". Only the end of a long name is
+// kept, within the limit of file names.
 [[nodiscard]] std::string batchName(const std::string &name);
 
-// Announces temporary files or batch names in `folder`: while it exists, no program takes them for leftovers.
-// A shared advisory lock on the folder. It waits for nobody, so there is none while somebody locks the folder
-// exclusively, which those who clear leftovers do only after they have listed them.
+// Announces temporary files or batch names in `folder`: while the object exists, no program treats them as
+// leftovers. A shared advisory lock on the folder. Does not wait: the lock is missing while another program
+// locks the folder exclusively, which programs that clear leftovers do only after listing them.
 class FolderUse {
 public:
   explicit FolderUse(const std::filesystem::path &folder);
@@ -36,14 +35,14 @@ private:
 };
 
 // Removes temporary files of rotations, orders and exports that a killed program left in `folder`, and gives
-// photos that an interrupted batch left under their batch name their old one, or a free one like it. Does
-// nothing while the folder is in use. Only the folder is listed if there are no leftovers.
+// photos of an interrupted batch their old name back, or a similar free one. Does nothing while the folder is
+// in use. If there are no leftovers the folder is only listed.
 void clearLeftovers(const std::filesystem::path &folder, FileSystem &files);
-// The same for a save folder, the folders in it that photos are looked for in, and its export folder. Asks
-// `isStopped` before each folder.
+// Clears a save folder, the folders in it that may contain photos, and its export folder. Calls `isStopped`
+// before each folder.
 void clearSaveFolder(const std::filesystem::path &saveFolder, FileSystem &files,
                      const std::function<bool()> &isStopped);
-// Removes temporary files that a killed program left in a folder of thumbnails, unless it is in use.
+// Removes temporary files that a killed program left in a folder of thumbnails, unless the folder is in use.
 void clearThumbnailLeftovers(const std::filesystem::path &folder, FileSystem &files);
 
 } // namespace fennick

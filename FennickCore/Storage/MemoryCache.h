@@ -9,19 +9,18 @@
 
 namespace fennick {
 
-// Data kept in memory under a key, up to a limit in bytes, what keeping it takes included: what was not asked
-// for the longest goes first.
-// What is handed out stays valid for whoever holds it. One thread at a time.
+// A cache in memory with a limit in bytes that includes its own overhead. Evicts the least recently used
+// data. Data that was handed out stays valid for its holder. One thread at a time.
 class MemoryCache {
 public:
   using Data = std::shared_ptr<const std::string>;
-  static constexpr std::size_t kEntryBytes = 256; // counted for an entry beside its key and its data
+  static constexpr std::size_t kEntryBytes = 256; // overhead of an entry beside its key and data
 
   explicit MemoryCache(std::size_t mostBytes) : mostBytes_(mostBytes) {}
 
-  // Nothing (null) when there is none.
+  // Returns null if there is no such entry.
   [[nodiscard]] Data get(const std::string &key);
-  // What is beyond the whole limit is not kept.
+  // Data that is larger than the limit is not kept.
   void put(const std::string &key, Data data);
   void clear();
 
@@ -33,7 +32,7 @@ private:
 
   const std::size_t mostBytes_;
   std::size_t bytes_ = 0;
-  Entries entries_; // latest used first
+  Entries entries_; // most recently used first
   std::unordered_map<std::string, Entries::iterator> byKey_;
 };
 

@@ -55,20 +55,20 @@ IOResult<std::filesystem::path> NameAllocator::moveToFreeName(const std::filesys
       giveBack(search, *reserved);
       return std::unexpected(done.error());
     }
-    // Somebody was quicker, or the name differs only in case from one that is listed.
+    // Another program was quicker, or the name differs from a listed one only in case.
     search.refused.push_back(reserved->name);
   }
   return std::unexpected(std::make_error_code(std::errc::file_exists));
 }
 
-// A name that no other upload of this server gets meanwhile. It is listed as no photo until there is one.
+// Reserves a name among the uploads of this server. It does not count as a photo until the file has it.
 IOResult<NameAllocator::Reserved> NameAllocator::reserve(const Search &search) {
   const Locked locked(lock_);
   const auto listed = listings_.at(search.directory);
   if (!listed)
     return std::unexpected(listed.error());
   TakenNames &taken = **listed;
-  for (const auto &name : search.refused) // folders that cannot be followed were listed anew
+  for (const auto &name : search.refused) // folders that cannot be followed were listed again
     taken.insert(name, FileKind::other);
   const auto last = lastSequence_.find(sequenceKey(search.directory, search.naming));
   const auto lastSequence = last == lastSequence_.end() ? std::nullopt : std::optional(last->second);

@@ -45,7 +45,7 @@ std::string sequenceStem(const PrefixSequenceNaming &naming) {
   std::erase(stem, '\0');
   if (stem.starts_with('.'))
     stem.front() = '-';
-  // Leaves room for the number and the extension, and keeps characters whole.
+  // Leaves room for the number and the extension, and does not split characters.
   constexpr std::size_t kLongestStem = 200;
   std::size_t length = std::min(stem.size(), kLongestStem);
   while (length < stem.size() && (static_cast<unsigned char>(stem[length]) & 0xC0) == 0x80)

@@ -13,16 +13,16 @@ namespace fennick::NameGenerator {
 
 struct Result {
   std::string name;                     // with extension
-  std::optional<std::int64_t> sequence; // the number used, for sequence naming
+  std::optional<std::int64_t> sequence; // the number in the name, for sequence naming
 };
 
-// A name for a file received at `instant` that is not among `taken`. `ext` has no dot. `lastSequence` is the
-// last number given out before, which is not used again even when its file is gone. Whatever the prefix is,
-// the result is one name that is not hidden: "/" and a leading "." become "-", and an overlong stem is cut.
+// Returns a name for a file received at `instant` that is not in `taken`. `ext` has no dot. `lastSequence` is
+// the last number given out, which is not used again even if its file is gone. The result is always one name
+// that is not hidden: "/" and a leading "." become "-", and a stem that is too long is shortened.
 [[nodiscard]] Result generate(const NamingPolicy &policy, Instant instant, std::string_view ext,
                               const TakenNames &taken, std::optional<std::int64_t> lastSequence);
 
-// What stands before the number of a sequence name.
+// Returns the part of a sequence name before the number.
 [[nodiscard]] std::string sequenceStem(const PrefixSequenceNaming &naming);
 
 } // namespace fennick::NameGenerator

@@ -6,12 +6,12 @@
 
 namespace fennick {
 
-// Names made of the moment of receipt: "20240501_093000.jpg".
+// Names from the time of receipt: "20240501_093000.jpg".
 struct TimestampNaming {
   bool operator==(const TimestampNaming &) const = default;
 };
 
-// Names made of a prefix and a rising number: "IMG_001.jpg".
+// Names from a prefix and an increasing number: "IMG_001.jpg".
 struct PrefixSequenceNaming {
   std::string prefix = "IMG";
   std::string separator = "_";

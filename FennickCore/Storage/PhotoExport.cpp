@@ -25,10 +25,10 @@ namespace {
 using ImagePipeline::Encode;
 using ImagePipeline::Failure;
 
-// What is to become of one file.
+// What has to be done with one file.
 struct Work {
   FileStatus status;
-  std::optional<PictureFacts> facts{}; // absent for what is no picture
+  std::optional<PictureFacts> facts{}; // absent if it is not a picture
   std::optional<Encode> encode{};      // absent: copied as it is
 };
 
@@ -61,8 +61,8 @@ fs::path nameOf(const fs::path &source, const Work &work) {
   return source.stem().concat(fmt::format(".{}", preferredExtension(work.encode->request.output)));
 }
 
-// Of a picture that is copied as it is: whether something stays in it that was to go. What is in a video or
-// in a file that is no picture is not known.
+// Returns whether a picture that is copied unchanged contains data that was to be removed. For videos and
+// files that are not pictures this is unknown.
 bool keepsWhatWasToGo(const Work &work, const ImagingOptions &options) {
   if (work.encode || (!options.stripAllMetadata && !options.stripLocation))
     return false;
@@ -72,7 +72,7 @@ bool keepsWhatWasToGo(const Work &work, const ImagingOptions &options) {
          (options.stripLocation && work.facts->hasLocation);
 }
 
-// A file that comes into being beside its final name; what was not placed goes.
+// A file that is written beside its final name and removed unless it is placed.
 class Part {
 public:
   Part(const fs::path &folder, FileSystem &files)
@@ -96,7 +96,7 @@ public:
     isWritten_ = copied.has_value();
     return copied;
   }
-  // Under `name` or a free one like it, with the time and the permissions of the original.
+  // Moves the file to `name` or a similar free name, with the time and permissions of the original.
   IOResult<fs::path> place(const fs::path &name, const FileStatus &original) {
     if (const auto dressed = copyPermissionsAndTime(original, path_); !dressed)
       return std::unexpected(dressed.error());
@@ -105,7 +105,7 @@ public:
     if (!placed)
       return placed;
     isWritten_ = false;
-    // It is whole under its name whether or not this works.
+    // The file is complete under its name even if this fails.
     std::ignore = files_.syncDirectory(folder_);
     return placed;
   }
@@ -114,11 +114,11 @@ private:
   FileSystem &files_;
   const fs::path &folder_;
   const fs::path path_;
-  std::optional<FolderUse> use_; // from the creation of the part on
+  std::optional<FolderUse> use_; // from the creation of the file on
   bool isWritten_ = false;
 };
 
-// Fills the part: with a new encoding, or with the file as it is.
+// Writes the new encoding, or a copy of the file, into the part.
 std::expected<void, Failure> fill(Part &part, const fs::path &source, const Work &work, Seconds timeout,
                                   PictureDecoder &decoder, Exported &result) {
   IOResult<void> written;

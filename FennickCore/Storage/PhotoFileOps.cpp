@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// In every script: the space of Chinese text is three bytes long.
+// White space of all scripts: the space of Chinese text has three bytes.
 bool isWhiteSpace(gunichar character) {
   constexpr gunichar kVerticalTab = 0x0B;
   constexpr gunichar kNextLine = 0x85;
@@ -37,7 +37,7 @@ std::string_view withoutSpaceAround(std::string_view text) {
   return {begin, end};
 }
 
-// What the system has against a name beyond this, such as its length, it says itself.
+// Other restrictions, such as the length, are left to the file system.
 bool isValidName(std::string_view name) {
   using namespace std::string_view_literals;
   return !name.empty() && !name.starts_with('.') && name.find_first_of("/:\0"sv) == std::string_view::npos;
@@ -85,7 +85,7 @@ Result<fs::path> rename(const fs::path &file, std::string_view newName, FileSyst
       return std::unexpected(OpError{.kind = OpError::Kind::nameTaken, .name = name});
     return std::unexpected(OpError{.kind = OpError::Kind::system, .cause = moved.error()});
   }
-  // The name has changed whatever comes of this; a power cut may bring back the old one.
+  // The rename has succeeded even if this fails; a power cut may then bring back the old name.
   std::ignore = files.syncDirectory(file.parent_path());
   return target;
 }

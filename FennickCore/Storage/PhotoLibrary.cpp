@@ -13,16 +13,16 @@ namespace {
 
 constexpr Seconds kHighlightTime{1.5};
 constexpr Seconds kRescanDelay{0.3};
-constexpr Seconds kBusyDelay{10}; // until pictures that the decoder was too busy for are looked at again
-// A folder that never rests is looked through all the same, every few seconds.
+constexpr Seconds kBusyDelay{10}; // until pictures that met a busy decoder are read again
+// A folder that keeps changing is scanned every few seconds all the same.
 constexpr int kMostPostponements = 10;
 
 bool liesIn(const fs::path &file, const std::optional<fs::path> &folder) {
   return folder && std::ranges::mismatch(*folder, file).in1 == folder->end();
 }
 
-// Applies renamings to a list whose elements have their name in `nameOf`. What is listed under the new name
-// of another element is gone and is dropped. A list that knows the new name already is left as it is.
+// Applies renamings to a list whose elements have their name in `nameOf`. An element with the new name of
+// another one is gone and is dropped. A list that contains the new name already is left unchanged.
 template <typename List, typename Renamings, typename NameOf>
 void renameIn(List &list, const Renamings &renamings, NameOf nameOf) {
   std::set<typename Renamings::key_type> replaced;
@@ -74,7 +74,7 @@ Subscription PhotoLibrary::observeGone(std::function<void(const Paths &)> observ
 
 void PhotoLibrary::setFolder(std::optional<fs::path> folder) {
   scanUnderWay_.cancel();
-  pendingRescan_.cancel(); // it is for the old folder
+  pendingRescan_.cancel(); // it is for the previous folder
   postponed_ = 0;
   watcher_.reset();
   const bool isNew = folder != folder_;
@@ -137,10 +137,10 @@ void PhotoLibrary::publishGone(const Items &before) const {
     goneObservers_.publish(gone);
 }
 
-// Each change puts the scan off a little, so that a burst of them costs one.
+// Each change postpones the scan a little, so that a burst of changes causes one scan.
 void PhotoLibrary::rescanSoon() {
   if (postponed_ == kMostPostponements)
-    return; // the pending one comes now
+    return; // the pending scan starts now
   ++postponed_;
   pendingRescan_.cancel();
   mainQueue_.postAfter(kRescanDelay, pendingRescan_.guard([this] {
@@ -149,7 +149,7 @@ void PhotoLibrary::rescanSoon() {
   }));
 }
 
-// On the same queue as the scans: one that is posted later sees the file, and is published later.
+// Uses the queue of the scans: a later scan includes the file and is published later.
 void PhotoLibrary::noteAdded(const fs::path &file) {
   if (!liesIn(file, folder_))
     return;
@@ -177,7 +177,7 @@ void PhotoLibrary::highlight(const fs::path &file) {
   mainQueue_.postAfter(kHighlightTime, lifetime_.guard([this, file, mark = lastHighlight_] {
     const auto latest = highlights_.find(file);
     if (latest == highlights_.end() || latest->second != mark)
-      return; // it came once more meanwhile
+      return; // it was added again meanwhile
     highlights_.erase(latest);
     if (recentlyAdded_.erase(file) > 0)
       recentlyAddedObservers_.publish(recentlyAdded_);

@@ -27,10 +27,10 @@
 
 namespace fennick {
 
-// What the photo wall shows: the photos and videos of the save folder, newest first unless the user has
-// arranged them, kept up to date with whatever happens in the folder. It also makes all edits of order files,
-// including those of folders that it does not show, one after another. Main thread, except where noted; it
-// looks at the folder and at pictures, and edits order files, on a thread of its own.
+// The photos and videos of the save folder for the photo wall, newest first unless the user has arranged
+// them, kept up to date with all changes in the folder. Makes all edits of order files one after another,
+// including those of folders that it does not show. Main thread, except where noted; folders, pictures and
+// order files are read and written on a thread of its own.
 class PhotoLibrary {
 public:
   using Items = std::vector<PhotoItem>;
@@ -38,64 +38,64 @@ public:
 
   static constexpr std::size_t kLimit = 500;
 
-  // One change of custom orders, for `undo`. What is in it belongs to the library's thread.
+  // One change of custom orders, for `undo`. Its content belongs to the library's thread.
   struct Rearrangement {
     std::vector<PhotoOrder::Change> changes;
   };
   using RearrangementRef = std::shared_ptr<Rearrangement>;
-  // Called on the main thread once order files are stored, or could not be; may be empty.
+  // Called on the main thread when order files are stored or could not be; may be empty.
   using Stored = std::function<void(const IOResult<void> &)>;
 
   // Shows at most `limit` items. `files`, `decoder` and `mainQueue` outlive the library.
   PhotoLibrary(FileSystem &files, PictureDecoder &decoder, MainQueue &mainQueue, std::size_t limit = kLimit);
-  // Waits for the picture that is being looked at, and until the orders that were changed are stored.
+  // Waits for the picture that is being read and until changed orders are stored.
   ~PhotoLibrary();
 
   [[nodiscard]] const Items &items() const { return items_; }
   [[nodiscard]] const std::optional<std::filesystem::path> &folder() const { return folder_; }
-  // Whether the folder has been looked through since it was set: before, an empty list says nothing.
+  // Returns whether the folder was scanned since it was set. Until then an empty list means nothing.
   [[nodiscard]] bool isListed() const { return listed_; }
-  // Whether a folder whose photos are shown has a custom order.
+  // Returns whether a folder whose photos are shown has a custom order.
   [[nodiscard]] bool isArranged() const { return arranged_; }
   // Files that arrived within the last 1.5 seconds, for a short highlight.
   [[nodiscard]] const Paths &recentlyAdded() const { return recentlyAdded_; }
 
-  // `observer` is called on the main thread after each change, with the new value; not for the present one.
+  // `observer` is called on the main thread after each change with the new value, not for the current one.
   [[nodiscard]] Subscription observeItems(std::function<void(const Items &)> observer);
-  // Called after the list itself has been published.
+  // Called after the list was published.
   [[nodiscard]] Subscription observeListed(std::function<void(const bool &)> observer);
   [[nodiscard]] Subscription observeRecentlyAdded(std::function<void(const Paths &)> observer);
   [[nodiscard]] Subscription observeArranged(std::function<void(const bool &)> observer);
   // Called by `reorder` and `sortByDate` before they return.
   [[nodiscard]] Subscription observeRearrangements(std::function<void(const RearrangementRef &)> observer);
-  // Told of files that were removed or renamed, or have left the list: those may still be there.
+  // Called with files that were removed or renamed, or have left the list and may still exist.
   [[nodiscard]] Subscription observeGone(std::function<void(const Paths &)> observer);
 
-  // Points the library at a folder, or at none: the list is empty until the folder has been looked through.
+  // Sets the folder, or none. The list is empty until the folder has been scanned.
   void setFolder(std::optional<std::filesystem::path> folder);
-  // Looks through the folder again. Asked for while it is being looked through, it is done once more.
+  // Scans the folder again. A request during a scan causes one more scan.
   void scan();
-  // A file was saved: it comes to the front. Nothing happens for one that is no photo or video, or lies
+  // Puts a saved file at the front of the list. Ignores files that are not photos or videos, or lie
   // elsewhere.
   void noteAdded(const std::filesystem::path &file);
 
   // Puts a received file first in the custom order of its folder, if there is one. Call it once the file has
   // its final name. Files received in a burst share one edit. Any thread.
   void placeFirst(const std::filesystem::path &file);
-  // Photos were taken back out of the trash: from where they had been to where they are. They get their place
-  // in the custom order again.
+  // Gives photos that were restored from the trash their place in the custom order again. Each renaming leads
+  // from the old path to the current one.
   void noteRestored(std::span<const Renaming> restored);
 
-  // What was done to files, for the list to follow at once. Others than listed ones are passed over.
+  // Removes files from the list after they were deleted or moved. Files that are not listed are skipped.
   void remove(std::span<const std::filesystem::path> files);
-  // A renamed file keeps its place in the order that the user gave its folder.
+  // Renames files in the list. A renamed file keeps its place in the custom order of its folder.
   void rename(std::span<const Renaming> renamings);
-  // Arranges the list like `files`; items that are not among them follow. The order is stored for each folder
-  // on its own, so that photos of several folders keep the places that their folder has by date.
+  // Arranges the list like `files`; other items follow. The order is stored for each folder separately, so
+  // that photos of several folders keep the places that their folder has by date.
   void reorder(const std::vector<std::filesystem::path> &files, Stored stored = {});
   // Removes the custom orders of the folders whose photos are shown.
   void sortByDate(Stored stored = {});
-  // Restores the orders as they were before a change. What cannot be stored remains in `what`.
+  // Restores the orders as they were before a change. What could not be stored remains in `what`.
   void undo(const RearrangementRef &what, Stored stored = {});
 
 private:
@@ -123,7 +123,7 @@ private:
   Items items_;
   std::optional<std::filesystem::path> folder_;
   Paths recentlyAdded_;
-  std::map<std::filesystem::path, std::uint64_t> highlights_; // the latest one of each file
+  std::map<std::filesystem::path, std::uint64_t> highlights_; // the latest highlight of each file
   ObserverList<Items> itemsObservers_;
   ObserverList<bool> listedObservers_;
   ObserverList<Paths> recentlyAddedObservers_;
@@ -143,7 +143,7 @@ private:
   Lifetime pendingRescan_; // cancelled when another rescan takes its place
   Lifetime scanUnderWay_;  // cancelled by every change that outdates its result
 
-  PictureSizes sizes_; // of the queue's thread
+  PictureSizes sizes_; // for the queue's thread only
   std::unique_ptr<FolderWatcher> watcher_;
   SerialQueue queue_{"fennick.library"}; // last: what runs on it uses all of the above
 };

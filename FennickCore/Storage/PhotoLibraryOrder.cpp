@@ -5,14 +5,14 @@
 #include <tuple>
 #include <utility>
 
-// The custom order: what a PhotoLibrary does to order files.
+// The part of PhotoLibrary that edits order files.
 namespace fennick {
 
 namespace fs = std::filesystem;
 
 namespace {
 
-// The items in the places that their folders have by date, each folder's in the order in which they come.
+// Returns the items in the places that their folders have by date, each folder's items in their order.
 PhotoLibrary::Items placedByFolder(const PhotoLibrary::Items &wanted) {
   std::map<fs::path, std::vector<const PhotoItem *>> folders;
   std::vector<const PhotoItem *> byDate;
@@ -21,8 +21,7 @@ PhotoLibrary::Items placedByFolder(const PhotoLibrary::Items &wanted) {
     byDate.push_back(&item);
   }
   std::ranges::sort(byDate, [](const PhotoItem *a, const PhotoItem *b) {
-    return a->date != b->date ? a->date > b->date
-                              : a < b; // they lie in one row: the order in which they come
+    return a->date != b->date ? a->date > b->date : a < b; // adjacent items keep their order
   });
   std::map<fs::path, std::size_t> next;
   PhotoLibrary::Items placed;
@@ -47,7 +46,7 @@ void PhotoLibrary::reorder(const std::vector<fs::path> &files, Stored stored) {
   std::map<fs::path, std::size_t> ranks;
   for (const auto &file : files)
     ranks.try_emplace(file, ranks.size());
-  std::vector<std::pair<std::size_t, const PhotoItem *>> ranked; // those that are not named keep their order
+  std::vector<std::pair<std::size_t, const PhotoItem *>> ranked; // files that are not named keep their order
   for (const auto &item : items_) {
     const auto found = ranks.find(item.url);
     ranked.emplace_back(found == ranks.end() ? ranks.size() : found->second, &item);
@@ -65,7 +64,7 @@ void PhotoLibrary::reorder(const std::vector<fs::path> &files, Stored stored) {
   rearrange(std::move(edits), std::move(stored));
 }
 
-// An edit for each folder whose photos are in another order than before.
+// Returns an edit for each folder whose photos have another order than before.
 PhotoLibrary::Edits PhotoLibrary::ordersOf(const Items &arranged) const {
   const auto before = namesByFolder(items_);
   Edits edits;
@@ -127,7 +126,7 @@ void PhotoLibrary::placeFirst(const fs::path &file) {
     const Locked locked(arrivalsLock_);
     arrivals_.push_back(file);
     if (arrivals_.size() > 1)
-      return; // the edit that waits takes it along
+      return; // the waiting edit includes it
   }
   queue_.post([this] { placeArrivals(); });
 }
@@ -160,7 +159,7 @@ void PhotoLibrary::noteRestored(std::span<const Renaming> restored) {
   editOrders(std::move(edits));
 }
 
-// For edits that follow from something else: nobody is told about them.
+// Makes edits that follow from other changes; observers are not notified.
 void PhotoLibrary::editOrders(Edits edits) {
   queue_.post([this, all = std::move(edits)] {
     for (const auto &[folder, edit] : all)

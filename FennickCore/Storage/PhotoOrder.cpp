@@ -35,7 +35,7 @@ std::optional<std::string> content(const fs::path &file) {
     if (!count)
       return std::nullopt;
     if (*count == 0)
-      break; // cut short meanwhile
+      break; // truncated meanwhile
     length += *count;
   }
   text.resize(length);
@@ -54,7 +54,7 @@ bool isFileIn(const fs::path &folder, const std::string &name) {
   return PathComponent::make(name) && fileKind(folder / name);
 }
 
-// The names of the photos and videos in the folder, newest first.
+// Returns the names of the photos and videos in the folder, newest first.
 Names photosIn(const fs::path &folder) {
   auto entries = readFolder(folder, Links::follow, countsAsMedia);
   if (!entries)
@@ -120,7 +120,7 @@ Names withNew(Names order, const Names &added, const fs::path &folder) {
     return order;
   for (const auto &name : added) {
     if (!isFileIn(folder, name))
-      continue; // it was moved on meanwhile
+      continue; // it was moved again meanwhile
     std::erase(order, name);
     order.insert(order.begin(), name);
   }
@@ -145,7 +145,7 @@ Names undone(const Names &order, const Change &change) {
   known.insert(change.before.begin(), change.before.end());
   known.insert(change.after.begin(), change.after.end());
   Names result;
-  // Without an order nothing but the folder tells which photos are new.
+  // Without an order, only the folder tells which photos are new.
   std::ranges::copy_if(order.empty() && change.after.empty() ? photosIn(change.folder) : order,
                        std::back_inserter(result),
                        [&](const std::string &name) { return !known.contains(name); });

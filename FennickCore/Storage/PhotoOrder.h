@@ -25,7 +25,7 @@ using Names = std::vector<std::string>;
 // stored and are left out. On failure the old file remains.
 IOResult<void> save(const Names &names, const std::filesystem::path &folder, FileSystem &files);
 
-// What one edit did to the order of a folder.
+// The effect of one edit on the order of a folder.
 struct Change {
   std::filesystem::path folder;
   Names before;
@@ -38,21 +38,21 @@ using Edit = std::function<Names(const Names &stored)>;
 // programs from editing it at the same time; file systems without locks are edited without one.
 [[nodiscard]] IOResult<Change> edit(const std::filesystem::path &folder, const Edit &edit, FileSystem &files);
 
-// The results of edits. Each returns the new order and touches no file.
+// The results of edits. Each function returns the new order and accesses no file.
 
 // Puts new photos first, the last one of `added` foremost. An empty order stays empty: such a folder is
-// sorted by date. Names without a file are kept, because a photo may come back out of the Trash, until the
-// order has grown beyond 1000 names.
+// sorted by date. Names without a file are kept until the order exceeds 1000 names, because a photo may be
+// restored from the trash.
 [[nodiscard]] Names withNew(Names order, const Names &added, const std::filesystem::path &folder);
-// `shown` first, then the other names of `order` that are files in the folder.
+// Returns `shown`, then the other names of `order` that are files in the folder.
 [[nodiscard]] Names arranged(const Names &order, const Names &shown, const std::filesystem::path &folder);
-// The order before `change`, with the photos that came since in front of it.
+// Returns the order before `change`, with photos that came since in front.
 [[nodiscard]] Names undone(const Names &order, const Change &change);
-// Finds a place for a photo that came back as `name` after it had been removed as `oldName`: the one that it
-// still has, else behind the photo that has its old name now, else the first one.
+// Inserts a photo that was restored as `name` after it had been removed as `oldName`: at the place that it
+// still has, else behind the photo that has its old name now, else first.
 [[nodiscard]] Names withRestored(Names order, const std::string &oldName, const std::string &name);
 
-// Where each name stands: listed ones by their place, all others after them.
+// The rank of each name: its place if it is listed, otherwise after all listed ones.
 class Ranks {
 public:
   static constexpr std::size_t kUnlisted = std::numeric_limits<std::size_t>::max();

@@ -21,9 +21,9 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr const char *kAttribute = "user.fennick.origin";
-constexpr std::int64_t kLastSecond = 9'223'372'036; // that the clock's nanoseconds reach, in the year 2262
+constexpr std::int64_t kLastSecond = 9'223'372'036; // the limit of the clock's nanoseconds, in the year 2262
 
-// Other programs write attributes too.
+// Limits the text, since other programs write attributes too.
 std::string line(std::string_view text) { return oneLine(text, kMostOriginText); }
 
 std::string lineOf(const Json &object, const char *key) { return line(object.value(key, std::string())); }

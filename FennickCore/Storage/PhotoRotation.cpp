@@ -14,9 +14,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::int64_t kOrientations = 8;
-constexpr std::int64_t kAfterUnknown = 6; // in both directions, when the file says nothing sensible
+constexpr std::int64_t kAfterUnknown = 6; // in both directions, if the file has no valid orientation
 
-// What each orientation becomes, beginning with 1.
+// The new orientation for each old one, beginning with 1.
 constexpr std::array<std::int64_t, kOrientations> kClockwise{6, 7, 8, 5, 2, 3, 4, 1};
 constexpr std::array<std::int64_t, kOrientations> kAnticlockwise{8, 5, 6, 7, 4, 1, 2, 3};
 
@@ -34,15 +34,15 @@ bool saysNotAnImage(PictureFault fault) {
 
 std::unexpected<OpError> failure(OpError::Kind kind) { return std::unexpected(OpError{.kind = kind}); }
 
-// The attributes of the old file on the new one. The time is a whole second, as remembered by those who keep
-// no fractions.
-IOResult<void> dress(const fs::path &file, const FileStatus &old) {
+// Copies the attributes of the old file to the new one. The time is a whole second, since some caches keep no
+// fractions.
+IOResult<void> copyAttributes(const fs::path &file, const FileStatus &old) {
   FileStatus wanted = old;
   wanted.modified = std::chrono::floor<std::chrono::seconds>(old.modified) + std::chrono::seconds(1);
   return copyPermissionsAndTime(wanted, file);
 }
 
-// Puts `content` in the place of `file`, unless that has changed since `old` was taken.
+// Replaces `file` by one with `content`, unless it has changed since `old` was read.
 IOResult<void> exchange(const fs::path &file, std::string_view content, const FileStatus &old,
                         FileSystem &files) {
   const FolderUse use(file.parent_path());
@@ -50,7 +50,7 @@ IOResult<void> exchange(const fs::path &file, std::string_view content, const Fi
   if (auto written = writeAside(files, aside, content, Durability::onDisk); !written)
     return written;
   copyUserAttributes(file, aside);
-  auto result = dress(aside, old);
+  auto result = copyAttributes(aside, old);
   if (result && fileStatus(file) != old)
     result = std::unexpected(std::make_error_code(std::errc::resource_unavailable_try_again));
   if (result)
@@ -73,7 +73,7 @@ Result<void> rotate(const fs::path &file, QuarterTurn turn, PictureDecoder &deco
   const auto rotated = decoder.withOrientation(file, turned(facts->orientation.value_or(kUpright), turn));
   if (!rotated || rotated->empty() || !exchange(file, *rotated, *old, files))
     return failure(OpError::Kind::writeFailed);
-  // Both versions are whole: a power cut leaves one of them.
+  // Both versions are complete: a power cut leaves one of them.
   std::ignore = files.syncDirectory(file.parent_path());
   return {};
 }

@@ -15,14 +15,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A file before anything was read of it: a folder may hold far more of them than are shown.
+// A file of which nothing was read yet: a folder may contain far more files than are shown.
 struct Found {
-  std::size_t folder = 0; // its place among the folders
+  std::size_t folder = 0; // index of its folder
   std::string name;
   FileStatus status;
 };
 
-using Index = std::uint32_t; // a place in `files`
+using Index = std::uint32_t; // an index into `files`
 
 struct Walk {
   std::vector<fs::path> folders;
@@ -45,7 +45,7 @@ struct Walk {
         files.push_back({.folder = here, .name = std::move(entry.name), .status = entry.status});
   }
 
-  // Newest first; by name where the dates are the same, so that every walk gives the same order.
+  // Newest first; by name if dates are equal, so that every scan gives the same order.
   [[nodiscard]] bool precedes(Index a, Index b) const {
     const Instant dateA = files[a].status.created();
     const Instant dateB = files[b].status.created();
@@ -61,7 +61,7 @@ struct Walk {
     return all;
   }
 
-  // The folder's files as they are arranged: the listed ones in their order, the others after them by date.
+  // Returns the folder's files as arranged: listed ones in their order, then the others by date.
   [[nodiscard]] std::vector<Index> arranged(std::size_t folder, const PhotoOrder::Ranks &ranks) const {
     std::vector<std::pair<std::size_t, Index>> members;
     for (Index i = 0; i < files.size(); ++i)
@@ -75,7 +75,7 @@ struct Walk {
     return result;
   }
 
-  // Fills the places of a folder with its files in their custom order; returns whether there is one.
+  // Fills the places of a folder with its files in their custom order. Returns whether there is one.
   [[nodiscard]] bool applyOrder(std::size_t folder, std::span<Index> places) const {
     const auto isHere = [&](Index place) { return files[place].folder == folder; };
     if (std::ranges::none_of(places, isHere))

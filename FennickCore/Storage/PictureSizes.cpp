@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kMostKnown = 2'000; // four times what the wall shows
 
-// From this orientation on a picture is stored turned by a quarter.
+// From this orientation on, width and height are exchanged.
 constexpr std::int64_t kFirstTurned = 5;
 
 PictureSize shown(const PictureFacts &facts) {
@@ -22,12 +22,12 @@ PictureSize shown(const PictureFacts &facts) {
   return size;
 }
 
-// Whether asking again about the same file may give another answer.
+// Returns whether reading the same file again may succeed.
 bool mayPass(PictureFault fault) {
   return fault == PictureFault::unreadable || fault == PictureFault::noDecoder || fault == PictureFault::busy;
 }
 
-// A computer short of memory may be to blame as well as the picture.
+// Returns whether the decoder ended. The cause may be the picture or a computer short of memory.
 bool isDecodersEnd(PictureFault fault) {
   return fault == PictureFault::crashed || fault == PictureFault::timedOut;
 }
@@ -38,7 +38,7 @@ PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus
   const auto found = known_.find(file.native());
   const bool isKnown = found != known_.end() && found->second.bytes == status.bytes &&
                        found->second.modified == status.modified;
-  if (isKnown && found->second.settled) {
+  if (isKnown && found->second.isFinal) {
     found->second.used = true;
     return found->second.size;
   }
@@ -49,7 +49,7 @@ PictureSize PictureSizes::of(const std::filesystem::path &file, const FileStatus
     known_[file.native()] = {.bytes = status.bytes,
                              .modified = status.modified,
                              .size = size,
-                             .settled = isKnown || facts || !isDecodersEnd(facts.error().fault)};
+                             .isFinal = isKnown || facts || !isDecodersEnd(facts.error().fault)};
   return size;
 }
 

@@ -12,24 +12,25 @@
 
 namespace fennick {
 
-// How large a picture is when shown upright.
+// The dimensions of a picture when shown upright.
 struct PictureSize {
   std::optional<std::int64_t> width;
   std::optional<std::int64_t> height;
   bool isOversized = false;
 };
 
-// Remembers the dimensions of pictures by path, size and modification time, so that looking through a folder
-// again reads only what is new. One thread at a time.
+// Remembers the dimensions of pictures by path, size and modification time, so that another scan reads only
+// new files. One thread at a time.
 class PictureSizes {
 public:
   explicit PictureSizes(PictureDecoder &decoder) : decoder_(decoder) {} // `decoder` outlives the object
 
   // `status` is that of `file`. Blocks while the decoder reads.
   [[nodiscard]] PictureSize of(const std::filesystem::path &file, const FileStatus &status);
-  // Whether the decoder was too busy to read one of them since the last call; it is shown without dimensions.
+  // Returns whether the decoder was too busy for a picture since the last call; such a picture is shown
+  // without dimensions.
   [[nodiscard]] bool takeBusy() { return std::exchange(busy_, false); }
-  // Forgets what was not asked for since the last call, once there is a lot of it.
+  // Forgets entries that were not used since the last call, once there are many.
   void tidy();
 
 private:
@@ -37,7 +38,7 @@ private:
     std::int64_t bytes = 0;
     Instant modified;
     PictureSize size;
-    bool settled = true; // false: a decoder ended over it once, and it is asked for again
+    bool isFinal = true; // false: a decoder ended once while reading it, and it is read again
     bool used = true;
   };
 

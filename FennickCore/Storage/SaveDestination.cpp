@@ -23,7 +23,7 @@ std::tm localTime(Instant instant) {
       std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(instant));
   std::tm local{};
   ::tzset(); // the time zone may have changed since the program was started
-  std::ignore = ::localtime_r(&seconds, &local); // fails for years beyond an int only
+  std::ignore = ::localtime_r(&seconds, &local); // fails only for years beyond an int
   return local;
 }
 

@@ -10,7 +10,7 @@ namespace fennick {
 namespace {
 
 constexpr std::size_t kMostStems = 16;  // remembered; a person uses one or two
-constexpr std::size_t kMostDigits = 18; // longer numbers are nobody's sequence and could overflow
+constexpr std::size_t kMostDigits = 18; // longer numbers are not part of a sequence and could overflow
 
 std::optional<std::int64_t> numberBehind(std::string_view stem, std::string_view name) {
   if (!name.starts_with(stem))

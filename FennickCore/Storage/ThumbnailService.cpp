@@ -12,13 +12,13 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t kMemoryLimit = std::size_t{64} << 20;
-constexpr std::size_t kEndedLimit = std::size_t{1} << 20; // some three thousand pictures
+constexpr std::size_t kEndedLimit = std::size_t{1} << 20; // about three thousand pictures
 constexpr double kQuality = 0.72;
 constexpr std::int64_t kGrowth = std::int64_t{16} << 20;
 
 } // namespace
 
-// Ends a rendering for all who wait for it, however its maker leaves.
+// Ends a rendering for all waiting callers, however its maker leaves.
 class ThumbnailService::Turn {
 public:
   Turn(ThumbnailService &owner, const std::string &key, std::shared_ptr<Rendering> rendering)
@@ -40,7 +40,7 @@ private:
   std::shared_ptr<Rendering> rendering_;
 };
 
-// One of the places for renders; waits until there is one.
+// One of the slots for renders. The constructor waits for a free one.
 class ThumbnailService::Place {
 public:
   Place(ThumbnailService &owner, Asker asker) : owner_(owner), asker_(asker) {
@@ -50,7 +50,7 @@ public:
       locked.wait(owner_.changed_);
     --renders().waiting;
     ++renders().underWay;
-    owner_.changed_.notify_all(); // the others may have waited for this one to begin
+    owner_.changed_.notify_all(); // others may be waiting for this one to begin
   }
   Place(const Place &) = delete;
   Place &operator=(const Place &) = delete;
@@ -74,7 +74,7 @@ private:
 ThumbnailService::ThumbnailService(FileSystem &files, const fs::path &cacheDir, std::int64_t maxPixel,
                                    int concurrency, PictureDecoder &decoder, std::function<void()> grown)
     : store_(files, cacheDir, maxPixel), maxPixel_(maxPixel), concurrency_(std::max(concurrency, 1)),
-      decoder_(decoder), grown_(std::move(grown)), memory_(kMemoryLimit), endedOver_(kEndedLimit) {}
+      decoder_(decoder), grown_(std::move(grown)), memory_(kMemoryLimit), crashedKeys_(kEndedLimit) {}
 
 bool ThumbnailService::mayBegin(Asker asker) const {
   const Renders &phones = renders_.at(static_cast<std::size_t>(Asker::phone));
@@ -95,8 +95,9 @@ ThumbnailService::Result ThumbnailService::thumbnail(const fs::path &file, Asker
   if (!status || status->kind != FileKind::regular)
     return std::unexpected(Missing::noPicture);
   const std::string key = keyOf(file, *status);
-  std::optional<Place> place; // taken first where nobody waits, so that nobody comes to wait for a render
-  if (asker == Asker::nobody) // that has not begun
+  std::optional<Place>
+      place; // a render without a caller takes its slot first, so that no caller waits for one
+  if (asker == Asker::nobody) // that has not started
     place.emplace(*this, asker);
   std::shared_ptr<Rendering> rendering;
   {
@@ -112,7 +113,7 @@ ThumbnailService::Result ThumbnailService::thumbnail(const fs::path &file, Asker
     rendering = underWay_.emplace(key, std::make_shared<Rendering>()).first->second;
   }
   const Turn turn(*this, key, rendering);
-  rendering->result = make(file, *status, key, asker); // read by others once it is done
+  rendering->result = make(file, *status, key, asker); // other threads read it after it is done
   return rendering->result;
 }
 
@@ -145,7 +146,8 @@ ThumbnailService::Result ThumbnailService::make(const fs::path &file, const File
     if (!rendered && !isLasting(rendered.error().fault, key))
       return std::unexpected(rendered.error().fault == PictureFault::busy ? Missing::busy
                                                                           : Missing::noPicture);
-    // Changed while it was read: nobody knows which of both this shows, so it is kept under neither.
+    // The file was changed while it was read. The thumbnail may show either version, so it is stored for
+    // neither.
     data = std::make_shared<const std::string>(rendered ? std::move(*rendered) : std::string());
     if (fileStatus(file) != status)
       return rendered ? Result(data) : Result(std::unexpected(Missing::noPicture));
@@ -153,19 +155,19 @@ ThumbnailService::Result ThumbnailService::make(const fs::path &file, const File
       store(file, status, *data);
   }
   const Locked locked(lock_);
-  memory_.put(key, data); // empty: it cannot be shown, and is not tried again
+  memory_.put(key, data); // empty: it cannot be shown and is not tried again
   return data->empty() ? Result(std::unexpected(Missing::noPicture)) : Result(data);
 }
 
-// Whether the same picture would fail again. One that keeps a decoder busy until it is ended must not do so
-// each time somebody looks at the gallery; the first time the computer may have been short of memory.
+// Returns whether the same picture would fail again. A picture that occupies a decoder until its time-out
+// must not do so each time the gallery is opened; the first time, a lack of memory may have been the cause.
 bool ThumbnailService::isLasting(PictureFault fault, const std::string &key) {
   if (fault != PictureFault::crashed && fault != PictureFault::timedOut)
     return fault == PictureFault::notAPicture || fault == PictureFault::undecodable;
   const Locked locked(lock_);
-  if (endedOver_.get(key))
+  if (crashedKeys_.get(key))
     return true;
-  endedOver_.put(key, std::make_shared<const std::string>());
+  crashedKeys_.put(key, std::make_shared<const std::string>());
   return false;
 }
 
@@ -176,7 +178,8 @@ PictureResult<std::string> ThumbnailService::render(const fs::path &file, Asker 
   return decoder_.thumbnail(file, maxPixel_, kQuality);
 }
 
-// What the disk refuses is made again in the next run. A photo that was deleted meanwhile leaves nothing.
+// A thumbnail that the disk refuses is made again in the next run. Nothing is stored for a photo that was
+// deleted meanwhile.
 void ThumbnailService::store(const fs::path &file, const FileStatus &status, const std::string &data) {
   if (!store_.write(file, versionOf(status), data))
     return;
@@ -196,7 +199,7 @@ void ThumbnailService::clear() {
   {
     const Locked locked(lock_);
     memory_.clear();
-    endedOver_.clear();
+    crashedKeys_.clear();
   }
   store_.clear();
 }

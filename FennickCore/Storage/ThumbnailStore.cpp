@@ -18,13 +18,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kLongestName = 255; // bytes, of every Linux file system
+constexpr std::size_t kLongestName = 255; // bytes, on every Linux file system
 constexpr std::string_view kExtension = ".jpg";
-// Of "-<bytes>-<modified>-<pixels>.jpg" with numbers of any size.
+// Length of "-<bytes>-<modified>-<pixels>.jpg" with the longest numbers.
 constexpr std::size_t kLongestEnding = 70;
-constexpr std::int64_t kBlock = 4096; // what file systems give to a file at least
+constexpr std::int64_t kBlock = 4096; // the least space that file systems allocate for a file
 
-// What a JPEG begins and ends with: a file that a crash cut short or filled with zeros is none.
+// Returns whether the data begins and ends like a JPEG. A file that a crash truncated or filled with zeros
+// does not.
 bool isWholeJPEG(std::string_view data) {
   return data.size() > 4 && data.starts_with("\xFF\xD8") && data.ends_with("\xFF\xD9");
 }
@@ -33,7 +34,7 @@ bool isKept(gunichar character) {
   return character == '-' || character == '.' || character == '_' || g_unichar_isalnum(character) != FALSE;
 }
 
-// Letters and digits of every script stay, all else becomes "_".
+// Keeps letters and digits of every script and replaces everything else by "_".
 std::string plainText(const std::string &path) {
   std::string plain;
   const char *next = nullptr;
@@ -53,7 +54,8 @@ std::string checksum(const std::string &text) {
   return sum.get();
 }
 
-// Takes the number after the last "-" off the end of `text`; two of them before a negative one.
+// Removes the number after the last "-" from the end of `text` and returns it; a negative number follows two
+// of them.
 std::optional<std::int64_t> takeNumber(std::string_view &text) {
   const auto dash = text.rfind('-');
   if (dash == std::string_view::npos)
@@ -156,7 +158,7 @@ std::string ThumbnailStore::prefixOf(const fs::path &folder) {
   return plainText(isValidUTF8(folder.native()) ? (folder / "").native() : std::string());
 }
 
-// The checksum is taken of the path alone, so that all versions of a photo can be found.
+// The checksum covers the path only, so that all versions of a photo can be found.
 fs::path ThumbnailStore::fileOf(const fs::path &photo, PhotoVersion version) const {
   const std::string ending =
       fmt::format("-{}-{}-{}{}", version.bytes, version.modified, maxPixel_, kExtension);

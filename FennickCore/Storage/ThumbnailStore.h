@@ -13,7 +13,7 @@
 
 namespace fennick {
 
-// The version of a photo that a thumbnail shows. A photo that is changed has another one.
+// The version of a photo that a thumbnail shows. A changed photo has another version.
 struct PhotoVersion {
   std::int64_t bytes = 0;
   std::int64_t modified = 0; // in whole seconds since 1970
@@ -22,22 +22,22 @@ struct PhotoVersion {
 
 [[nodiscard]] PhotoVersion versionOf(const FileStatus &status);
 
-// Thumbnails of one size on the disk. The name of a file tells the path and the version of its photo: see
-// docs/files.md. Any thread; what the disk refuses is not kept.
+// Thumbnails of one size on the disk. The file name contains the path and the version of the photo: see
+// docs/files.md. Any thread. What the disk refuses is not kept.
 class ThumbnailStore {
 public:
   struct Entry {
     std::string name;  // of the file in the folder
-    std::string photo; // one of `namesOf` its photo
+    std::string photo; // one of the names that `namesOf` returns for its photo
     PhotoVersion version;
-    std::int64_t bytes = 0; // on the disk
+    std::int64_t bytes = 0; // allocated on the disk
     Instant used;           // when it was made or read last
   };
 
-  // Makes `folder`. `files` outlives the object.
+  // Creates `folder`. `files` outlives the object.
   ThumbnailStore(FileSystem &files, std::filesystem::path folder, std::int64_t maxPixel);
 
-  // Returns nullopt if there is none, or only a damaged one.
+  // Returns nullopt if there is no undamaged thumbnail.
   [[nodiscard]] std::optional<std::string> read(const std::filesystem::path &photo,
                                                 PhotoVersion version) const;
   // Returns false if it could not be stored.
@@ -46,14 +46,14 @@ public:
   void remove(const Entry &entry) const;
   void clear() const;
 
-  // All that is stored. Files that do not belong here are removed, hidden ones apart.
+  // Returns all stored thumbnails. Removes files that do not belong here, except hidden ones.
   [[nodiscard]] std::vector<Entry> entries() const;
 
-  // What the names of a photo's thumbnails begin with: its path in plain characters, or its checksum where
-  // that would be too long or the path is not UTF-8, or both where it depends on the version. Several photos
-  // may have the same plain name.
+  // Returns the beginnings of the names of a photo's thumbnails: its path in plain characters, or its
+  // checksum if that would be too long or the path is not UTF-8, or both if it depends on the version.
+  // Several photos may have the same plain name.
   [[nodiscard]] static std::vector<std::string> namesOf(const std::filesystem::path &photo);
-  // What the plain names of all photos in and below `folder` begin with.
+  // Returns the beginning of the plain names of all photos in and below `folder`.
   [[nodiscard]] static std::string prefixOf(const std::filesystem::path &folder);
 
 private:

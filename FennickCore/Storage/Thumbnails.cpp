@@ -30,7 +30,7 @@ void removeLeastUsed(const ThumbnailStore &store, std::vector<Entry> entries, st
   if (bytes <= mostBytes)
     return;
   std::ranges::sort(entries, {}, &Entry::used);
-  const std::int64_t wanted = mostBytes / 10 * 9; // so that it is not done again for each new one
+  const std::int64_t wanted = mostBytes / 10 * 9; // so that not every new thumbnail causes an eviction
   for (const auto &entry : entries) {
     if (bytes <= wanted)
       return;
@@ -39,7 +39,7 @@ void removeLeastUsed(const ThumbnailStore &store, std::vector<Entry> entries, st
   }
 }
 
-// Finds what is stored of photos that are gone from a folder, or of earlier versions of them.
+// Finds thumbnails of photos that are gone from a folder, and of earlier versions of photos.
 class Search {
 public:
   Search(const fs::path &folder, const std::vector<Entry> &entries)
@@ -53,7 +53,7 @@ public:
     if (!look(folder_, 0))
       return found;
     for (const auto &[photo, candidate] : byPhoto_)
-      // Of a name that is a checksum nobody knows whether it belongs to this folder.
+      // A name that is a checksum does not tell whether it belongs to this folder.
       if (!candidate.isCurrent && (candidate.photoExists || (!prefix_.empty() && photo.starts_with(prefix_))))
         found.push_back(*candidate.entry);
     return found;
@@ -66,7 +66,7 @@ private:
     bool isCurrent = false;
   };
 
-  // Where photos are looked for, and the folders of their originals, which the quick look shows.
+  // Folders that may contain photos, and those of their originals, which the quick look shows.
   static bool isEntered(std::string_view name, int level) {
     return level < kDeepestPhotoLevel ? !name.starts_with('.')
                                       : level == kDeepestPhotoLevel && name == kOriginalsFolder;

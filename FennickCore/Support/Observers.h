@@ -7,7 +7,7 @@
 
 namespace fennick {
 
-// Keeps an observer subscribed for as long as it lives. Movable; may outlive what it observes.
+// Keeps an observer subscribed while it exists. Movable. May outlive the observed object.
 class Subscription {
 public:
   Subscription() = default;
@@ -17,8 +17,8 @@ private:
   std::shared_ptr<void> observer_;
 };
 
-// Functions that are told of every new value, in the order in which they subscribed. An observer may
-// subscribe, unsubscribe anyone and publish again while it is called.
+// A list of functions that are called with every new value, in the order in which they subscribed. An
+// observer may subscribe, end any subscription and publish again while it is called.
 template <typename T>
 class ObserverList {
 public:
@@ -31,8 +31,8 @@ public:
     return Subscription(std::move(kept));
   }
 
-  // Each observer gets the value that `current` has by then: when an earlier observer changed it again, the
-  // later ones never see the older value last.
+  // Calls each observer with the value that `current` has at that moment: if an earlier observer changed it,
+  // later ones do not receive the outdated value.
   void publish(const T &current) const {
     const auto observers = observers_;
     for (const auto &entry : observers)

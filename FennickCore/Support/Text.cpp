@@ -33,7 +33,7 @@ std::string mapped(std::string_view text, Change change) {
   return result;
 }
 
-// At most `digits` decimals, trailing zeros dropped.
+// Formats a number with at most `digits` decimals and without trailing zeros.
 std::string shortNumber(double value, int digits) {
   std::string text = fmt::format("{:.{}f}", value, digits);
   if (text.find('.') != std::string::npos) {
@@ -47,7 +47,7 @@ std::string shortNumber(double value, int digits) {
 } // namespace
 
 bool isValidUTF8(std::string_view text) {
-  // g_utf8_validate_len takes NUL for an error; NUL is a character like any other here.
+  // g_utf8_validate_len rejects NUL, which is an ordinary character here.
   while (true) {
     const std::size_t nul = text.find('\0');
     const std::string_view piece = text.substr(0, nul);
@@ -84,7 +84,7 @@ std::string displayText(std::string_view text) {
 
 std::string withoutControls(std::string_view text) {
   std::string result = mapped(text, [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F ? ' ' : c; });
-  // U+0080 to U+009F; terminals take U+009B for the beginning of an order.
+  // U+0080 to U+009F: terminals read U+009B as the start of a control sequence.
   for (auto at = result.find('\xC2'); at != std::string::npos; at = result.find('\xC2', at + 1))
     if (at + 1 < result.size() && static_cast<unsigned char>(result[at + 1]) < 0xA0)
       result.replace(at, 2, "  ");
@@ -203,7 +203,7 @@ std::string fileSizeText(std::int64_t bytes) {
   if (bytes < 1000)
     return fmt::format("{} 字节", bytes);
   const auto value = static_cast<double>(bytes);
-  // A count that would round up to 1000 of its unit is written in the next one: 999,999 is "1 MB".
+  // A count that would round up to 1000 of its unit is written in the next unit: 999,999 is "1 MB".
   const auto fits = [value](const Unit &unit) {
     const double scale = std::pow(10, unit.digits);
     return std::round(value / unit.size * scale) / scale < 1000;

@@ -21,13 +21,13 @@ ImportFault faultOf(const std::error_code &error) {
   return error == std::errc::no_space_on_device ? ImportFault::noRoom : ImportFault::notSaved;
 }
 
-// What the answer would have told a phone.
+// Translates the response that a phone would receive.
 std::expected<void, ImportFault> outcomeOf(const HTTPResponse &answer) {
   switch (answer.status) {
   case 200:
     return {};
   case 400:
-    return fault(ImportFault::unreadable); // longer or shorter than it was
+    return fault(ImportFault::unreadable); // longer or shorter than when it was opened
   case 415:
     return fault(ImportFault::notMedia);
   default:
@@ -101,7 +101,7 @@ std::expected<void, ImportFault> FileImporter::fill(UploadSink &sink, std::int64
     if (bytes->empty())
       return {};
     written += std::ssize(*bytes);
-    if (written > size) // it grows while it is read, perhaps without an end
+    if (written > size) // the file grows while it is read, possibly without an end
       return fault(ImportFault::unreadable);
     if (const auto saved = sink.write(*bytes); !saved)
       return fault(faultOf(saved.error()));

@@ -33,7 +33,7 @@ constexpr std::array kMediaTypes{Entry{"image/jpeg", "jpg"},
                                  Entry{"video/mp4", "mp4"},
                                  Entry{"video/x-m4v", "m4v"}};
 
-// Major brands of the ISO base media format, lower-cased.
+// Major brands of the ISO base media format, in lower case.
 constexpr std::array kBrands{
     Entry{"heic", "heic"}, Entry{"heix", "heic"}, Entry{"hevc", "heic"}, Entry{"hevx", "heic"},
     Entry{"mif1", "heic"}, Entry{"msf1", "heic"}, Entry{"heim", "heic"}, Entry{"heis", "heic"},

@@ -27,7 +27,7 @@ bool isGalleryExtension(std::string_view extension) {
   return std::ranges::find(kExtensions, extension) != kExtensions.end();
 }
 
-// The same for what is listed and what is asked for. A backslash separates folders elsewhere.
+// Used for listing and for requests, so that both agree. Other systems use a backslash to separate folders.
 bool isGalleryName(std::string_view name) {
   return PathComponent::make(name) && !name.starts_with('.') && name.find('\\') == std::string_view::npos &&
          isGalleryExtension(lowerCasedExtension(name)) && isValidUTF8(name);
@@ -37,13 +37,13 @@ std::int64_t wholeSeconds(Instant instant) {
   return std::chrono::duration_cast<std::chrono::seconds>(instant.time_since_epoch()).count();
 }
 
-// Two photos that swap their names may have one size and date, but never one inode.
+// Two photos that swap their names may have equal size and date, but never the same inode.
 std::string versionOf(const FileStatus &status) {
   return fmt::format("{:x}-{:x}-{:x}", status.bytes, status.modified.time_since_epoch().count(),
                      status.identity.inode);
 }
 
-// Beginning with those that come first, `kMostEntries` at most.
+// Returns the first `kMostEntries` photos in gallery order.
 std::vector<std::pair<std::size_t, const FolderEntry *>> firstOnes(const std::vector<FolderEntry> &entries,
                                                                    const PhotoOrder::Ranks &ranks) {
   std::vector<std::pair<std::size_t, const FolderEntry *>> all;
@@ -86,7 +86,7 @@ std::string galleryVersion(const fs::path &file) {
   return status ? versionOf(*status) : std::string();
 }
 
-// Names and kinds are enough: nothing has to be looked at.
+// Names and kinds are sufficient; no file's status is read.
 std::int64_t galleryCount(const fs::path &folder, GalleryFilter *filter) {
   std::int64_t count = 0;
   const bool isFiltered = filter != nullptr && filter->isActive(folder);

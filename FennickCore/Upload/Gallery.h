@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// What phones may see of the gallery folder: the photos directly in it, no videos, no hidden files, no links,
-// nothing whose name cannot be asked for, and nothing that the filter hides; a null filter hides nothing. Any
+// What phones may see of the gallery folder: the photos directly in it, without videos, hidden files, links,
+// names that cannot be part of a URL, and photos that the filter hides; a null filter hides nothing. Any
 // thread.
 namespace fennick {
 
@@ -22,14 +22,14 @@ struct GalleryEntry {
   bool operator==(const GalleryEntry &) const = default;
 };
 
-// Keeps photos away from phones. Any thread.
+// Hides photos from phones. Any thread.
 class GalleryFilter {
 public:
   virtual ~GalleryFilter() = default;
-  // Whether `hides` has to be asked about files in `folder`. Called once the files are known to be there: a
-  // photo that must not be shown is known to the filter before it can be found in its folder.
+  // Returns whether `hides` has to be called for files in `folder`. Call it after listing the folder: the
+  // filter knows of a photo that must be hidden before the photo appears in its folder.
   virtual bool isActive(const std::filesystem::path &folder) = 0;
-  // Without `status` only the path counts, and a photo that was renamed lately may be overlooked.
+  // Without `status` only the path is compared, so that a photo that was renamed recently may be missed.
   virtual bool hides(const std::filesystem::path &file, const FileStatus *status) = 0;
 };
 
@@ -38,7 +38,7 @@ struct GalleryListing {
   std::int64_t total = 0;           // of all that phones may see
 };
 
-// The photos in the order of the photo wall: as the user arranged them, then newest first. Empty if the
+// Returns the photos in the order of the photo wall: as arranged by the user, then newest first. Empty if the
 // folder cannot be read.
 [[nodiscard]] GalleryListing galleryListing(const std::filesystem::path &folder,
                                             GalleryFilter *filter = nullptr);
@@ -47,19 +47,21 @@ struct GalleryListing {
   return galleryListing(folder, filter).photos;
 }
 
-// A short text that is fit for addresses and differs whenever another content may be under the file's name.
-// Empty if there is no such file.
+// Returns a short text for URLs that changes whenever the file under this name may have other content. Empty
+// if there is no such file.
 [[nodiscard]] std::string galleryVersion(const std::filesystem::path &file);
 
-// How many photos phones may see there, more than 500 included; 0 when the folder cannot be read.
+// Returns the number of photos that phones may see, including those beyond 500; 0 if the folder cannot be
+// read.
 [[nodiscard]] std::int64_t galleryCount(const std::filesystem::path &folder, GalleryFilter *filter = nullptr);
 
-// The file that "/thumb/NAME" or "/file/NAME" asks for, `path` as it was sent; nothing unless NAME is that of
-// a photo that the gallery may show.
+// Returns the file for "/thumb/NAME" or "/file/NAME", `path` being the path of the request. Returns nullopt
+// unless NAME is a photo that the gallery may show.
 [[nodiscard]] std::optional<std::filesystem::path>
 galleryFile(std::string_view path, const std::filesystem::path &folder, GalleryFilter *filter = nullptr);
 
-// The media type of a photo or video by its first bytes; "application/octet-stream" for all else.
+// Returns the media type of a photo or video by its first bytes, or "application/octet-stream" for all other
+// files.
 [[nodiscard]] std::string_view galleryMediaType(const std::filesystem::path &file);
 
 } // namespace fennick

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char *kTenMinutes = "private, max-age=600";
 constexpr const char *kForGood =
-    "private, max-age=31536000, immutable"; // a year: its address has the version
+    "private, max-age=31536000, immutable"; // one year: the URL contains the version
 
 HTTPResponse busy() {
   HTTPResponse response = HTTPResponse::text(503, "busy");
@@ -21,7 +21,7 @@ HTTPResponse busy() {
 
 } // namespace
 
-// One of the places for requests that wait; empty if all are taken.
+// One of the places for waiting requests; empty if all are taken.
 class GalleryThumbnails::Waiting {
 public:
   explicit Waiting(GalleryThumbnails &owner) : owner_(owner) {
@@ -49,7 +49,8 @@ HTTPResponse GalleryThumbnails::answer(const std::filesystem::path &file, const 
   const bool isLarge = size != head.query.end() && size->second == "large";
   const auto version = head.query.find("v");
   const bool hasVersion = version != head.query.end();
-  // Before the picture: one that is replaced meanwhile must not be kept as the old version.
+  // Checked before the picture is read: a picture that is replaced meanwhile must not be cached as the old
+  // version.
   const bool isCurrent = hasVersion && version->second == galleryVersion(file);
 
   auto data = thumbnail(isLarge ? thumbnails_->large() : thumbnails_->small(), file);

@@ -9,19 +9,20 @@
 
 namespace fennick {
 
-// Answers requests for thumbnails ("/thumb/NAME"). Requests whose thumbnail has yet to be made wait for it;
-// so that they do not hold all connections of the server, only some may wait at once. Any thread; guarded by
-// its own lock.
+// Answers requests for thumbnails ("/thumb/NAME"). Requests for thumbnails that do not exist yet wait for
+// them; only a limited number may wait at once, so that they do not take all connections of the server. Any
+// thread; guarded by its own lock.
 class GalleryThumbnails {
 public:
-  // Most requests that wait for thumbnails to be made, of the server's 64 connections.
+  // Most requests that may wait for thumbnails, of the server's 64 connections.
   static constexpr int kMostWaiting = 24;
 
-  // `thumbnails` outlives the object; without it (null) there are none.
+  // `thumbnails` outlives the object. If it is null there are no thumbnails.
   explicit GalleryThumbnails(Thumbnails *thumbnails) : thumbnails_(thumbnails) {}
 
-  // The thumbnail of `file`, in the size that "s" asks for. A request with "v" is told to keep the picture if
-  // that is the file's present version, and hears 503 instead of 404 if it should ask again later.
+  // Returns the thumbnail of `file` in the size that the parameter "s" requests. A request with the version
+  // "v" may cache the picture if that is the file's current version, and receives 503 instead of 404 if it
+  // should try again later.
   [[nodiscard]] HTTPResponse answer(const std::filesystem::path &file, const HTTPRequestHead &head);
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kPartSuffix = ".part";
 
-// Only what is named like a part file or a new encoding on its way is ever removed.
+// Only files named like part files or unfinished encodings are ever removed.
 bool isTemporaryName(std::string_view name) {
   const auto dot = std::min(name.find('.'), name.size());
   const std::string_view suffix = name.substr(dot);
@@ -52,8 +52,8 @@ IOResult<IncomingPart> IncomingFolder::createPart(const std::filesystem::path &s
   return part;
 }
 
-// The hold under which others of this program work, or a new one: when nobody does, the save folder changed
-// or the folder was replaced by another one. Two threads that begin at once have one each.
+// Returns the hold that other threads of this program share, or a new one if there is none, the save folder
+// changed or the folder was replaced. Two threads that begin at once get one hold each.
 IncomingHold IncomingFolder::share(const std::filesystem::path &incoming) {
   const auto identity = fileIdentity(incoming);
   {
@@ -69,8 +69,8 @@ IncomingHold IncomingFolder::share(const std::filesystem::path &incoming) {
   return fresh;
 }
 
-// Alone in the folder: what lies in it was left by a run that ended badly. Not alone: leave it all, and wait
-// out another program that is clearing it just now.
+// If this program is alone in the folder, everything in it was left by a run that crashed. Otherwise leaves
+// everything and waits for another program that is clearing the folder.
 IncomingHold IncomingFolder::acquire(const std::filesystem::path &incoming) {
   auto alone = DirectoryLock::tryLock(incoming, DirectoryLock::Mode::exclusive);
   if (!alone) {

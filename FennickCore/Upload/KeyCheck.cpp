@@ -6,10 +6,10 @@ namespace fennick {
 
 namespace {
 
-// A page has at most six connections under way and stops at its first rejection.
+// A page has at most six requests in flight and stops after its first rejection.
 constexpr Seconds kBurst{10};
 
-// Takes the same time for every key of one length, so that the answer's delay reveals nothing about the key.
+// Takes the same time for all keys of one length, so that the response time reveals nothing about the key.
 bool sameKey(std::string_view given, std::string_view key) {
   if (given.size() != key.size() || given.empty())
     return false;

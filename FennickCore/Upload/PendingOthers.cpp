@@ -1,4 +1,4 @@
-// The part of PendingPhotos that is about records which somebody else wrote, and about what phones see.
+// The part of PendingPhotos that handles records of other programs and decides what phones may see.
 
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Platform/Files/DirectoryWatch.h"
@@ -21,14 +21,14 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::int64_t kLargestRecord = 64'000; // paths and names of 4 KB each, escaped
-// Changes of a folder that follow each other faster may not show in its modification time.
+// Changes of a folder in quicker succession may not change its modification time.
 constexpr std::chrono::seconds kFolderTime{2};
-// A photo that is gone may come back from the Trash for so long.
+// How long a photo that is gone may still come back from the trash.
 constexpr std::chrono::days kGoneTime{30};
 
 Instant systemTime() { return std::chrono::system_clock::now(); }
 
-// Other programs may hold the folder, or the file system has no locks at all.
+// Returns nullopt if other programs hold the folder. Returns an empty hold if the file system has no locks.
 std::optional<IncomingHold> holdAlone(const fs::path &folder) {
   auto lock = DirectoryLock::tryLock(folder, DirectoryLock::Mode::exclusive);
   if (!lock)
@@ -61,7 +61,7 @@ std::vector<std::string> PendingPhotos::takeOver(const fs::path &incoming, const
     const Locked locked(lock_);
     if (incoming != folder_ / kIncomingFolder)
       return {};
-    lastRead_.reset(); // another program may have finished some until just now
+    lastRead_.reset(); // another program may have finished some of them just now
     readOthers();
     for (const auto &[name, entry] : waitingOthers()) {
       taken.emplace_back(entry.record.upload.receivedAt, entry.record.photo.modified, name);
@@ -82,7 +82,7 @@ PendingPhotos::Entries PendingPhotos::waitingOthers() {
   return waiting;
 }
 
-// The records of photos that were gone for long.
+// Removes the records of photos that have been gone for a long time.
 void PendingPhotos::forgetOld() {
   Entries old;
   {
@@ -102,14 +102,14 @@ void PendingPhotos::forgetOld() {
       forget(name);
 }
 
-// Records are read when the work folder has changed since, and again until a further change would show.
+// Reads the records if the work folder has changed since, and again until a further change would be visible.
 void PendingPhotos::readOthers() {
   const fs::path folder = folder_ / kIncomingFolder;
   const auto status = fileStatus(folder);
-  if (status && settled_ && lastRead_ && *lastRead_ == *status)
+  if (status && readIsFinal_ && lastRead_ && *lastRead_ == *status)
     return;
   lastRead_ = status ? std::optional(*status) : std::nullopt;
-  settled_ = status && systemTime() - status->modified > kFolderTime;
+  readIsFinal_ = status && systemTime() - status->modified > kFolderTime;
   const auto records = readFolder(folder, Links::refuse, [](std::string_view name, FileKind kind) {
     return kind == FileKind::regular && pendingIdentity(name);
   });
@@ -133,7 +133,7 @@ void PendingPhotos::readOthers() {
     indexed_ = false;
 }
 
-// One that cannot be understood keeps hiding the photo that its name describes.
+// A record that cannot be parsed keeps hiding the photo that its name identifies.
 void PendingPhotos::readRecord(const FolderEntry &file) {
   const auto known = entries_.find(file.name);
   if (known != entries_.end() && (known->second.phase != Phase::others || known->second.file == file.status))
@@ -162,7 +162,7 @@ bool PendingPhotos::isActive(const fs::path &folder) {
   return !entries_.empty() || !readable_ || folder.filename() == kOriginalsFolder;
 }
 
-// Untouched uploads have what was removed from their encodings.
+// Unprocessed uploads still contain what was removed from their encodings.
 bool PendingPhotos::hides(const fs::path &file, const FileStatus *status) {
   const Locked locked(lock_);
   if (!options_.dataToRemove().any())

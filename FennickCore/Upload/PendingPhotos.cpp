@@ -24,7 +24,7 @@ bool covers(const PrivateData &removed, const PrivateData &wanted) {
   return (removed.location || !wanted.location) && (removed.metadata || !wanted.metadata);
 }
 
-// Something else may have taken the name since the record was written.
+// Another file may have taken the name since the record was written.
 bool isPlaced(const PendingPlacing &placing, const PendingRecord &record) {
   const auto target = photoAt(placing.target);
   return target && target->looksLike(placing.encoding) &&
@@ -32,8 +32,8 @@ bool isPlaced(const PendingPlacing &placing, const PendingRecord &record) {
          (placing.target != record.upload.url || target->inode != record.photo.inode);
 }
 
-// Waits while somebody, alone in the work folder, clears it: what is written there now would go as well. The
-// lock lasts as long as the result.
+// Waits while another program clears the work folder, since a record written now would be removed as well.
+// The lock lasts as long as the result.
 IOResult<DirectoryLock> awaitClearing(const fs::path &saveFolder) {
   return DirectoryLock::lock(saveFolder / kIncomingFolder, DirectoryLock::Mode::shared);
 }
@@ -68,7 +68,7 @@ std::string PendingPhotos::Arrival::complete() {
   return entry_;
 }
 
-// The record is written, and on the disk, before the photo can be found under its name.
+// The record is synced before the photo can appear under its name.
 IOResult<void> PendingPhotos::announce(const std::string &name, const fs::path &file) {
   update(name, [&](Entry &entry) { entry.record.upload.url = file; });
   bool needed = false;
@@ -84,8 +84,8 @@ IOResult<void> PendingPhotos::announce(const std::string &name, const fs::path &
   return hides ? recorded : IOResult<void>();
 }
 
-// A file that stands under its final name after all, because its sync failed and it could not be moved back,
-// keeps its entry: the next run processes it.
+// A file that remains under its final name, because its sync failed and it could not be moved back, keeps its
+// entry: the next run processes it.
 void PendingPhotos::giveUp(const std::string &name, const fs::path &partFile) {
   const auto entry = entryOf(name);
   if (entry && !photoAt(partFile) && photoAt(entry->record.upload.url))
@@ -132,7 +132,7 @@ std::optional<PendingPhotos::Work> PendingPhotos::begin(const std::string &name)
   auto entry = update(name, [](Entry &changed) { changed.phase = Phase::working; });
   if (!entry)
     return std::nullopt;
-  if (entry->file) // taken over: leftovers are still being cleared
+  if (entry->file) // taken over while leftovers are still being cleared
     std::ignore = awaitClearing(entry->record.upload.saveFolder);
   const bool placed = entry->record.placing && isPlaced(*entry->record.placing, entry->record);
   if (!placed) {
@@ -173,7 +173,7 @@ IOResult<void> PendingPhotos::willPlace(const std::string &name, const fs::path 
 
 void PendingPhotos::didNotPlace(const std::string &name) {
   update(name, [](Entry &entry) { entry.record.placing.reset(); });
-  std::ignore = record(name); // if this fails, the next run sees that the target is not the encoding
+  std::ignore = record(name); // if this fails, the next run finds that the target is not the encoding
 }
 
 bool PendingPhotos::finish(const std::string &name, const fs::path &file, PrivateData remaining,
@@ -224,8 +224,8 @@ bool PendingPhotos::isRecorded(const std::string &name) {
   return entry && entry->recorded;
 }
 
-// Photos of which nothing is known to have changed cost one look at each. While the save folder's drive is
-// unplugged nothing is gone.
+// Reads the status of each photo once if nothing is known to have changed. While the save folder's drive is
+// unplugged no photo counts as gone.
 void PendingPhotos::follow() {
   recordUnrecorded();
   Entries entries;
@@ -240,9 +240,9 @@ void PendingPhotos::follow() {
     const auto &[name, entry] = each;
     const bool isOurs = entry.phase == Phase::waiting || entry.phase == Phase::postponed;
     if (!isOurs && !entry.record.kept)
-      return true; // it may be changing just now
+      return true; // it may be changing at this moment
     const auto photo = photoAt(entry.record.upload.url);
-    if (entry.missing) // until it is back; another photo may have its name meanwhile
+    if (entry.missing) // until it returns; another photo may have its name meanwhile
       return !photo || !photo->looksLike(entry.record.photo);
     return photo == entry.record.photo;
   });
@@ -250,7 +250,7 @@ void PendingPhotos::follow() {
   forgetOld();
 }
 
-// Looks for photos that are not what they were under their paths.
+// Searches for photos that are not what they were under their paths.
 void PendingPhotos::locate(const Entries &lost) {
   std::map<fs::path, std::vector<Entries::const_iterator>> byFolder;
   for (auto entry = lost.begin(); entry != lost.end(); ++entry)
@@ -265,8 +265,8 @@ void PendingPhotos::locate(const Entries &lost) {
   }
 }
 
-// A photo that was renamed is found by its identity. What else stands under its path is the photo after
-// somebody changed it, unless the photo was gone before.
+// A photo that was renamed is found by its identity. Any other file under its path is the photo after an
+// edit, unless the photo was gone before.
 void PendingPhotos::relocate(const std::string &name, const Entry &before,
                              const std::optional<fs::path> &found) {
   const auto present = found ? photoAt(*found) : photoAt(before.record.upload.url);
@@ -274,7 +274,7 @@ void PendingPhotos::relocate(const std::string &name, const Entry &before,
   bool moved = false;
   const auto entry = update(name, [&](Entry &changed) {
     if (changed.record != before.record)
-      return; // its processing went on
+      return; // its processing continued
     changed.missing = !isPhoto;
     if (!isPhoto)
       return;
@@ -301,7 +301,7 @@ std::optional<PendingPhotos::Entry> PendingPhotos::update(const std::string &nam
   return found->second;
 }
 
-// Writes the entry's record, in one step and to the disk.
+// Writes the entry's record atomically and syncs it.
 IOResult<void> PendingPhotos::record(const std::string &name) {
   const auto entry = entryOf(name);
   if (!entry)
@@ -332,7 +332,7 @@ void PendingPhotos::forget(const std::string &name) {
   const auto entry = entryOf(name);
   if (!entry)
     return;
-  // First, so that nobody takes what is over for the record of another program.
+  // Comes first, so that a finished record is not taken for one of another program.
   const auto file = entry->record.upload.saveFolder / kIncomingFolder / name;
   if (const auto removed = entry->recorded ? files_.remove(file) : IOResult<void>(); !removed)
     log(fmt::format("cannot remove {}: {}", file.string(), removed.error().message()));

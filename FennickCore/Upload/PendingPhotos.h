@@ -20,26 +20,27 @@
 
 namespace fennick {
 
-// Keeps account of received photos from just before they appear under their names until their processing is
-// over, and of those that keep private data which should have been removed. What the current options may
-// change is also recorded in the save folder's work folder, so that a later run, or another program that
+// Tracks received photos from just before they appear under their names until their processing is over, and
+// photos that still contain private data which should have been removed. What the current options may change
+// is also recorded in the work folder inside the save folder, so that a later run, or another program that
 // serves the folder, knows of it. With default options nothing is recorded for JPEG, PNG, HEIC and videos.
 //
 // As a gallery filter it hides, while location or all metadata is to be removed, received photos from which
-// that was not yet removed or could not be; all photos while the records cannot be listed. With other options
-// it hides nothing and looks at no file.
+// that was not yet removed or could not be; it hides all photos while the records cannot be listed. With
+// other options it hides nothing and reads no file.
 //
-// Any thread; guarded by its own lock. An entry is named by its record's file name.
+// Any thread; guarded by its own lock. The name of an entry is its record's file name.
 class PendingPhotos final : public GalleryFilter {
 public:
   // An upload whose body is on the disk.
   struct Arriving {
-    UploadRecord upload; // without its path
+    UploadRecord upload; // its path is not set yet
     std::filesystem::path partFile;
-    IncomingHold hold; // on the work folder; kept until the processing is over
+    IncomingHold hold; // on the work folder; kept until the processing ends
   };
 
-  // An upload on its way to its final name. Unless completed, its entry ends with it.
+  // An upload that is being moved to its final name. Unless `complete` is called, its entry ends with the
+  // object.
   class Arrival {
   public:
     Arrival(PendingPhotos &pending, Arriving arriving);
@@ -47,10 +48,10 @@ public:
     Arrival(const Arrival &) = delete;
     Arrival &operator=(const Arrival &) = delete;
 
-    // The file is about to appear as `file`. Fails if private data has to be removed and that cannot be
-    // recorded: the file must not appear then.
+    // Announces that the file is about to appear as `file`. Fails if private data has to be removed and that
+    // cannot be recorded: the file must not appear then.
     IOResult<void> willAppear(const std::filesystem::path &file);
-    // The file has appeared. Returns the entry's name.
+    // Records that the file has appeared. Returns the entry's name.
     std::string complete();
 
   private:
@@ -64,7 +65,7 @@ public:
   struct Work {
     UploadRecord upload; // with the path at which the photo is now
     ImagingOptions options;
-    // An earlier run was ended after it had moved this encoding into place.
+    // Set if an earlier run crashed after it had moved this encoding into place.
     std::optional<PendingPlacing> placed{};
   };
 
@@ -72,35 +73,35 @@ public:
 
   // The save folder whose records are read.
   void setFolder(const std::filesystem::path &saveFolder);
-  // From now on photos are processed with these options. Returns whether they are others than before: then
-  // `follow` records the waiting photos that they may change and the former ones did not. Looks at no file.
+  // Sets the options for photos from now on. Returns whether they changed: then `follow` records the waiting
+  // photos that only the new options may change. Reads no file.
   bool setOptions(const ImagingOptions &options);
 
   // Takes over the photos that an earlier run left, in the order of their arrival; none while anybody works
-  // in the folder. On a drive that other computers may use, whose work cannot be seen, only the first time
-  // finds any. Each of them is to be processed by the caller.
+  // in the folder. On a drive shared with other computers, only the first call finds any. The caller
+  // processes each of them.
   [[nodiscard]] std::vector<std::string> takeOver();
-  // The same for who knows that nobody works in `incoming`, as IncomingFolder::TakeOver does.
+  // The same for a caller that knows that nobody works in `incoming`, as IncomingFolder::TakeOver does.
   [[nodiscard]] std::vector<std::string> takeOver(const std::filesystem::path &incoming,
                                                   const IncomingHold &hold);
 
-  // The processing of an entry begins, or is begun again. Returns nullopt if there is no such entry.
+  // Begins the processing of an entry, or begins it again. Returns nullopt if there is no such entry.
   [[nodiscard]] std::optional<Work> begin(const std::string &entry);
-  // Records that an encoding of the photo, which may have `remaining`, is about to be moved.
+  // Records that an encoding of the photo, which may still contain `remaining`, is about to be moved.
   [[nodiscard]] IOResult<void> willPlace(const std::string &entry, const std::filesystem::path &output,
                                          const std::filesystem::path &target, PrivateData remaining);
   void didNotPlace(const std::string &entry);
-  // The photo is `file` now and may have `remaining` although `removed` was to be removed. False if options
-  // have changed so that it has to be processed again.
+  // Records that the photo is now `file` and may contain `remaining` although `removed` was to be removed.
+  // Returns false if the options have changed so that it has to be processed again.
   [[nodiscard]] bool finish(const std::string &entry, const std::filesystem::path &file,
                             PrivateData remaining, PrivateData removed);
-  // The photo could not be processed now: a later run does it.
+  // Leaves a photo that cannot be processed now to a later run.
   void postpone(const std::string &entry);
-  // Whether a later run would process it.
+  // Returns whether a later run would process the photo.
   [[nodiscard]] bool isRecorded(const std::string &entry);
 
-  // Records the waiting photos that need a record by now, and finds the recorded ones again after changes in
-  // the folder. Looks at the file system and waits for the disk.
+  // Records the waiting photos that need a record now, and finds the recorded ones again after changes in the
+  // folder. Reads the file system and waits for the disk.
   void follow();
 
   bool isActive(const std::filesystem::path &folder) override;
@@ -108,25 +109,25 @@ public:
 
 private:
   enum class Phase : std::uint8_t {
-    arriving, // the file may not be there yet
+    arriving, // the file may not exist yet
     waiting,  // for this program
     working,
-    postponed, // until a later run
+    postponed, // left to a later run
     others,    // this program has nothing to do with it: only its record says what it is
   };
   struct Entry {
     PendingRecord record;
     Phase phase = Phase::others;
     bool recorded = false;
-    bool missing = false; // the photo was not found anywhere; it may come back under any name
+    bool missing = false; // the photo was not found; it may come back under any name
     IncomingHold hold{};
-    std::optional<FileStatus> file{}; // of the record, when it was read
+    std::optional<FileStatus> file{}; // status of the record when it was read
   };
   using Entries = std::map<std::string, Entry>;
-  // Size and modification time. Not the inode, which FAT drives number anew at any time.
+  // Size and modification time. Not the inode, since FAT drives may renumber files at any time.
   using Key = std::pair<std::int64_t, Instant>;
 
-  // Both return the entry as it is then, or nullopt if there is none.
+  // Both return a copy of the entry, or nullopt if there is none.
   [[nodiscard]] std::optional<Entry> entryOf(const std::string &name);
   template <typename Change>
   std::optional<Entry> update(const std::string &name, Change change);
@@ -141,7 +142,7 @@ private:
   void recordUnrecorded();
   [[nodiscard]] bool isToBeRecorded(const Entry &entry) const REQUIRES(lock_);
 
-  // About records that somebody else wrote.
+  // Records of other programs.
   void readOthers() REQUIRES(lock_);
   void readRecord(const FolderEntry &file) REQUIRES(lock_);
   void forgetOld();
@@ -155,12 +156,13 @@ private:
   std::filesystem::path folder_ GUARDED_BY(lock_);
   ImagingOptions options_ GUARDED_BY(lock_);
   Entries entries_ GUARDED_BY(lock_);
-  // The state of the work folder when its records were last read, and whether a later change must show in it.
+  // The status of the work folder when its records were read last, and whether a later change must be visible
+  // in it.
   std::optional<FileStatus> lastRead_ GUARDED_BY(lock_);
-  bool settled_ GUARDED_BY(lock_) = false;
-  bool readable_ GUARDED_BY(lock_) = true; // otherwise any photo may be one that must not be shown
-  std::set<std::filesystem::path> seen_ GUARDED_BY(lock_); // folders that were taken over once
-  // Of the entries that are hidden.
+  bool readIsFinal_ GUARDED_BY(lock_) = false;
+  bool readable_ GUARDED_BY(lock_) = true;                 // if not, any photo may be one that must be hidden
+  std::set<std::filesystem::path> seen_ GUARDED_BY(lock_); // folders taken over once
+  // The hidden entries by size and time.
   bool indexed_ GUARDED_BY(lock_) = false;
   std::unordered_set<std::string> hiddenPaths_ GUARDED_BY(lock_);
   std::set<Key> hiddenPhotos_ GUARDED_BY(lock_);

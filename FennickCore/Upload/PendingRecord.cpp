@@ -39,7 +39,7 @@ PrivateData dataOf(const Json &json) {
   return {.location = json.at("location").get<bool>(), .metadata = json.at("metadata").get<bool>()};
 }
 
-// Paths that leave the save folder are nobody's record.
+// Thrown for paths that leave the save folder.
 struct OutsideFolder {};
 
 fs::path pathOf(const Json &json, const fs::path &saveFolder) {

@@ -7,17 +7,17 @@
 
 namespace fennick {
 
-// The folder of resources that comes with the core: looked for in the program's shared-data folder, then
-// beside the program. Ends the program with a message when it is in neither: a packaging fault. Any thread.
+// Returns the core's resource folder: in the program's shared-data folder, or else beside the program. Ends
+// the program with a message if it is in neither, which is an error of the installation. Any thread.
 [[nodiscard]] const std::filesystem::path &resourceBundle();
 
-// The page that a phone opens after scanning the code. The template is read on first use and kept; a template
-// that cannot be read is replaced by a fallback page for good. Any thread.
+// The page that a phone opens after scanning the code. The template is read on first use and kept. If it
+// cannot be read, a fallback page replaces it for the rest of the run. Any thread.
 class PhonePage {
 public:
   explicit PhonePage(std::filesystem::path bundle) : bundle_(std::move(bundle)) {}
 
-  // The template with every "__MAX_BYTES__" and then every "__NONCE__" replaced.
+  // Replaces every "__MAX_BYTES__" and then every "__NONCE__" in the template.
   [[nodiscard]] std::string render(std::int64_t maxBytes, const std::string &nonce) const;
   [[nodiscard]] const std::string &html() const;
 
@@ -27,7 +27,7 @@ private:
   mutable std::string template_;
 };
 
-// A fresh nonce: 16 bytes of the secure random source in Base64.
+// Returns a new nonce: 16 bytes of the secure random source in Base64.
 [[nodiscard]] std::string newNonce();
 
 } // namespace fennick

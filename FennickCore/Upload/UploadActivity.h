@@ -7,22 +7,22 @@
 
 namespace fennick {
 
-// How much of the uploads under way has arrived, for whoever shows progress. Any thread.
+// Counts the bytes of the uploads in progress. Any thread.
 class UploadActivity {
 public:
   struct Snapshot {
     std::int64_t uploads = 0;       // under way
-    std::int64_t receivedBytes = 0; // of those, so far
-    std::int64_t expectedBytes = 0; // of those, in all
+    std::int64_t receivedBytes = 0; // received so far
+    std::int64_t expectedBytes = 0; // declared in total
     std::int64_t totalBytes = 0;    // received since the start, finished and broken-off uploads included
   };
 
-  // `onBusy` is called, on the upload's thread, when the first upload begins after none was under way.
+  // `onBusy` is called on the upload's thread when an upload begins while no other is in progress.
   explicit UploadActivity(std::function<void()> onBusy = {}) : onBusy_(std::move(onBusy)) {}
 
   [[nodiscard]] Snapshot snapshot() const;
 
-  // One upload, from its admission to its end. One thread at a time.
+  // One upload from its admission to its end. One thread at a time.
   class Upload {
   public:
     Upload(UploadActivity &activity, std::int64_t expectedBytes);

@@ -16,7 +16,7 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr std::size_t kIDLength = 32;
-constexpr std::size_t kMostLines = 4 * UploadOutcomes::kMost; // then the file is written anew
+constexpr std::size_t kMostLines = 4 * UploadOutcomes::kMost; // the file is rewritten beyond that
 
 // One line of the file: an upload that is saved under `name`, or is about to appear as `photo` at `file`.
 struct Line {
@@ -41,7 +41,7 @@ std::string lineOf(const std::string &id, const std::filesystem::path &file, con
                  {"modified", photo.modified.time_since_epoch().count()}});
 }
 
-// Returns nullopt for a line that a killed program left incomplete.
+// Returns nullopt for an incomplete line, which a killed program leaves.
 std::optional<Line> parsed(std::string_view text) {
   try {
     const auto value = ordered_json::parse(text);

@@ -17,12 +17,12 @@
 
 namespace fennick {
 
-// Whether `text` is an upload's identity: 128 random bits as 32 lower-case hexadecimal digits.
+// Returns whether `text` is the identity of an upload: 128 random bits as 32 lower-case hexadecimal digits.
 [[nodiscard]] bool isUploadID(std::string_view text);
 
-// Remembers what became of the uploads that carry an identity, so that a phone whose connection broke can ask
-// instead of guessing, and never sends a photo twice that the computer has. Saved uploads are also recorded
-// in a file and known to the next run. Any thread; guarded by its own lock.
+// Remembers the outcome of uploads with an identity, so that a phone whose connection broke can ask for it
+// and never sends a photo again that the computer has. Saved uploads are also recorded in a file for the next
+// run. Any thread; guarded by its own lock.
 class UploadOutcomes {
 public:
   struct Receiving {
@@ -30,7 +30,7 @@ public:
     bool operator==(const Receiving &) const = default;
   };
   struct Saved {
-    std::string name; // the file's name, as it was answered
+    std::string name; // the file name in the response
     bool operator==(const Saved &) const = default;
   };
   struct Rejected {
@@ -38,18 +38,18 @@ public:
     std::string text;
     bool operator==(const Rejected &) const = default;
   };
-  // monostate: never heard of, forgotten, or broken off without an answer. The phone may send it.
+  // monostate: unknown, forgotten, or interrupted without a response. The phone may send it.
   using Outcome = std::variant<std::monostate, Receiving, Saved, Rejected>;
 
-  // Most finished uploads that are remembered; uploads under way come on top. Some 200 bytes each.
+  // Most finished uploads that are remembered, besides those in progress. About 200 bytes each.
   static constexpr std::size_t kMost = 512;
 
-  // Reads the uploads that earlier runs recorded in `file` and records there. An empty path: nothing outlasts
-  // the object. A file that cannot be read or written is logged and costs no upload.
+  // Reads the uploads that earlier runs recorded in `file` and records new ones there. With an empty path
+  // nothing is recorded. An unreadable or unwritable file is logged and fails no upload.
   explicit UploadOutcomes(std::filesystem::path file = {});
 
-  // One attempt to upload. It ends with the answer to the phone; destroyed without one, the attempt was
-  // broken off and leaves no outcome. An empty attempt records nothing. One thread at a time.
+  // One attempt to upload. It ends with the response to the phone; an attempt that is destroyed without one
+  // was interrupted and leaves no outcome. An empty attempt records nothing. One thread at a time.
   class Attempt {
   public:
     Attempt() = default;
@@ -57,12 +57,12 @@ public:
     Attempt &operator=(Attempt &&other) noexcept;
     ~Attempt();
 
-    // `bytes` more of the body have arrived.
+    // Adds `bytes` received bytes of the body.
     void received(std::int64_t bytes);
-    // The photo, complete in `partFile`, is about to be moved to `file`. If the program is killed before the
-    // answer, the next run looks whether it was.
+    // Records that the photo, complete in `partFile`, is about to be moved to `file`. If the program is
+    // killed before the response, the next run checks whether it was moved.
     void willAppear(const std::filesystem::path &partFile, const std::filesystem::path &file);
-    // The answer that the phone will be sent. For a 200 the photo has its final name, which is the body.
+    // Records the response to the phone. For a 200 the photo has its final name, which is the body.
     void answered(const HTTPResponse &response);
 
   private:
@@ -74,8 +74,8 @@ public:
     std::string id_;
   };
 
-  // Begins an attempt; the object outlives it. Returns the present outcome instead if the upload is saved or
-  // being received already.
+  // Begins an attempt, which the object outlives. Returns the current outcome instead if the upload is saved
+  // or in progress.
   [[nodiscard]] std::expected<Attempt, Outcome> begin(const std::string &id);
   [[nodiscard]] Outcome at(const std::string &id) const;
 
@@ -94,7 +94,7 @@ private:
   // The lines of uploads that are being moved to their final names.
   std::unordered_map<std::string, std::string> appearing_ GUARDED_BY(lock_);
   std::optional<AppendedFile> record_ GUARDED_BY(lock_);
-  std::size_t lines_ GUARDED_BY(lock_) = 0; // in the file
+  std::size_t lines_ GUARDED_BY(lock_) = 0; // lines in the file
 };
 
 } // namespace fennick

@@ -16,14 +16,14 @@ enum class UploadSource { phone, thisComputer };
 struct UploadRecord {
   std::filesystem::path url{}; // the saved file under its final name
   std::filesystem::path
-      saveFolder{}; // the one that it came into; its incoming folder is held during the call
+      saveFolder{}; // the save folder of the file; its incoming folder is held during the call
   std::int64_t bytes = 0;
   std::string remoteAddress{};
-  std::optional<std::string> mediaType{}; // as the request named it
+  std::optional<std::string> mediaType{}; // as declared in the request
   std::optional<std::string> filename{};  // what the sender calls the file
   Instant receivedAt{};                   // when the upload was admitted
   UploadSource source = UploadSource::phone;
-  std::string pending{}; // its entry in PendingPhotos; empty: it has none
+  std::string pending{}; // its entry in PendingPhotos; empty if it has none
 
   bool operator==(const UploadRecord &) const = default;
 };

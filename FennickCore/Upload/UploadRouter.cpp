@@ -18,7 +18,7 @@ namespace fennick {
 
 namespace {
 
-// 120 photos a minute is more than a phone picks by hand and far less than what would fill a disk unnoticed.
+// 120 photos a minute are more than a user selects by hand and far fewer than would fill a disk unnoticed.
 constexpr std::int64_t kMostUploads = 120;
 constexpr Seconds kUploadWindow{60};
 
@@ -43,7 +43,7 @@ nlohmann::ordered_json listed(const GalleryEntry &entry) {
   return {{"name", entry.name}, {"bytes", entry.bytes}, {"time", entry.time}};
 }
 
-// Clients that ask for versions get an object instead of the plain list.
+// Clients that request versions receive an object instead of the plain list.
 HTTPResponse listAnswer(const std::filesystem::path &folder, GalleryFilter *filter,
                         const HTTPRequestHead &head) {
   const auto listing = galleryListing(folder, filter);
@@ -158,7 +158,7 @@ HTTPRouteDecision UploadRouter::upload(const HTTPRequestHead &head, const std::s
   return admit(head, remote, std::move(*attempt));
 }
 
-// Answers an upload that is repeated although it is saved or being received.
+// Answers a repeated upload that is saved or in progress.
 HTTPRouteDecision UploadRouter::answerAgain(const UploadOutcomes::Outcome &outcome) {
   if (const auto *saved = std::get_if<UploadOutcomes::Saved>(&outcome))
     return respond(200, saved->name);
@@ -175,7 +175,7 @@ HTTPRouteDecision UploadRouter::admit(const HTTPRequestHead &head, const std::st
   return std::move(*refused);
 }
 
-// The checks stand in the order in which a user would want to hear of them; the first failure answers.
+// The checks are in the order of their importance for the user; the first failure determines the response.
 std::optional<HTTPRouteDecision> UploadRouter::refusal(const HTTPRequestHead &head,
                                                        const std::string &remote) {
   const UploadPolicy policy = providers_.policy();
@@ -226,7 +226,7 @@ HTTPRouteDecision UploadRouter::receive(const HTTPRequestHead &head, const std::
                                                           providers_.onUpload, providers_.pending)};
 }
 
-// Returns nullopt if the number cannot be read; no upload is refused then.
+// Returns nullopt if the number cannot be read; no upload is rejected then.
 std::optional<std::int64_t> UploadRouter::availableBytes() {
   const auto available = files_.availableBytes(providers_.destination().folder);
   return available ? std::optional(*available) : std::nullopt;

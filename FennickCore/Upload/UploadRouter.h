@@ -23,16 +23,15 @@
 
 namespace fennick {
 
-// The phone protocol: the page, a health probe, the status query, the upload entry and the gallery. Every
-// setting comes from a provider that is asked anew for each request, so that a change takes effect on the
-// next one.
+// The phone protocol: page, health check, status query, upload and gallery. Every setting comes from a
+// provider that is called for each request, so that a change takes effect on the next one.
 //
-// Shared by all connections; `route` is called on their threads at once, and so are the providers.
+// Shared by all connections; `route` and the providers are called on their threads at the same time.
 class UploadRouter final : public HTTPRequestHandler {
 public:
-  // Which uploads the folder still takes.
+  // Which uploads the folder still accepts.
   struct UploadPolicy {
-    std::optional<std::int64_t> folderLimit; // most photos and videos in the target folder; none: no limit
+    std::optional<std::int64_t> folderLimit; // most photos and videos in the target folder; nullopt: no limit
     bool autoPrune = true;                   // a full folder is pruned after saving instead of refused
     bool operator==(const UploadPolicy &) const = default;
   };
@@ -42,18 +41,18 @@ public:
     std::function<SaveDestination()> destination;
     std::function<std::int64_t()> maxBytes;             // most bytes of one upload
     std::function<void(const UploadRecord &)> onUpload; // once per saved upload, on its connection's thread
-    // The folder whose photos phones may see; nothing while the gallery is off.
+    // The folder whose photos phones may see, or nullopt while the gallery is off.
     std::function<std::optional<std::filesystem::path>()> gallery = [] { return std::nullopt; };
     std::function<UploadPolicy()> policy;
-    std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is there
-    PendingPhotos *pending = nullptr; // outlives the object; null: nothing follows an upload
+    std::function<bool()> canSave = [] { return true; }; // whether the save folder's drive is mounted
+    PendingPhotos *pending = nullptr; // outlives the object; null: photos are not tracked after the upload
     UploadOutcomes *outcomes;         // outlives the object
     // Whether a key was the access key earlier in this run.
     std::function<bool(std::string_view)> wasValidKey = [](std::string_view) { return false; };
   };
 
-  // `files`, `incoming`, `clock`, `activity` and `thumbnails` outlive the router. Without `thumbnails` (null)
-  // the gallery has none.
+  // `files`, `incoming`, `clock`, `activity` and `thumbnails` outlive the router. If `thumbnails` is null the
+  // gallery has none.
   UploadRouter(Providers providers, std::filesystem::path bundle, FileSystem &files, IncomingFolder &incoming,
                const Clock &clock, UploadActivity &activity, Thumbnails *thumbnails = nullptr);
 

@@ -15,7 +15,7 @@ UploadSink::UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSyst
     : upload_(std::move(upload)), allocator_(allocator), files_(files), activity_(activity, upload_.expected),
       onUpload_(onUpload), pending_(pending) {}
 
-// A connection that dies with an exception still leaves no part file behind.
+// Removes the part file also if the connection ends with an exception.
 UploadSink::~UploadSink() { UploadSink::abort(); }
 
 IOResult<void> UploadSink::write(std::span<const std::byte> bytes) {
@@ -24,7 +24,8 @@ IOResult<void> UploadSink::write(std::span<const std::byte> bytes) {
   headerBytes_ += kept;
   if (auto result = upload_.part.handle->write(bytes); !result) {
     log(fmt::format("cannot write {}: {}", upload_.part.file.string(), result.error().message()));
-    upload_.attempt.answered(HTTPResponse::text(500, "write failed")); // which the connection answers
+    upload_.attempt.answered(
+        HTTPResponse::text(500, "write failed")); // the response that the connection sends
     return result;
   }
   written_ += std::ssize(bytes);
@@ -49,8 +50,8 @@ HTTPResponse UploadSink::complete() {
   if (!extension)
     return refuse(415, "不支持的文件类型，只接收照片和视频 / Unsupported file type; photos and videos only");
 
-  if (auto settled = settle(); !settled) {
-    log(fmt::format("cannot save {}: {}", upload_.part.file.string(), settled.error().message()));
+  if (auto synced = syncContent(); !synced) {
+    log(fmt::format("cannot save {}: {}", upload_.part.file.string(), synced.error().message()));
     return refuse(500, "保存失败 / save failed");
   }
   if (const auto placed = place(*extension); !placed) {
@@ -89,7 +90,7 @@ IOResult<void> UploadSink::place(const std::string &extension) {
   return {};
 }
 
-// The photo is safe by now: whoever hears of it cannot take the phone's answer away.
+// The photo is safe at this point: nothing that observers do changes the response to the phone.
 void UploadSink::announce() {
   try {
     onUpload_(record_);
@@ -98,9 +99,9 @@ void UploadSink::announce() {
   }
 }
 
-// Brings the content to the disk; the move into place comes after, so that the final name never stands for a
-// file that a power cut could empty.
-IOResult<void> UploadSink::settle() {
+// Syncs the content before the file is moved into place, so that the final name never refers to a file that a
+// power cut could empty.
+IOResult<void> UploadSink::syncContent() {
   auto synced = upload_.part.handle->sync();
   auto closed = upload_.part.handle->close();
   upload_.part.handle.reset();

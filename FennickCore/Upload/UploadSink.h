@@ -22,28 +22,28 @@
 
 namespace fennick {
 
-// What is known of an upload when it is admitted.
+// What is known about an upload when it is admitted.
 struct AdmittedUpload {
   IncomingPart part;
-  SaveDestination destination; // as it stood at admission
+  SaveDestination destination; // as of the admission
   std::int64_t expected = 0;   // declared length of the body
   std::optional<std::string> mediaType;
-  std::optional<std::string> filename; // what the sender calls the file
+  std::optional<std::string> filename; // the file name that the sender gives
   std::string remote;                  // its address; empty for this computer
   Instant startedAt;
   UploadSource source = UploadSource::phone;
-  UploadOutcomes::Attempt attempt{}; // learns the outcome
+  UploadOutcomes::Attempt attempt{}; // receives the outcome
 };
 
-// Receives the body of one upload into its part file and turns it into a saved photo or video. The body is
-// never held in memory: only the first bytes are kept, to tell the type. Whatever fails, the part file is
-// deleted and the phone is told; "200" is answered only once the file is on the disk under its final name.
+// Receives the body of one upload into its part file and turns it into a saved photo or video. Only the first
+// bytes are kept in memory, to determine the type. On every failure the part file is deleted and the phone
+// receives an error; "200" is sent only after the file is on the disk under its final name.
 //
 // Belongs to one connection and is called on its thread. Allocator, file system, activity, `onUpload` and
 // `pending` are borrowed and outlive it.
 class UploadSink final : public HTTPBodySink {
 public:
-  // `pending` is null where nothing follows an upload.
+  // `pending` is null if photos are not tracked after the upload.
   UploadSink(AdmittedUpload upload, NameAllocator &allocator, FileSystem &files, UploadActivity &activity,
              const std::function<void(const UploadRecord &)> &onUpload, PendingPhotos *pending);
   ~UploadSink() override;
@@ -55,7 +55,7 @@ public:
 private:
   [[nodiscard]] HTTPResponse complete();
   [[nodiscard]] HTTPResponse refuse(std::int64_t status, std::string_view text);
-  [[nodiscard]] IOResult<void> settle();
+  [[nodiscard]] IOResult<void> syncContent();
   [[nodiscard]] IOResult<void> place(const std::string &extension);
   void announce();
 

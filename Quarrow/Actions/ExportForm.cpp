@@ -30,7 +30,7 @@ QString reasonOf(const fennick::ImagePipeline::Failure &failure) {
   return QString::fromStdString(fennick::ImagePipeline::description(failure));
 }
 
-// "4032 像素 · 2.4 MB", or only the size of what has no pixels.
+// Returns "4032 像素 · 2.4 MB", or only the size if there are no pixels.
 QString measureText(const std::optional<std::int64_t> &longEdge, std::int64_t bytes) {
   return longEdge ? ExportForm::tr("长边 %1 像素 · %2").arg(*longEdge).arg(sizeText(bytes)) : sizeText(bytes);
 }
@@ -42,7 +42,7 @@ ExportForm::ExportForm(const Parts &parts, std::function<Paths()> selected,
     : tools_(parts.tools), desktop_(parts.desktop), mainQueue_(parts.mainQueue), jobs_(parts.jobs),
       selected_(std::move(selected)), saveFolder_(std::move(saveFolder)) {}
 
-// What is dragged or typed in one go is looked at once.
+// Waits for a pause, so that a drag or fast typing computes the example once.
 template <typename T>
 void ExportForm::edit(T &field, const T &value) {
   if (std::exchange(field, value) == value)
@@ -139,7 +139,7 @@ void ExportForm::show(const Sample &sample) {
   emit changed();
 }
 
-// On the jobs' thread.
+// Runs on the jobs' thread.
 ExportForm::Report ExportForm::exportAll(const Paths &photos, const fs::path &folder,
                                          const fennick::ImagingOptions &options, const FileTools &tools,
                                          FileJobs::Ticket &ticket) {

@@ -21,25 +21,25 @@
 
 namespace quarrow {
 
-// How photos are exported: what people choose, what becomes of the first one, and how it went. The choices
-// last as long as the program. Main thread.
+// The export dialog: the user's choices, an example with the first photo, and the result. The choices last as
+// long as the program runs. Main thread.
 class ExportForm : public QObject {
   Q_OBJECT
-  Q_PROPERTY(int longEdge READ longEdge WRITE setLongEdge NOTIFY changed) // pixels; 0: as it is
-  Q_PROPERTY(int mostKilobytes READ mostKilobytes WRITE setMostKilobytes NOTIFY changed) // 0: any size
+  Q_PROPERTY(int longEdge READ longEdge WRITE setLongEdge NOTIFY changed) // pixels; 0: unchanged
+  Q_PROPERTY(int mostKilobytes READ mostKilobytes WRITE setMostKilobytes NOTIFY changed) // 0: unlimited
   Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY changed)   // "keep", "jpeg", "heic", "png"
   Q_PROPERTY(double quality READ quality WRITE setQuality NOTIFY changed) // 0.3 to 1
   Q_PROPERTY(int metadata READ metadata WRITE setMetadata NOTIFY changed) // of Metadata
-  // Where the copies go, as people write it; the reserved folder unless another one was chosen.
+  // The target folder as text; the reserved folder unless the user chose another one.
   Q_PROPERTY(QString folder READ folderText NOTIFY changed)
   Q_PROPERTY(bool usesReservedFolder READ usesReservedFolder NOTIFY changed)
   Q_PROPERTY(int count READ count NOTIFY changed)
   Q_PROPERTY(bool canWriteHEIC READ canWriteHEIC NOTIFY changed) // true until it is known
-  // What becomes of the first photo, in two lines: what it is, and what the copy will be.
+  // An example with the first photo, in two lines: the photo, and the copy.
   Q_PROPERTY(QString example READ example NOTIFY changed)
   Q_PROPERTY(QString exampleCopy READ exampleCopy NOTIFY changed)
   Q_PROPERTY(int stage READ stage NOTIFY changed) // of Stage
-  // How it went: a sentence, what else should be known, and a line for each file that failed.
+  // The result: a sentence, further remarks, and a line for each file that failed.
   Q_PROPERTY(QString result READ result NOTIFY changed)
   Q_PROPERTY(QString remark READ remark NOTIFY changed)
   Q_PROPERTY(QStringList failures READ failures NOTIFY changed)
@@ -85,7 +85,7 @@ public:
   [[nodiscard]] QStringList failures() const { return failures_.lines(); }
   [[nodiscard]] bool hasCopies() const { return !copies_.empty(); }
 
-  // Begins with the photos that are selected now.
+  // Starts with the photos that are selected now.
   Q_INVOKABLE void begin();
   Q_INVOKABLE void chooseFolder(const QUrl &folder);
   Q_INVOKABLE void useReservedFolder();
@@ -99,7 +99,7 @@ private:
   struct Report {
     Paths copies{};
     Failures failures{};
-    int withMetadata = 0; // copied with what was to be left out
+    int withMetadata = 0; // copied with metadata that was to be removed
     int tooLarge = 0;     // as small as they get, and still larger than wanted
     bool stopped = false;
   };
@@ -143,7 +143,7 @@ private:
   QString remark_;
   Failures failures_;
   Paths copies_;
-  fennick::Lifetime edition_; // of what is chosen
+  fennick::Lifetime edition_; // of the current choices
 };
 
 } // namespace quarrow

@@ -14,21 +14,21 @@
 
 namespace quarrow {
 
-// Work on many files, off the main thread and one piece after another, with its progress for people to watch
-// and a way to stop it. Main thread, but for what is said of Ticket.
+// Runs jobs on many files one after another off the main thread, with progress for the user and a way to
+// stop. Main thread, except for Ticket.
 class FileJobs : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool running READ running NOTIFY changed)
-  // Steps of all work that is under way or waits: usually files.
+  // Steps of all running and waiting jobs: usually files.
   Q_PROPERTY(int done READ done NOTIFY changed)
   Q_PROPERTY(int total READ total NOTIFY changed)
   Q_PROPERTY(bool stopping READ stopping NOTIFY changed)
 
 public:
-  // How one piece of work tells of itself; on the thread that does it.
+  // Reports the progress of one job. For the thread that runs the job.
   class Ticket {
   public:
-    // So many steps are done. False: somebody stopped the work, and it ends here.
+    // Reports that `steps` steps are done. Returns false if the user stopped the job: it must return then.
     bool reached(int steps) {
       done_ = steps;
       if (!announced_.exchange(true))
@@ -38,7 +38,7 @@ public:
 
   private:
     friend class FileJobs;
-    int total_ = 0; // of the main thread
+    int total_ = 0; // for the main thread only
     std::atomic<int> done_ = 0;
     std::atomic<bool> stopped_ = false;
     std::atomic<bool> announced_ = false;
@@ -46,12 +46,13 @@ public:
   };
 
   explicit FileJobs(fennick::MainQueue &mainQueue) : mainQueue_(mainQueue) {} // which outlives the object
-  // Stops what is under way and waits for the step that it is in.
+  // Stops the running job and waits for its current step.
   ~FileJobs() override;
   FileJobs(const FileJobs &) = delete;
   FileJobs &operator=(const FileJobs &) = delete;
 
-  // `work` gets a Ticket and runs once all earlier work is done; `finish` gets its result on the main thread.
+  // Runs `work` with a Ticket once all earlier jobs are done, then `finish` with its result on the main
+  // thread.
   template <typename Work, typename Finish>
   void run(int steps, Work work, Finish finish) {
     const auto ticket = begin(steps);
@@ -61,7 +62,7 @@ public:
     });
   }
 
-  // Questions that take a moment go the same way, without being watched.
+  // Runs a short query in the same order, without progress.
   template <typename Ask, typename Answer>
   void ask(Ask question, Answer answered) {
     post(nullptr,
@@ -75,7 +76,7 @@ public:
   [[nodiscard]] int done() const;
   [[nodiscard]] int total() const;
   [[nodiscard]] bool stopping() const;
-  // All work that was begun so far ends after the step that it is in.
+  // Stops all jobs started so far after their current step.
   Q_INVOKABLE void stop();
 
 signals:
@@ -92,7 +93,7 @@ private:
   fennick::Lifetime lifetime_;
   Tickets tickets_;                             // of work that is not over
   int finished_ = 0;                            // steps of work that is over, since last there was none
-  std::unique_ptr<fennick::SerialQueue> queue_; // from the first work on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> queue_; // created with the first job; last: it uses the above
 };
 
 } // namespace quarrow

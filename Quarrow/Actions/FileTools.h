@@ -6,7 +6,7 @@
 
 namespace quarrow {
 
-// What changes photos on the queue of the actions. All outlive the actions.
+// What the actions use on their queue to change photos. All outlive the actions.
 struct FileTools {
   fennick::FileSystem &files;
   fennick::PictureDecoder &decoder;

@@ -17,7 +17,7 @@ namespace {
 constexpr fennick::Seconds kNoteTime{8};
 using Application = applications::InstalledApplication;
 
-constexpr std::size_t kMostUndoEntries = 50; // that are remembered
+constexpr std::size_t kMostUndoEntries = 50; // that can be undone
 
 } // namespace
 
@@ -120,8 +120,8 @@ QString PhotoActions::rename(const QString &name) {
   return {};
 }
 
-// Library and selection go along with new names. The library may have looked at the folder while a batch was
-// under way, when its photos had other names for a moment.
+// Applies new names to library and selection. A scan of the folder during a batch may have seen its photos
+// under temporary names.
 void PhotoActions::adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting) {
   auto selection = selection_.files();
   PhotoSelection::Paths added;
@@ -284,7 +284,7 @@ void PhotoActions::noteRestored(const Outcome &outcome) {
         false);
 }
 
-// A stopped undo says how much is left; failures are listed.
+// Reports how much of a stopped undo remains, and lists failures.
 void PhotoActions::sayWhatIsLeft(Outcome &&outcome) {
   const int left = countOf(outcome.left);
   const QString again = left > 0 ? tr("，可按 Ctrl+Z 重试") : QString();

@@ -27,42 +27,40 @@
 
 namespace quarrow {
 
-// What people do to the photos that are selected, in the order of the wall. Files change on a thread of its
-// own; library and selection follow at once, single failures are collected into one message, and what can be
-// taken back is remembered as long as the program runs. Main thread.
+// Actions on the selected photos in the order of the wall. Files are changed on a thread of its own; library
+// and selection follow at once, failures of single files are collected into one message, and undo entries are
+// kept while the program runs. Main thread.
 class PhotoActions : public QObject {
   Q_OBJECT
   Q_PROPERTY(int count READ count NOTIFY selectionChanged)       // selected photos and videos
-  Q_PROPERTY(int pictures READ pictures NOTIFY selectionChanged) // of them, what can be turned
-  // The programs that are made for files like the first one (all that take files when none is), the usual one
-  // first, each with `id` and `name`; see `lookForApplications`.
+  Q_PROPERTY(int pictures READ pictures NOTIFY selectionChanged) // selected photos that can be rotated
+  // The programs for files like the first one (all programs that open files if there is none), the default
+  // one first, each with `id` and `name`; see `lookForApplications`.
   Q_PROPERTY(QVariantList applications READ applications NOTIFY applicationsChanged)
   Q_PROPERTY(quarrow::FileJobs *jobs READ jobs CONSTANT)
   Q_PROPERTY(quarrow::RenameForm *renaming READ renaming CONSTANT)
   Q_PROPERTY(quarrow::ExportForm *exporting READ exporting CONSTANT)
-  // What was done last, for a few seconds; empty: nothing to say.
+  // The last action as a sentence, shown for a few seconds; empty: none.
   Q_PROPERTY(QString note READ note NOTIFY noteChanged)
   Q_PROPERTY(bool noteCanBeUndone READ noteCanBeUndone NOTIFY noteChanged)
-  // Somebody reads the note, or is about to press its button: it stays until this is false again.
+  // Set while the user reads the note or is about to press its button: it stays until this is false again.
   Q_PROPERTY(bool noteHeld READ noteHeld WRITE setNoteHeld NOTIFY noteHeldChanged)
   Q_PROPERTY(bool canUndo READ canUndo NOTIFY undoChanged)
-  // Some photos on the wall have a custom order.
+  // Whether some photos on the wall have a custom order.
   Q_PROPERTY(bool canSortByDate READ canSortByDate NOTIFY canSortByDateChanged)
-  // What went wrong last: a sentence, and a line for each file. Empty until something does, and again once it
-  // is dismissed.
+  // The last failure: a sentence, and a line for each file. Empty if there is none or it was dismissed.
   Q_PROPERTY(QString failure READ failure NOTIFY failureChanged)
   Q_PROPERTY(QStringList failureLines READ failureLines NOTIFY failureChanged)
 
 public:
   using Paths = std::vector<std::filesystem::path>;
-  static constexpr int kManyToOpen = 10; // more are opened only after a question
+  static constexpr int kManyToOpen = 10; // opening more photos needs a confirmation
 
-  // All outlive the object.
   // What the actions act on and with. All outlive the object.
   struct Parts {
     fennick::PhotoLibrary &library;
     PhotoSelection &selection;
-    const ServerModel &server; // knows the save folder
+    const ServerModel &server; // for the save folder
     PhotoCommands &commands;
     FileTools tools;
     Desktop &desktop;
@@ -85,22 +83,22 @@ public:
   [[nodiscard]] const QString &failure() const { return failure_; }
   [[nodiscard]] QStringList failureLines() const { return failures_.lines(); }
 
-  // Each in the program that people use for its kind. More than kManyToOpen only when `evenMany`; otherwise
+  // Opens each photo in the default program for its kind. More than kManyToOpen only if `evenMany`; otherwise
   // `askedToOpenMany` is emitted.
   Q_INVOKABLE void open(bool evenMany = false);
-  Q_INVOKABLE void openWith(const QString &application); // the `id` of one
+  Q_INVOKABLE void openWith(const QString &application); // the `id` of a program
   Q_INVOKABLE void lookForApplications();
   Q_INVOKABLE void showInFolder();
   Q_INVOKABLE void copy();
-  // Gives the one that is selected another name; its extension stays. Returns what stands in the way, or
-  // nothing. Waits for the disk.
+  // Renames the single selected photo and keeps its extension. Returns what is wrong with the name, or an
+  // empty text. Waits for the disk.
   Q_INVOKABLE QString rename(const QString &name);
   Q_INVOKABLE void rotate(bool clockwise);
   Q_INVOKABLE void trash();
   // Removes the custom order of the folders that the wall shows.
   Q_INVOKABLE void sortByDate();
-  // Takes back what was done last: a deletion, a rotation, new names or another order. What fails or is
-  // stopped can be undone again.
+  // Undoes the last action: a deletion, a rotation, new names or another order. What fails or is stopped can
+  // be undone again.
   Q_INVOKABLE void undo();
   Q_INVOKABLE void dismissNote();
   Q_INVOKABLE void dismissFailure();
@@ -144,7 +142,7 @@ private:
 
   Paths selected_; // in the order of the wall
   QVariantList applications_;
-  std::vector<UndoEntry> undoEntries_; // the latest last
+  std::vector<UndoEntry> undoEntries_; // the latest one last
   QString note_;
   bool noteCanBeUndone_ = false;
   bool noteHeld_ = false;

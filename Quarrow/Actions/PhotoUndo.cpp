@@ -53,7 +53,7 @@ bool isGone(const fs::path &file) {
   return !status && status.error() == std::errc::no_such_file_or_directory;
 }
 
-// What remains of a rename after an attempt to undo it that failed and left some files with the names in
+// Returns what remains of a rename after a failed attempt to undo it, which left some files with the names in
 // `moved`.
 Rename remaining(Rename rename, const std::vector<fennick::Renaming> &moved) {
   for (auto &renaming : rename.files) {
@@ -80,7 +80,7 @@ Outcome renameBack(const Rename &rename, const FileTools &tools, FileJobs::Ticke
   return outcome;
 }
 
-// Whether turning a picture again may work after it failed.
+// Returns whether rotating a picture again may succeed after it failed.
 bool mayTurnLater(const fs::path &file, const ops::OpError &error) {
   return error.kind != ops::OpError::Kind::notAnImage && !isGone(file);
 }
@@ -171,7 +171,7 @@ Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const FileToo
     return outcome;
   }
   const auto &error = done.error();
-  outcome.done = Rename{.files = error.left}; // names that some files were left with
+  outcome.done = Rename{.files = error.left}; // names that some files still have
   if (error.cause != std::errc::operation_canceled || !error.left.empty())
     outcome.problem = problemText(error);
   return outcome;

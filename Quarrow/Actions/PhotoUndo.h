@@ -12,10 +12,10 @@
 #include <variant>
 #include <vector>
 
-// Actions on photos that can be taken back.
+// Actions on photos that can be undone.
 namespace quarrow {
 
-// What was done, in so far as it worked.
+// What was done successfully.
 struct Deletion {
   std::vector<fennick::Trashed> files;
 };
@@ -26,7 +26,7 @@ struct Turn {
   std::vector<std::filesystem::path> files;
   fennick::PhotoFileOps::QuarterTurn direction = fennick::PhotoFileOps::QuarterTurn::clockwise;
 };
-// Another order of the photos, which the library takes back.
+// Another order of the photos, which the library undoes.
 struct Arrangement {
   fennick::PhotoLibrary::RearrangementRef change;
 };
@@ -34,16 +34,17 @@ using UndoEntry = std::variant<Deletion, Rename, Turn, Arrangement>;
 
 // The number of files; 1 for an arrangement.
 [[nodiscard]] int countOf(const UndoEntry &entry);
-// A entry that changed nothing needs no way back.
+// An entry that changed nothing is not kept.
 [[nodiscard]] inline bool isEmpty(const UndoEntry &entry) { return countOf(entry) == 0; }
 
-// The files of a entry that lie under other names by now, so that taking it back finds them and nobody else.
+// Updates the paths in an entry after its files were renamed, so that undoing it finds them and no other
+// files.
 void follow(UndoEntry &entry, const std::vector<fennick::Renaming> &renamings);
 
-// What came of an action, or of taking one back.
+// The result of an action or of undoing one.
 struct Outcome {
-  UndoEntry done; // what can be taken back now
-  // What failed or was stopped and may work later, as the entry whose undoing does it: `undo` keeps it.
+  UndoEntry done; // what can be undone now
+  // What failed or was stopped and may succeed later, as an entry that `undo` keeps.
   UndoEntry left = Deletion{};
   Failures failures{};
   QString problem{};                          // of all of it
@@ -51,16 +52,16 @@ struct Outcome {
   std::vector<fennick::Renaming> renamed{};   // that could not have their old name back
 };
 
-// Each does its work on the thread that it is called on, file by file; what was stopped has done a part.
+// Each function works file by file on the calling thread; if it is stopped, the files so far are done.
 [[nodiscard]] Outcome moveToTrash(const std::vector<std::filesystem::path> &files, const FileTools &tools,
                                   FileJobs::Ticket &ticket);
 [[nodiscard]] Outcome turn(const std::vector<std::filesystem::path> &files,
                            fennick::PhotoFileOps::QuarterTurn direction, const FileTools &tools,
                            FileJobs::Ticket &ticket);
-// All files get their new names, or all keep the old ones.
+// Gives all files their new names or none.
 [[nodiscard]] Outcome renameAll(const std::vector<fennick::Renaming> &renamings, const FileTools &tools,
                                 FileJobs::Ticket &ticket);
-// Undoes everything but an arrangement. Files that are gone are reported and not left for later.
+// Undoes everything except an arrangement. Files that are gone are reported and not kept for later.
 [[nodiscard]] Outcome takeBack(const UndoEntry &entry, const FileTools &tools, FileJobs::Ticket &ticket);
 
 } // namespace quarrow

@@ -56,7 +56,7 @@ void RenameForm::begin() {
   emit changed();
 }
 
-// What is typed in one go is looked at once.
+// Waits for a pause, so that fast typing computes the preview once.
 void RenameForm::edited() {
   ready_ = false;
   pending_ = true;
@@ -97,7 +97,7 @@ void RenameForm::apply() {
 void RenameForm::end(bool renamed, const QString &problem) {
   busy_ = false;
   problem_ = problem;
-  ready_ = !renamed && problem.isEmpty(); // it was stopped, and can be tried again
+  ready_ = !renamed && problem.isEmpty(); // it was stopped and can be started again
   emit changed();
   emit finished(renamed);
 }

@@ -14,8 +14,7 @@
 
 namespace quarrow {
 
-// What a batch of photos is to be called: what people enter, the names that come of it, and what stands in
-// the way. Main thread.
+// The batch rename dialog: the user's input, the resulting names, and any problem with them. Main thread.
 class RenameForm : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString prefix READ prefix WRITE setPrefix NOTIFY changed)
@@ -23,9 +22,9 @@ class RenameForm : public QObject {
   Q_PROPERTY(int start READ start WRITE setStart NOTIFY changed)
   Q_PROPERTY(int count READ count NOTIFY changed)
   Q_PROPERTY(quarrow::RenamePreview *preview READ preview CONSTANT)
-  // What is wrong with what was entered, or why the photos could not be renamed; empty: nothing.
+  // What is wrong with the input, or why the photos could not be renamed; empty if nothing is.
   Q_PROPERTY(QString problem READ problem NOTIFY changed)
-  // The preview is that of what is entered, and there is something to do.
+  // Whether the preview is up to date and there is something to rename.
   Q_PROPERTY(bool ready READ ready NOTIFY changed)
   Q_PROPERTY(bool busy READ busy NOTIFY changed) // photos are being renamed
 
@@ -35,8 +34,8 @@ public:
   static constexpr int kMostDigits = 9;
   static constexpr int kHighestStart = 999'999'999;
 
-  // The references outlive the form. `selected` gives the photos in their order; `rename` renames them
-  // and tells its last argument whether it did, and what stood in the way if it was not just stopped.
+  // The references outlive the form. `selected` returns the photos in their order; `rename` renames them and
+  // calls its last argument with whether it did, and with the problem unless the user stopped it.
   using Apply = std::function<void(const Paths &, const fennick::PhotoFileOps::Numbering &,
                                    std::function<void(bool, const QString &)>)>;
   RenameForm(fennick::FileSystem &files, fennick::MainQueue &mainQueue, FileJobs &jobs,
@@ -54,15 +53,14 @@ public:
   [[nodiscard]] bool ready() const { return ready_; }
   [[nodiscard]] bool busy() const { return busy_; }
 
-  // Begins with the photos that are selected now.
+  // Starts with the photos that are selected now.
   Q_INVOKABLE void begin();
-  // Renames them, once what is entered has been looked at; `finished` follows unless there is a problem with
-  // it.
+  // Renames them after the preview is up to date; `finished` follows unless there is a problem.
   Q_INVOKABLE void apply();
 
 signals:
   void changed();
-  // Either every file was renamed, or none: then `problem` says why, and is empty if the user stopped it.
+  // Every file was renamed, or none: then `problem` says why, and is empty if the user stopped it.
   void finished(bool renamed);
 
 private:
@@ -86,9 +84,9 @@ private:
   QString problem_;
   bool ready_ = false;
   bool busy_ = false;
-  bool pending_ = false; // what is entered was not looked at yet
+  bool pending_ = false; // the preview is not up to date
   bool appliesWhenReady_ = false;
-  fennick::Lifetime edition_; // of what is entered
+  fennick::Lifetime edition_; // of the current input
 };
 
 } // namespace quarrow

@@ -17,7 +17,7 @@ void RenamePreview::set(std::vector<fennick::Renaming> renamings) {
   if (!sameLength)
     endResetModel();
   else
-    emit dataChanged(index(0), index(rowCount() - 1)); // the list stays where it is while somebody types
+    emit dataChanged(index(0), index(rowCount() - 1)); // keeps the scroll position while the user types
 }
 
 int RenamePreview::rowCount(const QModelIndex &parent) const {

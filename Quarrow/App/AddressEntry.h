@@ -5,7 +5,7 @@
 
 namespace quarrow {
 
-// A usable address as QML sees it.
+// A usable address for QML.
 class AddressEntry {
   Q_GADGET
   Q_PROPERTY(QString interface MEMBER interface CONSTANT)

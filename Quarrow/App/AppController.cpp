@@ -47,14 +47,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr Seconds kPanelDelay{0.5}; // until the tray has found its place for the icon
+constexpr Seconds kPanelDelay{0.5}; // until the tray has placed the icon
 constexpr Seconds kRecountDelay{1};
-constexpr Seconds kLogoutPatience{5}; // what desktops grant programs at the end of a session, at the least
+constexpr Seconds kLogoutPatience{5}; // desktops grant programs at least this time at the end of a session
 constexpr std::string_view kOnboardingDone = "onboardingDone";
 
 } // namespace
 
-// Everything that the controller owns, and what follows from each change.
+// Everything that the controller owns, and the consequences of each change.
 class AppController::Parts {
 public:
   Parts(AppController &owner, Options options, const Services &services);
@@ -91,7 +91,7 @@ public:
   [[nodiscard]] std::unique_ptr<PhotoProcessing> makeProcessing();
 
   const Options options_;
-  AppController &owner_; // announces what happens
+  AppController &owner_; // emits the signals
   fennick::Preferences &preferences_;
   fennick::MainQueue &mainQueue_;
   fennick::FileSystem &files_;
@@ -114,7 +114,7 @@ public:
   UploadProgress progress_;
   RouterConfig routerConfig_;
   std::optional<std::string> demoKey_; // given to the router in place of the stored key
-  fennick::AppSettings knownSettings_; // the latest settings that were compared
+  fennick::AppSettings knownSettings_; // the latest settings that were handled
   std::vector<fennick::Subscription> subscriptions_;
   std::filesystem::path shared_; // the folder that the gallery shows, or would show
   bool recounts_ = false;        // the pictures in it are to be counted soon
@@ -189,7 +189,7 @@ void AppController::Parts::stop() {
   thumbnailWarmer_.stop();
   folderLimit_.stop();
   imports_->end();
-  processing_->end(); // last: until here others hand it what they received
+  processing_->end(); // last: others hand over received photos until here
 }
 
 void AppController::Parts::openFirstWindow() {
@@ -234,7 +234,7 @@ void AppController::Parts::startServer() {
   if (stopped_)
     return;
   server_.setPort(std::nullopt);
-  check_.reset(); // a check under way is about the old server
+  check_.reset(); // a running check concerns the old server
   phoneServer_->start(settings_.settings().preferredPort);
 }
 
@@ -317,7 +317,7 @@ void AppController::Parts::saveFolderChanged(const fs::path &folder) {
   thumbnailUpkeep_.folderChanged(folder, saveFolder_.drive());
   processing_->look();
   if (galleryURL() != shared_)
-    updateRouterConfig(); // the gallery's folder has come or gone
+    updateRouterConfig(); // the gallery's folder was created or removed
   else
     recountSoon();
 }
@@ -349,7 +349,7 @@ void AppController::Parts::updateSharedInfo() {
   server_.setShared(shared_.filename().string(), fennick::galleryCount(shared_, &pending_));
 }
 
-// A burst of changes in the folder costs one count.
+// Counts once for a burst of changes in the folder.
 void AppController::Parts::recountSoon() {
   if (std::exchange(recounts_, true))
     return;
@@ -365,7 +365,7 @@ void AppController::Parts::settingsChanged(const fennick::AppSettings &settings)
   registerHotKey(settings.hotKeyPreset);
   if (phoneServer_->preferredPort() != settings.preferredPort)
     startServer();
-  // Before photos of another folder are taken over, and phones may look at a gallery that was off.
+  // Before photos of another folder are taken over, and before phones may see a gallery that was off.
   if (pending_.setOptions(settings.imaging))
     processing_->look();
   saveFolder_.apply();
@@ -378,7 +378,7 @@ void AppController::Parts::settingsChanged(const fennick::AppSettings &settings)
 void AppController::Parts::accessKeyChanged(const std::string &accessKey) {
   server_.setAccessKey(accessKey);
   updateRouterConfig();
-  phoneServer_->forgiveFailures(); // of phones that used the old key
+  phoneServer_->forgiveFailures(); // of phones with the old key
   server_.refreshQR();
 }
 
@@ -415,9 +415,9 @@ void AppController::Parts::finishUpload(const PhotoProcessing::Finished &finishe
   if (fromPhone && !finished.resumed)
     desktop_.flashTrayItem();
   pruneIfNeeded();
-  updateRouterConfig(); // with the shared folder: a new day may have a new one
+  updateRouterConfig(); // includes the shared folder: a new day may have a new one
   if (!fromPhone)
-    return; // nobody waits for it
+    return; // imported by the user, who knows
   if (!finished.resumed)
     arrivalActions_.run(settings_.settings().workflow, url, upload.bytes);
   const std::string note = receivedNote(upload, finished.result, finished.left);

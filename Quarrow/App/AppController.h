@@ -43,9 +43,9 @@ struct ReceivedFile {
   std::string note;          // the line that users read
 };
 
-// The coordinator of the running program, with or without windows. It owns the settings, the state that is
-// shown, the photo library and the server, and turns every change of settings, key, network or save folder
-// and every received file into what follows from it. Main thread, except for the processing of pictures,
+// The coordinator of the running program, with or without windows. It owns the settings, the state for the
+// views, the photo library and the server, and carries out the consequences of every change of settings, key,
+// network or save folder and of every received file. Main thread, except for the processing of pictures,
 // which has a queue of its own ("fennick.imaging").
 class AppController : public QObject, public PhotoCommands, public FoldersInUse, public AppCommands {
   Q_OBJECT
@@ -65,7 +65,7 @@ public:
   struct Options {
     std::filesystem::path cacheDirectory; // for thumbnails
     std::vector<std::string> arguments{}; // "--show-settings", "--show-panel"; others are ignored
-    std::optional<std::filesystem::path> saveFolder{}; // for this run, in place of the settings'
+    std::optional<std::filesystem::path> saveFolder{}; // for this run, instead of the folder in the settings
     // The save folder if the user has chosen none.
     std::filesystem::path defaultFolder = fennick::FolderBookmark::defaultFolder();
     std::filesystem::path uploadRecord{}; // saved uploads, for the next run; empty: not recorded
@@ -91,7 +91,7 @@ public:
   [[nodiscard]] fennick::SettingsStore &settings();
   [[nodiscard]] ServerModel &server();
   [[nodiscard]] fennick::PhotoLibrary &library();
-  // The program's only ones, for the gallery as well as for the windows.
+  // Shared by the gallery and the windows.
   [[nodiscard]] fennick::Thumbnails &thumbnails();
   [[nodiscard]] PhotoSelection &selection();
   [[nodiscard]] UploadProgress &progress();
@@ -113,7 +113,7 @@ public:
   void runLocalNetworkCheck() override;
 
 signals:
-  // After everything else that follows from an upload.
+  // Emitted after all other consequences of an upload.
   void received(const quarrow::ReceivedFile &file);
   // The server could not start; the model's error says why.
   void serverFailed();

@@ -39,7 +39,7 @@ bool isSet(const char *variable) {
   return value != nullptr && *value != '\0';
 }
 
-// Between fork and exec: the program does not inherit which signals we block.
+// Runs between fork and exec: the program does not inherit our blocked signals.
 void leaveTerminal(void *) {
   sigset_t none;
   ::sigemptyset(&none);
@@ -100,7 +100,7 @@ bool isOffered(GAppInfo *application) {
           ::g_app_info_supports_uris(application) != FALSE);
 }
 
-// Those of `list`, which is taken over, that can be chosen, by name.
+// Returns the selectable applications of `list`, which is consumed, by name.
 std::vector<InstalledApplication> offered(GList *list, bool areMadeForIt) {
   const Owned<GList> owned(list);
   std::vector<InstalledApplication> applications;
@@ -120,7 +120,7 @@ std::vector<InstalledApplication> offered(GList *list, bool areMadeForIt) {
   return applications;
 }
 
-// Names the kind of files by what their names tell.
+// Returns the media type of files with such a name.
 Owned<char> typeOf(const std::filesystem::path &file) {
   return Owned<char>(::g_content_type_guess(file.c_str(), nullptr, 0, nullptr));
 }

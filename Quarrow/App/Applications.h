@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-// The desktop's other programs. They are started in a session of their own, so that Ctrl-C in our terminal is
-// not theirs, and write nothing onto ours. The error says in words why nothing was started; what a program
-// makes of the file is not known here. Main thread.
+// Starts the desktop's other programs, in a session of their own, so that Ctrl-C in our terminal does not
+// reach them, and without access to our output. The error is a message that says why nothing was started;
+// whether the program could read the file is unknown. Main thread.
 namespace quarrow::applications {
 
-// One that people can choose to open files with.
+// An application that users can choose to open files with.
 struct InstalledApplication {
   std::filesystem::path entry; // its desktop entry
   std::string name;            // in the person's language
@@ -21,10 +21,9 @@ struct InstalledApplication {
   bool operator==(const InstalledApplication &) const = default;
 };
 
-// The applications that take files, hidden ones and ourselves left out: first the one that people use for
-// files of the kind that the name of `file` tells, then the others that are made for them, then all others,
-// each group in the order of the names. `file` need not exist. Looks through the desktop entries when
-// something about them has changed; any thread.
+// Returns the applications that open files, without hidden ones and this program: first the default one for
+// files with the name of `file`, then the others for this kind of file, then all others, each group by name.
+// `file` need not exist. Reads the desktop entries again if they have changed; any thread.
 [[nodiscard]] std::vector<InstalledApplication> installedApplications(const std::filesystem::path &file);
 
 // Opens the files with the application that the desktop entry `entry` (a .desktop file) describes.
@@ -35,9 +34,10 @@ struct InstalledApplication {
   return openWith(entry, std::span(&file, 1));
 }
 
-// Opens `file` with the application that people use for files of its kind, which its name tells.
+// Opens `file` with the default application for its kind, which is determined from its name.
 [[nodiscard]] std::expected<void, std::string> openFile(const std::filesystem::path &file);
-// The same for several: those of a kind together. The error is that of one kind; the others are open.
+// Opens several files, those of one kind together. The error is that of one kind; the other files were
+// opened.
 [[nodiscard]] std::expected<void, std::string> openFiles(std::span<const std::filesystem::path> files);
 
 // Shows `folder` in the desktop's file manager.

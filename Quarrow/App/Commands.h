@@ -26,14 +26,14 @@ public:
   // Copies files of this computer into the save folder, like those of a phone but without the workflow's
   // actions. A file that could not be copied becomes the model's error.
   virtual void importFiles(std::vector<std::filesystem::path> files) = 0;
-  // The same for a picture that is no file; `name` is recorded as its original name.
+  // Imports a picture that is not a file; `name` is recorded as its original name.
   virtual void importPicture(std::string bytes, std::string name) = 0;
   // Drops everything that is remembered about photos of the save folder that were moved to the trash, by the
   // user or to keep the folder limit. All removals come through here.
   virtual void forget(std::span<const std::filesystem::path> files) = 0;
 };
 
-// The folders in use, which follow from the settings, the drives and the date.
+// The folders in use, which depend on the settings, the drives and the date.
 class FoldersInUse {
 public:
   virtual ~FoldersInUse() = default;

@@ -10,7 +10,7 @@
 
 namespace quarrow {
 
-// What an error is about. A later success of the same thing removes its error.
+// What an error is about. A later success of the same source removes its error.
 enum class ErrorSource : std::uint8_t {
   server,
   chosenFolder,
@@ -22,8 +22,7 @@ enum class ErrorSource : std::uint8_t {
   request // something that the user asked for once
 };
 
-// The errors that still stand, at most one for each source. The latest one is shown as the model's error.
-// Main thread.
+// The current errors, at most one for each source. The latest one is shown as the model's error. Main thread.
 class ErrorBoard {
 public:
   explicit ErrorBoard(ServerModel &server) : server_(server) {} // outlives the object
@@ -41,7 +40,7 @@ private:
   void showLatest();
 
   ServerModel &server_;
-  std::vector<std::pair<ErrorSource, std::string>> errors_; // the latest last
+  std::vector<std::pair<ErrorSource, std::string>> errors_; // the latest one last
 };
 
 } // namespace quarrow

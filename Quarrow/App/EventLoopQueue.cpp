@@ -42,7 +42,7 @@ void EventLoopQueue::drain() {
   }
 }
 
-// Runs as many tasks as there are at its beginning; false when there were none. A nested loop may have run
+// Runs as many tasks as are queued at the beginning. Returns false if there were none. A nested loop may run
 // some of them meanwhile.
 bool EventLoopQueue::runTurn() {
   const std::size_t due = collectDue();

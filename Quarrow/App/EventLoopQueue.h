@@ -17,12 +17,12 @@
 
 namespace quarrow {
 
-// The main queue on Qt's event loop. Tasks run between the loop's other events, and a task that is posted
-// while tasks run waits for the loop's next turn, so that windows stay responsive. Loops that a task nests
-// (a dialogue that it shows) run the tasks behind it. While there is nothing to do, nothing wakes up.
+// The main queue on Qt's event loop. Tasks run between other events, and a task that is posted while tasks
+// run waits for the loop's next turn, so that windows stay responsive. A nested loop that a task starts (a
+// dialogue) runs the following tasks. While there is nothing to do, nothing wakes up.
 //
-// Made and destroyed on the main thread, while there is an application object; tasks that did not run by then
-// are dropped.
+// Created and destroyed on the main thread, while there is an application object; tasks that have not run by
+// then are dropped.
 class EventLoopQueue final : public fennick::MainQueue {
 public:
   explicit EventLoopQueue(const fennick::Clock &clock); // `clock` outlives the queue
@@ -30,15 +30,15 @@ public:
   void post(std::function<void()> task) override;
   void postAfter(fennick::Seconds delay, std::function<void()> task) override;
 
-  // Calls `handler` on the main thread whenever one of these signals arrives (see SignalSource). Once. An
-  // application object that starts threads of its own comes after the source.
+  // Calls `handler` on the main thread whenever one of these signals arrives (see SignalSource). Call it
+  // once. An application object that starts threads must be created after the source.
   void onSignals(fennick::SignalSource source, std::function<void(int)> handler);
   void onSignals(const std::vector<int> &numbers, std::function<void(int)> handler) {
     onSignals(fennick::SignalSource(numbers), std::move(handler));
   }
 
-  // Runs what is due now and what that posts in turn, until nothing is left; for the end of a program, when
-  // the loop runs no more. Main thread.
+  // Runs all due tasks and those that they post, until none is left. For the end of a program, after the
+  // event loop. Main thread.
   void drain();
 
 private:
@@ -49,7 +49,7 @@ private:
   void setTimer() REQUIRES(lock_);
 
   const fennick::Clock &clock_;
-  fennick::WakeupFlag waiting_; // raised exactly while there are tasks
+  fennick::WakeupFlag waiting_; // raised while there are tasks
   fennick::WakeupTimer timer_;  // armed to the earliest of `timers_`
   std::optional<fennick::SignalSource> signals_;
   QSocketNotifier waitingNotifier_;

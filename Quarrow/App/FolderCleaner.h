@@ -10,8 +10,8 @@
 
 namespace quarrow {
 
-// Clears away what a killed program left in save folders, on a thread of its own: a folder may hold many
-// files, on a slow drive. Main thread.
+// Removes what a killed program left in save folders, on a thread of its own, since a folder may hold many
+// files on a slow drive. Main thread.
 class FolderCleaner {
 public:
   // Both outlive the object.
@@ -21,16 +21,16 @@ public:
   FolderCleaner(const FolderCleaner &) = delete;
   FolderCleaner &operator=(const FolderCleaner &) = delete;
 
-  // The save folder is used from now on, or is there again.
+  // Clears the save folder, which is used from now on or is available again.
   void clear(const std::filesystem::path &saveFolder);
-  // Waits for the folder that is being looked at. Afterwards `clear` does nothing.
+  // Waits for the folder that is being cleared. Afterwards `clear` does nothing.
   void stop();
 
 private:
   fennick::FileSystem &files_;
   fennick::IncomingFolder &incoming_;
   std::atomic<bool> stopped_ = false;
-  std::unique_ptr<fennick::SerialQueue> queue_; // from the first folder on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> queue_; // created with the first folder; last: it uses the above
 };
 
 } // namespace quarrow

@@ -15,23 +15,23 @@
 
 namespace quarrow {
 
-// Keeps the folder that uploads go to under the user's limit by moving its oldest photos to the trash, on a
-// thread of its own ("fennick.prune") and in one run at a time. Main thread.
+// Keeps the folder for uploads within the user's limit by moving its oldest photos to the trash, on a thread
+// of its own ("fennick.prune"), one run at a time. Main thread.
 class FolderLimit {
 public:
   using Paths = std::vector<std::filesystem::path>;
 
   // `trash` and `mainQueue` outlive the object. `pruned` is called on the main thread after each run with the
-  // files that are gone, if there are any.
+  // removed files, if there are any.
   FolderLimit(fennick::Trash &trash, fennick::MainQueue &mainQueue,
               std::function<void(const Paths &)> pruned);
   ~FolderLimit();
   FolderLimit(const FolderLimit &) = delete;
   FolderLimit &operator=(const FolderLimit &) = delete;
 
-  // Starts a run. During a run, all calls together ask for one more, with what the last one says.
+  // Starts a run. All calls during a run together cause one more, with the arguments of the last call.
   void prune(std::filesystem::path folder, std::int64_t limit);
-  // Ends a run after its current file, waits for it and starts no other.
+  // Stops a run after its current file and waits for it; no other run starts.
   void stop();
 
 private:
@@ -51,7 +51,7 @@ private:
   bool running_ = false;
   std::optional<Run> next_;
   std::atomic<bool> stopped_ = false;
-  std::unique_ptr<fennick::SerialQueue> queue_; // from the first run on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> queue_; // created with the first run; last: it uses the above
 };
 
 } // namespace quarrow

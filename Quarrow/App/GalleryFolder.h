@@ -9,8 +9,8 @@
 
 namespace quarrow {
 
-// The folder that phones may browse: `chosen`, a name below the save folder, if there is such a folder; else
-// the one that uploads of this moment go to. Nothing that contains ".." leads anywhere. Any thread.
+// Returns the folder that phones may browse: `chosen`, a name below the save folder, if that folder exists;
+// otherwise the one for uploads at this moment. Names that contain ".." are ignored. Any thread.
 [[nodiscard]] std::filesystem::path galleryURL(const std::optional<std::string> &chosen,
                                                const fennick::SaveDestination &destination,
                                                fennick::Instant now);

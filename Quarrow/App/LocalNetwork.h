@@ -12,24 +12,24 @@
 
 namespace quarrow {
 
-// The network around the service, as the coordinator sees it; tests move one by hand. Main thread, its
-// callbacks included.
+// The network of this computer for the coordinator; tests implement one that they change. Main thread,
+// including the callbacks.
 class LocalNetwork {
 public:
   virtual ~LocalNetwork() = default;
 
-  // Calls `changed` soon with the present addresses, and again whenever they have changed, until `unwatch`.
+  // Calls `changed` soon with the current addresses and again after every change, until `unwatch`.
   virtual void watch(std::function<void(std::vector<fennick::LANAddress>)> changed) = 0;
   virtual void unwatch() = 0;
 
-  // Asks for the service's health at an address; a probe under way is given up, unheard.
+  // Requests the service's health at an address. Cancels a running probe, which then reports nothing.
   virtual void probe(const std::string &host, std::uint16_t port, fennick::Seconds timeout,
                      std::function<void(fennick::LocalNetworkProbe::Outcome)> done) = 0;
-  // Looks for a firewall in the way of phones that come to `port` by `interface`; a search under way is given
-  // up, unheard.
+  // Looks for a firewall that may block phones at `port` on `interface`. Cancels a running search, which then
+  // reports nothing.
   virtual void findFirewall(const std::string &interface, std::uint16_t port,
                             std::function<void(fennick::FirewallFinding)> done) = 0;
-  // Gives up both.
+  // Cancels both.
   virtual void cancel() = 0;
 };
 

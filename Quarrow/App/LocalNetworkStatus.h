@@ -5,7 +5,7 @@
 
 namespace quarrow {
 
-// What the self-check found: whether the service answers under the address that the QR code carries.
+// The result of the self-check: whether the service answers at the address in the QR code.
 class LocalNetworkStatus {
   Q_GADGET
   Q_PROPERTY(Kind kind MEMBER kind CONSTANT)

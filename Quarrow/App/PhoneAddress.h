@@ -7,22 +7,22 @@
 #include <span>
 #include <string>
 
-// How a phone reaches this computer. Pure functions; any thread.
+// The addresses at which phones reach this computer. Pure functions; any thread.
 namespace quarrow {
 
 // Returns the first address of the interface that the user prefers, or the first of all if there is no such
-// preference or that interface is down, or nullopt if there are no addresses.
+// preference or that interface is down. Returns nullopt if there are no addresses.
 [[nodiscard]] std::optional<fennick::LANAddress>
 preferredAddress(std::span<const fennick::LANAddress> addresses,
                  const std::optional<std::string> &preferredInterface);
 
-// "http://192.168.1.20:8000"; nothing while there is no address or no server listens.
+// Returns "http://192.168.1.20:8000", or nullopt if there is no address or no server listens.
 [[nodiscard]] std::optional<std::string> baseURL(const std::optional<fennick::LANAddress> &address,
                                                  std::optional<std::uint16_t> port);
 
-// What the QR code says: the page.
+// Returns the URL in the QR code: the page.
 [[nodiscard]] std::string phoneURL(const std::string &baseURL, const std::string &accessKey);
-// Where a phone's shortcut, or curl, sends a photo.
+// Returns the URL to which a phone's shortcut, or curl, sends a photo.
 [[nodiscard]] std::string shortcutUploadURL(const std::string &baseURL, const std::string &accessKey);
 
 } // namespace quarrow

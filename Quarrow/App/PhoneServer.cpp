@@ -12,7 +12,7 @@ namespace {
 constexpr int kPortAttempts = 20;
 }
 
-// A server with all that belongs to it. One that was replaced lives until its last request is over.
+// A server with everything that belongs to it. A replaced server exists until its last request has ended.
 struct PhoneServer::Server {
   Server(const PhoneServer &owner, std::uint16_t port)
       : preferredPort(port),
@@ -23,7 +23,7 @@ struct PhoneServer::Server {
   const std::uint16_t preferredPort;
   fennick::UploadRouter router;
   fennick::RateLimiter limiter{fennick::kServiceBans};
-  fennick::HTTPServer http; // last: its connections use the others
+  fennick::HTTPServer http; // last: its connections use the above
 };
 
 PhoneServer::PhoneServer(const Services &services, fennick::UploadRouter::Providers providers,
@@ -52,7 +52,7 @@ void PhoneServer::open(Server &server) {
   observer_.listening(*port);
 }
 
-// A request that is busy with a picture may take a while to notice, so it is waited for elsewhere.
+// Destroys the server on another thread, since a request that processes a picture may take a while to end.
 void PhoneServer::retire() {
   if (!server_)
     return;

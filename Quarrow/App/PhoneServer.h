@@ -16,8 +16,8 @@
 
 namespace quarrow {
 
-// Runs the HTTP server that phones talk to, with its router and its limits. A server that is replaced frees
-// its port at once and finishes its last requests on a thread of its own ("fennick.http.end"). Main thread.
+// Runs the HTTP server for phones with its router and its limits. A server that is replaced releases its port
+// at once and finishes its last requests on a thread of its own ("fennick.http.end"). Main thread.
 class PhoneServer {
 public:
   struct Observer {
@@ -40,14 +40,14 @@ public:
   PhoneServer(const PhoneServer &) = delete;
   PhoneServer &operator=(const PhoneServer &) = delete;
 
-  // Replaces the running server, if any, by one on `preferredPort` or the next free port. The observer hears
-  // of the result later, unless another start or a stop comes first.
+  // Replaces the running server, if any, by one on `preferredPort` or the next free port. The observer is
+  // notified later, unless another start or a stop comes first.
   void start(std::uint16_t preferredPort);
-  // Ends the service and waits until all requests are over, uploads under way cleaned up.
+  // Ends the service and waits until all requests have ended and aborted uploads are cleaned up.
   void stop();
   // Lifts all bans and forgets all failures.
   void forgiveFailures();
-  // The port that the latest start preferred.
+  // The preferred port of the latest start.
   [[nodiscard]] std::optional<std::uint16_t> preferredPort() const { return preferredPort_; }
 
 private:
@@ -61,7 +61,7 @@ private:
   fennick::Lifetime lifetime_; // cancelled by every start
   std::optional<std::uint16_t> preferredPort_;
   std::shared_ptr<Server> server_;
-  std::unique_ptr<fennick::SerialQueue> retirement_; // of servers that were replaced
+  std::unique_ptr<fennick::SerialQueue> retirement_; // for servers that were replaced
 };
 
 } // namespace quarrow

@@ -21,10 +21,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMostNamed = 4; // of the files in one message
+constexpr std::size_t kMostNamed = 4; // file names in one message
 
-// Whether the wall shows `file` because of where it lies: in `folder`, or in folders in it that photos are
-// looked for in.
+// Returns whether `file` lies where the wall shows it: in `folder` or in a folder inside it that may contain
+// photos.
 bool isShownFrom(const fs::path &file, const fs::path &folder) {
   const auto [inFolder, below] = std::ranges::mismatch(folder, file);
   if (inFolder != folder.end() || below == file.end())
@@ -99,7 +99,7 @@ void PhotoImport::end() {
   queue_.reset();
 }
 
-// On the queue.
+// Runs on the queue.
 void PhotoImport::importAll(const std::vector<fs::path> &files) {
   const auto found = wanted(files);
   postToMain([this, count = found.size()] { expect(count); });
@@ -109,7 +109,7 @@ void PhotoImport::importAll(const std::vector<fs::path> &files) {
   }
 }
 
-// On the queue: the files that are meant, in the order in which they were named.
+// Returns the files to import, in the order given. Runs on the queue.
 std::vector<fs::path> PhotoImport::wanted(const std::vector<fs::path> &files) const {
   const fs::path saveFolder = resolved(destination_().folder);
   std::vector<fs::path> found;

@@ -18,16 +18,16 @@
 
 namespace quarrow {
 
-// Files of this computer on their way into the save folder: one after another on a thread of their own, as
-// copies; what was asked for meanwhile joins in. Main thread.
+// Copies files of this computer into the save folder, one after another on a thread of its own; requests
+// during an import join it. Main thread.
 class PhotoImport : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool running READ isRunning NOTIFY changed)
   Q_PROPERTY(int done READ done NOTIFY changed)
-  Q_PROPERTY(int total READ total NOTIFY changed) // 0 while folders are being looked through
+  Q_PROPERTY(int total READ total NOTIFY changed) // 0 while folders are being read
 
 public:
-  // All outlive the object. `providers` are asked on the import's thread; "isStopped" is this object's own.
+  // All outlive the object. `providers` are called on the import's thread; "isStopped" is set by this object.
   struct Services {
     fennick::FileImporter::Providers providers;
     fennick::FileSystem &files;
@@ -37,16 +37,16 @@ public:
     fennick::MainQueue &mainQueue;
   };
   explicit PhotoImport(Services services);
-  ~PhotoImport() override; // what is under way is given up, without a trace in the save folder
+  ~PhotoImport() override; // aborts the import without leaving anything in the save folder
 
-  // Photos and videos, and folders, of which what lies directly inside is meant. What the wall shows already
-  // is passed over.
+  // Imports photos and videos, and those directly in folders. Files that the wall shows already are skipped.
   void importFiles(std::vector<std::filesystem::path> files);
-  // A picture that is no file; `name` is what it is called, for the record.
+  // Imports a picture that is not a file; `name` is recorded as its original name.
   void importPicture(std::string bytes, std::string name);
-  // Gives up what is under way and what waits; what is saved stays.
+  // Aborts the current file and drops the waiting ones; saved copies stay.
   Q_INVOKABLE void stop();
-  // The same for the end of the program: nothing is imported after it, and `onUpload` not called again.
+  // Like `stop`, for the end of the program: nothing is imported afterwards, and `onUpload` is not called
+  // again.
   void end();
 
   [[nodiscard]] bool isRunning() const { return batches_ > 0; }
@@ -55,8 +55,7 @@ public:
 
 signals:
   void changed();
-  // Everything that was asked for has been tried; `problem` names what was not brought in, and why, and is
-  // empty when there is nothing to say.
+  // All requested files were tried. `problem` names the ones that failed, and why; empty if there are none.
   void finished(const QString &problem);
 
 private:
@@ -80,7 +79,7 @@ private:
   fennick::MainQueue &mainQueue_;
   const std::function<fennick::SaveDestination()> destination_;
   fennick::Lifetime lifetime_;
-  int batches_ = 0; // that were asked for and are not over
+  int batches_ = 0; // requests that have not ended
   int done_ = 0;
   int total_ = 0;
   std::vector<Failure> failures_;
@@ -89,7 +88,7 @@ private:
   std::atomic<std::uint64_t> stoppedUpTo_ = 0;  // batches up to this one are given up
   std::uint64_t current_ = 0;                   // of the queue's thread: the batch at work
   fennick::FileImporter importer_;              // of the queue's thread
-  std::unique_ptr<fennick::SerialQueue> queue_; // from the first import on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> queue_; // created with the first import; last: it uses the above
 };
 
 } // namespace quarrow

@@ -22,7 +22,7 @@ namespace {
 
 constexpr Seconds kTimeout{90};
 constexpr Seconds kAnnouncementDelay{0.5};
-constexpr int kMostRounds = 3; // of a photo that somebody else keeps changing
+constexpr int kMostRounds = 3; // for a photo that another program keeps changing
 
 class Journal final : public fennick::ImagePipeline::CommitJournal {
 public:
@@ -51,7 +51,7 @@ const std::error_code *diskError(const ProcessResult &result) {
   return result.failure ? std::get_if<std::error_code>(&*result.failure) : nullptr;
 }
 
-// Another run may succeed: nothing was found out about the picture.
+// Returns whether another run may succeed, because nothing was learned about the picture.
 bool mayWorkLater(const ProcessResult &result) {
   return diskError(result) != nullptr || failedWith(result, PipelineError::Kind::noDecoder) ||
          failedWith(result, PipelineError::Kind::busy);
@@ -129,7 +129,7 @@ void PhotoProcessing::end() {
     locked.wait(changed_);
 }
 
-// On the queue, like all that follows.
+// Runs on the queue, like everything below.
 void PhotoProcessing::run(const Job &job) {
   bool ends = false;
   {
@@ -152,7 +152,8 @@ void PhotoProcessing::run(const Job &job) {
   }
   count(-1);
   if (isLast)
-    resume(services_.pending.takeOver()); // what could not be taken over while there was work in the folder
+    resume(services_.pending
+               .takeOver()); // photos that could not be taken over while others worked in the folder
 }
 
 void PhotoProcessing::leave(const Job &job) {
@@ -222,7 +223,7 @@ void PhotoProcessing::report(Finished finished) {
   postToMain(Seconds(0), [this, done = std::move(finished)] { observer_.finished(done); });
 }
 
-// That nothing waits any more is told at once.
+// The change to zero is announced without delay.
 void PhotoProcessing::count(int change) {
   bool waits = true;
   {

@@ -18,8 +18,8 @@
 
 namespace quarrow {
 
-// Processes received photos one after another on a queue of its own ("fennick.imaging"), with the options as
-// they are when a photo's turn comes, and resumes what an earlier run left.
+// Processes received photos one after another on a queue of its own ("fennick.imaging"), with the options of
+// the moment when a photo's turn comes, and resumes what an earlier run left.
 class PhotoProcessing {
 public:
   struct Finished {
@@ -29,12 +29,12 @@ public:
     bool resumed = false;      // received by an earlier run
   };
   struct Observer {
-    // A photo has its final name. On the queue.
+    // A photo has its final name. Called on the queue.
     std::function<void(const std::filesystem::path &file)> named;
-    // Both are called on the main thread, not after the object's end.
+    // Both are called on the main thread while the object exists.
     std::function<void(const Finished &)> finished;
-    // How many photos wait or are being processed. A change is told after half a second, so that a photo that
-    // takes no time is not mentioned.
+    // The number of photos that wait or are being processed. Changes are reported after half a second, so
+    // that a photo that takes no time is not mentioned.
     std::function<void(int photos)> waiting;
   };
   // All outlive the object.
@@ -51,25 +51,24 @@ public:
   PhotoProcessing(const PhotoProcessing &) = delete;
   PhotoProcessing &operator=(const PhotoProcessing &) = delete;
 
-  // A photo was received. Any thread.
+  // Adds a received photo. Any thread.
   void add(const fennick::UploadRecord &upload);
   // Resumes what an earlier run left in `incoming`, in which nobody works. Any thread.
   void takeOver(const std::filesystem::path &incoming, const fennick::IncomingHold &hold);
-  // Looks for photos that an earlier run left in the save folder, and for recorded photos that were renamed.
-  // To be called for a new save folder, after changes in it and when the imaging options were changed. Main
-  // thread.
+  // Finds photos that an earlier run left in the save folder, and recorded photos that were renamed. Call it
+  // for a new save folder, after changes in it and after changes of the imaging options. Main thread.
   void look();
 
-  // Begins no further photo and waits until the current one is done, `most` at the longest. Recorded photos
-  // that wait are left to the next run; others are reported as they came. Main thread.
+  // Starts no further photo and waits for the current one, at most for `most`. Recorded photos that wait are
+  // left to the next run; others are reported as received. Main thread.
   void finishCurrent(fennick::Seconds most);
-  // Ends the processing; waits for the current photo. Main thread.
+  // Ends the processing and waits for the current photo. Main thread.
   void end();
 
 private:
   struct Job {
     std::string entry;
-    std::optional<fennick::UploadRecord> upload{}; // absent for a photo that an earlier run left
+    std::optional<fennick::UploadRecord> upload{}; // absent if an earlier run received the photo
   };
   enum class Ending { reported, again, left };
 
@@ -94,9 +93,9 @@ private:
   bool ending_ GUARDED_BY(lock_) = false;
   bool working_ GUARDED_BY(lock_) = false;
   bool looks_ GUARDED_BY(lock_) = false;     // the folder will be looked at
-  bool announces_ GUARDED_BY(lock_) = false; // the count will be announced
+  bool announces_ GUARDED_BY(lock_) = false; // an announcement of the count is scheduled
   int waiting_ GUARDED_BY(lock_) = 0;
-  std::unique_ptr<fennick::SerialQueue> lookQueue_; // while a photo is being processed
+  std::unique_ptr<fennick::SerialQueue> lookQueue_; // exists while a photo is being processed
   fennick::SerialQueue queue_{"fennick.imaging"};   // last: what runs on it uses all of the above
 };
 

@@ -8,7 +8,7 @@
 
 namespace quarrow {
 
-// Which photos of the photo wall are selected. Main thread.
+// The selected photos of the photo wall. Main thread.
 class PhotoSelection : public QObject {
   Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
 
   [[nodiscard]] const Paths &files() const { return files_; }
   void set(Paths files);
-  // Files that are gone; others than selected ones are passed over.
+  // Removes files that are gone; files that are not selected are skipped.
   void remove(std::span<const std::filesystem::path> files);
 
 signals:

@@ -7,8 +7,8 @@
 
 namespace quarrow {
 
-// Checks whether phones can reach the service at the address that is shown, and which firewall may be in the
-// way. The results go to the model. Main thread.
+// Checks whether phones can reach the service at the shown address, and which firewall may block them. The
+// results go to the model. Main thread.
 class ReachabilityCheck {
   Q_DECLARE_TR_FUNCTIONS(ReachabilityCheck)
 
@@ -16,9 +16,9 @@ public:
   // Both outlive the object.
   ReachabilityCheck(ServerModel &server, LocalNetwork &network) : server_(server), network_(network) {}
 
-  // Gives up a check under way and starts another, if the service listens.
+  // Cancels a running check and starts another, if the service listens.
   void run();
-  // Gives up a check under way and forgets the latest results.
+  // Cancels a running check and forgets the latest results.
   void reset();
 
 private:

@@ -8,14 +8,14 @@
 
 namespace quarrow {
 
-// What is remembered with the file of where it came from and what was done with it.
-// `left` is what was to be removed and is still in the file.
+// Returns the record of the file's origin and processing. `left` is what was to be removed and is still in
+// the file.
 [[nodiscard]] fennick::PhotoOrigin originOf(const fennick::UploadRecord &record,
                                             const fennick::ProcessResult &result,
                                             const fennick::PrivateData &left = {});
 
-// The one line that a person reads about a received file: its name, then what was done with it, why nothing
-// was, or only its size, and what of its private data is still there.
+// Returns the line that users read about a received file: its name, then how it was processed, why it was
+// not, or only its size, and which private data it still contains.
 [[nodiscard]] std::string receivedNote(const fennick::UploadRecord &record,
                                        const fennick::ProcessResult &result,
                                        const fennick::PrivateData &left = {});

@@ -10,7 +10,7 @@ namespace quarrow {
 using fennick::Locked;
 
 namespace {
-constexpr std::size_t kMostFormerKeys = 8; // pages that were opened before more changes have long been closed
+constexpr std::size_t kMostFormerKeys = 8; // pages from before earlier changes were closed long ago
 }
 
 void RouterConfig::update(Values values) {

@@ -13,8 +13,8 @@
 
 namespace quarrow {
 
-// The live configuration of the upload router: written by the coordinator on the main thread, all values in
-// one step, and read by the server's connections for each request. Any thread; guarded by its own lock.
+// The current configuration of the upload router: written by the coordinator on the main thread, all values
+// at once, and read by the server's connections for each request. Any thread; guarded by its own lock.
 class RouterConfig {
 public:
   struct Values {
@@ -26,17 +26,17 @@ public:
     std::filesystem::path drive{}; // that the save folder lies on (see SaveFolderDrive.h); empty: unknown
   };
 
-  // All values change in one step; a request under way may have read some of them before it.
+  // Replaces all values at once. A request in progress may have read some of them before.
   void update(Values values);
 
   [[nodiscard]] std::string key() const;
-  // Whether `key` is one of the last few access keys before the present one.
+  // Returns whether `key` is one of the last few access keys before the current one.
   [[nodiscard]] bool wasKey(std::string_view key) const;
   [[nodiscard]] fennick::SaveDestination destination() const;
   [[nodiscard]] std::int64_t maxBytes() const;
   [[nodiscard]] std::optional<std::filesystem::path> gallery() const;
   [[nodiscard]] fennick::UploadRouter::UploadPolicy policy() const;
-  // False while the drive of the save folder is unplugged. Looks at the file system.
+  // Returns false while the drive of the save folder is unplugged. Reads the file system.
   [[nodiscard]] bool canSave() const;
 
 private:

@@ -43,7 +43,7 @@ fs::path SaveFolder::chosen() {
     services_.errors.resolve(ErrorSource::chosenFolder);
     return resolved->url;
   }
-  // A folder that was in use in this run may be on a drive that comes back.
+  // A folder that was used in this run may be on a drive that comes back.
   if (const auto &used = services_.server.saveFolder(); used && bookmark == bytesOf(*used))
     return *used;
   services_.errors.report(ErrorSource::chosenFolder, tr("之前选择的保存目录已不可用，已改回默认目录。"));

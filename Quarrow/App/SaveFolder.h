@@ -20,20 +20,20 @@
 
 namespace quarrow {
 
-// Decides which folder photos are saved in, creates it and watches it. Reports when it cannot be created, is
-// gone, or its drive was unplugged. Main thread.
+// Chooses the folder for photos, creates it and watches it. Reports if it cannot be created, is gone, or its
+// drive was unplugged. Main thread.
 class SaveFolder {
   Q_DECLARE_TR_FUNCTIONS(SaveFolder)
 
 public:
   struct Options {
-    std::optional<std::filesystem::path> forThisRun; // takes the place of the settings' folder
+    std::optional<std::filesystem::path> forThisRun; // replaces the folder in the settings
     std::filesystem::path standard;                  // for users who have not chosen a folder
   };
   struct Observer {
-    // Photos are saved in another folder from now on; it is not watched yet.
+    // Photos are saved in another folder from now on, which is not watched yet.
     std::function<void(const std::filesystem::path &folder)> replaced;
-    // Something in the folder changed, or the folder has come or gone. Not called while its drive is
+    // Something in the folder changed, or the folder was created or removed. Not called while its drive is
     // unplugged.
     std::function<void(const std::filesystem::path &folder)> changed;
   };
@@ -49,19 +49,19 @@ public:
 
   SaveFolder(const Services &services, Options options, Observer observer);
 
-  // Follows the settings: chooses the folder, creates it where it is missing and begins to watch it.
+  // Applies the settings: chooses the folder, creates it if it is missing and begins to watch it.
   void apply();
-  // Stores `folder`, which exists, as the folder to save in.
+  // Stores `folder`, which exists, as the save folder.
   void choose(const std::filesystem::path &folder);
-  // Stops watching and clearing away leftovers.
+  // Stops watching and clearing.
   void stop();
 
   [[nodiscard]] std::filesystem::path path() const;
   // The drive that the folder lies on; see SaveFolderDrive.h.
   [[nodiscard]] const std::filesystem::path &drive() const { return drive_; }
-  // Where and under which names received files are saved.
+  // Where received files are saved, and how they are named.
   [[nodiscard]] fennick::SaveDestination destination() const;
-  // Whether `folder` is there and its drive is not unplugged.
+  // Returns whether `folder` exists and its drive is not unplugged.
   [[nodiscard]] bool isAvailable(const std::filesystem::path &folder) const;
 
 private:

@@ -2,15 +2,15 @@
 
 #include <filesystem>
 
-// Whether the drive that the save folder lies on is plugged in. A mount point's folder stays when the drive
-// goes; photos that were saved there would be out of sight as soon as it is back. Any thread.
+// Tells whether the drive of the save folder is plugged in. The folder of a mount point remains when the
+// drive is removed; photos saved there would be hidden once it is back. Any thread.
 namespace quarrow {
 
-// The uppermost folder on the way to `folder` that lies on the same drive; where `folder` is not there, that
-// of the last folder on the way that is.
+// Returns the topmost folder on the path to `folder` that lies on the same drive; if `folder` does not exist,
+// that of the last existing folder on the path.
 [[nodiscard]] std::filesystem::path driveOf(const std::filesystem::path &folder);
 
-// Whether the way to `folder` ends before it comes to `drive`, where it once led.
+// Returns whether the path to `folder` no longer leads through `drive`, as it did before.
 [[nodiscard]] bool isUnplugged(const std::filesystem::path &folder, const std::filesystem::path &drive);
 
 } // namespace quarrow

@@ -11,8 +11,8 @@ namespace quarrow {
 
 namespace {
 
-// How large the QR code is drawn: a phone reads it from an arm's length on any screen, and the quiet zone is
-// the least that phones want.
+// Large enough for a phone at arm's length from any screen; the quiet zone is the smallest that phones
+// accept.
 constexpr std::int64_t kModulePixels = 8;
 constexpr std::int64_t kQuietModules = 2;
 

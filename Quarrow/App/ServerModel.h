@@ -17,7 +17,7 @@
 
 namespace quarrow {
 
-// The observable state of the receiving service: what the panel, the windows and the terminal show. Only the
+// The observable state of the receiving service for the panel, the windows and the terminal. Only the
 // coordinator writes it; every field announces its changes, and only changes. Main thread.
 //
 // The properties are for QML: absent texts are empty, an absent port is 0. C++ reads the typed fields.
@@ -31,54 +31,55 @@ class ServerModel : public QObject {
   Q_PROPERTY(QString error READ errorText NOTIFY errorChanged)
   Q_PROPERTY(QString saveFolder READ saveFolderText NOTIFY saveFolderChanged)
   Q_PROPERTY(QString lastNote READ lastNoteText NOTIFY lastNoteChanged)
-  // Received photos whose processing is not over, and a sentence about them, empty while there are none.
+  // Received photos whose processing is not over, and a sentence about them, which is empty if there are
+  // none.
   Q_PROPERTY(int waitingPhotos READ waitingPhotos NOTIFY waitingPhotosChanged)
   Q_PROPERTY(QString waitingNote READ waitingNote NOTIFY waitingPhotosChanged)
   Q_PROPERTY(
       quarrow::LocalNetworkStatus localNetworkStatus READ localNetworkStatus NOTIFY localNetworkStatusChanged)
-  // What to try when the self-check has failed.
+  // A suggestion after a failed self-check.
   Q_PROPERTY(QString checkAdvice READ checkAdvice NOTIFY localNetworkStatusChanged)
   Q_PROPERTY(QString sharedFolderName READ sharedFolderNameText NOTIFY sharedFolderNameChanged)
   Q_PROPERTY(int sharedCount READ sharedCountNumber NOTIFY sharedCountChanged)
   Q_PROPERTY(QString phoneURL READ phoneURLText NOTIFY phoneURLChanged)
   Q_PROPERTY(QString shortcutUploadURL READ shortcutUploadURLText NOTIFY phoneURLChanged)
-  // What stands in the way of phones on this computer, in a sentence, and the command that lets them in.
+  // A sentence about what blocks phones on this computer, and the command that lets them in.
   Q_PROPERTY(QString firewallAdvice READ firewallAdviceText NOTIFY firewallChanged)
   Q_PROPERTY(QString firewallCommand READ firewallCommandText NOTIFY firewallChanged)
 
 public:
-  // The port that is bound; absent while no server listens.
+  // The bound port; nullopt while no server listens.
   [[nodiscard]] std::optional<std::uint16_t> port() const { return port_; }
-  // Usable addresses, the likeliest first; none before the network was first asked.
+  // Usable addresses, best first; empty before the first report of the network.
   [[nodiscard]] const std::vector<fennick::LANAddress> &addresses() const { return addresses_; }
-  // Whether they were ever set; the first time is announced even if there are none.
+  // Whether the addresses were ever set. The first time is announced even if there are none.
   [[nodiscard]] bool addressesKnown() const { return addressesKnown_; }
   [[nodiscard]] const std::optional<std::string> &preferredInterface() const { return preferredInterface_; }
   [[nodiscard]] const std::string &accessKey() const { return accessKey_; }
-  // The latest error to show: of the server's start, the save folder, the settings or the shortcut.
+  // The latest error: of the server's start, the save folder, the settings or the shortcut.
   [[nodiscard]] const std::optional<std::string> &error() const { return error_; }
   // The QR code of the phone URL as of the last `refreshQR`; made at each call.
   [[nodiscard]] std::optional<fennick::Bitmap> qrImage() const;
   [[nodiscard]] const std::optional<std::filesystem::path> &saveFolder() const { return saveFolder_; }
-  // One line about the file received last.
+  // One line about the last received file.
   [[nodiscard]] const std::optional<std::string> &lastNote() const { return lastNote_; }
   [[nodiscard]] int waitingPhotos() const { return waitingPhotos_; }
   [[nodiscard]] QString waitingNote() const;
   [[nodiscard]] const LocalNetworkStatus &localNetworkStatus() const { return localNetworkStatus_; }
-  // The last component of the folder that the gallery shows or would show, and the pictures directly in it.
+  // The name of the folder that the gallery shows or would show, and the number of pictures directly in it.
   [[nodiscard]] const std::string &sharedFolderName() const { return sharedFolderName_; }
   [[nodiscard]] std::int64_t sharedCount() const { return sharedCount_; }
   [[nodiscard]] QString checkAdvice() const;
   // What the user should read before the key is reset (SettingsStore::resetAccessKey).
   [[nodiscard]] static QString resetKeyWarning();
-  // Absent until it was looked for.
+  // nullopt before the first search.
   [[nodiscard]] const std::optional<fennick::FirewallFinding> &firewall() const { return firewall_; }
 
-  // The address in the QR code: the preferred interface's, else the first; absent without addresses.
+  // The address in the QR code: the preferred interface's, otherwise the first; nullopt without addresses.
   [[nodiscard]] std::optional<fennick::LANAddress> preferredAddress() const;
-  // "http://192.168.1.20:8000"; absent without an address or a port.
+  // "http://192.168.1.20:8000"; nullopt without an address or a port.
   [[nodiscard]] std::optional<std::string> baseURL() const;
-  // What the QR code says, and where shortcuts send photos; absent with the base URL.
+  // The URL in the QR code, and the one for shortcuts; nullopt without the base URL.
   [[nodiscard]] std::optional<std::string> phoneURL() const;
   [[nodiscard]] std::optional<std::string> shortcutUploadURL() const;
 
@@ -94,7 +95,7 @@ public:
   void setLocalNetworkStatus(LocalNetworkStatus status);
   void setShared(std::string folderName, std::int64_t count);
   void setFirewall(std::optional<fennick::FirewallFinding> finding);
-  // Takes the current phone URL, or its absence, over into the QR code.
+  // Updates the QR code from the current phone URL, or removes it if there is none.
   void refreshQR();
 
 signals:
@@ -146,8 +147,8 @@ private:
   std::optional<std::string> announcedURL_;
 };
 
-// What to do when phones cannot connect although the service answers, in a Chinese sentence: nothing while no
-// firewall is known to stand in the way.
+// Returns a Chinese sentence about what to do if phones cannot connect although the service answers, or
+// nullopt if no firewall is known to block them.
 [[nodiscard]] std::optional<std::string> firewallAdvice(const fennick::FirewallFinding &finding);
 
 } // namespace quarrow

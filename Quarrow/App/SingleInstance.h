@@ -8,8 +8,8 @@
 
 namespace quarrow {
 
-// Being the one program that runs, for as long as it lives: what later launches hand over comes in on Qt's
-// event loop. Main thread, while there is an application object.
+// Keeps this program the single running instance while the object exists, and delivers the arguments of later
+// launches on Qt's event loop. Main thread, while there is an application object.
 class SingleInstance {
 public:
   // Called once for each launch, in order; must not destroy this object.

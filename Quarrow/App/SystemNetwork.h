@@ -13,7 +13,7 @@
 
 namespace quarrow {
 
-// The network that this computer is in.
+// The network of this computer.
 class SystemNetwork final : public LocalNetwork {
 public:
   explicit SystemNetwork(fennick::MainQueue &mainQueue) : mainQueue_(mainQueue) {} // outlives this

@@ -8,8 +8,8 @@ namespace quarrow {
 
 namespace {
 
-// While photos arrive one after another, the folder and the stored thumbnails are listed this often: some 30
-// ms of a thread of its own for ten thousand photos.
+// While photos arrive one after another, the folder and the stored thumbnails are listed at this interval:
+// about 30 ms of a thread of its own for ten thousand photos.
 constexpr fennick::Seconds kTidyDelay{10};
 
 } // namespace

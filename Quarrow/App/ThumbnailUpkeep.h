@@ -10,18 +10,17 @@
 
 namespace quarrow {
 
-// Lets go of the stored thumbnails of photos that are gone: at once of those that this program removed or
-// renamed or that have left the photo wall, and soon after any change of the save folder of all others, be it
-// that another program deleted them. Main thread.
+// Removes the stored thumbnails of photos that are gone: at once if this program removed or renamed them or
+// they left the photo wall, and soon after any change in the save folder otherwise, for example if another
+// program deleted them. Main thread.
 class ThumbnailUpkeep {
 public:
   // All outlive the object.
   ThumbnailUpkeep(fennick::Thumbnails &thumbnails, fennick::PhotoLibrary &library,
                   fennick::MainQueue &mainQueue);
 
-  // Something in the save folder has changed, or it is a new one. A burst of changes costs one look through
-  // it. Nothing is looked at if `drive`, on which the folder lies (see SaveFolderDrive.h), is unplugged by
-  // then.
+  // Something in the save folder has changed, or it is a new one. A burst of changes causes one scan. Nothing
+  // is read if `drive`, on which the folder lies (see SaveFolderDrive.h), is unplugged by then.
   void folderChanged(const std::filesystem::path &folder, const std::filesystem::path &drive);
 
 private:

@@ -13,9 +13,9 @@
 
 namespace quarrow {
 
-// Makes thumbnails before anybody asks for them, so that the first guest of the gallery finds them: one of
-// each size at a time, and only while no phone and no window waits for one. Works on two threads of its own,
-// so that a photo that arrives does not wait for a whole folder. Main thread.
+// Makes thumbnails in advance for the first guest of the gallery: one of each size at a time, and only while
+// no phone and no window waits for one. Uses two threads of its own, so that a new photo does not wait for a
+// whole folder. Main thread.
 class ThumbnailWarmer {
 public:
   // Both outlive the object. Photos that `filter` hides are left out.
@@ -25,13 +25,12 @@ public:
   ThumbnailWarmer(const ThumbnailWarmer &) = delete;
   ThumbnailWarmer &operator=(const ThumbnailWarmer &) = delete;
 
-  // A photo was received and processed: makes both sizes.
+  // Makes both sizes for a photo that was received and processed.
   void add(const std::filesystem::path &photo);
-  // Phones may look into `folder` from now on, or into none: makes the small thumbnails of the photos that
-  // are listed there. Does nothing if the folder is the one before.
+  // Makes the small thumbnails of the photos listed in `folder`, which phones may browse from now on;
+  // nullopt: none. Does nothing if the folder is unchanged.
   void follow(const std::optional<std::filesystem::path> &folder);
-  // Leaves out what was not begun and waits for the thumbnails that are being made. Nothing is made
-  // afterwards.
+  // Drops what has not started and waits for running thumbnails. Nothing is made afterwards.
   void stop();
 
 private:
@@ -44,7 +43,7 @@ private:
   std::atomic<bool> stopped_ = false;
   std::optional<std::filesystem::path> folder_;
   fennick::Lifetime folderWanted_;
-  Queue arrivals_; // both exist from their first task on; last: what runs on them uses the above
+  Queue arrivals_; // both are created with their first task; last: what runs on them uses the above
   Queue listed_;
 };
 

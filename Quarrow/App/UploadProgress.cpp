@@ -3,8 +3,9 @@
 namespace quarrow {
 
 namespace {
-constexpr fennick::Seconds kInterval{0.25}; // quick enough to look alive, slow enough to read
-constexpr double kNewShare = 0.3; // of the latest interval in the shown speed, so that it does not jump
+constexpr fennick::Seconds kInterval{0.25}; // smooth, but still readable
+constexpr double kNewShare =
+    0.3; // weight of the latest interval in the displayed speed, so that it does not jump
 } // namespace
 
 UploadProgress::UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock)
@@ -24,7 +25,7 @@ void UploadProgress::begin() {
   refresh();
 }
 
-// Goes on by itself only while uploads are under way, so that an idle program sleeps.
+// Schedules itself only during uploads, so that an idle program sleeps.
 void UploadProgress::refresh() {
   activity_ = counter_.snapshot();
   const auto now = clock_.uptime();

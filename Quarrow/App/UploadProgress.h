@@ -9,11 +9,11 @@
 
 namespace quarrow {
 
-// How far the uploads under way are and how fast they come, as a person wants to see it. Refreshed four times
-// a second while something arrives and not at all otherwise. Main thread.
+// The progress and speed of the uploads as users see it. Refreshed four times a second while data arrives and
+// not at all otherwise. Main thread.
 class UploadProgress : public QObject {
   Q_OBJECT
-  Q_PROPERTY(qint64 uploads READ uploads NOTIFY changed) // under way
+  Q_PROPERTY(qint64 uploads READ uploads NOTIFY changed) // in progress
   Q_PROPERTY(qint64 receivedBytes READ receivedBytes NOTIFY changed)
   Q_PROPERTY(qint64 expectedBytes READ expectedBytes NOTIFY changed)
   Q_PROPERTY(double bytesPerSecond READ bytesPerSecond NOTIFY changed) // over the last moments
@@ -21,7 +21,7 @@ class UploadProgress : public QObject {
 public:
   UploadProgress(fennick::MainQueue &mainQueue, const fennick::Clock &clock);
 
-  // Nothing is refreshed until somebody looks.
+  // Nothing is refreshed before this is set.
   void setWatched(bool watched);
 
   [[nodiscard]] qint64 uploads() const { return activity_.uploads; }
@@ -30,7 +30,7 @@ public:
   [[nodiscard]] double bytesPerSecond() const { return bytesPerSecond_; }
   [[nodiscard]] const fennick::UploadActivity::Snapshot &snapshot() const { return activity_; }
 
-  // What the router counts in.
+  // Counts the uploads of the router.
   [[nodiscard]] fennick::UploadActivity &counter() { return counter_; }
 
 signals:
@@ -45,7 +45,7 @@ private:
   fennick::Lifetime lifetime_;
   fennick::UploadActivity::Snapshot activity_{};
   bool watched_ = false;
-  bool runs_ = false; // a refresh is under way or is to come
+  bool runs_ = false; // a refresh is scheduled
   fennick::Uptime refreshedAt_;
   std::int64_t refreshedBytes_ = 0;
   double bytesPerSecond_ = 0;

@@ -157,23 +157,23 @@ void HotKeyPortal::portalIsBack() {
   introduceToPortal(bus_);
   session_.reset();
   asked_.reset();
-  settle();
+  requestWanted();
 }
 
 bool HotKeyPortal::take(const HotKeyPreset &preset) {
   wanted_ = preset;
   if (asked_ == wanted_)
     return session_ != nullptr;
-  settle();
+  requestWanted();
   return true;
 }
 
 void HotKeyPortal::release() {
   wanted_.reset();
-  QTimer::singleShot(0, this, &HotKeyPortal::settle);
+  QTimer::singleShot(0, this, &HotKeyPortal::requestWanted);
 }
 
-void HotKeyPortal::settle() {
+void HotKeyPortal::requestWanted() {
   if (asked_ == wanted_)
     return;
   session_.reset();

@@ -61,7 +61,7 @@ public:
   void release() override;
 
 private:
-  void settle();
+  void requestWanted();
   void refuse();
   void portalIsBack();
 

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr double kFullQuality = 0.92; // close enough to look at single pixels
+constexpr double kFullQuality = 0.92; // high enough to look at single pixels
 
 QImage decoded(const std::string &jpeg) {
   return QImage::fromData(reinterpret_cast<const uchar *>(jpeg.data()), static_cast<int>(jpeg.size()),
@@ -38,8 +38,8 @@ std::int64_t LookPictures::fullEdge(std::int64_t width, std::int64_t height) {
   return std::min(kMostSide, static_cast<std::int64_t>(static_cast<double>(longer) * share));
 }
 
-// What is no longer wanted is neither found nor taken. While the decoder is busy, which takes it a while to
-// say, it is asked again.
+// Drops what is no longer wanted, before and after the work. Asks a busy decoder again, which takes a while
+// to refuse.
 template <typename Answer>
 void LookPictures::ask(std::unique_ptr<fennick::SerialQueue> &queue,
                        std::function<std::optional<Answer>()> find,

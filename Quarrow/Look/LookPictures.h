@@ -19,27 +19,27 @@
 
 namespace quarrow {
 
-// What is known of a file beyond its picture.
+// What is known about a file besides its picture.
 struct LookFacts {
   std::int64_t bytes = 0;
   fennick::Instant date{};                        // FileStatus::created
-  std::optional<fennick::PictureFacts> picture{}; // absent for videos and for what cannot be read
+  std::optional<fennick::PictureFacts> picture{}; // nullopt for videos and unreadable files
   fennick::PictureDetails details{};
   std::optional<fennick::PhotoOrigin> origin{};
-  std::optional<std::filesystem::path> original{}; // where the untouched file lies
+  std::optional<std::filesystem::path> original{}; // the path of the unprocessed file
 };
 
-// Reads what the quick look shows, off the main thread: pictures come from the locked-down decoder as JPEG,
-// and only those are decoded here. Answers come on the main thread, in the order asked for each kind; what
-// was asked before the last `forget` is not answered. Main thread.
+// Reads what the quick look shows, off the main thread. Pictures come from the sandboxed decoder as JPEG, and
+// only those are decoded here. Results arrive on the main thread, in the order of the requests of each kind;
+// requests before the last `forget` get no result. Main thread.
 class LookPictures {
 public:
   using TakePicture = std::function<void(const QImage &)>; // null: it cannot be shown
   using TakeFacts = std::function<void(const LookFacts &)>;
 
-  // Of the longer side of a picture for the screen, in pixels: the gallery's large size, kept on the disk.
+  // The longer side of a picture for the screen in pixels: the gallery's large size, stored on the disk.
   static constexpr std::int64_t kScreenPixels = fennick::Thumbnails::kLargePixels;
-  // Most pixels of a picture in full: of its longer side, and in all - 192 MB of memory.
+  // Limits for a picture in full: its longer side in pixels, and all pixels, which take 192 MB.
   static constexpr std::int64_t kMostSide = 8'192;
   static constexpr std::int64_t kMostPixels = 48'000'000;
 
@@ -51,13 +51,13 @@ public:
   LookPictures &operator=(const LookPictures &) = delete;
 
   void askForScreen(const std::filesystem::path &file, TakePicture take);
-  // Of at most `longEdge` pixels on the longer side: see `fullEdge`.
+  // Requests a picture of at most `longEdge` pixels on the longer side: see `fullEdge`.
   void askForFull(const std::filesystem::path &file, std::int64_t longEdge, TakePicture take);
   void askForFacts(const std::filesystem::path &file, TakeFacts take);
-  // Nothing that was asked for so far is wanted any more.
+  // Drops all requests so far.
   void forget() { wanted_.cancel(); }
 
-  // The longer side in which a picture of that size is decoded in full.
+  // Returns the longer side at which a picture of that size is decoded in full.
   [[nodiscard]] static std::int64_t fullEdge(std::int64_t width, std::int64_t height);
 
 private:
@@ -73,7 +73,7 @@ private:
   fennick::MainQueue &mainQueue_;
   fennick::Thumbnails &thumbnails_;
   fennick::Lifetime wanted_;
-  // Each from its first task on; last: what runs on them uses the above.
+  // Each is created with its first task; last: what runs on them uses the above.
   std::unique_ptr<fennick::SerialQueue> screenQueue_;
   std::unique_ptr<fennick::SerialQueue> fullQueue_;
 };

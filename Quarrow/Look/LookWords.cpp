@@ -38,11 +38,11 @@ QString pixelsText(const QSize &pixels) {
 QString millionsText(const QSize &pixels) {
   const double all = static_cast<double>(pixels.width()) * pixels.height();
   constexpr double kTenThousand = 1e4;
-  constexpr double kLeast = 100; // times ten thousand; of smaller pictures the sides say enough
+  constexpr double kLeast = 100; // in units of ten thousand; smaller pictures need no such text
   return all < kLeast * kTenThousand ? QString() : tr("%1 万像素").arg(qRound(all / kTenThousand));
 }
 
-// By the camera's clock, with its distance from UTC where that is said.
+// In the camera's local time, with its UTC offset if that is known.
 QString takenText(const fennick::PictureDetails &details) {
   const auto taken = QDateTime::fromString(QString::fromStdString(details.taken), "yyyy-MM-dd HH:mm:ss");
   const QString offset = QString::fromStdString(details.offset);

@@ -6,13 +6,13 @@
 #include <QString>
 #include <QVariantList>
 
-// What is known of a photo, in words. Pure functions; any thread.
+// Descriptions of a photo. Pure functions; any thread.
 namespace quarrow {
 
-// "4032 × 3024 · 2.4 MB · 2024年5月1日 10:00"; without the size in pixels when that is empty.
+// Returns "4032 × 3024 · 2.4 MB · 2024年5月1日 10:00", without the dimensions if `pixels` is empty.
 [[nodiscard]] QString lookLine(const QSize &pixels, std::int64_t bytes, fennick::Instant date);
 
-// Each with `label` and `text`; what is not known is left out.
+// Returns entries with `label` and `text`; what is unknown is left out.
 [[nodiscard]] QVariantList lookDetails(const QString &name, const QSize &pixels, const LookFacts &facts);
 
 } // namespace quarrow

@@ -16,9 +16,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMostReady =
-    4; // of 8 MB at most: the neighbours on both sides, and where one comes from
-// So that flipping through the photos does not begin to decode each of them in full.
+constexpr std::size_t kMostReady = 4; // of at most 8 MB: the neighbours on both sides, and the previous one
+// So that flipping through photos does not decode each of them in full.
 constexpr fennick::Seconds kSharpenDelay{0.2};
 
 int longerSide(const QSize &size) { return std::max(size.width(), size.height()); }
@@ -29,7 +28,7 @@ QSize sizeOf(const fennick::PhotoItem &item) {
   return {static_cast<int>(item.pixelWidth.value_or(0)), static_cast<int>(item.pixelHeight.value_or(0))};
 }
 
-// As it is shown.
+// Returns the dimensions as shown.
 QSize uprightSize(const fennick::PictureFacts &facts) {
   const QSize stored(static_cast<int>(facts.width.value_or(0)), static_cast<int>(facts.height.value_or(0)));
   const auto orientation = facts.orientation.value_or(fennick::kUpright);
@@ -94,7 +93,7 @@ void QuickLook::forget() {
   pixels_ = {};
 }
 
-// Shows the file from the beginning.
+// Loads the file from the beginning.
 void QuickLook::load() {
   forget();
   if (!open_ || file_.isEmpty()) {
@@ -127,8 +126,7 @@ void QuickLook::showItem(const fennick::PhotoItem &item) {
     setKind(screen_.isNull() ? Loading : Picture);
 }
 
-// The photo may have been changed in its place, turned for one: the old picture stays until the new one is
-// there.
+// The photo may have been changed, for example rotated: the old picture stays until the new one is ready.
 void QuickLook::follow() {
   const auto *item = open_ && !showsOriginal_ ? listed(path()) : nullptr;
   if (item == nullptr || item_ == *item)
@@ -221,7 +219,7 @@ void QuickLook::sharpen() {
                        });
 }
 
-// The nearest ones that are pictures; the wall may show others in between.
+// The nearest ones that are pictures; there may be videos in between.
 void QuickLook::prepareNeighbours() {
   const auto &items = library_.items();
   const auto here = item_ ? std::ranges::find(items, item_->url, &fennick::PhotoItem::url) : items.end();

@@ -20,28 +20,28 @@
 
 namespace quarrow {
 
-// One photo of the wall in full, and what is known of it. The picture comes first at the size of a screen,
-// and sharper when it is shown larger than that; the ones before and behind it are made ready. Main thread.
+// One photo of the wall in full with its details. The picture is first shown at the size of a screen, then
+// sharper if it is enlarged; its neighbours are prepared. Main thread.
 class QuickLook : public QObject {
   Q_OBJECT
-  // Nothing is read while it is not open, and all pictures are let go.
+  // While it is not open nothing is read, and no picture is kept.
   Q_PROPERTY(bool open READ isOpen WRITE setOpen NOTIFY openChanged)
   Q_PROPERTY(QUrl file READ file WRITE setFile NOTIFY fileChanged)
   Q_PROPERTY(Kind kind READ kind NOTIFY kindChanged)
   Q_PROPERTY(
       QVariant picture READ pictureValue NOTIFY pictureChanged) // a QImage, upright; null: there is none
   Q_PROPERTY(QSize pixels READ pixels NOTIFY factsChanged)      // of the photo, upright; empty: not known
-  // How long the picture's longer side is shown, in pixels of the screen.
+  // The displayed length of the picture's longer side, in pixels of the screen.
   Q_PROPERTY(int shownPixels READ shownPixels WRITE setShownPixels NOTIFY shownPixelsChanged)
   Q_PROPERTY(QString name READ name NOTIFY factsChanged)
   Q_PROPERTY(QString line READ line NOTIFY factsChanged) // "4032 × 3024 · 2.4 MB · 2024年5月1日 10:00"
-  // What is known, for people: each with `label` and `text`.
+  // Details for users: each with `label` and `text`.
   Q_PROPERTY(QVariantList details READ details NOTIFY factsChanged)
-  Q_PROPERTY(bool hasOriginal READ hasOriginal NOTIFY factsChanged) // the photo as it was before processing
+  Q_PROPERTY(bool hasOriginal READ hasOriginal NOTIFY factsChanged) // the photo before processing
   Q_PROPERTY(bool showsOriginal READ showsOriginal WRITE setShowsOriginal NOTIFY fileChanged)
 
 public:
-  // Oversized: beyond what is ever decoded.
+  // Oversized: beyond the limits for decoding.
   enum Kind { Nothing, Loading, Picture, Video, Oversized, Damaged };
   Q_ENUM(Kind)
 
@@ -76,7 +76,7 @@ signals:
 private:
   using Items = fennick::PhotoLibrary::Items;
   struct Ready {
-    fennick::PhotoItem item; // as it was when the picture was made
+    fennick::PhotoItem item; // as of the time when the picture was made
     QImage picture;
   };
 
@@ -103,7 +103,7 @@ private:
   bool open_ = false;
   QUrl file_;                                     // of the wall
   bool showsOriginal_ = false;                    // in its place
-  std::optional<std::filesystem::path> original_; // of the file, where it is known
+  std::optional<std::filesystem::path> original_; // of the file, if known
   std::optional<fennick::PhotoItem> item_;        // of the file, as it was loaded
   Kind kind_ = Nothing;
   QSize pixels_;

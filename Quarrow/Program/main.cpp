@@ -1,4 +1,4 @@
-// The program with windows: builds its objects in order, wires them and runs until it is told to end.
+// The program with windows: creates its objects in order, connects them and runs until it is told to end.
 
 #include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Platform/Files/Directories.h"
@@ -60,7 +60,7 @@ int refuse(int status, const std::string &sentence) {
   return status;
 }
 
-// Makes views. The engine is there from the first one on: a program that waits in the tray needs none.
+// Creates views. The engine is created with the first one: a program that waits in the tray has none.
 class Views {
 public:
   std::unique_ptr<QObject> make(const QString &name) {
@@ -108,10 +108,10 @@ int testAndReport(quarrow::AppDesktop &desktop) {
 struct State {
   std::filesystem::path preferences; // the folder that holds them
   std::filesystem::path cache;
-  std::optional<std::filesystem::path> saveFolder{}; // in place of the settings'
+  std::optional<std::filesystem::path> saveFolder{}; // instead of the folder in the settings
 };
 
-// Runs until it is told to end; gives the exit status.
+// Runs until it is told to end; returns the exit status.
 int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOptions &options,
           fennick::SignalSource signalSource, const State &state,
           std::optional<fennick::InstanceGuard> guard) {
@@ -195,15 +195,15 @@ int serve(quarrow::WindowedApplication &application, const quarrow::LaunchOption
     mainQueue.post([&] { QCoreApplication::exit(testAndReport(desktop)); });
   const int status = QCoreApplication::exec();
   desktop.closeAll();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views look at what ends next
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // views use what is destroyed next
   controller.finishPicture();
-  decoder.stop(); // whoever waits for a picture does so no longer
+  decoder.stop(); // requests for pictures that still wait fail
   controller.stop();
   mainQueue.drain();
   return status;
 }
 
-// A program that runs serves the new launch as well.
+// The running program handles the new launch.
 int handOver(const std::filesystem::path &directory, const quarrow::LaunchOptions &options) {
   const quarrow::HandOver asked{
       .windows = options.windows, .loginItem = options.loginItem, .activationToken = activationToken()};
@@ -216,7 +216,7 @@ int handOver(const std::filesystem::path &directory, const quarrow::LaunchOption
                             handed.error().message()));
 }
 
-// Beside the one that may be running, and without a trace.
+// Runs beside another instance and leaves nothing behind.
 int selfTest(int argc, char *argv[], const quarrow::LaunchOptions &options) {
   const QTemporaryDir folder;
   const std::filesystem::path own = folder.path().toStdString();

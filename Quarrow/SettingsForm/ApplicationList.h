@@ -9,7 +9,7 @@
 
 namespace quarrow {
 
-// The applications to choose from, narrowed down to those whose name contains `search`. Main thread.
+// The applications to choose from, filtered by names that contain `search`. Main thread.
 class ApplicationList : public QAbstractListModel {
   Q_OBJECT
   Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)

@@ -57,7 +57,7 @@ const std::array kPresets{
            {.quality = 0.95, .stripLocation = true, .stripAllMetadata = true}},
 };
 
-// Whether the originals are kept is a question of its own.
+// Keeping the originals is independent of the preset.
 bool hasFieldsOf(const Preset &preset, ImagingOptions options) {
   options.keepOriginal = preset.options.keepOriginal;
   return options == preset.options;
@@ -85,7 +85,7 @@ QString wordsFor(const PhotoExample::Size &size, bool estimated) {
       .arg(estimated ? ImagingForm::tr("约 %1").arg(bytes) : bytes);
 }
 
-// Sizes are reckoned to two digits at most.
+// Rounds an estimate to two digits.
 PhotoExample::Size rounded(PhotoExample::Size size) {
   const double step =
       std::pow(10, std::floor(std::log10(std::max<double>(1, static_cast<double>(size.bytes)))) - 1);

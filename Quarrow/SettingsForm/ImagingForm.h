@@ -16,12 +16,12 @@
 
 namespace quarrow {
 
-// What happens to received pictures: every field of the options, sets of them under plain names, and what
-// they make of a photo: of the latest one in the save folder, or else of a typical one. Main thread; photos
-// are tried elsewhere, and only while the form is watched.
+// The processing of received pictures: every field of the options, presets with simple names, and an example:
+// the latest photo in the save folder, or else a typical one. Main thread; photos are encoded on another
+// thread, and only while the form is watched.
 class ImagingForm : public QObject {
   Q_OBJECT
-  // "asIs", "share", "small", "private", or "own" when the fields are those of none.
+  // "asIs", "share", "small", "private", or "own" if the fields match no preset.
   Q_PROPERTY(QString preset READ preset WRITE setPreset NOTIFY changed)
   // Each with `value`, `text` and `detail`; without "own".
   Q_PROPERTY(QVariantList presets READ presets CONSTANT)
@@ -32,11 +32,11 @@ class ImagingForm : public QObject {
   Q_PROPERTY(bool limitsBytes READ limitsBytes WRITE setLimitsBytes NOTIFY changed)
   // In KB (thousands of bytes).
   Q_PROPERTY(int maxKilobytes READ maxKilobytes WRITE setMaxKilobytes NOTIFY changed)
-  // "keep", "jpeg", "heic" or "png"; what to choose from, each with `text` and `value`.
+  // "keep", "jpeg", "heic" or "png"; the choices, each with `text` and `value`.
   Q_PROPERTY(QString format READ format WRITE setFormat NOTIFY changed)
   Q_PROPERTY(QVariantList formats READ formats CONSTANT)
   Q_PROPERTY(QString formatMeaning READ formatMeaning NOTIFY changed)
-  // In percent, as they are used: 30 to 100, and 10 to the quality.
+  // In percent, limited to what is used: 30 to 100, and 10 up to the quality.
   Q_PROPERTY(int quality READ quality WRITE setQuality NOTIFY changed)
   Q_PROPERTY(QString qualityWords READ qualityWords NOTIFY changed)
   Q_PROPERTY(int qualityFloor READ qualityFloor WRITE setQualityFloor NOTIFY changed)
@@ -45,12 +45,12 @@ class ImagingForm : public QObject {
   Q_PROPERTY(bool stripAllMetadata READ stripAllMetadata WRITE setStripAllMetadata NOTIFY changed)
   Q_PROPERTY(bool keepOriginal READ keepOriginal WRITE setKeepOriginal NOTIFY changed)
 
-  // Whose photo the example is; what it is and what becomes of it; what else happens to it.
+  // The title of the example; the photo and its result; further effects.
   Q_PROPERTY(QString exampleTitle READ exampleTitle NOTIFY exampleChanged)
   Q_PROPERTY(QString exampleBefore READ exampleBefore NOTIFY exampleChanged)
   Q_PROPERTY(QString exampleAfter READ exampleAfter NOTIFY exampleChanged)
   Q_PROPERTY(QString exampleRemark READ exampleRemark NOTIFY exampleChanged)
-  // The photo is being tried; what is shown is reckoned meanwhile.
+  // Whether the photo is being encoded; an estimate is shown meanwhile.
   Q_PROPERTY(bool exampleBusy READ exampleBusy NOTIFY exampleChanged)
 
 public:
@@ -59,11 +59,11 @@ public:
               fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue);
 
   void setWatched(bool watched);
-  // Of the next JPEG once it has been processed; empty when it keeps its own.
+  // The extension of the next JPEG after processing; empty if it keeps its own.
   [[nodiscard]] const std::string &nextExtension() const { return typical_.extension; }
 
   [[nodiscard]] QString preset() const;
-  // Nothing happens for "own".
+  // Does nothing for "own".
   void setPreset(const QString &preset);
   [[nodiscard]] static QVariantList presets();
   [[nodiscard]] bool limitsPixels() const { return now().maxPixels.value_or(0) > 0; }
@@ -108,18 +108,18 @@ private:
   void follow(const fennick::ImagingOptions &options);
   void rememberLimits();
   void tryLatest();
-  // What is shown: the photo that was tried, or the typical one.
+  // The example that is shown: the encoded photo, or the typical one.
   [[nodiscard]] const PhotoExample::Example &shown() const { return tried_ ? *tried_ : typical_; }
 
   fennick::SettingsStore &store_;
   fennick::PhotoLibrary &library_;
   fennick::PictureDecoder &decoder_;
-  fennick::ImagingOptions known_; // that were last announced
+  fennick::ImagingOptions known_; // as announced last
   int lastPixels_;                // the limits that are, or were last
   int lastKilobytes_;
-  std::optional<bool> writesHEIC_; // once it is known
+  std::optional<bool> writesHEIC_; // nullopt until it is known
   PhotoExample::Example typical_;
-  std::optional<PhotoExample::Example> tried_; // the latest photo, if there is one that can be tried
+  std::optional<PhotoExample::Example> tried_; // the latest photo, if there is one that can be encoded
   std::filesystem::path triedFile_;
   bool busy_ = false;
   bool watched_ = false;

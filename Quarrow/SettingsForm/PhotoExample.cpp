@@ -19,7 +19,7 @@ using fennick::RenderRequest;
 constexpr fennick::Seconds kTimeout{20};
 constexpr Size kTypical{.width = 4032, .height = 3024, .bytes = 3'100'000};
 
-// Bits that a JPEG of a phone's photo in full size takes for a pixel, by quality.
+// Bits per pixel of a phone's photo as JPEG in full size, by quality.
 struct Point {
   double quality;
   double bits;
@@ -27,7 +27,7 @@ struct Point {
 constexpr std::array kJPEGBits{Point{0.1, 0.22}, Point{0.3, 0.45}, Point{0.5, 0.7},
                                Point{0.7, 1.05}, Point{0.8, 1.35}, Point{0.85, 1.6},
                                Point{0.9, 2.0},  Point{0.95, 2.9}, Point{1.0, 5.0}};
-constexpr double kHEICShare = 0.55; // of a JPEG's bits at the same quality
+constexpr double kHEICShare = 0.55; // relative to a JPEG's bits at the same quality
 constexpr double kPNGBits = 15;
 
 double jpegBits(double quality) {
@@ -48,7 +48,7 @@ double bitsInFullSize(PictureType type, double quality) {
   return type == PictureType::heic ? jpegBits(quality) * kHEICShare : jpegBits(quality);
 }
 
-// Shrinking leaves more detail to a pixel.
+// Shrinking leaves more detail per pixel.
 double bitsPerPixel(PictureType type, double quality, double scale) {
   return bitsInFullSize(type, quality) / std::sqrt(scale);
 }
@@ -67,7 +67,7 @@ std::int64_t reckonedBytes(const Size &size, const RenderRequest &request, doubl
   return std::llround(pixels * bitsPerPixel(request.output, quality, scale) / 8);
 }
 
-// Lowers the quality and then the size until the limit is kept, as the search for it does.
+// Lowers the quality and then the size until the limit is kept, like the real search.
 Size reckoned(const RenderRequest &request) {
   constexpr std::int64_t kSmallestEdge = 320;
   Size size = scaled(kTypical, request.longEdge);

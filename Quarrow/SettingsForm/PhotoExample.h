@@ -8,11 +8,11 @@
 #include <optional>
 #include <string>
 
-// What processing makes of one photo, to show what options mean. Values and functions; any thread.
+// What processing does to one photo, to illustrate the options. Values and functions; any thread.
 namespace quarrow::PhotoExample {
 
 struct Size {
-  std::int64_t width = 0; // as shown, turned upright
+  std::int64_t width = 0; // upright
   std::int64_t height = 0;
   std::int64_t bytes = 0;
 
@@ -20,9 +20,9 @@ struct Size {
 };
 
 struct Example {
-  std::string name{}; // of the photo; empty for the made-up one
+  std::string name{}; // of the photo; empty for the typical one
   Size before;
-  std::optional<Size> after{}; // absent: the photo stays as it is, or could not be tried
+  std::optional<Size> after{}; // absent: the photo stays unchanged, or could not be encoded
   bool estimated = true;       // `after.bytes` was reckoned, not measured
   bool fits = true;            // false: even the smallest is over `maxBytes`
   std::string extension{};     // of the result; empty while the name stays
@@ -30,8 +30,8 @@ struct Example {
   bool operator==(const Example &) const = default;
 };
 
-// A photo of 12 megapixels as phones take it, reckoned from what encoders usually need per pixel; good to
-// about a third.
+// Estimates the result for a phone's photo of 12 megapixels from what encoders usually need per pixel;
+// accurate to about a third.
 [[nodiscard]] Example ofTypicalPhoto(const fennick::ImagingOptions &options, bool canEncodeHEIC);
 
 // Encodes `file` without storing the result. Returns nullopt if it is not a readable picture. Blocks, for

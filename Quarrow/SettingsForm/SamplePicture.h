@@ -5,8 +5,8 @@
 
 namespace quarrow {
 
-// A small picture of our own, to try things with before there is a photo: made in `folder` unless it is
-// there already. Returns nullopt if it cannot be written. Blocks; any thread.
+// Creates a small sample picture in `folder` unless it exists already, to try actions with before there is a
+// photo. Returns nullopt if it cannot be written. Blocks; any thread.
 [[nodiscard]] std::optional<std::filesystem::path> samplePicture(const std::filesystem::path &folder);
 
 } // namespace quarrow

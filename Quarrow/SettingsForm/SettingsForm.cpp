@@ -19,14 +19,15 @@ namespace {
 using fennick::AppSettings;
 using fennick::PrefixSequenceNaming;
 
-constexpr int kLowestPort = 1024; // those below need rights that we do not have
+constexpr int kLowestPort = 1024; // lower ports need privileges
 constexpr int kHighestPort = 65535;
 constexpr std::int64_t kMegabyte = 1'000'000;
 constexpr std::int64_t kMostMegabytes = 1'000'000;
 constexpr int kUsualFolderLimit = 500;
 constexpr int kMostPhotos = 1'000'000;
 constexpr std::int64_t kHighestStart = 999'999'999;
-constexpr std::int64_t kVideoBytesPerSecond = 2'850'000; // of 4K at 30 pictures a second, as phones record it
+constexpr std::int64_t kVideoBytesPerSecond =
+    2'850'000; // of 4K video at 30 frames a second, as phones record it
 
 QString text(const std::string &utf8) { return QString::fromStdString(utf8); }
 
@@ -115,7 +116,7 @@ void SettingsForm::follow(const AppSettings &settings) {
   const auto *numbering = numberingOf(settings);
   if (oldNumbering != nullptr)
     unused_ = *oldNumbering;
-  // What is wrong with an input is of no interest once the field has got another value.
+  // An error about an input is obsolete once the field has another value.
   if (before.preferredPort != settings.preferredPort)
     setError(Field::port, {});
   if (before.sessionSubfolder != settings.sessionSubfolder)
@@ -237,7 +238,7 @@ int SettingsForm::uploadLimit() const {
   return static_cast<int>((bytes + kMegabyte / 2) / kMegabyte);
 }
 
-// A limit that rounds to the same number stays what it is.
+// A limit that rounds to the same number stays unchanged.
 void SettingsForm::setUploadLimit(int megabytes) {
   const std::int64_t wanted = std::clamp<std::int64_t>(megabytes, 1, kMostMegabytes);
   if (wanted != uploadLimit())

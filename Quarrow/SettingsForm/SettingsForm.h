@@ -19,27 +19,27 @@
 
 namespace quarrow {
 
-// The settings as their window shows them: every field's value, what it means for the next photo, and why an
-// input cannot be taken. What is entered is stored at once, or not at all: then the field keeps its value and
-// its error says why. The fields that other views set as well (gallery, address, shortcut) are Shell's.
+// The settings window: every field's value, its effect on the next photo, and why an input is not accepted.
+// Input is stored at once or rejected: then the field keeps its value and its error says why. Fields that
+// other views set as well (gallery, address, shortcut) belong to Shell.
 //
-// Main thread; the folders are looked at elsewhere, and only while the form is watched.
+// Main thread; folders are read on another thread, and only while the form is watched.
 class SettingsForm : public QObject {
   Q_OBJECT
   Q_PROPERTY(quarrow::ImagingForm *imaging READ imaging CONSTANT)
   Q_PROPERTY(quarrow::WorkflowForm *workflow READ workflow CONSTANT)
-  // Whether somebody looks at the form.
+  // Whether the form is visible.
   Q_PROPERTY(bool watched READ isWatched WRITE setWatched NOTIFY watchedChanged)
 
   Q_PROPERTY(int port READ port WRITE setPort NOTIFY changed)
   Q_PROPERTY(QString portError READ portError NOTIFY errorsChanged)
-  // Whether people have chosen the save folder; otherwise it is the default one.
+  // Whether the user has chosen the save folder; otherwise it is the default one.
   Q_PROPERTY(bool hasChosenFolder READ hasChosenFolder NOTIFY changed)
   Q_PROPERTY(bool dateSubfolders READ dateSubfolders WRITE setDateSubfolders NOTIFY changed)
   Q_PROPERTY(QString sessionSubfolder READ sessionSubfolder WRITE setSessionSubfolder NOTIFY changed)
   Q_PROPERTY(QString sessionError READ sessionError NOTIFY errorsChanged)
-  // Whether files are numbered behind a prefix; otherwise they are named by the time. The other four hold
-  // what numbering uses, or would use.
+  // Whether files are numbered after a prefix; otherwise they are named by the time. The other four are the
+  // values for numbering, even while it is off.
   Q_PROPERTY(bool numbered READ isNumbered WRITE setNumbered NOTIFY changed)
   Q_PROPERTY(QString prefix READ prefix WRITE setPrefix NOTIFY changed)
   Q_PROPERTY(QString prefixError READ prefixError NOTIFY errorsChanged)
@@ -47,21 +47,21 @@ class SettingsForm : public QObject {
   Q_PROPERTY(QString separatorError READ separatorError NOTIFY errorsChanged)
   Q_PROPERTY(int digits READ digits WRITE setDigits NOTIFY changed)
   Q_PROPERTY(int start READ start WRITE setStart NOTIFY changed)
-  // Of one file, in whole MB (millions of bytes).
+  // For one file, in whole MB (millions of bytes).
   Q_PROPERTY(int uploadLimit READ uploadLimit WRITE setUploadLimit NOTIFY changed)
   Q_PROPERTY(QString uploadLimitMeaning READ uploadLimitMeaning NOTIFY changed)
-  // Whether a folder may be full, and when.
+  // Whether the folder has a limit, and which.
   Q_PROPERTY(bool limitsFolder READ limitsFolder WRITE setLimitsFolder NOTIFY changed)
   Q_PROPERTY(int folderLimit READ folderLimit WRITE setFolderLimit NOTIFY changed)
   Q_PROPERTY(bool autoPrune READ autoPrune WRITE setAutoPrune NOTIFY changed)
   Q_PROPERTY(QString folderLimitMeaning READ folderLimitMeaning NOTIFY nextChanged)
-  // A folder below the save folder; empty: where uploads go.
+  // A folder below the save folder; empty: the folder for uploads.
   Q_PROPERTY(QString galleryFolder READ galleryFolder WRITE setGalleryFolder NOTIFY changed)
-  // What to choose from, each with `text` and `value`.
+  // The choices, each with `text` and `value`.
   Q_PROPERTY(QVariantList galleryFolders READ galleryFolders NOTIFY nextChanged)
   Q_PROPERTY(QString galleryFolderMeaning READ galleryFolderMeaning NOTIFY nextChanged)
 
-  // The name and the folder of the next photo; empty until known.
+  // The name and the folder of the next photo; empty until they are known.
   Q_PROPERTY(QString nextName READ nextName NOTIFY nextChanged)
   Q_PROPERTY(QString nextFolder READ nextFolder NOTIFY nextChanged)
 
@@ -89,13 +89,13 @@ public:
   [[nodiscard]] QString portError() const { return error(Field::port); }
   void setPort(int port);
   [[nodiscard]] bool hasChosenFolder() const { return now().saveFolderBookmark.has_value(); }
-  // Files are saved in the default folder again.
+  // Resets the save folder to the default one.
   Q_INVOKABLE void useDefaultFolder();
   [[nodiscard]] bool dateSubfolders() const { return now().dateSubfolders; }
   void setDateSubfolders(bool wanted);
   [[nodiscard]] QString sessionSubfolder() const;
   [[nodiscard]] QString sessionError() const { return error(Field::session); }
-  // Empty for none; spaces around the name are not part of it.
+  // Empty for none; spaces around the name are removed.
   void setSessionSubfolder(const QString &name);
 
   [[nodiscard]] bool isNumbered() const;
@@ -140,7 +140,7 @@ private:
   [[nodiscard]] const fennick::AppSettings &now() const { return store_.settings(); }
   [[nodiscard]] QString error(Field field) const;
   void setError(Field field, const QString &problem);
-  // Stores the change unless there is a problem with the field's input.
+  // Stores the change unless there is a problem with the input.
   void store(Field field, const QString &problem, const std::function<void(fennick::AppSettings &)> &change);
   void store(const std::function<void(fennick::AppSettings &)> &change);
   [[nodiscard]] fennick::PrefixSequenceNaming numbering() const;
@@ -153,7 +153,7 @@ private:
   fennick::FileSystem &files_;
   const fennick::Clock &clock_;
   fennick::AppSettings known_;           // that were last announced
-  fennick::PrefixSequenceNaming unused_; // the numbering, while files are named by the time
+  fennick::PrefixSequenceNaming unused_; // the numbering while files are named by the time
   int lastLimit_;                        // of the folder, while it has none
   std::map<Field, QString> errors_;      // that stand
   UploadFolder next_;

@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kMostGalleries = 300; // more than anyone looks through in a list
+constexpr std::size_t kMostGalleries = 300; // more than a user looks through in a list
 
 fennick::TakenNames namesIn(const fs::path &folder, fennick::FileSystem &files) {
   fennick::TakenNames taken;
@@ -29,7 +29,7 @@ bool isShown(const fennick::DirectoryEntry &entry) {
          (fennick::isPhotoFolderName(entry.name) || entry.name == fennick::kExportFolder);
 }
 
-// The folders below `folder`, as deep as photos are looked for; `prefix` is its own path with "/".
+// Collects the folders below `folder`, as deep as photos may lie; `prefix` is its own path with "/".
 void collect(const fs::path &folder, const std::string &prefix, int levels, fennick::FileSystem &files,
              std::vector<std::string> &found) {
   const auto entries = files.list(folder);

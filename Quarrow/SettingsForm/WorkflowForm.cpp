@@ -55,7 +55,7 @@ void WorkflowForm::setNotify(bool wanted) {
   store([&](auto &workflow) { workflow.notify = wanted; });
 }
 
-// A record that was edited by hand may have the one without the other.
+// A record that was edited by hand may have one without the other.
 QString WorkflowForm::applicationName() const {
   if (!now().openWithAppBookmark)
     return {};

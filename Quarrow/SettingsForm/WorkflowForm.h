@@ -19,8 +19,9 @@
 
 namespace quarrow {
 
-// What happens after a photo was received: every field of the options, the applications to choose from, and a
-// try of each action with the latest photo or a sample. Main thread; applications are looked for elsewhere.
+// The actions after a photo was received: every field of the options, the applications to choose from, and a
+// trial of each action with the latest photo or a sample. Main thread; applications are searched on another
+// thread.
 class WorkflowForm : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool copyToClipboard READ copyToClipboard WRITE setCopyToClipboard NOTIFY changed)
@@ -32,11 +33,11 @@ class WorkflowForm : public QObject {
   // Why it cannot be used; empty if it can.
   Q_PROPERTY(QString applicationError READ applicationError NOTIFY changed)
   Q_PROPERTY(quarrow::ApplicationList *applications READ applications CONSTANT)
-  // Whether they are being looked for.
+  // Whether applications are being searched.
   Q_PROPERTY(bool searching READ isSearching NOTIFY searchingChanged)
-  // What came of the last try of each action, by its number; empty: none was made.
+  // The result of the last trial of each action, by its number; empty: none.
   Q_PROPERTY(QStringList outcomes READ outcomes NOTIFY outcomesChanged)
-  // Whether the photo could not be opened in the last try.
+  // Whether the photo could not be opened in the last trial.
   Q_PROPERTY(bool openingFailed READ openingFailed NOTIFY outcomesChanged)
 
 public:
@@ -60,17 +61,17 @@ public:
 
   [[nodiscard]] ApplicationList *applications() { return &applications_; }
   [[nodiscard]] bool isSearching() const { return searching_; }
-  // Looks for the applications that are installed now.
+  // Searches the applications that are installed now.
   Q_INVOKABLE void findApplications();
-  // Received photos are opened with this one from now on.
+  // Opens received photos with this application from now on.
   Q_INVOKABLE void chooseApplication(const QString &entry, const QString &name);
   Q_INVOKABLE void chooseNoApplication();
 
-  // Does what would be done with a received photo, whether or not it is switched on.
+  // Runs the action with a photo, whether or not it is enabled.
   Q_INVOKABLE void tryOut(quarrow::WorkflowForm::Action action);
   [[nodiscard]] QStringList outcomes() const;
   [[nodiscard]] bool openingFailed() const { return openingFailed_; }
-  // The window was closed: what came of tries is of no interest any more.
+  // Removes the results of trials, since the window was closed.
   void forgetOutcomes();
 
 signals:
@@ -92,7 +93,7 @@ private:
   fennick::PhotoLibrary &library_;
   Desktop &desktop_;
   const std::filesystem::path sampleFolder_;
-  fennick::WorkflowOptions known_; // that were last announced
+  fennick::WorkflowOptions known_; // as announced last
   QString choiceError_;            // about the application that was chosen last
   ApplicationList applications_;
   bool searching_ = false;

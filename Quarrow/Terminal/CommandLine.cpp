@@ -31,7 +31,7 @@ constexpr const char *kDescription =
 using Strings = std::unique_ptr<char *, decltype(&g_strfreev)>;
 using Text = std::unique_ptr<char, decltype(&g_free)>;
 
-// What GLib writes the options into; filenames and lists are ours to free.
+// What GLib writes the options into; filenames and lists have to be freed.
 struct RawOptions {
   char *folder = nullptr;
   char *stateDirectory = nullptr;
@@ -53,7 +53,7 @@ struct RawOptions {
   }
 };
 
-// Every text is read as a file name: taken byte by byte, whatever the terminal's character set.
+// All texts are read as file names, byte by byte, independently of the terminal's character set.
 std::array<GOptionEntry, 9> optionEntries(RawOptions &raw) {
   const auto entry = [](const char *name, char letter, GOptionArg kind, void *value, const char *what,
                         const char *valueName) {
@@ -75,7 +75,7 @@ std::array<GOptionEntry, 9> optionEntries(RawOptions &raw) {
           GOptionEntry{}};
 }
 
-// ".." is resolved as the file system would, links and all.
+// Resolves ".." like the file system, following links.
 std::expected<std::filesystem::path, std::string> absolute(const char *option, const char *text) {
   const std::filesystem::path given = text;
   std::error_code error;
@@ -129,7 +129,7 @@ std::string messageOf(GError *error) {
                      owned->message);
 }
 
-// A vector of arguments as GLib wants it: the program's name first.
+// Returns the arguments as GLib requires them, with the program's name first.
 Strings argumentVector(const std::vector<std::string> &arguments) {
   GPtrArray *list = g_ptr_array_new();
   g_ptr_array_add(list, g_strdup("tevrin-headless"));

@@ -9,7 +9,7 @@
 
 namespace quarrow {
 
-// What the terminal receiver was asked to do.
+// The command line of the terminal program.
 struct CommandLine {
   std::optional<std::filesystem::path> folder; // absolute; the save folder for this run
   std::optional<std::uint16_t> port;           // the preferred port for this run
@@ -20,7 +20,7 @@ struct CommandLine {
   bool showVersion = false;
   std::optional<std::string> help; // the text to show instead of running
 
-  // Reads the arguments after the program's name. The error is a sentence for standard error. Main thread.
+  // Parses the arguments after the program's name. The error is a sentence for standard error. Main thread.
   [[nodiscard]] static std::expected<CommandLine, std::string>
   parse(const std::vector<std::string> &arguments);
 };

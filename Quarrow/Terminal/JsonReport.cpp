@@ -12,7 +12,7 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-// A path that is not UTF-8 is shown with replacement characters rather than not at all.
+// Bytes of a path that are not UTF-8 become replacement characters.
 void printLine(const Json &event) {
   const std::string line = event.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
   std::ignore = std::fwrite(line.data(), 1, line.size(), stdout);

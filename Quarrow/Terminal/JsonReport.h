@@ -4,8 +4,8 @@
 
 namespace quarrow {
 
-// One JSON object a line on standard output, flushed at once. The events and their fields are described in
-// docs/headless.md.
+// Writes one JSON object per line to standard output and flushes it. docs/headless.md describes the events
+// and their fields.
 class JsonReport final : public Report {
 public:
   void listening(const Listening &state, Reason reason) override;

@@ -10,7 +10,7 @@
 
 namespace quarrow {
 
-// What the terminal program tells the outside, as words or as events. Main thread.
+// The output of the terminal program, as text or as events. Main thread.
 class Report {
 public:
   struct Listening {
@@ -18,12 +18,12 @@ public:
     std::uint16_t preferredPort;
     std::string accessKey;
     std::optional<std::string> phoneURL;  // none without a usable address
-    std::optional<std::string> uploadURL; // none without a usable address
+    std::optional<std::string> uploadURL; // nullopt without a usable address
     std::filesystem::path saveFolder;
 
     bool operator==(const Listening &) const = default;
   };
-  // Why phones are told anew where to go.
+  // Why the address is reported again.
   enum class Reason { started, address, port, key, folder, asked };
 
   struct Received {
@@ -33,7 +33,7 @@ public:
     std::string note; // one line about the file
   };
 
-  // Whether the service answers under its address.
+  // Whether the service answers at its address.
   struct Check {
     bool passed;
     std::string message; // why not
@@ -41,23 +41,23 @@ public:
   };
 
   virtual ~Report() = default;
-  // The latest call counts.
+  // Each call replaces the state of the previous one.
   virtual void listening(const Listening &state, Reason reason) = 0;
   virtual void received(const Received &file) = 0;
   virtual void error(const std::string &message) = 0;
-  // Nothing is wrong any more.
+  // All errors are resolved.
   virtual void errorsSolved() = 0;
   virtual void check(const Check &result) = 0;
-  // A firewall that may keep phones out.
+  // A firewall may block phones.
   virtual void firewall(const fennick::FirewallFinding &finding) = 0;
-  // How many received photos wait for their processing; 0 once none does.
+  // The number of received photos that wait for their processing; 0 after the last one.
   virtual void waiting(int photos) = 0;
-  // Lines that only a person in front of the terminal needs.
+  // Text for a user at the terminal only.
   virtual void notice(const std::string &lines) = 0;
   virtual void bell() = 0;
-  // Whether `progress` should be called while uploads are under way.
+  // Returns whether `progress` should be called during uploads.
   [[nodiscard]] virtual bool showsProgress() const = 0;
-  // `bytesPerSecond` over the last moments. No uploads under way: take the line away.
+  // `bytesPerSecond` is an average over the last moments. Removes the progress line if there are no uploads.
   virtual void progress(const fennick::UploadActivity::Snapshot &activity, double bytesPerSecond) = 0;
 };
 

@@ -8,13 +8,13 @@
 
 namespace quarrow {
 
-// A desktop for programs in a terminal: the panel and most windows are the code and the address, printed
-// again, the sound is the terminal's bell, files are opened where there is a real desktop, and there are no
-// icon, no clipboard and no shortcut. Main thread.
+// The desktop of a program in a terminal: panel and most windows print the code and the address again, the
+// sound is the terminal's bell, files are opened if there is a desktop session, and there is no icon,
+// clipboard or shortcut. Main thread.
 class TerminalDesktop final : public Desktop {
 public:
   explicit TerminalDesktop(Report &report) : report_(report) {}
-  // What shows the code and the address; before this is called nothing does.
+  // Sets the function that prints the code and the address; nothing is printed before.
   void setPanel(std::function<void()> show) { panel_ = std::move(show); }
 
   void makeTrayItem() override {}

@@ -18,7 +18,7 @@ void TerminalKeyboard::resume() { waiting_.setEnabled(input_.take()); }
 
 void TerminalKeyboard::readKeys() {
   const auto keys = fennick::KeyboardInput::read();
-  if (keys.empty()) // the terminal is gone, or another program's
+  if (keys.empty()) // the terminal is gone, or belongs to another program
     return waiting_.setEnabled(false);
   if (typed_)
     typed_(keys);

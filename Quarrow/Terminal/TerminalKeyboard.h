@@ -10,19 +10,19 @@
 
 namespace quarrow {
 
-// The keyboard of the terminal that the program was started in, on Qt's event loop. Off where there is none
-// and while the program is in the background. Main thread, while there is an application object.
+// The keyboard of the terminal in which the program was started, on Qt's event loop. Inactive without a
+// terminal and while the program is in the background. Main thread, while there is an application object.
 class TerminalKeyboard {
 public:
   TerminalKeyboard();
 
   [[nodiscard]] bool isOn() const { return waiting_.isEnabled(); }
-  // `typed` gets what is typed from now on.
+  // Passes what is typed from now on to `typed`.
   void onTyped(std::function<void(std::string_view)> typed) { typed_ = std::move(typed); }
 
-  // Leaves the terminal as it was found: the program is about to be stopped or ended.
+  // Restores the terminal because the program is about to be stopped or ended.
   void pause();
-  // The program may be in the foreground again.
+  // Activates the keyboard if the program is in the foreground again.
   void resume();
 
 private:

@@ -11,23 +11,22 @@
 
 namespace quarrow {
 
-// What the keys of a person in front of the terminal do, and the question before the access key is reset.
-// Main thread.
+// Maps keys in the terminal to commands, and asks before the access key is reset. Main thread.
 class TerminalKeys {
 public:
   struct Actions {
     std::function<void()> showCode;
     std::function<void()> nextAddress;
-    std::function<void()> resetKey; // was confirmed
+    std::function<void()> resetKey; // after the confirmation
     std::function<void()> openFolder;
     std::function<void()> quit;
   };
 
-  // `report` outlives it.
+  // `report` outlives the object.
   TerminalKeys(Actions actions, Report &report);
 
-  // Keys as a terminal sends them. An escape character and what came with it is a function key, of which none
-  // means anything; any key but "y" answers the question with no.
+  // Handles keys as a terminal sends them. An escape character with what follows is a function key and
+  // ignored; any key but "y" answers the question with no.
   void typed(std::string_view keys);
 
 private:
@@ -37,11 +36,11 @@ private:
 
   const Actions actions_;
   Report &report_;
-  bool asking_ = false; // whether to reset the key
+  bool asking_ = false; // whether the question about the key is open
 };
 
-// The interface after that of `present`, in the order of `addresses` and from its start again; nothing when
-// there is no other.
+// Returns the interface after that of `present` in the order of `addresses`, starting again after the last
+// one, or nullopt if there is no other.
 [[nodiscard]] std::optional<std::string> nextInterface(std::span<const fennick::LANAddress> addresses,
                                                        const std::optional<fennick::LANAddress> &present);
 

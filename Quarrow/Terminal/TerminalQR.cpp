@@ -8,9 +8,9 @@ namespace quarrow {
 
 namespace {
 
-constexpr std::int64_t kQuietModules = 4; // what the QR standard asks for
+constexpr std::int64_t kQuietModules = 4; // required by the QR standard
 
-// 256-colour codes: the sixteen basic colours are whatever the terminal's theme makes of them.
+// 256-colour codes, since the terminal's theme redefines the sixteen basic colours.
 constexpr std::string_view kBlackOnWhite = "\x1b[38;5;16;48;5;231m";
 constexpr std::string_view kPlain = "\x1b[0m";
 

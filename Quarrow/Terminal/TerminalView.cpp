@@ -19,7 +19,7 @@ Report::Reason difference(const Report::Listening &before, const Report::Listeni
 TerminalView::TerminalView(const ServerModel &server, UploadProgress &progress, std::uint16_t preferredPort,
                            Report &report)
     : server_(server), preferredPort_(preferredPort), report_(report) {
-  // The key's signal and not only the address's: without an address the key can change all the same.
+  // The key's signal as well as the address's, because the key can change without an address.
   for (const auto signal :
        {&ServerModel::portChanged, &ServerModel::addressesChanged, &ServerModel::preferredInterfaceChanged,
         &ServerModel::accessKeyChanged, &ServerModel::saveFolderChanged})
@@ -63,7 +63,7 @@ void TerminalView::update() {
     return;
   const auto reason = shown_ ? difference(*shown_, *now) : Report::Reason::started;
   if (shown_ && shown_->phoneURL != now->phoneURL)
-    check_.reset(); // it was about another address
+    check_.reset(); // it concerned another address
   shown_ = std::move(now);
   report_.listening(*shown_, reason);
   if (reason == Report::Reason::started)
@@ -77,8 +77,7 @@ void TerminalView::reportError() {
     report_.errorsSolved();
 }
 
-// A check that is repeated without news is not worth a line, and without an address there is nothing to
-// check.
+// A repeated check with the same result is not reported, and without an address there is nothing to check.
 void TerminalView::reportCheck() {
   const auto &status = server_.localNetworkStatus();
   const Report::Check result{.passed = status.kind == LocalNetworkStatus::Kind::ok,

@@ -12,19 +12,19 @@
 
 namespace quarrow {
 
-// Shows the state of the service through a Report: where phones go as soon as port and addresses are known
-// and whenever that has changed, what was received, how far uploads are, and what is wrong. Main thread. All
-// that is borrowed outlives it.
+// Shows the state of the service through a Report: the address as soon as port and addresses are known and
+// after every change, received files, the progress of uploads, and errors. Main thread. Everything that is
+// borrowed outlives it.
 class TerminalView : public QObject {
 public:
-  // `preferredPort` is what the settings ask for.
+  // `preferredPort` is the port in the settings.
   TerminalView(const ServerModel &server, UploadProgress &progress, std::uint16_t preferredPort,
                Report &report);
 
   void received(const ReceivedFile &file);
-  // Where phones go, for somebody who asks.
+  // Reports the address again because the user asked.
   void showAgain();
-  // Whether the server has ever listened.
+  // Returns whether the server has ever listened.
   [[nodiscard]] bool hasListened() const { return hasListened_; }
 
 private:
@@ -39,7 +39,7 @@ private:
   Report &report_;
   bool hasListened_ = false;
   std::optional<Report::Listening> shown_;
-  std::optional<Report::Check> check_; // that was reported last
+  std::optional<Report::Check> check_; // as reported last
 };
 
 } // namespace quarrow

@@ -25,7 +25,7 @@ void print(std::string_view text) {
   std::ignore = std::fflush(stdout);
 }
 
-// What is said before the address; nothing at the start and to whoever asked.
+// The text before the address; empty at the start and if the user asked.
 std::string_view explanation(Report::Reason reason) {
   switch (reason) {
   case Report::Reason::address:
@@ -45,7 +45,7 @@ std::string_view explanation(Report::Reason reason) {
 
 } // namespace
 
-// Over the line of progress, if one is there: it always leaves the cursor at its beginning.
+// Overwrites the progress line, if there is one: it always leaves the cursor at its beginning.
 void WordsReport::printLine(const std::string &line) const {
   print(fmt::format("{}{}\n", options_.terminal ? kClearLine : "", line));
 }

@@ -4,13 +4,13 @@
 
 namespace quarrow {
 
-// Words for a person: the QR code and the address, a line for every file, and, when standard output is a
-// terminal, one line of progress that is drawn over itself. Errors go to standard error.
+// Output for users: the QR code and the address, a line for every file, and on a terminal one progress line
+// that is updated in place. Errors go to standard error.
 class WordsReport final : public Report {
 public:
   struct Options {
     bool qr = true;
-    bool terminal = false; // standard output is one
+    bool terminal = false; // whether standard output is a terminal
     bool colour = true;    // escape sequences for the QR code's colours
     bool keys = false;     // single keys are obeyed: the start mentions them
   };
@@ -20,7 +20,7 @@ public:
   void received(const Received &file) override;
   void error(const std::string &message) override;
   void errorsSolved() override;
-  // Says that all is well only after it was not.
+  // Reports success only after a failure.
   void check(const Check &result) override;
   void firewall(const fennick::FirewallFinding &finding) override;
   void waiting(int photos) override;
@@ -35,7 +35,7 @@ private:
   void printStatus() const;
 
   const Options options_;
-  bool checkFailed_ = false; // the latest one
+  bool checkFailed_ = false; // the latest check
   std::string progress_;     // what the line of progress says of uploads
   int waiting_ = 0;
 };

@@ -1,4 +1,4 @@
-// The terminal program: builds its objects in order, wires them and runs until a signal or a key ends it.
+// The terminal program: creates its objects in order, connects them and runs until a signal or a key ends it.
 
 #include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Platform/Files/Directories.h"
@@ -56,7 +56,7 @@ int refuse(int status, const std::string &sentence) {
   return status;
 }
 
-// What the command line changes, for this run. The error is a sentence for people.
+// Applies the command line's changes for this run. The error is a sentence for users.
 std::expected<void, std::string> applyCommandLine(AppSettings &settings,
                                                   const quarrow::CommandLine &options) {
   for (const auto &each : options.overrides)
@@ -115,15 +115,15 @@ std::filesystem::path stateDirectory(const quarrow::CommandLine &options) {
   return options.stateDirectory.value_or(fennick::configurationDirectory());
 }
 
-// What makes this program the only one that serves these settings and this folder. A save folder of its own
-// makes it another one.
+// Identifies this program among those that serve the same settings. One with its own save folder is a
+// separate instance.
 std::string instanceName(const quarrow::CommandLine &options) {
   if (!options.folder)
     return "tevrin";
   return fmt::format("tevrin-{:016x}", std::filesystem::hash_value(*options.folder));
 }
 
-// Runs until it is told to end; gives the exit status.
+// Runs until it is told to end; returns the exit status.
 int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::Preferences &preferences,
           const AppSettings &settings, std::optional<fennick::InstanceGuard> guard) {
   const QCoreApplication application(argc, argv);
@@ -173,9 +173,9 @@ int serve(int argc, char *argv[], const quarrow::CommandLine &options, fennick::
   controller.start();
   const int status = QCoreApplication::exec();
   controller.finishPicture();
-  decoder.stop(); // whoever waits for a picture does so no longer
+  decoder.stop(); // requests for pictures that still wait fail
   controller.stop();
-  mainQueue.drain(); // what finished in the last moment is still reported
+  mainQueue.drain(); // the last results are still reported
   return status;
 }
 

@@ -36,9 +36,9 @@ std::map<fs::path, int> placesOf(const PhotoListModel::Items &items) {
   return places;
 }
 
-// Which of `places`, which are all different, stand in a longest run that rises.
+// Marks which of `places`, which are all different, belong to a longest increasing subsequence.
 std::vector<bool> risingOf(const std::vector<int> &places) {
-  std::vector<std::size_t> ends; // the best end of a run of each length
+  std::vector<std::size_t> ends; // the smallest end of a subsequence of each length
   std::vector<std::size_t> before(places.size(), places.size());
   for (std::size_t i = 0; i < places.size(); ++i) {
     const auto at =
@@ -149,8 +149,8 @@ void PhotoListModel::removeAllBut(const Items &items) {
   }
 }
 
-// Moves as few rows as can be: those outside the longest run that is in order already, each behind the one
-// that it follows.
+// Moves as few rows as possible: those outside the longest run that is in order already, each behind its
+// predecessor.
 void PhotoListModel::moveInto(const Items &items) {
   const auto places = placesOf(items);
   std::vector<int> wanted;
@@ -169,7 +169,7 @@ void PhotoListModel::moveInto(const Items &items) {
     const int to =
         rank == wanted.begin() ? 0 : rowOf(items[static_cast<std::size_t>(*std::prev(rank))].url) + 1;
     if (!beginMoveRows({}, from, from, {}, to))
-      continue; // it is there already
+      continue; // it is in place already
     const auto row = rows_.begin() + from;
     if (to > from)
       std::rotate(row, row + 1, rows_.begin() + to);

@@ -10,8 +10,8 @@
 
 namespace quarrow {
 
-// The photos of the wall, a row each, for views. What changes in the list is told row by row, so that tiles
-// stay where they are and keep their pictures. Main thread.
+// The photos of the wall, one row each. Changes are announced row by row, so that tiles stay in place and
+// keep their pictures. Main thread.
 class PhotoListModel final : public QAbstractListModel {
   Q_OBJECT
 
@@ -42,9 +42,9 @@ public:
 
   [[nodiscard]] const Items &items() const { return rows_; }
 
-  // Shows `items`, each file of which comes once.
+  // Sets the rows to `items`, which are all different files.
   void setItems(const Items &items);
-  // What follows the files of `renamings` under their new names: rows stay, selection and highlight move on.
+  // Renames the files of `renamings`: rows stay, and selection and highlight follow.
   void rename(const std::vector<fennick::Renaming> &renamings);
   void setSelected(const Paths &files);
   void setRecent(const Paths &files);

@@ -25,9 +25,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view kTileSizeKey = "wallTileSize";
-constexpr fennick::Seconds kStoreDelay{1}; // a slider that is pulled is stored once
+constexpr fennick::Seconds kStoreDelay{1}; // so that dragging the slider stores the size once
 
-// What pictures come as from other programs, the most faithful first.
+// Formats in which other programs provide pictures, lossless first.
 constexpr const char *kPastedFormats[] = {"image/png", "image/jpeg", "image/webp", "image/tiff", "image/gif"};
 
 using Items = PhotoListModel::Items;
@@ -58,7 +58,7 @@ std::set<fs::path> filesOf(const Items &items) {
   return files;
 }
 
-// Files that have the place, the content and the date of others that are gone: the same under another name.
+// Finds files with the place, content and date of files that are gone: the same files under other names.
 std::vector<Renaming> renamingsOf(const Items &before, const Items &after) {
   if (before.size() != after.size())
     return {};
@@ -145,7 +145,7 @@ void PhotoWall::show() {
   });
   updateState();
   emit countsChanged();
-  emit selectionChanged(); // a photo that changed has another size
+  emit selectionChanged(); // a changed photo has another size
 }
 
 PhotoWall::State PhotoWall::stateNow() const {
@@ -272,7 +272,7 @@ bool PhotoWall::press(int key, int modifiers, const QString &text, int columns, 
 bool PhotoWall::step(int key, int modifiers, int columns, int rows) {
   const int current = currentIndex();
   const int last = count() - 1;
-  // Up and down stay in their column; where the row below has none, its last photo is meant.
+  // Up and down keep the column; in a shorter last row they go to its last photo.
   const auto down = [&](int lines) {
     const int rowsBelow = last / columns - current / columns;
     return std::min(current + std::min(lines, rowsBelow) * columns, last);
@@ -362,7 +362,7 @@ void PhotoWall::importFiles(const QList<QUrl> &files) {
     commands_.importFiles(std::move(paths));
 }
 
-// Pictures are handed on as they are: looking inside them is the decoder's business.
+// Pasted pictures are stored unchanged; only the sandboxed decoder reads them.
 bool PhotoWall::paste() {
   const auto *content = QGuiApplication::clipboard()->mimeData();
   if (content == nullptr)

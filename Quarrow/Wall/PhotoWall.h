@@ -27,15 +27,15 @@
 
 namespace quarrow {
 
-// The photo wall as its window shows it: what is on it, in which order, and what of it is selected. Places
-// are counted from 0 in the order of `model`; lengths are in the units of the views. Main thread.
+// The photo wall as its window shows it: its photos, their order, and the selection. Places are indices into
+// `model`; lengths are in the units of the views. Main thread.
 class PhotoWall : public QObject {
   Q_OBJECT
   Q_PROPERTY(QAbstractItemModel *model READ model CONSTANT)
   Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY filterChanged)
   Q_PROPERTY(State state READ state NOTIFY stateChanged)
-  Q_PROPERTY(int count READ count NOTIFY countsChanged) // of what is shown
-  Q_PROPERTY(int total READ total NOTIFY countsChanged) // of what the folder holds, up to the limit
+  Q_PROPERTY(int count READ count NOTIFY countsChanged)             // shown photos
+  Q_PROPERTY(int total READ total NOTIFY countsChanged)             // photos in the folder, up to the limit
   Q_PROPERTY(QString countText READ countText NOTIFY countsChanged) // "128 张照片 · 3 段视频"
   Q_PROPERTY(QString limitText READ limitText NOTIFY countsChanged) // empty: everything is shown
   Q_PROPERTY(int selectedCount READ selectedCount NOTIFY selectionChanged)
@@ -43,7 +43,7 @@ class PhotoWall : public QObject {
   Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)         // that has focus, or -1
   Q_PROPERTY(QUrl currentFile READ currentFile NOTIFY currentChanged)
   Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
-  // The wanted side of a tile; kept across runs.
+  // The preferred side of a tile; kept across runs.
   Q_PROPERTY(int tileSize READ tileSize WRITE setTileSize NOTIFY tileSizeChanged)
   Q_PROPERTY(int smallestTile READ smallestTile CONSTANT)
   Q_PROPERTY(int largestTile READ largestTile CONSTANT)
@@ -51,25 +51,25 @@ class PhotoWall : public QObject {
 public:
   enum Filter { All, Photos, Videos };
   Q_ENUM(Filter)
-  // Loading: the folder is looked through for the first time. Missing: it is not there. NoMatch: there is
-  // something, but nothing of what the filter lets through.
+  // Loading: the folder is scanned for the first time. Missing: it does not exist. NoMatch: there are photos,
+  // but the filter hides all of them.
   enum State { Loading, Empty, Missing, NoMatch, Filled };
   Q_ENUM(State)
 
   static constexpr int kSmallestTile = 96;
   static constexpr int kLargestTile = 320;
   static constexpr int kUsualTile = 168;
-  // What marks a drag as one of the wall's own.
+  // Marks a drag as one of the wall's own.
   static constexpr const char *kOwnDrag = "application/x-tevrin-photos";
 
-  // What the wall shows and asks for. All outlive the object.
+  // What the wall shows and uses. All outlive the object.
   struct Parts {
     fennick::PhotoLibrary &library;
     PhotoSelection &selection;
-    ServerModel &server; // its error may be about the folder
+    ServerModel &server; // its error may concern the folder
     PhotoCommands &commands;
     fennick::Thumbnails &thumbnails;
-    fennick::Preferences &preferences; // hold the size of the tiles
+    fennick::Preferences &preferences; // store the size of the tiles
     fennick::MainQueue &mainQueue;
     const fennick::Clock &clock;
   };
@@ -97,36 +97,36 @@ public:
   [[nodiscard]] static int smallestTile() { return kSmallestTile; }
   [[nodiscard]] static int largestTile() { return kLargestTile; }
 
-  // A click on a photo; `modifiers` are Qt::KeyboardModifiers.
+  // Handles a click on a photo; `modifiers` are Qt::KeyboardModifiers.
   Q_INVOKABLE void click(int place, int modifiers);
-  // Before a menu or a drag: the photo is selected, alone unless it is among the selected ones.
+  // Prepares a menu or a drag: selects the photo, alone unless it is selected already.
   Q_INVOKABLE void grab(int place);
   [[nodiscard]] Q_INVOKABLE bool isSelected(int place) const { return selection_.isSelected(place); }
-  // The photo that many places further, alone; stops at the ends.
+  // Selects only the photo that is `delta` places further; stops at the ends.
   Q_INVOKABLE void moveCurrent(int delta);
   Q_INVOKABLE void selectAll();
   Q_INVOKABLE void selectNone();
-  // What a key does in a wall of so many columns, of which so many rows are seen; `text` is what it types.
-  // False for keys that are not about the selection.
+  // Handles a key in a wall with so many columns and visible rows; `text` is what it types. Returns false for
+  // keys that do not concern the selection.
   Q_INVOKABLE bool press(int key, int modifiers, const QString &text, int columns, int rows);
 
-  // A rubber band over the photos, in tiles of the size `cell` of which `gap` is empty, laid out in rows of
-  // `columns` from the origin.
+  // Selects with a rubber band over tiles of the size `cell`, of which `gap` is empty, in rows of `columns`
+  // from the origin.
   Q_INVOKABLE void beginBand(int modifiers);
   Q_INVOKABLE void stretchBand(const QRectF &band, const QSizeF &cell, int columns, double gap);
 
-  // What another program is given of the selected photos, and this wall as well.
+  // Returns the data of the selected photos for a drag to other programs and to this wall.
   [[nodiscard]] Q_INVOKABLE QVariantMap dragData() const;
-  // The thumbnails of the first selected photos, at most `most`, for a picture of them.
+  // Returns the thumbnails of the first selected photos, at most `most`, for the picture of a drag.
   [[nodiscard]] Q_INVOKABLE QStringList dragThumbnails(int most) const;
-  // Looks through the folder again.
+  // Scans the folder again.
   Q_INVOKABLE void lookAgain();
-  // Brings photos of other places in; what does not come in is said in the server's error.
+  // Imports files from elsewhere; failures become the server's error.
   Q_INVOKABLE void importFiles(const QList<QUrl> &files);
-  // The same for files or a picture on the clipboard; false when it holds neither.
+  // Imports files or a picture from the clipboard. Returns false if it holds neither.
   Q_INVOKABLE bool paste();
 
-  // Puts the selected photos before the one at `place` (or behind all), in their order.
+  // Moves the selected photos before the one at `place` (or to the end), in their order.
   Q_INVOKABLE void moveSelectionTo(int place);
 
 signals:
@@ -147,7 +147,7 @@ private:
   [[nodiscard]] bool passes(const fennick::PhotoItem &item) const;
   [[nodiscard]] QString nameOf(int place) const;
   [[nodiscard]] bool step(int key, int modifiers, int columns, int rows);
-  // Runs `change` and announces what it did to the focused photo.
+  // Runs `change` and announces changes of the focused photo.
   template <typename Change>
   void changing(Change change);
   void storeTileSize();
@@ -167,7 +167,7 @@ private:
   Filter filter_ = All;
   State state_ = Empty;
   int tileSize_ = kUsualTile;
-  bool storesTileSize_ = false; // soon
+  bool storesTileSize_ = false; // a delayed store is scheduled
   std::vector<fennick::Subscription> subscriptions_;
 };
 

@@ -13,7 +13,7 @@ int TypeAhead::find(const QString &typed, int current, int count,
   typed_ += typed;
   const bool repeats = std::ranges::all_of(typed_, [&](QChar each) { return each == typed_.front(); });
   const QString wanted = repeats ? typed_.left(1) : typed_;
-  // While a name grows, the photo that it has led to may stay.
+  // While a name is being typed, the photo found so far may stay.
   const int first = std::max(current, 0) + (repeats && current >= 0 ? 1 : 0);
   for (int step = 0; step < count; ++step) {
     const int place = (first + step) % count;

@@ -8,18 +8,18 @@
 
 namespace quarrow {
 
-// Finds photos by the beginning of their names while a person types. Main thread.
+// Finds photos by the beginning of their names while the user types. Main thread.
 class TypeAhead {
 public:
-  // A pause of this length begins another name.
+  // After a pause of this length a new name begins.
   static constexpr fennick::Seconds kPause{1};
 
   // `clock` outlives the object.
   explicit TypeAhead(const fennick::Clock &clock) : clock_(clock) {}
 
-  // The place of the next photo whose name begins with what was typed so far, upper or lower case, going
-  // around the `count` photos from `current`; -1 when there is none. The same character again and again goes
-  // from one name with it to the next.
+  // Returns the place of the next photo whose name begins with what was typed, ignoring case, going around
+  // the `count` photos from `current`; -1 if there is none. Repeating one character goes from one name that
+  // begins with it to the next.
   [[nodiscard]] int find(const QString &typed, int current, int count,
                          const std::function<QString(int place)> &nameOf);
 

@@ -11,42 +11,42 @@
 
 namespace quarrow {
 
-// What the pointer and the keyboard do to the selection: which photos of the wall are selected, which one has
-// the keyboard, and from which one a range is drawn. Photos are told by their place on the wall. Main thread.
+// Applies the pointer and the keyboard to the selection: which photos of the wall are selected, which one has
+// focus, and where a range starts. Photos are identified by their place on the wall. Main thread.
 class WallSelection {
 public:
   using Files = std::vector<std::filesystem::path>;
 
-  // What a click or a step does.
+  // What a click or a step selects.
   enum class Reach {
     only,    // selects the photo alone
     toggle,  // turns it over and leaves the others
     range,   // selects from the anchor to it, and nothing else
-    addRange // the same beside what is selected
+    addRange // adds the range to the selection
   };
 
   // `selection` outlives the object.
   explicit WallSelection(PhotoSelection &selection) : selection_(selection) {}
 
-  // The wall shows `files` now, in this order. What is not among them is no longer selected. The focused
-  // photo keeps focus, or its neighbour gets it, and is selected if the lost photo alone was.
+  // Sets the files on the wall in their order. Files that are not among them are no longer selected. The
+  // focused photo keeps focus, or its neighbour gets it, and is selected if only the lost photo was.
   void setFiles(Files files);
-  // The same photos under new names.
+  // Renames files.
   void rename(const std::vector<fennick::Renaming> &renamings);
 
   [[nodiscard]] int count() const { return static_cast<int>(files_.size()); }
-  [[nodiscard]] int current() const { return current_; } // that has focus; -1: none
+  [[nodiscard]] int current() const { return current_; } // the photo with focus; -1: none
   [[nodiscard]] bool isSelected(int place) const;
 
-  // The photo gets the keyboard as well. A place that does not exist is passed over.
+  // Selects the photo and gives it focus. A place that does not exist is ignored.
   void pick(int place, Reach reach);
-  // Gives it the keyboard alone.
+  // Selects only this photo and gives it focus.
   void moveTo(int place);
   void selectAll();
   void selectNone();
 
-  // A rubber band is drawn: what it covers is selected beside what was selected when it began, if that is
-  // kept, and turned over if it is toggled.
+  // Starts a rubber band: the photos it covers are selected in addition to the previous selection if that is
+  // kept, or toggled.
   enum class Band { replace, add, toggle };
   void beginBand(Band kind);
   void coverWithBand(const std::vector<int> &places);

@@ -15,7 +15,7 @@ namespace {
 
 // How far a thumbnail may be enlarged before it looks soft.
 constexpr double kMostEnlarged = 1.3;
-// The radius of a tile's corners, as a part of its side.
+// The radius of a tile's corners relative to its side.
 constexpr double kRounding = 1.0 / 24;
 constexpr auto kEncoding = QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals;
 
@@ -33,7 +33,7 @@ bool isSoft(const QSize &size, int side) {
   return side > kMostEnlarged * std::min(size.width(), size.height());
 }
 
-// The decoder of the format shrinks while it decodes, so that large ones cost little.
+// The JPEG decoder scales while it decodes, so that large pictures cost little.
 QImage middleOf(const std::string &jpeg, int side) {
   QByteArray bytes = bytesOf(jpeg);
   QBuffer buffer(&bytes);
@@ -84,7 +84,7 @@ std::optional<QImage> WallThumbnails::tile(const QString &id, int side) {
   return middle.isNull() ? QImage() : withRoundCorners(middle);
 }
 
-// Of a very wide or tall picture the small one is but a strip.
+// The small thumbnail of a very wide or tall picture is only a strip.
 fennick::ThumbnailService::Result WallThumbnails::thumbnailFor(const fs::path &file, int side) {
   auto thumbnail = thumbnails_.small().thumbnail(file);
   if (!thumbnail || !isSoft(sizeOf(**thumbnail), side))

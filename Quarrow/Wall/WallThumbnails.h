@@ -11,23 +11,23 @@
 
 namespace quarrow {
 
-// The pictures on the wall's tiles: squares cut from the thumbnails that the gallery makes as well. What is
-// decoded in this process is only what the locked-down decoder has written. Any thread.
+// The pictures of the wall's tiles: squares cut from the gallery's thumbnails. This process decodes only what
+// the sandboxed decoder has written. Any thread.
 class WallThumbnails {
 public:
   static constexpr const char *kProvider = "thumbs"; // the name under which views find them
 
   explicit WallThumbnails(fennick::Thumbnails &thumbnails) : thumbnails_(thumbnails) {} // outlives the object
 
-  // "image://thumbs/…" with the file's path and what tells it from its earlier versions; empty for videos and
-  // for pictures that are not decoded.
+  // Returns "image://thumbs/…" with the file's path and its version; empty for videos and pictures that are
+  // not decoded.
   [[nodiscard]] static QString address(const fennick::PhotoItem &item);
 
-  // What follows "image://thumbs/" in the address.
+  // Returns the part of the address after "image://thumbs/".
   [[nodiscard]] static QString idOf(const fennick::PhotoItem &item);
 
-  // Returns the middle of the picture as a square of `side` pixels with round corners; a null image if there
-  // is none, and nullopt if the decoder is busy: ask again later. Blocks while the thumbnail is made.
+  // Returns the middle of the picture as a square of `side` pixels with round corners, a null image if there
+  // is none, or nullopt if the decoder is busy: ask again later. Blocks while the thumbnail is made.
   [[nodiscard]] std::optional<QImage> tile(const QString &id, int side);
 
 private:

@@ -40,7 +40,7 @@ protected:
     queue.runUntil([&] { return answered; });
   }
   // Until everything that was asked for is done.
-  void settle() {
+  void awaitJobs() {
     queue.runUntil([this] { return !actions.jobs()->running(); });
   }
 

@@ -60,7 +60,7 @@ TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
   EXPECT_THAT(listed(), ElementsAre("c.jpg", "b.jpg"));
   EXPECT_THAT(selected(), ElementsAre("c.jpg"));
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_THAT(listed(), ElementsAre("a.jpg", "b.jpg"));
   EXPECT_THAT(selected(), ElementsAre("a.jpg"));
   EXPECT_EQ(disk.read("photos/a.jpg"), "content of a.jpg");
@@ -70,11 +70,11 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   hang({"a.jpg", "b.jpg", "c.jpg", "d.jpg"});
   select({"d.jpg"});
   actions.rotate(true);
-  settle();
+  awaitJobs();
   trash.refused = "c.jpg";
   select({"a.jpg", "c.jpg", "d.jpg"});
   actions.trash();
-  settle();
+  awaitJobs();
   EXPECT_THAT(listed(), ElementsAre("b.jpg", "c.jpg"));
   EXPECT_THAT(selected(), ElementsAre("c.jpg"));
   EXPECT_EQ(actions.note(), "已将 2 项移到废纸篓");
@@ -83,20 +83,20 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   EXPECT_EQ(actions.failureLines(), QStringList("c.jpg：它所在的磁盘没有废纸篓"));
   select({"b.jpg"});
   actions.trash();
-  settle();
+  awaitJobs();
 
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_THAT(selected(), ElementsAre("b.jpg"));
   disk.write("photos/d.jpg", "a new one");
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(actions.note(), "原来的名字已被占用，放回为 d_2.jpg");
   EXPECT_THAT(selected(), ElementsAre("a.jpg", "d_2.jpg"));
   queue.runUntil([this] { return listed().size() == 5; });
   EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 6");
   actions.undo(); // of the turn: it is found under its new name
-  settle();
+  awaitJobs();
   EXPECT_FALSE(actions.canUndo());
   EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 8");
   EXPECT_EQ(disk.read("photos/d.jpg"), "a new one");
@@ -106,10 +106,10 @@ TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
   hang({"a.jpg", "b.jpg"});
   select({"a.jpg", "b.jpg"});
   actions.trash();
-  settle();
+  awaitJobs();
   files.failAlways(Operation::moveNoReplace, EACCES);
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(actions.failureLines(), (QStringList{"a.jpg：没有权限", "b.jpg：没有权限"}));
   files.mend(Operation::moveNoReplace);
   ASSERT_TRUE(actions.canUndo());
@@ -121,24 +121,24 @@ TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
   actions.rename("c");
   disk.write("photos/b.jpg", "another");
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_THAT(actions.failure().toStdString(), ::testing::EndsWith("可按 Ctrl+Z 重试"));
   std::filesystem::remove(disk / "photos/b.jpg");
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
 
   select({"a.jpg", "b.jpg"}); // a picture that cannot be written, and one that is gone
   actions.rotate(true);
-  settle();
+  awaitJobs();
   std::filesystem::remove(disk / "photos/b.jpg");
   decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::timedOut));
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(actions.failure(), "2 项没能撤销，可按 Ctrl+Z 重试");
   decoder.setOriented("turned ");
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
   EXPECT_FALSE(actions.canUndo());
 }
@@ -147,7 +147,7 @@ TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
   actions.rotate(true);
-  settle();
+  awaitJobs();
   std::binary_semaphore reached{0};
   std::binary_semaphore stopped{0};
   files.before(Operation::replace, [&] { reached.release(), stopped.acquire(); }); // of the first picture
@@ -156,12 +156,12 @@ TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
   actions.jobs()->stop();
   files.before(Operation::replace, {});
   stopped.release();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 8turned 6");
   EXPECT_EQ(actions.note(), "已停止，还有 2 项没有撤销");
   EXPECT_TRUE(actions.noteCanBeUndone());
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/c.jpg"), "turned 8turned 8");
   EXPECT_FALSE(actions.canUndo());
 }
@@ -174,7 +174,7 @@ TEST_F(PhotoActionsTest, AnotherOrderIsTakenBackLikeEverythingElse) {
   EXPECT_TRUE(actions.canSortByDate());
   select({"c.jpg"});
   actions.trash();
-  settle();
+  awaitJobs();
   actions.undo();
   awaitWall({"c.jpg", "a.jpg", "b.jpg"}); // in the place that it had
   actions.sortByDate();
@@ -193,7 +193,7 @@ TEST_F(PhotoActionsTest, TheNoteStaysForAWhileAndForAsLongAsItIsHeld) {
   const auto deleteOne = [this](const char *name) {
     select({name});
     actions.trash();
-    settle();
+    awaitJobs();
   };
   deleteOne("a.jpg");
   queue.advance(fennick::Seconds(5));
@@ -216,16 +216,16 @@ TEST_F(PhotoActionsTest, PicturesTurnAndTurnBackAndVideosAreLeftAlone) {
   hang({"a.jpg", "b.jpg", "c.mov"});
   select({"a.jpg", "b.jpg", "c.mov"});
   actions.rotate(true);
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 6turned 6");
   EXPECT_EQ(disk.read("photos/c.mov"), "content of c.mov");
   actions.undo();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
   EXPECT_FALSE(actions.canUndo());
   decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::unsupported));
   actions.rotate(false);
-  settle();
+  awaitJobs();
   EXPECT_EQ(actions.failure(), "2 张没能旋转");
   EXPECT_EQ(actions.failureLines(), (QStringList{"a.jpg：写入失败", "b.jpg：写入失败"}));
   EXPECT_FALSE(actions.canUndo());
@@ -242,12 +242,12 @@ TEST_F(PhotoActionsTest, WorkTellsHowFarItIsAndStopsAfterTheFileItIsAt) {
   actions.jobs()->stop();
   EXPECT_TRUE(actions.jobs()->stopping());
   decoder.release();
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 6");
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
   EXPECT_EQ(actions.jobs()->total(), 0);
   actions.undo(); // of the one
-  settle();
+  awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
 }
 

@@ -53,7 +53,7 @@ TEST_F(RenameFormTest, TheNamesAreShownBeforehandAndThenGivenAndTakenBack) {
   EXPECT_EQ(disk.read("photos/x-9.jpg"), "content of b.jpg");
   EXPECT_EQ(actions.note(), "已重命名 2 项");
   actions.undo();
-  settle();
+  awaitJobs();
   awaitWall({"b.jpg", "a.png", "other.jpg", "x-2.png"});
 }
 

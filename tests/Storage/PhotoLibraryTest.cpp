@@ -29,9 +29,9 @@ protected:
     queue.runUntil([&] { return !library->items().empty(); });
   }
   // Everything that was asked of the library before has been done when this returns.
-  void settle() {
-    ++settled;
-    const auto last = write(fmt::format("settled{}.jpg", settled), -settled);
+  void awaitRequests() {
+    ++awaited;
+    const auto last = write(fmt::format("awaited{}.jpg", awaited), -awaited);
     library->scan();
     library->noteAdded(last);
     queue.runUntil([&] { return library->recentlyAdded().contains(last); });
@@ -57,7 +57,7 @@ protected:
   SystemFileSystem files;
   test::FakeDecoder decoder;
   test::ManualQueue queue;
-  int settled = 0;
+  int awaited = 0;
   std::unique_ptr<PhotoLibrary> library = std::make_unique<PhotoLibrary>(files, decoder, queue);
 };
 
@@ -85,7 +85,7 @@ TEST_F(PhotoLibraryTest, OnlyTheNewestAreKeptAndOnlyTheyAreRead) {
   ASSERT_EQ(library->items().size(), 500U);
   EXPECT_EQ(shown().front() + shown().back(), "599.jpg100.jpg");
   EXPECT_EQ(decoder.calls(), 500);
-  settle(); // looks through the folder again: one new file is one to read
+  awaitRequests(); // looks through the folder again: one new file is one to read
   EXPECT_EQ(decoder.calls(), 501);
 }
 
@@ -171,7 +171,7 @@ TEST_F(PhotoLibraryTest, AnAddedFileComesToTheFrontAndShinesForAMoment) {
   EXPECT_EQ(decoder.calls(), 2); // nothing looks into what lies elsewhere
   queue.advance(Seconds(1));
   library->noteAdded(added); // processed, and saved again
-  settle();
+  awaitRequests();
   queue.advance(Seconds(1.4));
   EXPECT_TRUE(library->recentlyAdded().contains(added));
   queue.advance(Seconds(0.1));

@@ -33,10 +33,10 @@ protected:
   }
   void TearDown() override {
     keeper.closeAll();
-    settle();
+    deleteClosedWindows();
   }
   // What closing leaves for later.
-  static void settle() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+  static void deleteClosedWindows() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
   QQmlEngine engine;
   QStringList made;
@@ -51,7 +51,7 @@ TEST_F(WindowKeeperTest, AWindowIsMadeOnceWhileItIsOpenAndGoneWhenItIsClosed) {
   const QPointer<QQuickWindow> window = keeper.window(Desktop::Window::main);
   ASSERT_TRUE(window);
   window->close();
-  settle();
+  deleteClosedWindows();
   EXPECT_FALSE(window);
   keeper.show(Desktop::Window::main);
   EXPECT_NE(keeper.window(Desktop::Window::main), nullptr);
@@ -92,7 +92,7 @@ TEST_F(WindowKeeperTest, ThePanelFollowsItsContentAndIsGoneWhenItIsDismissed) {
   EXPECT_EQ(content->height(), 351);
   QMetaObject::invokeMethod(content, "dismissed");
   EXPECT_FALSE(panel.isOpen());
-  settle();
+  deleteClosedWindows();
   EXPECT_FALSE(window);
 }
 

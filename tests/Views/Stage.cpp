@@ -47,7 +47,7 @@ Stage::~Stage() {
   SettingsSingleton::instance = nullptr;
 }
 
-void Stage::settle() {
+void Stage::reset() {
   endUploads();
   server().setAccessKey("7GQ2M4XK9P");
   server().setPort(8000);

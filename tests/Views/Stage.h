@@ -30,7 +30,7 @@ public:
   ~Stage() override;
 
   // Everything is fine: two networks, a port, nothing in the way, nothing received yet.
-  Q_INVOKABLE void settle();
+  Q_INVOKABLE void reset();
   Q_INVOKABLE void setAddresses(const QStringList &interfaces);
   Q_INVOKABLE void setPort(int port); // 0: no server listens
   Q_INVOKABLE void setFolder(const QString &path);

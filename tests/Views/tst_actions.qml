@@ -39,7 +39,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
         Stage.hang(["a.jpg", "b.jpg", "c.mov"]);
         Stage.asked();
         window.show();

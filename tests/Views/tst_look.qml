@@ -25,7 +25,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
         Look.open = false;
     }
     function look(names, size) {

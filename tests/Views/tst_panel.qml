@@ -30,7 +30,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
         window.show();
         window.requestActivate();
         tryVerify(() => window.active);
@@ -69,7 +69,7 @@ TestCase {
     function test_nothingScrollsAtTheFittingHeightAndBelowItTheKeyboardReachesEverything() {
         const page = find("page");
         for (const arrange of [() => {}, () => Stage.beginUpload(), () => Stage.setAddresses([])]) {
-            Stage.settle();
+            Stage.reset();
             arrange();
             window.height = 100;
             tryVerify(() => page.interactive);

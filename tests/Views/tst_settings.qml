@@ -18,7 +18,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
         window = createTemporaryObject(component, null);
         window.show();
         window.requestActivate();

@@ -29,7 +29,7 @@ TestCase {
     }
 
     function test_theSentenceSaysTheWorstThatIsKnown(data) {
-        Stage.settle();
+        Stage.reset();
         data.arrange();
         compare(Status.tone, data.tone);
         verify(Status.sentence.includes(data.says), Status.sentence);

@@ -22,7 +22,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
         Stage.fillWall(["a.jpg", "b.jpg", "c.MOV", "d.jpg", "e.jpg", "f.jpg", "g.jpg", "h.jpg"]);
         window = createTemporaryObject(main, null);
         window.show();

@@ -47,7 +47,7 @@ TestCase {
     }
 
     function init() {
-        Stage.settle();
+        Stage.reset();
     }
     function open(component) {
         const window = createTemporaryObject(component, null);

@@ -57,7 +57,7 @@ bool isLoading(const QQuickItem &item) {
 }
 
 // Until the layouts have found their sizes, the changes of colour are over and the pictures are there.
-void settle(const QQuickWindow &window) {
+void awaitRendering(const QQuickWindow &window) {
   for (int turn = 0; turn < 20 || isLoading(*window.contentItem()); ++turn)
     QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
 }
@@ -69,12 +69,12 @@ void fit(QQuickWindow &window, const Shot &shot) {
     return;
   item->setHeight(item->implicitHeight());
   window.resize(item->size().toSize());
-  settle(window);
+  awaitRendering(window);
 }
 
 bool take(const Shot &shot, bool dark, const QString &file) {
   Stage stage;
-  stage.settle();
+  stage.reset();
   shot.arrange(stage);
   QQmlEngine engine;
   std::ignore = makeView(engine, "Label"); // imports the module
@@ -83,9 +83,9 @@ bool take(const Shot &shot, bool dark, const QString &file) {
   if (!window)
     return false;
   window->show();
-  settle(*window);
+  awaitRendering(*window);
   shot.touch(*window);
-  settle(*window);
+  awaitRendering(*window);
   fit(*window, shot);
   return window->grabWindow().save(file);
 }

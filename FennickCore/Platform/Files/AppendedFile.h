@@ -14,7 +14,7 @@ class AppendedFile {
 public:
   // Opens the file, which is created with mode 0600 if it does not exist. A link is not followed.
   [[nodiscard]] static IOResult<AppendedFile> open(const std::filesystem::path &file);
-  // After a failure part of `text` may be in the file.
+  // Appends `text`. After a failure part of it may be in the file.
   [[nodiscard]] IOResult<void> append(std::string_view text);
 
 private:

@@ -9,7 +9,8 @@ namespace fennick {
 
 enum class Durability { onDisk, asTheSystemLikes };
 
-// A new file with all of `content`, to be moved over another one afterwards; on failure there is none.
+// Creates and syncs a file with all of `content`, which the caller then moves over another one. Leaves no
+// file on failure.
 [[nodiscard]] IOResult<void> writeAside(FileSystem &files, const std::filesystem::path &file,
                                         std::string_view content, Durability durability);
 

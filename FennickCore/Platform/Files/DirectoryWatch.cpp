@@ -18,11 +18,11 @@ namespace {
 
 constexpr std::uint32_t kNames = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF |
                                  IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
-// A modification time that is set alone counts as writing.
+// Setting only the modification time counts as writing.
 constexpr std::uint32_t kChanges = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB;
 constexpr std::uint32_t kContent = kNames | kChanges;
 
-// File systems of this computer's own disks that <linux/magic.h> does not name.
+// Local file systems that <linux/magic.h> does not name.
 constexpr std::uint32_t kExFATMagic = 0x2011BAB0;
 constexpr std::uint32_t kNTFS3Magic = 0x7366746E;
 constexpr std::uint32_t kZFSMagic = 0x2FC12FC1;
@@ -132,7 +132,8 @@ DirectoryWatch::Woken DirectoryWatch::sleep(Until until, Seconds most) {
   if (waiting[0].revents != 0)
     return Woken::interrupted;
   if (waiting[1].revents != 0)
-    return Woken::mounts; // before the changes: the kernel tells this once, and those until they are drained
+    return Woken::mounts; // before the changes: the kernel reports this once, but changes until they are
+                          // drained
   return waiting[2].revents != 0 ? Woken::changes : Woken::timeout;
 }
 

@@ -16,16 +16,16 @@ struct DirectoryChange {
     vanished, // an entry was deleted or moved away
     changed,  // an entry's content was written or its attributes were set (Scope::content only)
     lost,     // the folder is gone or is no longer watched; forget what was known of it
-    overflow, // events were dropped; forget what was known of every folder (`watch` is 0)
+    overflow, // the kernel dropped events: nothing known about any folder is certain (`watch` is 0)
   };
   Kind kind;
   int watch = 0;
   std::string name;
-  bool isDirectory = false; // what the entry is, or was
+  bool isDirectory = false; // the entry is, or was, a folder
 };
 
-// Whether every change in `folder` is made through this computer's kernel. What is not known to be so counts
-// as shared with others: network drives, FUSE, folders that a virtual machine's host lends.
+// Returns whether all changes in `folder` are made through this computer's kernel. Network drives, FUSE and
+// folders shared by a virtual machine's host are not local, nor is anything unknown.
 [[nodiscard]] bool isOnLocalDrive(const std::filesystem::path &folder);
 
 // Tells which entries come and go directly inside folders (inotify). The kernel queues each change before the
@@ -33,7 +33,7 @@ struct DirectoryChange {
 // Nothing runs in the background. One thread at a time, `interrupt` apart.
 class DirectoryWatch {
 public:
-  // What to do with folders that other computers may change unseen.
+  // What to do with folders that other computers may change without an event here.
   enum class Shared { refuse, accept };
   enum class Scope { names, content };
   enum class Woken { changes, mounts, interrupted, timeout };
@@ -41,23 +41,22 @@ public:
   // If the system grants no inotify instance, the object watches no folder.
   explicit DirectoryWatch(Shared shared = Shared::refuse);
 
-  // A number for the folder, given in its changes; the same for a folder that is watched already, whose
-  // scope it sets anew. Fails when the folder cannot be watched: it is not there, the user's limit is
-  // reached, or it is a shared one that is refused.
+  // Watches a folder and returns the number that its changes carry. A folder that is watched already keeps
+  // its number and gets the new scope. Fails if the folder does not exist, the user's limit of watches is
+  // reached, or it is shared and shared folders are refused.
   [[nodiscard]] IOResult<int> add(const std::filesystem::path &folder, Scope scope = Scope::names);
   void remove(int watch);
   [[nodiscard]] std::vector<DirectoryChange> drain();
 
-  // From here on `awaitChanges` also tells (`mounts`) when file systems were mounted or unmounted, wherever
-  // that was. A folder's watch says nothing of one that is mounted over the folder: it stays with what the
-  // path led to before.
+  // Lets `awaitChanges` return `mounts` when any file system is mounted or unmounted. Without this, mounting
+  // over a watched folder goes unnoticed: its watch stays with the folder below.
   void watchMounts();
 
-  // Sleeps until there is something to drain, or file systems come or go.
+  // Sleeps until there is something to drain or a file system was mounted or unmounted.
   [[nodiscard]] Woken awaitChanges();
   // Sleeps for `length`, whatever happens in the folders meanwhile.
   [[nodiscard]] Woken pause(Seconds length);
-  // Ends every sleep, that under way and all to come. Any thread.
+  // Ends the current and all later sleeps. Any thread.
   void interrupt();
 
 private:

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view kUserPrefix = "user.";
 
-// What `read` puts into a buffer that it is given.
+// Calls `read` with a buffer of sufficient size and returns what it wrote.
 template <typename Read>
 IOResult<std::string> readText(Read read) {
   std::string text(kMostAttributeBytes, '\0');

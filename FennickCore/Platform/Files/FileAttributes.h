@@ -7,22 +7,22 @@
 #include <string>
 #include <string_view>
 
-// What the file system keeps beside a file's content: its extended attributes. They stay with the file when
-// it is renamed or moved on its volume, and are lost in most copies. Following no link; any thread. Many file
-// systems have none (ENOTSUP).
+// Extended attributes: values that the file system keeps beside a file's content. They stay with the file
+// when it is renamed or moved within its volume, and most copies lose them. Links are not followed. Many file
+// systems have none (ENOTSUP). Any thread.
 namespace fennick {
 
-// No value is longer; the kernel allows no more either.
+// Bytes; the kernel accepts no longer value.
 inline constexpr std::size_t kMostAttributeBytes = 65'536;
 
-// The value under a name such as "user.fennick.origin"; ENODATA when the file has none of that name.
+// Returns the value of an attribute such as "user.fennick.origin", or ENODATA if the file does not have it.
 [[nodiscard]] IOResult<std::string> fileAttribute(const std::filesystem::path &file, const char *name);
-// In the place of the value there was.
+// Sets the attribute, replacing an earlier value.
 [[nodiscard]] IOResult<void> setFileAttribute(const std::filesystem::path &file, const char *name,
                                               std::string_view value);
 
-// Gives `to` the attributes of `from` that belong to users and their programs ("user."), as far as both file
-// systems have them: for a file that is to take another's place.
+// Copies the attributes of users and their programs ("user.") from one file to another, as far as both file
+// systems support them. For a file that replaces another.
 void copyUserAttributes(const std::filesystem::path &from, const std::filesystem::path &to);
 
 } // namespace fennick

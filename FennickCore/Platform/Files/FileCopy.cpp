@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kPiece = 256UZ * 1024;
 
-IOResult<void> pour(ReadableFile &from, WritableFile &into) {
+IOResult<void> copyContents(ReadableFile &from, WritableFile &into) {
   std::vector<std::byte> piece(kPiece);
   for (;;) {
     const auto read = from.read(piece);
@@ -27,7 +27,7 @@ IOResult<void> pour(ReadableFile &from, WritableFile &into) {
   }
 }
 
-// The next bytes, a full piece unless the file ends; empty if it cannot be read.
+// Reads the next bytes: a full piece unless the file ends. Returns an empty span if it cannot be read.
 std::span<const std::byte> nextPiece(ReadableFile &file, std::span<std::byte> piece) {
   std::size_t filled = 0;
   while (filled < piece.size()) {
@@ -50,7 +50,7 @@ IOResult<void> copyFile(FileSystem &files, const fs::path &from, const fs::path 
   auto created = files.createFile(to);
   if (!created)
     return std::unexpected(created.error());
-  auto copied = pour(*source, **created);
+  auto copied = copyContents(*source, **created);
   if (auto closed = (*created)->close(); copied)
     copied = closed;
   if (!copied)

@@ -13,7 +13,7 @@ namespace fennick {
 [[nodiscard]] IOResult<void> copyFile(FileSystem &files, const std::filesystem::path &from,
                                       const std::filesystem::path &to);
 
-// Whether both are readable regular files with the same bytes.
+// Returns whether both are readable regular files with the same bytes.
 [[nodiscard]] bool haveSameContent(const std::filesystem::path &one, const std::filesystem::path &other);
 
 } // namespace fennick

@@ -16,14 +16,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Moments beyond what the clock can hold, which a file may claim, become the furthest ones.
+// Times beyond the range of the clock, which a file may claim, become the earliest or latest one.
 Instant instantOf(const struct statx_timestamp &time) {
   constexpr std::int64_t kFurthest = Instant::max().time_since_epoch() / std::chrono::seconds(1) - 1;
   const auto seconds = std::clamp<std::int64_t>(time.tv_sec, -kFurthest, kFurthest);
   return Instant(std::chrono::seconds(seconds) + std::chrono::nanoseconds(time.tv_nsec));
 }
 
-// A refusal says that the file system has no such thing or leaves it to somebody else.
+// Treats a refused change as success: the file system does not support it, or reserves it to another user.
 IOResult<void> toleratingRefusal(const IOResult<void> &changed) {
   constexpr std::array kRefusals{EPERM, EACCES, EOPNOTSUPP, ENOSYS, EINVAL};
   if (!changed && std::ranges::find(kRefusals, changed.error().value()) != kRefusals.end())

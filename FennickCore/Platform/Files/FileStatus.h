@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-// What is known of a file without opening it. Any thread.
+// The metadata of a file. Any thread.
 namespace fennick {
 
 struct FileStatus {
@@ -23,14 +23,15 @@ struct FileStatus {
   std::uint32_t permissions = 0; // of owner, group and others: 0644
   FileIdentity identity;
 
-  // When the photo came into being: the earlier of birth and modification. Every atomic rewrite is born
-  // anew but keeps or sets its modification time; a copy is born now but keeps the original's.
+  // The time when the photo was taken or received: the earlier of birth and modification. An atomic rewrite
+  // has a new birth time but keeps or sets the modification time; a copy has a new birth time but keeps the
+  // original's modification time.
   [[nodiscard]] Instant created() const { return born ? std::min(*born, modified) : modified; }
 
   bool operator==(const FileStatus &) const = default;
 };
 
-// What is under the name right now, following no link.
+// Returns the status of the file itself; links are not followed.
 [[nodiscard]] IOResult<FileStatus> fileStatus(const std::filesystem::path &file);
 
 struct FolderEntry {
@@ -38,8 +39,8 @@ struct FolderEntry {
   FileStatus status;
 };
 
-// The entries directly in `folder` for which `wanted` says yes, in the file system's order; only those are
-// looked at. One that vanishes meanwhile is left out.
+// Returns the entries directly in `folder` for which `wanted` returns true, in the file system's order. Only
+// their status is read. An entry that vanishes meanwhile is left out.
 [[nodiscard]] IOResult<std::vector<FolderEntry>>
 readFolder(const std::filesystem::path &folder, Links links,
            const std::function<bool(std::string_view name, FileKind kind)> &wanted);

@@ -39,8 +39,8 @@ FileIdentity identityOf(const struct stat &status) {
   return {.device = status.st_dev, .inode = status.st_ino};
 }
 
-// Sends what was written to the disk in the background every few MiB, so that the final sync of a large
-// upload finds most of the work done. 8 MiB keeps a hard disk streaming and costs one call in 32 chunks.
+// Starts writing to the disk in the background every few MiB, so that the final sync of a large upload has
+// little left to do. 8 MiB keeps a hard disk streaming and costs one call in 32 chunks.
 constexpr std::int64_t kWritebackStep = std::int64_t{8} << 20;
 
 class SystemFile final : public WritableFile {
@@ -52,7 +52,7 @@ public:
       return result;
     written_ += static_cast<std::int64_t>(bytes.size());
     if (written_ - started_ >= kWritebackStep) {
-      // Only a hint: a file system that cannot do it writes at the sync.
+      // Only a hint: a file system that does not support it writes at the sync.
       ::sync_file_range(fd_.get(), started_, written_ - started_, SYNC_FILE_RANGE_WRITE);
       started_ = written_;
     }
@@ -64,7 +64,7 @@ public:
   }
 
   IOResult<void> close() override {
-    // Linux releases the descriptor even when close is interrupted: never called twice.
+    // Linux releases the descriptor even if close is interrupted, so it is not called again.
     const int status = ::close(fd_.release());
     return status != 0 && errno != EINTR ? IOResult<void>(lastFailure()) : IOResult<void>();
   }
@@ -77,7 +77,7 @@ private:
 
 bool renameFlagsUnsupported(int error) { return error == EINVAL || error == ENOSYS || error == ENOTSUP; }
 
-// The same promise as renameat2 without replace, for file systems that lack it: a hard link fails when the
+// Keeps the promise of renameat2 with RENAME_NOREPLACE on file systems that lack it: a hard link fails if the
 // name is taken; where there are no hard links either, an empty file claims the name first.
 IOResult<void> moveByLinkOrClaim(const fs::path &from, const fs::path &to) {
   if (::link(from.c_str(), to.c_str()) == 0) {

@@ -13,7 +13,7 @@ namespace fennick {
 
 namespace {
 
-// Asks the file system only where the listing itself does not tell.
+// Reads the status only if the listing does not contain the kind.
 FileKind kindOf(int folder, const dirent &entry) {
   switch (entry.d_type) {
   case DT_REG:

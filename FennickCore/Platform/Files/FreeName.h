@@ -9,8 +9,8 @@
 
 namespace fennick {
 
-// Calls `move` with the name in `folder`, and then with "_2", "_3", … before its extension, until it does not
-// fail with EEXIST; gives the path that it took. EEXIST itself after ten thousand names. Any thread.
+// Calls `move` with the name in `folder`, then with "_2", "_3", … before its extension, until it does not
+// fail with EEXIST. Returns the path that succeeded, or EEXIST after ten thousand names. Any thread.
 template <typename Move>
 [[nodiscard]] IOResult<std::filesystem::path> underFreeName(const std::filesystem::path &folder,
                                                             const std::filesystem::path &name, Move move) {

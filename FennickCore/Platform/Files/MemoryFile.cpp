@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kSeals = F_SEAL_SEAL | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE;
 
-// Never to be executed, which some systems demand and kernels before 6.3 do not know.
+// Not executable: some systems demand this flag, and kernels before 6.3 do not know it.
 FileDescriptor emptyMemoryFile() {
   constexpr unsigned kNoExecSeal = 0x8;
   constexpr unsigned kFlags = MFD_CLOEXEC | MFD_ALLOW_SEALING;
@@ -24,7 +24,7 @@ FileDescriptor emptyMemoryFile() {
 }
 
 IOResult<std::int64_t> sizeOf(const FileDescriptor &file) {
-  const off_t size = ::lseek(file.get(), 0, SEEK_END); // works in a process that may not ask for a status
+  const off_t size = ::lseek(file.get(), 0, SEEK_END); // the sandbox permits lseek but not fstat
   if (size < 0)
     return lastFailure();
   return size;

@@ -8,18 +8,18 @@
 #include <string>
 #include <string_view>
 
-// Bytes handed from one process to another, and files looked at without being copied.
+// Memory files that pass bytes between processes, and files mapped into memory.
 namespace fennick {
 
-// A memory file that holds `content` and can never be changed again, by anyone.
+// Creates a memory file with `content` that nobody can change afterwards.
 [[nodiscard]] IOResult<FileDescriptor> sealedMemoryFile(std::string_view content);
 
-// The content of a sealed memory file that another process made. EINVAL when it is not sealed against every
-// change, EFBIG when it is longer than `most`.
+// Returns the content of a sealed memory file from another process. Fails with EINVAL if it is not sealed
+// against every change and with EFBIG if it is longer than `most`.
 [[nodiscard]] IOResult<std::string> readSealedMemoryFile(const FileDescriptor &file, std::int64_t most);
 
-// A whole file in the address space, for as long as the object lives. A file that someone cuts short
-// meanwhile ends the process that touches the lost part: only for processes that are there to die.
+// Maps a whole file into memory for the lifetime of the object. If someone truncates the file meanwhile,
+// reading the lost part kills the process: use it only in processes that may die.
 class MappedFile {
 public:
   [[nodiscard]] static IOResult<MappedFile> map(const FileDescriptor &file);

@@ -7,8 +7,8 @@
 
 namespace fennick {
 
-// One name inside a folder: not empty, not "." or "..", without "/" and NUL, at most 255 bytes. A name that
-// came from outside passes through here before it is joined to a path, so that it cannot leave its folder.
+// One name inside a folder: not empty, not "." or "..", without "/" and NUL, at most 255 bytes. Every name
+// from outside is converted to this type before it is joined to a path, so that it cannot leave its folder.
 class PathComponent {
 public:
   // Returns nullopt if `text` is not such a name.
@@ -26,7 +26,8 @@ private:
   return folder / name.text();
 }
 
-// The text after the last "." of `name`, lower-cased; empty when there is no "." or the only one comes first.
+// Returns the text after the last "." of `name` in lower case, or an empty text if there is no "." or only a
+// leading one.
 [[nodiscard]] std::string lowerCasedExtension(std::string_view name);
 
 } // namespace fennick

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Fails with EBADMSG when the file is no JSON object.
+// Returns EBADMSG if the file is not a JSON object.
 IOResult<Json> readObject(const fs::path &file) {
   const auto stored = readFile(file);
   if (!stored)
@@ -29,8 +29,8 @@ IOResult<Json> readObject(const fs::path &file) {
   return parsed;
 }
 
-// Whether what is there will never be preferences; a disk or a system that fails to give them may do so
-// later.
+// Returns whether the content of the file can never be read as preferences, unlike after an error of the disk
+// that may pass.
 bool isUnusable(const std::error_code &error) {
   return error == std::errc::bad_message || error == std::errc::invalid_argument || // no regular file
          error == std::errc::permission_denied || error == std::errc::too_many_symbolic_link_levels;
@@ -42,8 +42,8 @@ fs::path withoutLinks(const fs::path &file) {
   return missing ? file : target;
 }
 
-// Removes "<name>.<UUID>.tmp", which a killed program leaves in the folder when it writes the file. Others
-// that write it hold the same lock as `FilePreferences::write`.
+// Removes "<name>.<UUID>.tmp" files, which a killed program leaves behind while writing. Programs that are
+// writing hold the same lock as `FilePreferences::write`.
 void removeTemporaries(const fs::path &file) {
   const fs::path target = withoutLinks(file);
   const auto lock =
@@ -128,8 +128,8 @@ std::expected<void, std::error_code> FilePreferences::write() {
   if (auto made = files.createDirectories(file_.parent_path()); !made)
     return made;
   const fs::path target = withoutLinks(file_);
-  // Keeps other programs of ours from writing between our reading and our writing. Where there are no locks
-  // it goes without.
+  // Prevents other instances from writing between our read and our write. Without support for locks it
+  // continues unlocked.
   const auto lock = DirectoryLock::lock(withoutLinks(target.parent_path()), DirectoryLock::Mode::exclusive);
   Json written = *values_;
   if (auto stored = readObject(target)) {

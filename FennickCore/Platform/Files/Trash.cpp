@@ -41,7 +41,7 @@ std::errc codeOf(const GError &error) {
   }
 }
 
-// The highest folder that lies on the same volume as `folder`.
+// Returns the topmost folder on the same volume as `folder`.
 fs::path topOfVolume(fs::path folder) {
   const auto device = [](const fs::path &path) {
     const auto identity = fileIdentity(path);
@@ -53,8 +53,8 @@ fs::path topOfVolume(fs::path folder) {
   return folder;
 }
 
-// The name in `files` of the file that had `status` in its old folder: usually the old one. If that was
-// taken, the trash chose another one that begins like it.
+// Returns the name that a file has in the trash's folder `files`. It is usually the old name; if that was
+// taken, the trash chose one that begins like it, and `status` identifies the file.
 std::optional<std::string> nameInTrash(const fs::path &files, const fs::path &original,
                                        const FileStatus &status) {
   const std::string name = original.filename().string();
@@ -70,8 +70,8 @@ std::optional<std::string> nameInTrash(const fs::path &files, const fs::path &or
   return std::nullopt;
 }
 
-// The file that was `before` keeps its identity in the trash: the trash of the home folder, or one of the two
-// places that a volume may have its own in.
+// Finds a trashed file by its identity: in the trash of the home folder or in one of the two places of a
+// volume's own trash.
 Trashed findInTrash(const fs::path &original, const FileStatus &before) {
   std::error_code unresolved;
   const fs::path top = topOfVolume(fs::canonical(original.parent_path(), unresolved));
@@ -95,7 +95,8 @@ IOResult<Trashed> SystemTrash::moveToTrash(const fs::path &file) {
 }
 
 IOResult<void> SystemTrash::discard(const fs::path &file) {
-  // The local file system itself: the desktop's other places would be asked over its bus.
+  // Uses the local file system directly; the default implementation would ask other services over the session
+  // bus.
   const std::unique_ptr<GFile, Unref> target(::g_vfs_get_file_for_path(::g_vfs_get_local(), file.c_str()));
   GError *raw = nullptr;
   if (::g_file_trash(target.get(), nullptr, &raw) != FALSE)
@@ -117,7 +118,7 @@ IOResult<fs::path> restoreFromTrash(const Trashed &trashed, FileSystem &files) {
   if (!back)
     return back;
   if (!trashed.record.empty())
-    std::ignore = files.remove(trashed.record); // a record without its file is swept out by the trash
+    std::ignore = files.remove(trashed.record); // the trash ignores and removes a record without a file
   std::ignore = files.syncDirectory(folder);
   return back;
 }

@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// How long the kernel is to wait, in steps that keep it the same from one piece of a body to the next, so
-// that it need not be told anew each time; rounded up, so that no deadline is taken for passed too early.
+// Returns the socket time-out for a deadline, rounded up to a step so that it stays the same for successive
+// chunks of a body and needs no further system call.
 milliseconds patience(Uptime now, Uptime deadline) {
   constexpr milliseconds kStep{100};
   constexpr milliseconds kLongest = std::chrono::hours(1);
@@ -43,8 +43,8 @@ std::expected<std::size_t, StreamError> SocketStream::send(std::span<const std::
                  [&] { return ::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL); });
 }
 
-// One blocking call at a time, the kernel keeping the deadline: half the system calls of asking first and
-// waiting then.
+// Lets the kernel enforce the deadline in one blocking call, which halves the system calls compared with
+// polling first.
 template <typename Call>
 std::expected<std::size_t, StreamError> SocketStream::waiting(int option, milliseconds &current,
                                                               Uptime deadline, Call call) {

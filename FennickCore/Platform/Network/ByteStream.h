@@ -22,15 +22,15 @@ enum class StreamError {
 class ByteStream {
 public:
   virtual ~ByteStream() = default;
-  // Waits for at least one byte; 0 when the peer has ended its side.
+  // Waits for at least one byte and returns how many arrived; 0 if the peer has closed its side.
   [[nodiscard]] virtual std::expected<std::size_t, StreamError> receive(std::span<std::byte> into,
                                                                         Uptime deadline) = 0;
-  // Waits until at least one byte of `bytes` was taken; how many were.
+  // Waits until the system has accepted at least one byte of `bytes` and returns how many.
   [[nodiscard]] virtual std::expected<std::size_t, StreamError> send(std::span<const std::byte> bytes,
                                                                      Uptime deadline) = 0;
-  // Tells the peer that nothing more will be sent.
+  // Closes the sending side.
   virtual void finishOutput() = 0;
-  // Wakes whoever waits in `receive` or `send`; these fail with `cancelled` from now on.
+  // Wakes a thread that waits in `receive` or `send`. Both fail with `cancelled` from now on.
   virtual void cancel() = 0;
 };
 
@@ -52,7 +52,7 @@ private:
 
   FileDescriptor socket_;
   const Clock &clock_;
-  std::chrono::milliseconds receivePatience_{0}; // what the kernel was told last
+  std::chrono::milliseconds receivePatience_{0}; // time-outs set on the socket last
   std::chrono::milliseconds sendPatience_{0};
   std::atomic<bool> cancelled_ = false;
 };

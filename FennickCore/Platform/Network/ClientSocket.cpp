@@ -19,7 +19,8 @@ namespace {
 
 FileDescriptor timerUntil(Uptime deadline) {
   FileDescriptor timer(::timerfd_create(CLOCK_BOOTTIME, TFD_CLOEXEC | TFD_NONBLOCK));
-  const auto moment = std::max(deadline.time_since_epoch(), UptimeClock::duration(1)); // 0 would mean never
+  const auto moment =
+      std::max(deadline.time_since_epoch(), UptimeClock::duration(1)); // 0 would disarm the timer
   const auto seconds = std::chrono::floor<std::chrono::seconds>(moment);
   const itimerspec once{.it_interval = {},
                         .it_value = {.tv_sec = seconds.count(), .tv_nsec = (moment - seconds).count()}};
@@ -92,8 +93,7 @@ IOResult<std::size_t> ClientSocket::receive(std::span<std::byte> into) {
 
 void ClientSocket::cancel() { ::eventfd_write(wakeup_.get(), 1); }
 
-// Waits until the socket has `events` or an error to tell. What has come counts even when the deadline has
-// passed meanwhile.
+// Waits until the socket has `events` or an error. Events count even if the deadline has passed meanwhile.
 IOResult<void> ClientSocket::await(short events) const {
   std::array<pollfd, 3> waiting{pollfd{.fd = wakeup_.get(), .events = POLLIN, .revents = 0},
                                 pollfd{.fd = socket_.get(), .events = events, .revents = 0},

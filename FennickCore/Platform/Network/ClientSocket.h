@@ -10,22 +10,23 @@
 
 namespace fennick {
 
-// A TCP connection of ours to a server, as blocking calls that share one deadline. They fail with ETIME once
-// the deadline has passed, with ECANCELED once `cancel` was called, and otherwise with the system's error.
-// Used by one thread at a time, except `cancel`.
+// A TCP connection to a server, as blocking calls that share one deadline. They fail with ETIME after the
+// deadline, with ECANCELED after `cancel`, and otherwise with the system's error. Used by one thread at a
+// time, except `cancel`.
 class ClientSocket {
 public:
-  // `deadline` is a moment of the system's own clock: time for which the computer is suspended counts. Fails
-  // when the program is out of descriptors.
+  // `deadline` is on the uptime clock, which counts suspended time. Fails if the program has no descriptors
+  // left.
   [[nodiscard]] static IOResult<ClientSocket> make(Uptime deadline);
 
-  // Once. EINVAL for a host that is not dotted IPv4, ECONNREFUSED where nothing listens.
+  // Connects. Call it once. Fails with EINVAL if the host is not dotted IPv4 and with ECONNREFUSED if nothing
+  // listens.
   [[nodiscard]] IOResult<void> connect(const std::string &host, std::uint16_t port);
-  // Returns once the system has taken all of `bytes`.
+  // Returns once the system has accepted all of `bytes`.
   [[nodiscard]] IOResult<void> send(std::span<const std::byte> bytes);
-  // Waits for at least one byte; 0 when the server has ended its side.
+  // Waits for at least one byte and returns how many arrived; 0 if the server has closed its side.
   [[nodiscard]] IOResult<std::size_t> receive(std::span<std::byte> into);
-  // Ends the call under way and all to come. Any thread, at any moment before the object is destroyed.
+  // Ends the current and all later calls. Any thread, at any time before the object is destroyed.
   void cancel();
 
 private:
@@ -33,7 +34,7 @@ private:
   [[nodiscard]] IOResult<void> await(short events) const;
 
   FileDescriptor socket_;
-  FileDescriptor deadline_; // a timer; readable once it has passed
+  FileDescriptor deadline_; // a timer that is readable after the deadline
   FileDescriptor wakeup_;
 };
 

@@ -25,8 +25,8 @@ struct Unref {
 template <typename T>
 using Owned = std::unique_ptr<T, Unref>;
 
-// Cancels what GIO is doing once the time is up. A bus that accepts a connection and then says nothing would
-// hold us for ever otherwise: GIO has no time-out for that.
+// Cancels the GIO operation once the time is up. GIO has no time-out of its own for a bus that accepts a
+// connection and then does not answer.
 class Deadline {
 public:
   explicit Deadline(Seconds patience)
@@ -46,7 +46,7 @@ private:
   std::jthread thread_; // last: it uses the above
 };
 
-// A connection of our own: the one that GIO shares ends the program when the bus goes.
+// Opens a private connection: the shared one of GIO ends the program when the bus closes it.
 Owned<GDBusConnection> connected(const std::string &busAddress, const Deadline &deadline) {
   const std::unique_ptr<char, decltype(&::g_free)> address(
       busAddress.empty() ? ::g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, deadline.get(), nullptr)
@@ -79,7 +79,7 @@ public:
   [[nodiscard]] std::optional<bool> hasPort(const std::string &zone, std::uint16_t port) const {
     return flag(ask(kName, kObject, kZones, "queryPort", {zone, fmt::to_string(port), "tcp"}));
   }
-  // The settings leave out what nobody has set.
+  // The settings contain only values that differ from the default.
   [[nodiscard]] std::optional<std::string> targetOf(const std::string &zone) const {
     const auto reply = ask(kName, kObject, kZones, "getZoneSettings2", {zone});
     if (!reply || ::g_variant_is_of_type(reply.get(), G_VARIANT_TYPE("(a{sv})")) == FALSE)
@@ -90,7 +90,7 @@ public:
   }
 
 private:
-  // The reply to a call with texts for arguments; empty when it failed or was refused.
+  // Returns the reply to a call with string arguments, or an empty pointer if it failed or was refused.
   [[nodiscard]] Owned<GVariant> ask(const char *name, const char *object, const char *interface,
                                     const char *method, std::initializer_list<std::string> texts) const {
     GVariantBuilder arguments;

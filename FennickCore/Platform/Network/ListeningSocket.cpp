@@ -17,7 +17,7 @@ namespace fennick {
 
 namespace {
 
-constexpr int kBacklog = 128; // more than the connections that are ever served at once
+constexpr int kBacklog = 128; // more than the server ever serves at once
 
 std::unexpected<std::error_code> lastFailure() {
   return std::unexpected(std::error_code(errno, std::generic_category()));
@@ -85,7 +85,8 @@ std::string addressText(const sockaddr_storage &address, socklen_t length) {
   return result;
 }
 
-// The listener itself is no good any more; everything else concerns one connection that is over already.
+// Returns whether the listening socket itself failed. Other errors concern one connection, which is over
+// already.
 bool isBroken(int error) { return error == EBADF || error == EINVAL || error == ENOTSOCK; }
 
 bool outOfDescriptors(int error) {
@@ -131,7 +132,7 @@ std::optional<AcceptedSocket> ListeningSocket::accept() {
 }
 
 void ListeningSocket::refuseOne() {
-  constexpr int kPause = 100; // milliseconds, so that a starved system is not kept busy as well
+  constexpr int kPause = 100; // milliseconds; a system without resources is not kept busy
   spare_.reset();
   const FileDescriptor refused(::accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
   spare_ = openSpare();

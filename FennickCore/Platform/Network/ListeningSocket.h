@@ -21,15 +21,15 @@ struct AcceptedSocket {
 // A TCP listener for IPv4 and IPv6 on every address of this computer.
 class ListeningSocket {
 public:
-  // Listens on `port`; 0 lets the system choose. EADDRINUSE when another program has the port. Where the
-  // kernel has no IPv6, IPv4 alone is served.
+  // Listens on `port`; 0 lets the system choose. Fails with EADDRINUSE if another program has the port.
+  // Without IPv6 in the kernel it serves IPv4 only.
   [[nodiscard]] static IOResult<ListeningSocket> open(std::uint16_t port);
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
 
-  // Waits for the next connection, whose socket is a blocking one; nothing once `wake` was called or when the
-  // listener has failed. A connection that cannot be taken because
-  // the program is out of descriptors is closed, so that the queue does not stand still.
+  // Waits for the next connection and returns its blocking socket, or nullopt after `wake` or once the
+  // listener has failed. If the program has no descriptors left, the connection is closed, so that the queue
+  // does not stall.
   [[nodiscard]] std::optional<AcceptedSocket> accept();
   // Ends the current and every later `accept`. Any thread.
   void wake();
@@ -40,7 +40,7 @@ private:
 
   FileDescriptor socket_;
   FileDescriptor wakeup_;
-  FileDescriptor spare_; // given up for a moment to be able to refuse when descriptors run out
+  FileDescriptor spare_; // closed for a moment to accept and refuse a connection when descriptors run out
   std::uint16_t port_;
 };
 

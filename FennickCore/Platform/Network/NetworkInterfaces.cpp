@@ -44,7 +44,7 @@ std::optional<std::string> numericText(const sockaddr &address) {
 // The system gives an address's label, which begins with the interface: "eth0:1".
 std::string interfaceName(std::string_view label) { return std::string(label.substr(0, label.find(':'))); }
 
-// Pieces between any of `separators`, empty ones left out.
+// Splits `text` at any of `separators`, leaving out empty pieces.
 std::vector<std::string_view> pieces(std::string_view text, std::string_view separators) {
   std::vector<std::string_view> found;
   for (std::size_t at = text.find_first_not_of(separators); at != std::string_view::npos;
@@ -81,7 +81,7 @@ std::string textOf(const fs::path &file) { return readFile(file).value_or(std::s
 
 bool isThere(const fs::path &path) { return fileIdentity(path).has_value(); }
 
-// The value of a "KEY=value" line.
+// Returns the value of a "KEY=value" line.
 std::string valueOf(std::string_view lines, std::string_view key) {
   for (const std::string_view line : pieces(lines, "\n"))
     if (line.starts_with(key) && line.substr(key.size()).starts_with('='))

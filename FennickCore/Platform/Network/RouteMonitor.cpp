@@ -51,7 +51,7 @@ RouteMonitor::Woken RouteMonitor::awaitChanges(std::optional<Seconds> most) {
 
 void RouteMonitor::interrupt() { ::eventfd_write(wakeup_.get(), 1); }
 
-// ENOBUFS stands between the messages where some were dropped.
+// ENOBUFS appears between the messages where the kernel dropped some.
 void RouteMonitor::forgetChanges() {
   std::byte start{}; // the rest of each message is dropped
   while (::recv(routing_.get(), &start, sizeof start, 0) >= 0 || errno == ENOBUFS || errno == EINTR) {

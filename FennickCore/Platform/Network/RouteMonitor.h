@@ -7,21 +7,20 @@
 
 namespace fennick {
 
-// Tells that this computer's network interfaces, their IPv4 addresses or the IPv4 routes have changed; what
-// they are now is asked elsewhere. Nothing that happens after the object is made is missed: the kernel keeps
-// word of it until the next wait, and word that it had to drop for want of room counts as a change as well.
-// Nothing runs in the background. One thread at a time, `interrupt` apart.
+// Reports that network interfaces, their IPv4 addresses or the IPv4 routes have changed, not what they are
+// now. No change after construction is missed: the kernel queues them until the next wait, and messages that
+// it had to drop count as a change. Nothing runs in the background. One thread at a time, except `interrupt`.
 class RouteMonitor {
 public:
   enum class Woken { changes, interrupted, timeout };
 
-  // An object that sees no changes when the system grants no routing socket.
+  // If the system grants no routing socket, the object reports no changes.
   RouteMonitor();
 
-  // Sleeps until something has changed since the last call that said so, for at most `most`, or for ever
-  // without it.
+  // Sleeps until something has changed since the last call that reported a change, at most for `most` or
+  // without limit.
   [[nodiscard]] Woken awaitChanges(std::optional<Seconds> most = std::nullopt);
-  // Ends every sleep, that under way and all to come. Any thread.
+  // Ends the current and all later sleeps. Any thread.
   void interrupt();
 
 private:

@@ -28,7 +28,7 @@ std::vector<char *> pointers(const std::vector<std::string> &texts, const std::s
   return result;
 }
 
-// What happens to descriptors and signals between fork and exec.
+// What posix_spawn does to descriptors and signals between fork and exec.
 class SpawnSettings {
 public:
   explicit SpawnSettings(int handed) {
@@ -45,7 +45,7 @@ public:
     ::sigfillset(&all);
     ::posix_spawnattr_setsigmask(&attributes_, &none);
     ::posix_spawnattr_setsigdefault(&attributes_, &all);
-    // A group of its own: Ctrl-C in a terminal is for the program that looks after it.
+    // Its own process group: Ctrl-C in a terminal is for the parent, which ends the child.
     ::posix_spawnattr_setflags(&attributes_,
                                POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
   }
@@ -66,7 +66,7 @@ IOResult<ChildProcess> ChildProcess::start(const std::filesystem::path &program,
                                            const std::vector<std::string> &arguments,
                                            const std::vector<std::string> &environment,
                                            const FileDescriptor &handed) {
-  // dup2 onto itself would leave close-on-exec set: hand over a copy that stands higher.
+  // dup2 onto the same number would leave close-on-exec set, so a copy with a higher number is handed over.
   const FileDescriptor copy(
       ::fcntl(handed.get(), F_DUPFD_CLOEXEC, kHandedDescriptor + 1)); // NOLINT(misc-const-correctness)
   if (!copy.isOpen())

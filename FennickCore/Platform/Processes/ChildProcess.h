@@ -9,14 +9,15 @@
 
 namespace fennick {
 
-// A process that we started; ended and waited for with its owner. Movable. One thread at a time.
+// A child process, which is killed and waited for when the object is destroyed. Movable. One thread at a
+// time.
 class ChildProcess {
 public:
-  // The descriptor under which the child finds what was handed to it.
+  // The number of the handed-over descriptor in the child.
   static constexpr int kHandedDescriptor = 3;
 
-  // Starts `program` with `arguments`. It inherits nothing but `handed` (as kHandedDescriptor) and the
-  // variables in `environment` ("NAME=value"); its standard input, output and error are empty.
+  // Starts `program` with `arguments`. It inherits only `handed` (as kHandedDescriptor) and the variables in
+  // `environment` ("NAME=value"); its standard input, output and error are /dev/null.
   [[nodiscard]] static IOResult<ChildProcess> start(const std::filesystem::path &program,
                                                     const std::vector<std::string> &arguments,
                                                     const std::vector<std::string> &environment,
@@ -25,8 +26,7 @@ public:
   ChildProcess &operator=(ChildProcess &&other) noexcept;
   ~ChildProcess() { kill(); }
 
-  // Ends the process at once and waits until it is gone; what it died of, in words, when it had ended by
-  // itself.
+  // Kills the process and waits for its end. Returns a description of how it ended if it had ended by itself.
   std::string kill();
 
 private:

@@ -38,8 +38,8 @@ IOResult<FileDescriptor> openPrivateDirectory(const fs::path &directory) {
   return openDirectory(folder);
 }
 
-// Opens and locks a file that is never deleted; fails with EWOULDBLOCK when it is locked by another and
-// `operation` does not wait.
+// Opens and locks a file that is never deleted. Fails with EWOULDBLOCK if `operation` does not wait and
+// another program holds the lock.
 IOResult<FileDescriptor> lockFile(int directory, const std::string &name, int operation) {
   FileDescriptor fd(
       ::openat(directory, name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kPrivateFile));
@@ -48,7 +48,7 @@ IOResult<FileDescriptor> lockFile(int directory, const std::string &name, int op
   return fd;
 }
 
-// While this is held, nobody else is between taking the lock and listening, so that whoever finds the lock
+// Held while a program takes the instance lock and begins to listen, so that whoever finds the instance lock
 // taken also finds the socket.
 IOResult<FileDescriptor> lockStart(int directory, std::string_view name) {
   return lockFile(directory, fmt::format("{}.starting", name), LOCK_EX);
@@ -56,8 +56,8 @@ IOResult<FileDescriptor> lockStart(int directory, std::string_view name) {
 
 std::string socketNameOf(std::string_view name) { return fmt::format("{}.socket", name); }
 
-// The address of a socket in an open directory. The way over /proc keeps it short however long the
-// directory's own path is: an address takes 107 bytes.
+// Returns the address of a socket in an open directory. The path through /proc keeps it below the limit of
+// 107 bytes, however long the directory's own path is.
 IOResult<sockaddr_un> addressIn(int directory, std::string_view socketName) {
   const std::string path = fmt::format("/proc/self/fd/{}/{}", directory, socketName);
   sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
@@ -76,7 +76,7 @@ IOResult<FileDescriptor> makeSocket() {
   return fd;
 }
 
-// The caller holds the lock, so that what stands under the name was left by a program that died.
+// The caller holds the lock, so a socket with this name was left by a program that died.
 IOResult<FileDescriptor> listenIn(int directory, const std::string &socketName) {
   const auto address = addressIn(directory, socketName);
   if (!address)
@@ -87,14 +87,14 @@ IOResult<FileDescriptor> listenIn(int directory, const std::string &socketName) 
   if (::unlinkat(directory, socketName.c_str(), 0) != 0 && errno != ENOENT)
     return lastFailure();
   const int on = 1;
-  // The mode is set first and taken over by the file: there is no moment at which others could send.
+  // The file takes over the mode that is set first, so other users can never send to it.
   if (::setsockopt(fd->get(), SOL_SOCKET, SO_PASSCRED, &on, sizeof on) != 0 ||
       ::fchmod(fd->get(), kPrivateFile) != 0 || ::bind(fd->get(), raw(*address), sizeof *address) != 0)
     return lastFailure();
   return fd;
 }
 
-// Another user's program would drop what we send, or has no business with it.
+// Refuses a running instance of another user.
 IOResult<void> requireOurs(int directory, const std::string &socketName) {
   struct stat status{};
   if (::fstatat(directory, socketName.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0)
@@ -102,7 +102,7 @@ IOResult<void> requireOurs(int directory, const std::string &socketName) {
   return status.st_uid == ::getuid() ? IOResult<void>() : IOResult<void>(failure(EACCES));
 }
 
-// Room for who sent a message and nothing else; the system closes descriptors that somebody attaches.
+// Space for the sender's credentials only; the system closes descriptors that a sender attaches.
 struct Control {
   alignas(cmsghdr) std::array<std::byte, CMSG_SPACE(sizeof(ucred))> bytes{};
 };

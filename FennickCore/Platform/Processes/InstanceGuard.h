@@ -12,26 +12,25 @@
 namespace fennick {
 
 // Ensures a single running instance per state directory and forwards the arguments of later launches to it.
-// In the state's directory stand "<name>.lock", whose lock (flock) makes its holder the one that
-// runs, "<name>.starting", held while one starts, and "<name>.socket" where it listens. The lock files stay:
-// deleting one would let two programs each hold "the" lock. A program that dies leaves nothing behind that
-// hinders the next. Main thread.
+// The directory contains "<name>.lock", whose lock (flock) makes its holder the running instance,
+// "<name>.starting", locked during a start, and "<name>.socket", on which the instance listens. The lock
+// files are never deleted: otherwise two programs could each hold "the" lock. A program that dies does not
+// block the next one. Main thread.
 class InstanceGuard {
 public:
   using Arguments = std::vector<std::string>;
   // The most bytes of a hand-over, arguments, quotes and commas together.
   static constexpr std::size_t kLargestHandOver = std::size_t{64} << 10;
 
-  // Makes this program the running instance until the guard is destroyed; nullopt if another one is running.
-  // Makes the directory when it is missing, for the user alone (mode 0700). Fails where the file system has
-  // no locks or sockets, and when it cannot be written to. `name` has at most 70 bytes and no slash.
+  // Makes this program the running instance until the guard is destroyed. Returns nullopt if another one is
+  // running. Creates the directory if it is missing, for the user alone (mode 0700). Fails if the file system
+  // has no locks or sockets or the directory is not writable. `name` has at most 70 bytes and no slash.
   [[nodiscard]] static IOResult<std::optional<InstanceGuard>> claim(const std::filesystem::path &directory,
                                                                     std::string_view name);
 
-  // Gives the arguments to the program that runs. On success they are in its hands for as long as it lives.
-  // Fails with ENOENT or ECONNREFUSED when none runs, with EACCES when it is another user's, with EAGAIN when
-  // it takes nothing any more, with EMSGSIZE when they are too large and with EILSEQ when one is not UTF-8.
-  // Never waits for the other.
+  // Sends the arguments to the running instance. On success the instance receives them unless it dies. Fails
+  // with ENOENT or ECONNREFUSED if none runs, EACCES if it belongs to another user, EAGAIN if its queue is
+  // full, EMSGSIZE if they are too large and EILSEQ if one is not UTF-8. Never waits for the other program.
   [[nodiscard]] static IOResult<void> handOver(const std::filesystem::path &directory, std::string_view name,
                                                const Arguments &arguments);
 
@@ -39,10 +38,10 @@ public:
   InstanceGuard &operator=(InstanceGuard &&) = delete;
   ~InstanceGuard();
 
-  // Readable when there is something to receive.
+  // Readable when arguments have arrived.
   [[nodiscard]] int descriptor() const { return socket_.get(); }
-  // What other launches have handed over since the last call, in order. What a program of another user sent,
-  // and what is no list of texts, is dropped.
+  // Returns the arguments that other launches sent since the last call, in order. Messages of other users'
+  // programs and malformed ones are dropped.
   [[nodiscard]] std::vector<Arguments> receive() const;
 
 private:

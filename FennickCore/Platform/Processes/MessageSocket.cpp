@@ -17,12 +17,12 @@ namespace fennick {
 
 namespace {
 
-// Room for the one descriptor that a message may carry.
+// Space for the one descriptor that a message may carry.
 struct Control {
   alignas(cmsghdr) std::array<std::byte, CMSG_SPACE(sizeof(int))> bytes{};
 };
 
-// What is left of `timeout` since `started` as poll wants it: milliseconds rounded up, -1 for ever.
+// Returns the rest of `timeout` since `started` for poll: milliseconds rounded up, -1 without a limit.
 int pollTimeout(std::optional<Seconds> timeout, std::chrono::steady_clock::time_point started) {
   if (!timeout)
     return -1;
@@ -45,7 +45,7 @@ IOResult<void> waitReadable(int fd, std::optional<Seconds> timeout) {
   }
 }
 
-// The one descriptor that came with a message; the system closes what does not fit into Control.
+// Returns the descriptor that came with a message. The system closes those that do not fit into Control.
 FileDescriptor attachedTo(msghdr &message) {
   const cmsghdr *header = CMSG_FIRSTHDR(&message);
   if (header == nullptr || header->cmsg_level != SOL_SOCKET || header->cmsg_type != SCM_RIGHTS ||
@@ -66,7 +66,7 @@ IOResult<std::pair<MessageSocket, MessageSocket>> MessageSocket::makePair() {
 }
 
 IOResult<void> MessageSocket::send(std::span<const std::byte> message, const FileDescriptor *attached) {
-  // sendmsg reads through the pointer only.
+  // sendmsg only reads through the pointer.
   iovec piece{.iov_base =
                   const_cast<std::byte *>(message.data()), // NOLINT(cppcoreguidelines-pro-type-const-cast)
               .iov_len = message.size()};

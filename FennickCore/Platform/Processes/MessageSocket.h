@@ -10,30 +10,31 @@
 
 namespace fennick {
 
-// One end of a connection between two processes of ours that carries whole messages, each with at most one
-// descriptor. One thread at a time.
+// One end of a connection between two of our processes that carries whole messages with at most one
+// descriptor each. One thread at a time.
 class MessageSocket {
 public:
   explicit MessageSocket(FileDescriptor fd) : fd_(std::move(fd)) {}
 
-  // Two connected ends.
+  // Creates two connected ends.
   [[nodiscard]] static IOResult<std::pair<MessageSocket, MessageSocket>> makePair();
 
-  // Fails with EPIPE when the other end is gone. `attached` stays the caller's.
+  // Sends one message. Fails with EPIPE if the other end is closed. `attached` stays with the caller.
   [[nodiscard]] IOResult<void> send(std::span<const std::byte> message,
                                     const FileDescriptor *attached = nullptr);
 
   struct Received {
-    std::size_t bytes = 0; // length of the message; 0 when the other end is gone
+    std::size_t bytes = 0; // length of the message; 0 if the other end is closed
     FileDescriptor attached;
   };
-  // The next message, cut to `into`. ETIMEDOUT when none comes within `timeout`; waits for ever without one.
+  // Returns the next message, truncated to `into`. Fails with ETIMEDOUT if none arrives within `timeout`;
+  // without one it waits without limit.
   [[nodiscard]] IOResult<Received> receive(std::span<std::byte> into,
                                            std::optional<Seconds> timeout = std::nullopt);
 
-  // From now on both ends see the other gone. Any thread.
+  // Closes the connection for both ends. Any thread.
   void disconnect() const;
-  // False once the other end is gone.
+  // Returns false once the other end is closed.
   [[nodiscard]] bool isConnected() const;
   [[nodiscard]] const FileDescriptor &descriptor() const { return fd_; }
 

@@ -12,8 +12,8 @@ namespace fennick {
 
 void prepareProcess() {
   std::ignore = std::signal(SIGPIPE, SIG_IGN);
-  // A fixed threshold: by default the allocator raises it when a large block is freed and keeps such blocks
-  // from then on, once for every thread.
+  // A fixed threshold: by default the allocator raises it when a large block is freed and then keeps such
+  // blocks, in every thread.
   constexpr int kLargeBlock = 128 * 1024;
   ::mallopt(M_MMAP_THRESHOLD, kLargeBlock);
   ::mallopt(M_ARENA_MAX, 2);

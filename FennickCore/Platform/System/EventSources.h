@@ -22,11 +22,12 @@ private:
   FileDescriptor fd_;
 };
 
-// Expires once the time it was armed with has passed, suspended time included. Any thread.
+// Becomes readable once the time it was armed with has passed, suspended time included. Any thread.
 class WakeupTimer {
 public:
   WakeupTimer();
-  // In place of what it was armed with before, expired or not; a `delay` that is over expires at once.
+  // Replaces the time it was armed with before, whether that has passed or not. A `delay` of zero or less
+  // expires at once.
   void arm(Uptime::duration delay) const;
   void disarm() const;
   [[nodiscard]] int descriptor() const { return fd_.get(); }
@@ -36,9 +37,9 @@ private:
   FileDescriptor fd_;
 };
 
-// Signals sent to the process, as something to read. Made before any other thread is started: it blocks them
-// for this thread and for those that come after, and they stay blocked when it is gone, so that a signal that
-// comes late does not cut an orderly end short. Programs that are started get them unblocked.
+// Signals to the process as something to read. Create it before any other thread: it blocks the signals for
+// this thread and its descendants. They stay blocked after its destruction, so that a late signal does not
+// interrupt an orderly end. Child processes get them unblocked.
 class SignalSource {
 public:
   explicit SignalSource(const std::vector<int> &numbers);

@@ -12,7 +12,7 @@ namespace fennick {
 
 namespace {
 
-// False as well where standard input is no terminal, or not the one that the program was started from.
+// Returns false as well if standard input is not a terminal, or not the controlling one.
 bool isInForeground() { return ::tcgetpgrp(STDIN_FILENO) == ::getpgrp(); }
 
 } // namespace

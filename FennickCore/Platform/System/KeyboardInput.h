@@ -5,32 +5,31 @@
 
 namespace fennick {
 
-// Single keys from the terminal on standard input: read as they are pressed, not shown. Ctrl-C and its like
-// stay signals. A terminal belongs to the program in its foreground and is touched only while that is this
-// one. Main thread; one for the process.
+// Reads single keys from the terminal on standard input as they are pressed, without echo. Ctrl-C and similar
+// keys still send signals. The terminal is changed only while this program is in its foreground. Main thread;
+// one object per process.
 class KeyboardInput {
 public:
   KeyboardInput();
-  ~KeyboardInput(); // gives the terminal back
+  ~KeyboardInput(); // restores the terminal
   KeyboardInput(const KeyboardInput &) = delete;
   KeyboardInput &operator=(const KeyboardInput &) = delete;
 
-  // Sets the terminal to single keys. False, and nothing is touched, where standard input is no terminal or
-  // the program is in the background. Again after the program was stopped: others used the terminal
-  // meanwhile.
+  // Switches the terminal to single keys. Returns false and changes nothing if standard input is not a
+  // terminal or the program is in the background. Call it again after the program was stopped and continued.
   [[nodiscard]] bool take();
-  // Sets the terminal to what it was before the first `take`. Nothing to do without one.
+  // Restores the modes that the terminal had before the first `take`. Does nothing without a terminal.
   void giveBack();
 
-  // Becomes readable when a key is pressed; standard input's own.
+  // Standard input, which is readable when a key was pressed.
   [[nodiscard]] static int descriptor();
-  // What was typed since the last call, without waiting beyond the first key; empty when the terminal is gone
-  // or the program is in the background.
+  // Returns what was typed since the last call and waits at most for the first key. Returns an empty text if
+  // the terminal is gone or the program is in the background.
   [[nodiscard]] static std::string read();
 
 private:
   struct Modes;
-  std::unique_ptr<Modes> before_; // there while the terminal is taken
+  std::unique_ptr<Modes> before_; // set while the terminal is in single-key mode
 };
 
 } // namespace fennick

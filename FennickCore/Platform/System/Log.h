@@ -3,18 +3,18 @@
 #include <functional>
 #include <string_view>
 
-// Log lines: each is prefixed with "fennick: " and goes to the system log, and to standard error when that is
-// a terminal or the program asked for it. Line breaks and other control characters inside a line are written
-// as spaces, so that a name from outside cannot forge a line. Any thread.
+// Writes log lines with the prefix "fennick: " to the system log, and to standard error if that is a terminal
+// or the program requested it. Control characters are replaced by spaces, so that a name from outside cannot
+// forge a line. Any thread.
 namespace fennick {
 
 void log(std::string_view line);
 
-// From now on lines also go to standard error, whatever it is.
+// Lines also go to standard error from now on, even if it is not a terminal.
 void logToStandardError();
 
-// From now on each finished line ("fennick: …") goes to `receiver` and nowhere else, on the calling thread;
-// an empty function restores the ordinary way. For programs that own the terminal, and for tests.
+// Passes each finished line ("fennick: …") to `receiver` only, on the calling thread. An empty function
+// restores the default. For programs that own the terminal, and for tests.
 void logTo(std::function<void(std::string_view)> receiver);
 
 } // namespace fennick

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// The operating system's cryptographically secure random source. Any thread; never fails (a kernel without it
-// ends the program, since no key could be trusted then).
+// The operating system's cryptographically secure random source. Any thread. Never fails: a kernel without it
+// ends the program, since no key could be trusted.
 namespace fennick {
 
 void fillRandom(std::span<std::byte> bytes);
@@ -14,7 +14,7 @@ void fillRandom(std::span<std::byte> bytes);
 
 // A new random UUID in upper-case canonical text, 36 characters.
 [[nodiscard]] std::string newUUID();
-// Whether `text` is a UUID in that form.
+// Returns whether `text` is a UUID in that form.
 [[nodiscard]] bool isUUID(std::string_view text);
 
 } // namespace fennick

@@ -7,11 +7,11 @@ namespace fennick {
 // A length of time in seconds, the unit of every limit and time-out.
 using Seconds = std::chrono::duration<double>;
 
-// A moment on the calendar: file names, records, what people see. May jump when the clock is set.
+// A calendar time for file names, records and texts. May jump when the clock is set.
 using Instant = std::chrono::sys_time<std::chrono::nanoseconds>;
 
-// A clock that only ever rises and that counts suspended time; time-outs and rate limits are measured on it,
-// so that setting the computer's clock neither lifts a ban nor makes one last.
+// A monotonic clock that counts suspended time. Time-outs and rate limits use it, so that setting the
+// computer's clock neither lifts nor extends a ban.
 struct UptimeClock {
   using duration = std::chrono::nanoseconds;
   using rep = duration::rep;
@@ -21,10 +21,10 @@ struct UptimeClock {
 };
 using Uptime = UptimeClock::time_point;
 
-// `moment` moved by `length`; a length too large for the clock gives the furthest moment there is.
+// Returns `moment` plus `length`, limited to the range of the clock.
 [[nodiscard]] Uptime after(Uptime moment, Seconds length);
 
-// Where time comes from; tests implement one that they move by hand. Any thread.
+// The source of time; tests implement one that they move. Any thread.
 class Clock {
 public:
   virtual ~Clock() = default;

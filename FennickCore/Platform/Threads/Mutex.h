@@ -17,8 +17,8 @@
 
 namespace fennick {
 
-// A mutual-exclusion lock that clang's thread-safety analysis understands. No code calls out while holding
-// one, the file system and the log apart, and no code holds two.
+// A lock that clang's thread-safety analysis understands. No code calls callbacks or other components while
+// holding one, except the file system and the log, and no code holds two.
 class FENNICK_THREAD_ATTRIBUTE(capability("mutex")) Mutex {
 public:
   void lock() FENNICK_THREAD_ATTRIBUTE(acquire_capability()) { mutex_.lock(); }
@@ -29,7 +29,7 @@ private:
   std::mutex mutex_;
 };
 
-// Holds a Mutex for a scope; `wait` sleeps once on a condition, releasing the lock meanwhile: call it in a
+// Holds a Mutex for a scope. `wait` sleeps once on a condition and releases the lock meanwhile: call it in a
 // loop.
 class FENNICK_THREAD_ATTRIBUTE(scoped_lockable) Locked {
 public:
@@ -39,7 +39,7 @@ public:
   Locked &operator=(const Locked &) = delete;
 
   void wait(std::condition_variable &condition) { condition.wait(lock_); }
-  // The same, but at most about `most` long.
+  // Waits at most about `most`.
   void waitFor(std::condition_variable &condition, std::chrono::duration<double> most) {
     condition.wait_for(lock_, most);
   }

@@ -11,7 +11,7 @@ const status = (function () {
   let askedAt = 0;
   const listeners = [];
 
-  function settle(next) {
+  function setState(next) {
     state = next;
     misses = next === 'lost' ? misses + 1 : 0;
     plan();
@@ -53,11 +53,11 @@ const status = (function () {
 
   function ask() {
     if (asking) return asking;
-    if (!key) return Promise.resolve(settle('key'));
+    if (!key) return Promise.resolve(setState('key'));
     clearTimeout(timer);
     asking = question().then((next) => {
       asking = null;
-      return settle(next);
+      return setState(next);
     });
     return asking;
   }
@@ -65,7 +65,7 @@ const status = (function () {
   return {
     ask,
     plan,
-    believe: settle,  // what an upload's answer has already told
+    believe: setState,  // what an upload's answer has already told
     listen: (listener) => listeners.push(listener),
     get state() { return state; },
     get info() { return info; },

@@ -301,7 +301,7 @@ const uploader = (function () {
       queue.list((item) => item.state === 'waiting' && !item.unsure && known.includes(item.mark))
         .forEach((item) => queue.set(item, 'known', '已发送过 / Already sent'));
     }
-    queue.list((item) => item.unsure).forEach((item) => settle(item, outcomes ? outcomes[item.upload] : { state: 'unknown' }));
+    queue.list((item) => item.unsure).forEach((item) => applyOutcome(item, outcomes ? outcomes[item.upload] : { state: 'unknown' }));
     const asks = queue.list((item) => item.unsure).map((item) => item.asks);
     const next = Math.min(3, ...asks);
     if (asks.length) inquire(next ? pause(next) : 200);
@@ -309,7 +309,7 @@ const uploader = (function () {
 
   // An upload that is still being received has either not ended yet, or its connection is dead, which the computer
   // notices after a minute.
-  function settle(item, outcome) {
+  function applyOutcome(item, outcome) {
     if (!outcome) return;  // it became unsure after the question was sent
     if (outcome.state === 'receiving') {
       item.asks++;
