@@ -23,7 +23,8 @@ std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
   return std::unexpected(PictureError{.fault = fault, .detail = std::move(detail)});
 }
 
-// Nothing of the user's: no home, no display. VIPSHOME keeps libvips from loading loaders of further formats.
+// Nothing of the user's environment, such as home or display. VIPSHOME prevents libvips from loading further
+// loaders.
 std::vector<std::string> environment() { return {"LC_ALL=C", "TZ=UTC", "VIPSHOME=/nonexistent"}; }
 
 using Deadline = steady_clock::time_point;
@@ -35,11 +36,10 @@ Deadline deadlineIn(Seconds length) {
 
 Seconds untilThen(Deadline deadline) { return deadline - steady_clock::now(); }
 
-// The part of a time-out in which a new encoding is searched for; the rest is for checking and handing it
-// over.
+// The part of a time-out for the search of a new encoding; the rest is for checking and returning it.
 constexpr double kSearchShare = 0.9;
 
-// What the memory file holds; empty when it is none, too long, or there is no memory for it.
+// Returns the content of the memory file; empty if it is not one, is too long, or there is no memory for it.
 std::string resultOf(const FileDescriptor &attached, std::int64_t most) {
   try {
     return readSealedMemoryFile(attached, most).value_or(std::string());
@@ -172,7 +172,7 @@ PictureResult<DecoderPool::Reply> DecoderPool::ask(const std::filesystem::path &
   return reply;
 }
 
-// Any error means that the process cannot be used any more.
+// After any error the process cannot be used again.
 PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const FileDescriptor &file,
                                                         const Task &task) {
   const auto deadline = deadlineIn(task.timeout);
@@ -199,7 +199,7 @@ PictureResult<DecoderPool::Reply> DecoderPool::converse(Worker &worker, const Fi
   return reply;
 }
 
-// Why a process is not there any more.
+// Returns why the process has gone.
 std::unexpected<PictureError> DecoderPool::gone() const {
   const Locked locked(lock_);
   return fail(ending_ ? PictureFault::stopped : PictureFault::crashed, {});
@@ -245,7 +245,7 @@ std::optional<PictureError> DecoderPool::awaitFreeProcess(Locked &locked, Purpos
     next = isNext(purpose, number);
   }
   std::erase(waiting, number);
-  changed_.notify_all(); // another one is the first now
+  changed_.notify_all(); // another request is the first now
   if (ending_)
     return PictureError{.fault = PictureFault::stopped, .detail = "the program ends"};
   if (!next)
@@ -253,10 +253,10 @@ std::optional<PictureError> DecoderPool::awaitFreeProcess(Locked &locked, Purpos
   return std::nullopt;
 }
 
-// The process used last is the warmest. Null when a new one is to be started: because one of its own is
-// wanted, for which an idle one gives way if there are too many, or because none is idle.
+// Takes the process that was used last. Returns null if a new one has to be started: because the request
+// needs a process of its own, for which an idle one is ended if there are too many, or because none is idle.
 PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Purpose purpose) {
-  std::list<WorkerPtr> ended; // outlives the lock: ending a process takes a moment
+  std::list<WorkerPtr> ended; // destroyed after the lock, since ending a process takes a moment
   Locked locked(lock_);
   if (auto error = awaitFreeProcess(locked, purpose))
     return std::unexpected(std::move(*error));
@@ -267,7 +267,7 @@ PictureResult<DecoderPool::WorkerPtr> DecoderPool::takeIdle(Purpose purpose) {
       atWork_.insert(worker.get());
       return worker;
     }
-    --alive_; // somebody ended it while it was idle
+    --alive_; // it was ended while idle
     ended.push_back(std::move(worker));
   }
   if (alive_ >= options_.mostProcesses && !idle_.empty()) {
@@ -295,12 +295,12 @@ PictureResult<DecoderPool::WorkerPtr> DecoderPool::start() {
       return fail(PictureFault::stopped, "the program ends");
     atWork_.insert(worker.get());
   }
-  // Only the child holds the other end from now on, so that its death is noticed.
+  // Only the child keeps the other end, so that its death is noticed.
   ends->second = MessageSocket(FileDescriptor());
   return greeted(std::move(worker));
 }
 
-// `worker` once it has said hello.
+// Returns `worker` after its greeting.
 PictureResult<DecoderPool::WorkerPtr> DecoderPool::greeted(WorkerPtr worker) {
   std::array<std::byte, wire::kMostMessageBytes> buffer{};
   const auto received = worker->socket.receive(buffer, options_.startTimeout);
@@ -346,7 +346,7 @@ void DecoderPool::discard(WorkerPtr worker) {
   giveUp();
 }
 
-// One process fewer; whoever waits may start another.
+// There is one process fewer; a waiting request may start another.
 void DecoderPool::giveUp() {
   {
     const Locked locked(lock_);
@@ -359,14 +359,14 @@ void DecoderPool::stop() {
   const Locked locked(lock_);
   ending_ = true;
   for (const Worker *worker : atWork_)
-    worker->socket.disconnect(); // its caller sees it gone and ends it
+    worker->socket.disconnect(); // its caller notices and ends it
   changed_.notify_all();
 }
 
-// Sleeps until the process that has been idle longest is due, without an end while none is idle.
+// Sleeps until the process that has been idle longest is due, or without limit if none is idle.
 void DecoderPool::retireIdle() {
   while (true) {
-    WorkerPtr retired; // ended after the lock is given back
+    WorkerPtr retired; // destroyed after the lock is released
     Locked locked(lock_);
     if (ending_)
       return;

@@ -25,33 +25,33 @@
 
 namespace fennick {
 
-// Reads pictures in processes that have given up everything but the picture they are handed. They are started
-// on first use, kept warm for the next pictures, and ended when there has been nothing to do for a while. One
-// that dies over a picture, takes too long or answers nonsense is ended and costs that picture only. What is
-// to take the place of a photo is made by a process that reads that photo alone, so that no picture can forge
-// another.
+// Reads pictures in sandboxed processes that can access nothing but the picture they are handed. The
+// processes are started on first use, kept for further pictures, and ended after some idle time. A process
+// that crashes, times out or sends an invalid answer is ended, which affects only its picture. A picture that
+// replaces a photo is made by a process that has read that photo alone, so that no picture can forge another.
 //
 // Requests that find no free process wait in the order of their arrival. Thumbnails may occupy
-// `mostForThumbnails` processes. Reading facts may use one more, and what takes the place of a photo may use
-// all: the processing of received photos does not wait behind thumbnails, however many a phone asks for. A
+// `mostForThumbnails` processes, reading facts may use one more, and encodings that replace photos may use
+// all: the processing of received photos does not wait behind thumbnails, however many a phone requests. A
 // request that has waited for `waitTimeout` fails with `busy`. The time-outs of the requests begin when a
-// process has been found and started, so that waiting never counts against a picture.
+// process is ready, so that waiting never counts against a picture.
 //
-// Any thread; guarded by its own lock. Destroying the pool ends its processes; no call may be under way then.
+// Any thread; guarded by its own lock. The destructor ends the processes; no call may be running then.
 class DecoderPool final : public PictureDecoder {
 public:
   struct Options {
     std::filesystem::path program;        // the imaging process
-    std::vector<std::string> arguments{}; // for it
+    std::vector<std::string> arguments{}; // passed to it
     // Thumbnails of two sizes, 4 and 2 at once (see Thumbnails.h), and two more for facts and new encodings.
-    std::size_t mostProcesses = 8;     // at work and idle
-    std::size_t mostForThumbnails = 6; // less than `mostProcesses` by at least 2, so that nothing else waits
-    Seconds idleTime{30};              // how long a process with nothing to do is kept
-    Seconds waitTimeout{60};           // for a free process: twice the longest that a thumbnail occupies one
-    Seconds startTimeout{20};          // a computer that is swapping still gets it started in this time
-    Seconds factsTimeout{20};          // headers only; a slow network drive has to deliver them
-    Seconds thumbnailTimeout{30};      // ten times what the largest picture takes
-    Seconds orientationTimeout{30};    // copying, no decoding
+    std::size_t mostProcesses = 8; // at work and idle
+    std::size_t mostForThumbnails =
+        6;                        // at least 2 less than `mostProcesses`, so that other requests do not wait
+    Seconds idleTime{30};         // how long a process with nothing to do is kept
+    Seconds waitTimeout{60};      // for a free process: twice the longest that a thumbnail occupies one
+    Seconds startTimeout{20};     // a computer that is swapping still gets it started in this time
+    Seconds factsTimeout{20};     // headers only; a slow network drive has to deliver them
+    Seconds thumbnailTimeout{30}; // ten times what the largest picture takes
+    Seconds orientationTimeout{30}; // copying, no decoding
   };
 
   explicit DecoderPool(Options options) : options_(std::move(options)) {}
@@ -70,10 +70,10 @@ public:
                                              std::int64_t orientation) override;
   bool canEncodeHEIC() override;
 
-  // Ends every process at once; calls under way, and all that come, fail. For the end of the program.
+  // Ends every process at once; running and later calls fail. For the end of the program.
   void stop();
 
-  // Processes alive, at work or waiting for it.
+  // The number of processes, busy or idle.
   [[nodiscard]] std::size_t processCount() const;
 
 private:
@@ -84,18 +84,18 @@ private:
   };
   using WorkerPtr = std::unique_ptr<Worker>;
 
-  // What a process is wanted for. The later ones may use processes that the earlier ones leave free.
+  // What a process is needed for. Later purposes may use processes that earlier ones may not.
   enum class Purpose : std::uint8_t { thumbnail, facts, replacement };
   static constexpr std::size_t kPurposes = 3;
   struct Task {
     wire::Request request;
     Seconds timeout;            // from the request to its answer
-    std::int64_t mostBytes = 0; // of the result; 0: there is none
+    std::int64_t mostBytes = 0; // of the result; 0: it has none
     Purpose purpose = Purpose::facts;
   };
   struct Reply {
     wire::Answer answer;
-    std::string bytes; // what the attached memory file held; empty without one
+    std::string bytes; // content of the attached memory file; empty without one
   };
 
   PictureResult<Reply> ask(const std::filesystem::path &file, const Task &task);
@@ -118,16 +118,16 @@ private:
   mutable Mutex lock_;
   std::condition_variable changed_;
   std::list<WorkerPtr> idle_ GUARDED_BY(lock_);       // used last comes last
-  std::set<const Worker *> atWork_ GUARDED_BY(lock_); // starting ones included
+  std::set<const Worker *> atWork_ GUARDED_BY(lock_); // including starting ones
   std::size_t alive_ GUARDED_BY(lock_) = 0;           // idle, at work and about to be started
   std::array<std::deque<std::uint64_t>, kPurposes> waiting_ GUARDED_BY(lock_); // numbers, first come first
   std::uint64_t lastNumber_ GUARDED_BY(lock_) = 0;
   std::optional<bool> encodesHEIC_ GUARDED_BY(lock_);
   bool ending_ GUARDED_BY(lock_) = false;
-  std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for long enough
+  std::thread retirement_ GUARDED_BY(lock_); // ends processes that have been idle for too long
 };
 
-// Where the imaging process lies: beside the running program.
+// Returns the path of the imaging program, beside the running program.
 [[nodiscard]] std::filesystem::path imagingProgram();
 
 } // namespace fennick

@@ -45,7 +45,7 @@ std::optional<std::string_view> remarkOn(OriginalFate fate) {
   return std::nullopt;
 }
 
-// What the note says of the original: only what the user would not expect.
+// Returns remarks about the original if its fate is unexpected for the user.
 std::vector<std::string> remarksOn(const Encode &encode, OriginalFate fate) {
   std::vector<std::string> remarks = encode.remarks;
   if (const auto remark = remarkOn(fate); remark && encode.isUnasked)
@@ -69,8 +69,8 @@ Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptio
   return result;
 }
 
-// What was to become of `source`, the file that `target` was made from. When it cannot be told for sure, the
-// Trash is right: nothing is destroyed, and nothing stays beside the photo.
+// Returns what was to happen to `source`, from which `target` was made. In doubt it is the trash: nothing is
+// destroyed, and nothing stays beside the photo.
 OriginalFate fateAfterInterruption(const fs::path &source, const fs::path &target,
                                    const ImagingOptions &options, const Services &services) {
   const auto before = fileStatus(source);
@@ -134,7 +134,7 @@ std::string description(const Failure &failure) {
 
 namespace {
 
-// `remaining` becomes what the file under `url` may have, as soon as its facts are known.
+// Sets `remaining` to what the file under `url` may contain as soon as its facts are known.
 Outcome attempt(const fs::path &url, const ImagingOptions &options, Seconds timeout, const Services &services,
                 PrivateData &remaining) {
   const auto started = std::chrono::steady_clock::now();

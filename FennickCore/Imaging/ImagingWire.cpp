@@ -14,7 +14,8 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Long texts of libraries are cut, so that every message fits; quotes and the like take two bytes there.
+// Long messages of libraries are shortened so that every message fits; quotes and similar characters take two
+// bytes.
 constexpr std::size_t kMostDetailBytes = 1024;
 
 std::string dump(const Json &message) { return message.dump(-1, ' ', false, Json::error_handler_t::replace); }
@@ -27,7 +28,7 @@ void put(Json &object, const char *key, const std::optional<T> &value) {
     object[key] = *value;
 }
 
-// A whole number from `lowest` on.
+// Returns an integer of at least `lowest`.
 std::int64_t number(const Json &value, std::int64_t lowest = std::numeric_limits<std::int64_t>::min()) {
   const auto result = value.is_number_integer() ? value.get<std::int64_t>() : lowest;
   if (!value.is_number_integer() || result < lowest)
@@ -35,7 +36,7 @@ std::int64_t number(const Json &value, std::int64_t lowest = std::numeric_limits
   return result;
 }
 
-// A share from 0 to 1.
+// Returns a number from 0 to 1.
 double share(const Json &value) {
   const auto result = value.get<double>();
   if (std::isnan(result) || result < 0 || result > 1)
@@ -183,7 +184,7 @@ Hello hello(const Json &object) {
           .detail = cut(object.at("detail").get<std::string>())};
 }
 
-// The one place where the JSON library's exceptions end.
+// The only place that catches the JSON library's exceptions.
 template <typename Read>
 auto understood(std::string_view message, Read read) -> std::optional<std::invoke_result_t<Read, Json>> {
   try {

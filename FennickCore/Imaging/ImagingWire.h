@@ -10,21 +10,20 @@
 #include <string_view>
 #include <variant>
 
-// The conversation between the program and its imaging process: JSON objects, one a message. A request comes
-// with the open file, an answer that has bytes with a sealed memory file. The process says hello once, when
-// it has given everything up. Neither side believes the other: what cannot be understood is nothing. Any
-// thread.
+// The protocol between the program and its imaging process: one JSON object per message. A request carries
+// the open file, an answer with bytes a sealed memory file. The process sends one greeting after it has
+// locked itself down. Neither side trusts the other: messages that cannot be parsed are rejected. Any thread.
 namespace fennick::wire {
 
-// No message is longer.
+// The longest message.
 inline constexpr std::size_t kMostMessageBytes = 4096;
-// No encoded picture is longer; 100 million pixels of 16-bit PNG stay below it unless they are pure noise.
+// The longest encoded picture; 100 million pixels of 16-bit PNG stay below it unless they are pure noise.
 inline constexpr std::int64_t kMostResultBytes = std::int64_t{512} << 20;
-// No thumbnail is longer.
+// The longest thumbnail.
 inline constexpr std::int64_t kMostThumbnailBytes = std::int64_t{32} << 20;
 
 struct FactsRequest {
-  bool headerOnly = false; // without looking for what only the whole file tells
+  bool headerOnly = false; // without facts that only the whole file tells
 };
 struct DetailsRequest {};
 struct ThumbnailRequest {
@@ -38,12 +37,12 @@ using Request =
     std::variant<FactsRequest, DetailsRequest, ThumbnailRequest, RenderRequest, OrientationRequest>;
 
 struct Hello {
-  bool lockedDown = false; // false: there will be no decoding, `detail` says why
+  bool lockedDown = false; // if false it decodes nothing, and `detail` says why
   bool encodesHEIC = false;
   std::string detail;
 };
 
-// Exactly one of `error` and the rest means something; which of the rest depends on the request.
+// Exactly one of `error` and the other fields is set; which of those depends on the request.
 struct Answer {
   std::optional<PictureError> error;
   PictureFacts facts;

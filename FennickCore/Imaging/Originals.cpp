@@ -31,23 +31,23 @@ IOResult<fs::path> moveToOriginals(const fs::path &source, FileSystem &files) {
   if (!folder)
     return folder;
   auto kept = underFreeName(*folder, source.filename(), [&](const fs::path &target) {
-    if (isSameFile(source, target)) // a move was interrupted between the new name and the old one's end
+    if (isSameFile(source, target)) // a move was interrupted after the new name was made
       return files.remove(source);
     return files.moveNoReplace(source, target);
   });
   if (kept)
-    std::ignore = files.syncDirectory(*folder); // a power cut leaves it in one of the two folders
+    std::ignore = files.syncDirectory(*folder); // after a power cut it is in one of the two folders
   return kept;
 }
 
-// Whether an attempt that was interrupted left this copy of `source`: a second name, or the same bytes.
+// Returns whether an interrupted attempt left this copy of `source`: a second name, or the same bytes.
 bool isCopyOf(const fs::path &source, const FileStatus &status, const fs::path &candidate) {
   const auto found = fileStatus(candidate);
   return found && found->kind == FileKind::regular && found->bytes == status.bytes &&
          (found->identity == status.identity || haveSameContent(source, candidate));
 }
 
-// Places a copy with `take` under the name of `source` in `folder` or a free one like it, unless it is there
+// Places a copy with `take` under the name of `source` in `folder`, or a similar free name, unless it exists
 // already.
 template <typename Take>
 IOResult<KeptCopy> takeOrReuse(const fs::path &source, const FileStatus &status, const fs::path &folder,

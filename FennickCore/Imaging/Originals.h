@@ -7,12 +7,12 @@
 #include <filesystem>
 #include <optional>
 
-// What becomes of a received file that was processed. Any thread.
+// What happens to a received file after processing. Any thread.
 namespace fennick::ImagePipeline {
 
 enum class OriginalFate : std::uint8_t {
   remove,
-  trash, // moved to the Trash, or into "originals" where there is no Trash or it refuses
+  trash, // moved to the trash, or into "originals" if there is no trash or it refuses
   keep,  // moved into "originals"
 };
 
@@ -20,12 +20,11 @@ enum class OriginalFate : std::uint8_t {
 [[nodiscard]] OriginalFate fateOf(const ImagingOptions &options, bool isUnasked);
 
 struct Original {
-  OriginalFate fate = OriginalFate::remove; // what was done in the end
+  OriginalFate fate = OriginalFate::remove; // what was actually done
   std::filesystem::path file{};             // in "originals"; empty for the other fates
 };
 
-// Does with `source` what `fate` says, after its encoding was placed under another name. On failure it is
-// where it was.
+// Applies `fate` to `source` after its encoding was placed under another name. On failure it is unchanged.
 [[nodiscard]] IOResult<Original> disposeOfOriginal(const std::filesystem::path &source, OriginalFate fate,
                                                    const Services &services);
 
@@ -35,9 +34,8 @@ struct KeptCopy {
   bool isNew = false;           // false: an interrupted attempt had left it there already
 };
 
-// Gives `source` a second name in "originals", or puts a copy there on file systems without hard links; on
-// the disk when it returns. The copy is made in `workFolder` and takes its name when it is complete. On
-// failure nothing is left behind.
+// Gives `source` a second name in "originals", or a copy on file systems without hard links, and syncs it.
+// The copy is written in `workFolder` and gets its name when it is complete. On failure nothing remains.
 [[nodiscard]] IOResult<KeptCopy> keepCopy(const std::filesystem::path &source, const FileStatus &status,
                                           const std::filesystem::path &workFolder, FileSystem &files);
 

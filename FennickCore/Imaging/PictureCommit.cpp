@@ -18,8 +18,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The hidden work folder that uploads into this folder have made, there or one of two levels above; else one
-// in the folder itself.
+// Returns the hidden work folder of uploads, in `folder` or one of two levels above, or else one in `folder`
+// itself.
 fs::path workFolder(const fs::path &folder) {
   fs::path above = folder;
   for (int level = 0; level <= 2; ++level, above = above.parent_path())
@@ -28,7 +28,7 @@ fs::path workFolder(const fs::path &folder) {
   return folder / kIncomingFolder;
 }
 
-// Somebody may have renamed, changed or deleted a photo while it was being worked on: theirs counts.
+// Another program may have renamed, changed or deleted the photo meanwhile: its version counts.
 bool isStillThere(const fs::path &url, const FileStatus &before) {
   const auto now = fileStatus(url);
   return now && now->identity == before.identity && now->bytes == before.bytes &&
@@ -42,7 +42,7 @@ PictureCommit::PictureCommit(const fs::path &source, const FileStatus &status, O
     : source_(source), status_(status), fate_(fate), services_(services), files_(services.files),
       output_(workFolder(source.parent_path()) / (newUUID() + std::string(kProcessedSuffix))) {}
 
-// The record goes before the file: a record without its file would say that the encoding was placed.
+// Removes the record before the file: a record without its file would mean that the encoding was placed.
 PictureCommit::~PictureCommit() {
   if (isAnnounced_)
     services_.journal->didNotPlace(source_);
@@ -65,13 +65,13 @@ IOResult<PictureCommit::Placed> PictureCommit::place(std::string_view extension)
   return name == source_.filename() ? replaceSource() : placeBeside(name);
 }
 
-// Last look at the photo, then the journal.
+// Checks the photo once more, then calls the journal.
 IOResult<void> PictureCommit::announce(const fs::path &target) {
   if (!isStillThere(source_, status_))
     return std::unexpected(std::make_error_code(std::errc::no_such_file_or_directory));
   if (services_.journal == nullptr)
     return {};
-  isAnnounced_ = true; // also if it fails: part of the record may be on the disk
+  isAnnounced_ = true; // also on failure: part of the record may be on the disk
   return services_.journal->willPlace(source_, output_, target);
 }
 
@@ -94,7 +94,7 @@ IOResult<PictureCommit::Placed> PictureCommit::replaceSource() {
     return std::unexpected(replaced.error());
   }
   isWritten_ = isAnnounced_ = false;
-  // The picture is complete under its name whether or not this works.
+  // The picture is complete under its name even if this fails.
   std::ignore = files_.syncDirectory(source_.parent_path());
   return placed;
 }
@@ -111,7 +111,7 @@ IOResult<PictureCommit::Placed> PictureCommit::placeBeside(const fs::path &name)
   if (!target)
     return std::unexpected(target.error());
   isWritten_ = false;
-  // The new name is on the disk before the old one goes.
+  // The new name is synced before the old one is removed.
   if (const auto synced = files_.syncDirectory(folder); !synced) {
     takeBack(*target);
     return std::unexpected(synced.error());
@@ -126,8 +126,8 @@ IOResult<PictureCommit::Placed> PictureCommit::placeBeside(const fs::path &name)
   return Placed{.file = *target, .original = std::move(*original)};
 }
 
-// The received file could not be taken away: two names of one photo are one too many. Where the encoding
-// stays as well, so does the journal's record of both.
+// The received file could not be removed: removes the encoding, so that the photo has one name. If that fails
+// too, the journal keeps the record of both.
 void PictureCommit::takeBack(const fs::path &target) {
   if (const auto removed = files_.remove(target); removed)
     return;

@@ -10,9 +10,9 @@
 
 namespace fennick::ImagePipeline {
 
-// Puts a new encoding in the place of a received file. Whenever the program ends in between, the photo is
-// complete under its own name or its new one. On failure the photo is as it was, and what was written so far
-// goes with the object. The arguments are borrowed for the object's life. One thread.
+// Replaces a received file by its new encoding. If the program ends at any moment, the photo is complete
+// under its own name or its new one. On failure the photo is unchanged, and what was written is removed with
+// the object. The arguments are borrowed for the lifetime of the object. One thread.
 class PictureCommit {
 public:
   PictureCommit(const std::filesystem::path &source, const FileStatus &status, OriginalFate fate,
@@ -22,17 +22,16 @@ public:
   PictureCommit &operator=(const PictureCommit &) = delete;
 
   struct Placed {
-    std::filesystem::path file; // the photo from now on
+    std::filesystem::path file; // the photo's new path
     Original original;
   };
 
-  // Writes the encoding to the work folder and syncs it, with the modification time, the permissions and the
-  // user's attributes of the received file.
+  // Writes the encoding to the work folder and syncs it, with the modification time, permissions and user
+  // attributes of the received file.
   [[nodiscard]] IOResult<void> write(std::string_view bytes);
-  // Moves the encoding to the received file's name with `extension`, or to a free one like it, and does with
-  // the received file what its fate says. Where the name stays, a file that is to go to the Trash is kept in
-  // "originals" instead: it must be safe before it is replaced, and the Trash takes files only under their
-  // own names.
+  // Moves the encoding to the received file's name with `extension`, or to a similar free one, and applies
+  // its fate to the received file. If the name stays, a file for the trash is kept in "originals" instead: it
+  // must be safe before it is replaced, and the trash takes files only under their own names.
   [[nodiscard]] IOResult<Placed> place(std::string_view extension);
 
 private:
@@ -48,7 +47,7 @@ private:
   FileSystem &files_;
   const std::filesystem::path output_;
   bool isWritten_ = false;
-  bool isAnnounced_ = false; // the journal has a record that must not outlive a failure
+  bool isAnnounced_ = false; // the journal contains a record that must be removed after a failure
 };
 
 } // namespace fennick::ImagePipeline

@@ -11,14 +11,14 @@
 
 namespace fennick {
 
-// Why a picture was not read. Whatever it is, the file is untouched. The imaging process reports those up to
-// `unsupported`; the others are found out by whoever looks after it.
+// Why a picture was not read. The file is unchanged in every case. The imaging process reports the errors up
+// to `unsupported`; DecoderPool detects the others.
 enum class PictureFault : std::uint8_t {
   unreadable,  // the file cannot be opened: gone, no permission, a link, not a regular file
-  notAPicture, // its content is none of PictureType
-  undecodable, // damaged, beyond ImageLimits, or something the decoder does not know
+  notAPicture, // its content is not one of PictureType
+  undecodable, // damaged, beyond ImageLimits, or unknown to the decoder
   unencodable, // decoded, but the result could not be written or did not pass its check
-  unsupported, // the format cannot carry what was asked for
+  unsupported, // the format cannot store what was requested
   crashed,     // the decoder died over it
   timedOut,    // the decoder took too long over it and was ended
   busy,        // no decoder became free in time; says nothing about the picture, ask again later
@@ -28,7 +28,7 @@ enum class PictureFault : std::uint8_t {
 
 struct PictureError {
   PictureFault fault = PictureFault::undecodable;
-  std::string detail; // for the log, in the words of whoever found it; may be empty
+  std::string detail; // for the log; may be empty
 
   bool operator==(const PictureError &) const = default;
 };
@@ -36,17 +36,17 @@ struct PictureError {
 template <typename T>
 using PictureResult = std::expected<T, PictureError>;
 
-// A new encoding of a picture, wanted upright.
+// A request for an upright re-encoding of a picture.
 struct RenderRequest {
   PictureType output = PictureType::jpeg; // jpeg, png or heic
   std::int64_t longEdge = 0;              // most pixels of the longer side; never enlarges
-  std::optional<std::int64_t> maxBytes{}; // of the whole file, metadata included; absent: any size
+  std::optional<std::int64_t> maxBytes{}; // of the whole file, including metadata; absent: unlimited
   double quality = 0.85;                  // of lossy encoding, 0 to 1
   double qualityFloor = 0.5;              // how low the search for `maxBytes` may go
   bool stripLocation = false;
   bool stripAllMetadata = false;
   // When the search for `maxBytes` ends with the smallest file so far, counted from the request. The first
-  // encoding is made in any case. Absent: the search ends when it has found what it can.
+  // encoding is always made. Absent: the search is not limited.
   std::optional<Seconds> searchTime{};
 };
 
@@ -59,34 +59,35 @@ struct Rendering {
   bool losesGainMap = false;  // the same for the gain map of an HDR photo
 };
 
-// The one way in which pictures are read: nothing else in the program looks inside them. Every call opens the
-// file itself, following no link, and blocks until there is an answer. Any thread, several calls at once.
+// Reads pictures: no other part of the program parses them. Every call opens the file itself, without
+// following links, and blocks until there is an answer. Any thread, several calls at once.
 class PictureDecoder {
 public:
   virtual ~PictureDecoder() = default;
 
-  // Reads headers and metadata, no pixels. Goes through the whole file for what stands behind the picture.
+  // Reads headers and metadata, no pixels. Reads the whole file to find what is stored behind the picture.
   [[nodiscard]] virtual PictureResult<PictureFacts> facts(const std::filesystem::path &file) = 0;
-  // The same from the beginning of the file, for many files at once: of location and metadata, what it says
-  // may be incomplete.
+  // Does the same from the beginning of the file only, for many files at once: the facts about location and
+  // metadata may be incomplete.
   [[nodiscard]] virtual PictureResult<PictureFacts> headerFacts(const std::filesystem::path &file) {
     return facts(file);
   }
-  // Reads what people want to know of how the picture was taken; no pixels.
+  // Reads how the picture was taken; no pixels.
   [[nodiscard]] virtual PictureResult<PictureDetails> details(const std::filesystem::path &file) = 0;
-  // A JPEG of at most `maxPixel` pixels on the longer side, upright, in sRGB, without metadata; the first
-  // picture of several. `quality` from 0 to 1.
+  // Returns a JPEG of at most `maxPixel` pixels on the longer side, upright, in sRGB, without metadata; the
+  // first picture if there are several. `quality` from 0 to 1.
   [[nodiscard]] virtual PictureResult<std::string> thumbnail(const std::filesystem::path &file,
                                                              std::int64_t maxPixel, double quality) = 0;
-  // A new encoding of the file's only picture. A damaged picture, of which only a part could be shown, is
-  // undecodable here. `timeout` ends the work; the search for `maxBytes` ends in time to answer before it.
+  // Re-encodes the file's only picture. A damaged picture, of which only a part could be displayed, is
+  // undecodable here. `timeout` ends the work; the search for `maxBytes` ends early enough to answer before
+  // that.
   [[nodiscard]] virtual PictureResult<Rendering> render(const std::filesystem::path &file,
                                                         const RenderRequest &request, Seconds timeout) = 0;
-  // The whole file with only its orientation changed to `orientation` (1 to 8), pixels as they were.
-  // `unsupported` for a format that has no place for it.
+  // Returns the whole file with only its orientation changed to `orientation` (1 to 8) and the pixels
+  // unchanged. Fails with `unsupported` if the format cannot store it.
   [[nodiscard]] virtual PictureResult<std::string> withOrientation(const std::filesystem::path &file,
                                                                    std::int64_t orientation) = 0;
-  // Whether HEIC can be written here; found out once.
+  // Returns whether HEIC can be written on this computer. Determined once.
   [[nodiscard]] virtual bool canEncodeHEIC() = 0;
 };
 

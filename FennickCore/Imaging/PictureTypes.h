@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
-// What the imaging process finds out about a picture. Values; any thread.
+// What the imaging process determines about a picture. Values; any thread.
 namespace fennick {
 
-// The picture formats that are told apart, always by content. From `dng` on they are camera raw formats;
-// `raw` is one of a maker that is not told apart.
+// The picture formats, always determined from content. From `dng` on they are camera raw formats; `raw` is
+// one of a maker without a value of its own.
 enum class PictureType : std::uint8_t {
   jpeg,
   png,
@@ -40,16 +40,16 @@ inline constexpr PictureType kLastPictureType = PictureType::raw;
 
 [[nodiscard]] constexpr bool isRaw(PictureType type) { return type >= PictureType::dng; }
 
-// "public.jpeg", "public.heic", …: the type's name in messages.
+// Returns the type's name in messages: "public.jpeg", "public.heic", ….
 [[nodiscard]] std::string_view typeIdentifier(PictureType type);
-// "jpeg", "png", "heic", "nef", "3fr", …
+// Returns "jpeg", "png", "heic", "nef", "3fr", …
 [[nodiscard]] std::string_view preferredExtension(PictureType type);
 
-// Which of the eight ways a picture is stored turned or mirrored, as EXIF numbers them; 1 is upright.
+// EXIF orientations count from 1, upright, to 8.
 inline constexpr std::int64_t kUpright = 1;
 
-// Whether a new encoding, which has at most 16 bits a sample, no high dynamic range and no gamut beyond that
-// of its colour profile, can show the same picture; and if not, why.
+// Whether a new encoding, which has at most 16 bits a sample, no high dynamic range and no gamut beyond its
+// colour profile, can show the same picture; otherwise the reason.
 enum class Fidelity : std::uint8_t {
   faithful,
   dynamicRange, // PQ or HLG
@@ -62,7 +62,7 @@ struct PictureFacts {
   PictureType type = PictureType::jpeg;
   std::int64_t frames = 1;              // pictures in the file: animation frames, pages; 2 for a movie
   std::optional<std::int64_t> width{};  // in pixels as stored, before any turning; absent when unreadable
-  std::optional<std::int64_t> height{}; // the same
+  std::optional<std::int64_t> height{}; // as stored
   std::optional<std::int64_t>
       orientation{};        // as the file says it, which may be out of range; absent: not said
   bool hasLocation = false; // GPS or named places, anywhere in the file
@@ -72,11 +72,10 @@ struct PictureFacts {
   bool operator==(const PictureFacts &) const = default;
 };
 
-// No text of PictureDetails is longer, in bytes.
+// The longest text of PictureDetails in bytes.
 inline constexpr std::size_t kMostDetailText = 128;
 
-// What a picture says of how it was taken, for people. Each text is one line of UTF-8, empty where nothing
-// sensible is said.
+// How a picture was taken, for users. Each text is one line of UTF-8, empty if there is no plausible value.
 struct PictureDetails {
   std::string camera{};   // "Apple iPhone 15 Pro"
   std::string lens{};     // "iPhone 15 Pro back triple camera 6.765mm f/1.78"

@@ -53,12 +53,12 @@ Output outputOf(PictureType source, OutputFormat format, const std::function<boo
   return {.type = PictureType::jpeg, .remarks = {fmt::format("{} → JPEG", preferredExtension(source))}};
 }
 
-// A HEIF picture that need not change is not written anew only to be called HEIC.
+// A HEIF picture without changes is not encoded again only to be called HEIC.
 bool isOwnType(PictureType source, PictureType output) {
   return source == output || (isHEIF(source) && output == PictureType::heic);
 }
 
-// A limit below 1, which only a damaged record has, would destroy every photo: it is none.
+// A limit below 1, which only a damaged record has, is ignored: it would destroy every photo.
 std::optional<std::int64_t> sensible(std::optional<std::int64_t> limit) {
   return limit && *limit >= 1 ? limit : std::nullopt;
 }
@@ -86,7 +86,7 @@ bool isVideo(std::string_view extension) {
   return extension == "mov" || extension == "mp4" || extension == "m4v";
 }
 
-// Whether received files with this extension keep their format when nothing else has to change.
+// Returns whether received files with this extension keep their format if nothing else has to change.
 bool keepsFormat(OutputFormat format, std::string_view extension) {
   if (const auto chosen = chosenType(format))
     return extension == (*chosen == PictureType::jpeg ? "jpg" : preferredExtension(*chosen));
@@ -109,8 +109,8 @@ bool mayChange(const ImagingOptions &options, std::string_view extension) {
   return sensible(options.maxPixels) || sensible(options.maxBytes) || !keepsFormat(options.format, extension);
 }
 
-// Of several pictures in one file only the first one's metadata is read, except where it belongs to the whole
-// file. A GIF may have comments, which are not read.
+// If a file contains several pictures, only the first one's metadata is read, except for metadata of the
+// whole file. Comments of a GIF are not read.
 PrivateData privateDataOf(const PictureFacts &facts) {
   const bool isRead =
       isProcessable(facts) || facts.type == PictureType::webp || facts.type == PictureType::png;
@@ -154,7 +154,7 @@ std::string noteOf(const Encode &encode, const Rendering &rendering) {
   std::string note = fmt::format("{}px", rendering.longEdge);
   const PictureType output = encode.request.output;
   if (output != PictureType::png)
-    // 0.29 × 100 must not read 28.
+    // Rounds up: 0.29 × 100 must not become 28.
     note += fmt::format(" · q{}", static_cast<int>(rendering.quality * 100 + 1e-6));
   note += fmt::format(" · {} · {}", fileSizeText(static_cast<std::int64_t>(rendering.bytes.size())),
                       upperCased(preferredExtension(output)));

@@ -32,7 +32,7 @@ public:
     fennick::MainQueue &mainQueue;
     const fennick::Clock &clock;
     fennick::PictureDecoder &decoder;
-    QDBusConnection bus; // the session's
+    QDBusConnection bus; // of the session
     ViewMaker makeView;
     bool launchedAsLoginItem = false;
   };
@@ -44,9 +44,9 @@ public:
   [[nodiscard]] bool hasTray() const { return tray_.isShown(); }
   [[nodiscard]] PanelWindow &panel() { return panel_; }
   [[nodiscard]] WindowKeeper &windows() { return windows_; }
-  // The session's colours have changed.
+  // Adapts to changed colours of the session.
   void recolour() { tray_.tint(); }
-  // Nothing is shown any more.
+  // Closes all windows.
   void closeAll();
 
   void makeTrayItem() override;
@@ -67,7 +67,7 @@ public:
   [[nodiscard]] bool launchedAsLoginItem() const override { return launchedAsLoginItem_; }
 
 signals:
-  // The person asked for the main window, or for whatever comes first, in the tray's menu.
+  // The user chose the main window in the tray's menu.
   void mainWindowAskedFor();
 
 private:

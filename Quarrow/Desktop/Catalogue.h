@@ -8,9 +8,9 @@
 
 namespace quarrow {
 
-// The texts of the program in the first of `languages` ("de-DE", "eo"; best first) that there is a catalogue
-// for in `folder`, as tevrin_<language>.qm. Nothing where that is Chinese, in which the sources are written,
-// or where there is none. Any thread.
+// Returns the translation into the first of `languages` ("de-DE", "eo"; best first) that has a catalogue in
+// `folder`, named tevrin_<language>.qm. Returns null if that language is Chinese, the language of the
+// sources, or if there is no catalogue. Any thread.
 [[nodiscard]] std::unique_ptr<QTranslator> catalogueFor(const QStringList &languages,
                                                         const QString &folder = ":/i18n");
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr double kPitch = 1318.5; // Hz, E6
 
-// The ways in which the rim of a glass swings: frequency in pitches, loudness, and seconds until it has faded
-// to a third. The high ones fade first.
+// The modes in which the rim of a glass vibrates: frequency relative to the pitch, loudness, and seconds
+// until it has decayed to a third. The high ones decay first.
 struct Partial {
   double ratio;
   double loudness;
@@ -22,10 +22,10 @@ struct Partial {
 constexpr Partial kPartials[] = {
     {1.0, 1.0, 0.26}, {2.32, 0.5, 0.17}, {4.25, 0.28, 0.10}, {6.63, 0.14, 0.06}, {9.38, 0.06, 0.035}};
 
-constexpr double kAttack = 0.005; // seconds; shorter is heard as a click
-constexpr double kRelease = 0.08; // at the end, where the slowest partial still swings
+constexpr double kAttack = 0.005; // seconds; a shorter one sounds like a click
+constexpr double kRelease = 0.08; // at the end, while the slowest partial still sounds
 
-// Half a cosine from 0 to 1.
+// Returns half a cosine from 0 to 1.
 double ramp(double part) { return 0.5 - 0.5 * std::cos(std::numbers::pi * std::clamp(part, 0.0, 1.0)); }
 
 double soundAt(double seconds) {

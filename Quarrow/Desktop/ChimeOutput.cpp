@@ -13,7 +13,7 @@ namespace quarrow {
 
 namespace {
 
-// How much sound waits in the device: it begins at once, and a busy computer does not make it stutter.
+// How much sound is buffered in the device: it starts at once and does not stutter on a busy computer.
 constexpr std::chrono::microseconds kAhead{200'000};
 
 } // namespace
@@ -37,7 +37,7 @@ void ChimeOutput::play(std::span<const std::int16_t> samples, int rate) {
   sound_.open(QIODevice::ReadOnly);
   sink_ = std::make_unique<QAudioSink>(device, format);
   sink_->setBufferSize(format.bytesForDuration(kAhead.count()));
-  // Queued: a sink does not end inside its own signal.
+  // Queued, because a sink must not be destroyed inside its own signal.
   const auto changed = [this, sink = QPointer(sink_.get())] {
     if (sink)
       stopAfterTheEnd();
@@ -46,8 +46,7 @@ void ChimeOutput::play(std::span<const std::int16_t> samples, int rate) {
   sink_->start(&sound_);
 }
 
-// A sink is idle when all was heard, or while it waits for the next samples; it stops by itself when the
-// device goes away.
+// A sink is idle after the end or while it waits for samples; it stops by itself when the device is removed.
 void ChimeOutput::stopAfterTheEnd() {
   const bool isIdle = sink_->state() == QAudio::IdleState;
   if (sink_->state() == QAudio::StoppedState || (isIdle && sound_.atEnd()))

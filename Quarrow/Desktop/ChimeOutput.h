@@ -12,8 +12,8 @@ class QAudioSink;
 
 namespace quarrow {
 
-// The sound output that the user has chosen. It is opened for each sound and given back when the sound is
-// over, so that a program that waits holds no device. Main thread.
+// The sound output that the user has chosen. It is opened for each sound and closed afterwards, so that an
+// idle program holds no device. Main thread.
 class ChimeOutput final : public QObject, public SoundOutput {
 public:
   ChimeOutput();
@@ -28,7 +28,7 @@ private:
   void stop();
 
   QBuffer sound_;
-  std::unique_ptr<QAudioSink> sink_; // while something plays; last: it reads the above
+  std::unique_ptr<QAudioSink> sink_; // exists while playing; last: it reads the above
 };
 
 } // namespace quarrow

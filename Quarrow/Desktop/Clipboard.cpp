@@ -23,7 +23,7 @@ QClipboard &systemClipboard() { return *QGuiApplication::clipboard(); }
 Clipboard::Clipboard(fennick::PictureDecoder &decoder, fennick::MainQueue &mainQueue)
     : decoder_(decoder), mainQueue_(mainQueue) {}
 
-Clipboard::~Clipboard() { latest_.cancel(); } // nothing more is rendered
+Clipboard::~Clipboard() { latest_.cancel(); } // stops rendering
 
 void Clipboard::copy(const std::vector<std::filesystem::path> &files) {
   latest_.cancel();
@@ -35,7 +35,7 @@ void Clipboard::copy(const std::vector<std::filesystem::path> &files) {
   rendering_->post([this, wanted = latest_.token(), file = files.front()] { render(wanted, file); });
 }
 
-// On the queue. Of many files that come at once only the last one's picture is wanted.
+// Runs on the queue. Of many files in a burst only the last one's picture is needed.
 void Clipboard::render(const fennick::Lifetime::Token &wanted, const std::filesystem::path &file) {
   if (wanted.isCancelled())
     return;

@@ -18,12 +18,12 @@
 
 namespace quarrow {
 
-// Received files on the desktop's clipboard: the file for file managers, and the picture itself for programs
-// that take pictures. The locked-down decoder renders the picture, so what other programs paste is a clean
+// Puts received files on the desktop's clipboard: the file for file managers, and the picture itself for
+// programs that accept pictures. The sandboxed decoder renders the picture, so other programs paste a clean
 // PNG whatever was received. Main thread.
 class Clipboard final {
 public:
-  // Of the picture's longer side in pixels: enough for a screen, and a few tens of megabytes at most.
+  // The picture's longer side in pixels: sufficient for a screen, and a few tens of megabytes at most.
   static constexpr std::int64_t kMostPixels = 4096;
 
   // Both outlive the object.
@@ -32,8 +32,8 @@ public:
   Clipboard(const Clipboard &) = delete;
   Clipboard &operator=(const Clipboard &) = delete;
 
-  // Puts the files on the clipboard at once. The picture of a single one joins it when it is rendered, unless
-  // something else was copied by then; a video, or what cannot be rendered, stays a file.
+  // Puts the files on the clipboard at once. The picture of a single file is added after rendering, unless
+  // something else was copied meanwhile. Videos and files that cannot be rendered stay files.
   void copy(const std::vector<std::filesystem::path> &files);
 
 private:
@@ -45,7 +45,7 @@ private:
   fennick::MainQueue &mainQueue_;
   fennick::Lifetime latest_;                        // of the last file that was copied
   QPointer<QMimeData> offered_;                     // belongs to the clipboard while it is ours
-  std::unique_ptr<fennick::SerialQueue> rendering_; // from the first picture on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> rendering_; // created with the first picture; last: it uses the above
 };
 
 } // namespace quarrow

@@ -6,11 +6,11 @@
 
 namespace quarrow {
 
-// Whether the application's colours are light letters on dark.
+// Returns whether the application's colours are light text on dark.
 [[nodiscard]] bool isDarkScheme();
 
-// Lets the application's colours follow the session's wish for light or dark, which the desktop portal knows
-// even where Qt does not hear of it. A session without a wish keeps what Qt found. Main thread.
+// Applies the session's preference for light or dark to the application's colours. The desktop portal knows
+// it even if Qt does not. Without a preference Qt's choice stays. Main thread.
 class ColourScheme final : public QObject {
   Q_OBJECT
 

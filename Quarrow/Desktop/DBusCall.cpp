@@ -18,7 +18,7 @@ void callAsync(const QDBusConnection &bus, const QDBusMessage &call, QObject &co
                      finished->deleteLater();
                      answered(finished->reply());
                    });
-  std::ignore = watcher.release(); // `context` is its parent and owns it
+  std::ignore = watcher.release(); // owned by `context`, its parent
 }
 
 } // namespace quarrow

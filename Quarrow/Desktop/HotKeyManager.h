@@ -10,14 +10,14 @@
 
 namespace quarrow {
 
-// The one shortcut that opens the panel from any program. Main thread.
+// The global shortcut that opens the panel. Main thread.
 class HotKeyManager {
 public:
   using Preset = HotKeyPreset;
 
-  // All that can be chosen, in the order in which they are shown.
+  // All presets in their display order.
   [[nodiscard]] static std::span<const Preset> presets();
-  // Nothing for a number that is none of them.
+  // Returns null for an unknown number.
   [[nodiscard]] static const Preset *preset(std::int64_t id);
 
   // `mainQueue` outlives the object. Without a backend every shortcut is refused.
@@ -26,10 +26,10 @@ public:
   HotKeyManager(const HotKeyManager &) = delete;
   HotKeyManager &operator=(const HotKeyManager &) = delete;
 
-  // Gives the current shortcut up and forgets its action; then, unless `preset` is null, takes another, for
-  // which `action` is called from the main queue at each press. False: it is not to be had, and nothing is
-  // kept. Some desktops answer later, or take the shortcut away again: `refused` is then called once, from
-  // the main queue, and nothing is kept either.
+  // Releases the current shortcut and its action; then, unless `preset` is null, takes another, for which
+  // `action` is called from the main queue at each press. Returns false if it is not available; then there is
+  // none. Some desktops answer later or withdraw the shortcut: `refused` is then called once from the main
+  // queue, and there is none either.
   [[nodiscard]] bool replace(const Preset *preset, std::function<void()> action,
                              std::function<void()> refused = {});
 
@@ -43,7 +43,7 @@ private:
 
   fennick::MainQueue &mainQueue_;
   const std::unique_ptr<HotKeyBackend> backend_;
-  std::shared_ptr<const Registration> registration_; // what waits in the main queue lapses with it
+  std::shared_ptr<const Registration> registration_; // its destruction disarms what waits in the main queue
 };
 
 } // namespace quarrow

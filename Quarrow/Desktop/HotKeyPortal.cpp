@@ -19,7 +19,7 @@ namespace quarrow {
 
 namespace {
 
-// A shortcut as the portal writes it, (sa{sv}).
+// A shortcut in the portal's format, (sa{sv}).
 struct PortalShortcut {
   QString id;
   QVariantMap properties;
@@ -45,13 +45,13 @@ const QString kShortcuts = QStringLiteral("org.freedesktop.portal.GlobalShortcut
 const QString kRequest = QStringLiteral("org.freedesktop.portal.Request");
 const QString kSession = QStringLiteral("org.freedesktop.portal.Session");
 
-// A name that no other question or session of ours has.
+// Returns a name that no other request or session of this program has.
 QString nextToken() {
   static int count = 0; // main thread
   return QStringLiteral("tevrin%1").arg(++count);
 }
 
-// "CTRL+ALT+LOGO+p": how the desktops write shortcuts to each other.
+// Returns "CTRL+ALT+LOGO+p", the desktops' notation for shortcuts.
 QString triggerOf(const HotKeyPreset &preset) {
   QStringList keys;
   for (const auto &[modifier, name] :
@@ -74,7 +74,7 @@ void introduceToPortal(const QDBusConnection &bus) {
 
 PortalSession::PortalSession(QDBusConnection bus, const HotKeyPreset &preset)
     : bus_(std::move(bus)), preset_(preset) {
-  qRegisterMetaType<QDBusObjectPath>(); // Qt connects no slot whose types it has not met
+  qRegisterMetaType<QDBusObjectPath>(); // Qt requires registered types to connect a slot
   qDBusRegisterMetaType<PortalShortcut>();
   qDBusRegisterMetaType<QList<PortalShortcut>>();
   bus_.connect(kService, kPath, kShortcuts, QStringLiteral("Activated"), this,
@@ -94,7 +94,7 @@ PortalSession::~PortalSession() {
 
 QString PortalSession::shortcutID() const { return QStringLiteral("fnck-%1").arg(preset_.id); }
 
-// The answer comes as a signal of an object whose path is known before the question is asked.
+// The answer is a signal of an object whose path is known before the request.
 void PortalSession::ask(const QString &method, QVariantList arguments, QVariantMap options,
                         const char *answered) {
   const QString token = nextToken();
@@ -185,7 +185,7 @@ void HotKeyPortal::requestWanted() {
     if (wanted_)
       events().pressed();
   });
-  // Queued: a session does not end inside its own signal.
+  // Queued, because a session must not be destroyed inside its own signal.
   const auto refused = [this, session = QPointer(session_.get())] {
     if (session)
       refuse();

@@ -15,13 +15,13 @@
 
 namespace quarrow {
 
-// Tells the desktop portal whose desktop entry this program is known by, which portals want to know before
-// they grant a shortcut to programs outside of a sandbox. Before anything else is asked of the portal; one
-// that does not know the question passes it over.
+// Registers the program's desktop entry with the desktop portal, which requires it before granting a shortcut
+// to a program outside of a sandbox. Call it before any other request; portals without this interface ignore
+// it.
 void introduceToPortal(const QDBusConnection &bus);
 
-// One shortcut that was asked for at the desktop portal, from the request to the end of its session. The
-// user decides there, and may choose other keys than those proposed. Main thread.
+// One shortcut requested from the desktop portal, from the request to the end of its session. The user
+// decides and may choose other keys. Main thread.
 class PortalSession final : public QObject {
   Q_OBJECT
 
@@ -33,7 +33,7 @@ public:
 
 signals:
   void pressed();
-  void refused(); // or taken away, or there is no such portal
+  void refused(); // or withdrawn, or there is no such portal
 
 private:
   Q_SLOT void created(uint response, const QVariantMap &results);
@@ -45,14 +45,14 @@ private:
 
   QDBusConnection bus_;
   const HotKeyPreset preset_;
-  QString request_; // the object that answers the question under way
-  QString session_; // empty until it was granted
+  QString request_; // the object that answers the current request
+  QString session_; // empty until it is granted
 };
 
-// Shortcuts through org.freedesktop.portal.GlobalShortcuts, for Wayland. The portal may ask the person, so a
-// key is first taken to be ours and its refusal told later. A portal that was restarted is asked anew. What
-// is released and taken again in one turn of the event loop keeps its session, and what was refused is
-// refused again until it was released for a while: nobody is asked twice.
+// Shortcuts through org.freedesktop.portal.GlobalShortcuts, for Wayland. The portal may ask the user, so
+// `take` succeeds first and a refusal follows later. After a restart of the portal the shortcut is requested
+// again. Releasing and taking the same key in one turn of the event loop keeps the session, and a refused key
+// is refused again until it was released for a while, so that the user is not asked twice.
 class HotKeyPortal final : public QObject, public HotKeyBackend {
 public:
   explicit HotKeyPortal(QDBusConnection bus);
@@ -67,9 +67,9 @@ private:
 
   const QDBusConnection bus_;
   std::optional<HotKeyPreset> wanted_;
-  std::optional<HotKeyPreset> asked_; // what the session is for, or was before it was refused
+  std::optional<HotKeyPreset> asked_; // the key of the session, or of the refused one
   std::unique_ptr<PortalSession> session_;
-  bool portalWasLost_ = false; // while it had a session of ours
+  bool portalWasLost_ = false; // while a session existed
 };
 
 } // namespace quarrow

@@ -16,13 +16,13 @@ namespace quarrow {
 
 namespace {
 
-// Keysyms that the modifiers are found by.
+// Keysyms that identify the modifiers.
 constexpr xcb_keysym_t kAlt = 0xffe9;
 constexpr xcb_keysym_t kSuper = 0xffeb;
 constexpr xcb_keysym_t kNumLock = 0xff7f;
 
-// A held key is repeated at the latest after this many milliseconds; a press that comes later is a new one,
-// even if somebody else was told that the key was let go.
+// A held key repeats within this many milliseconds; a later press is a new one, even if another client
+// received the release.
 constexpr std::uint32_t kRepeatDelay = 1000;
 
 // Kinds of the keyboard extension's event.
@@ -51,7 +51,7 @@ std::vector<xcb_window_t> rootsOf(xcb_connection_t *connection) {
   return roots;
 }
 
-// The keyboard as it is set up at this moment.
+// The current keyboard mapping.
 class Keyboard {
 public:
   explicit Keyboard(xcb_connection_t *connection)
@@ -59,7 +59,7 @@ public:
         modifiers_(
             ::xcb_get_modifier_mapping_reply(connection, ::xcb_get_modifier_mapping(connection), nullptr)) {}
 
-  // Every key that types the symbol; where none does, the one that has its place on an ordinary keyboard.
+  // Returns every key that types the symbol, or else the one in its position on an ordinary keyboard.
   [[nodiscard]] std::vector<xcb_keycode_t> keysFor(const HotKeySymbol &symbol) const {
     std::vector<xcb_keycode_t> keys;
     const Owned<xcb_keycode_t> found(::xcb_key_symbols_get_keycode(symbols_.get(), symbol.keysym));
@@ -88,7 +88,7 @@ public:
   }
 
 private:
-  // The modifier that the key with this symbol sets.
+  // Returns the modifier that the key with this symbol sets.
   [[nodiscard]] std::uint16_t modifierOf(xcb_keysym_t keysym, std::uint16_t otherwise) const {
     if (!modifiers_ || modifiers_->keycodes_per_modifier == 0)
       return otherwise;
@@ -187,7 +187,7 @@ void HotKeyX11::keyReleased(const xcb_key_press_event_t &event) {
     held_ = false;
 }
 
-// The server tells of one change in several events.
+// The server reports one change with several events.
 void HotKeyX11::keyboardChanged() {
   if (preset_ && !std::exchange(changeIsKnown_, true))
     QTimer::singleShot(0, this, &HotKeyX11::takeAnew);

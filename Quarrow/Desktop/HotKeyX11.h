@@ -15,12 +15,12 @@ struct xcb_key_press_event_t;
 
 namespace quarrow {
 
-// A key that the X server reports to us, whichever program has focus. It is taken for every way in which
-// CapsLock and NumLock may stand, and taken anew when the keyboard's layout changes. The presses come through
-// the application's own connection, so that the panel which they open may ask for the keyboard in their name.
+// A key that the X server reports whichever program has focus. It is grabbed for all states of CapsLock and
+// NumLock, and again when the keyboard layout changes. Presses arrive on the application's own connection, so
+// that their timestamps let the panel take focus.
 class HotKeyX11 final : public QObject, public HotKeyBackend, public QAbstractNativeEventFilter {
 public:
-  // The application's; outlives the object.
+  // The application's connection, which outlives the object.
   explicit HotKeyX11(xcb_connection_t *connection);
   ~HotKeyX11() override;
   HotKeyX11(const HotKeyX11 &) = delete;
@@ -40,12 +40,12 @@ private:
   [[nodiscard]] bool grab(const HotKeyPreset &preset);
   void ungrab();
   void keyPressed(const xcb_key_press_event_t &event);
-  void keyReleased(const xcb_key_press_event_t &event); // the two are one type
+  void keyReleased(const xcb_key_press_event_t &event); // both events have the same type
   void keyboardChanged();
   void takeAnew();
 
   xcb_connection_t *const connection_;
-  const std::uint8_t keyboardEvent_; // of the server's keyboard extension; 0: it has none
+  const std::uint8_t keyboardEvent_; // of the keyboard extension; 0: none
   std::optional<HotKeyPreset> preset_;
   std::vector<Grab> grabs_;
   bool held_ = false;           // the key was pressed and not let go

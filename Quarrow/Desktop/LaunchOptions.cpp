@@ -29,7 +29,7 @@ std::expected<std::filesystem::path, std::string> directory(const std::string &t
   return result;
 }
 
-// The switches; false for what is none.
+// Reads a switch. Returns false if it is not one.
 bool readSwitch(LaunchOptions &options, const std::string &argument) {
   if (namesWindow(argument))
     options.windows.push_back(argument);

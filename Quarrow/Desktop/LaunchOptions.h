@@ -8,7 +8,7 @@
 
 namespace quarrow {
 
-// What the program with windows was asked to do at its start. Any thread.
+// The command line of the program with windows. Any thread.
 struct LaunchOptions {
   std::optional<std::filesystem::path> stateDirectory; // absolute
   bool loginItem = false;                              // the session starts it at login
@@ -17,7 +17,7 @@ struct LaunchOptions {
   bool showHelp = false;
   std::vector<std::string> windows; // "--show-settings", "--show-panel", in the order given
 
-  // Reads the arguments after the program's name. The error is a sentence for standard error.
+  // Parses the arguments after the program's name. The error is a sentence for standard error.
   [[nodiscard]] static std::expected<LaunchOptions, std::string>
   parse(const std::vector<std::string> &arguments);
 
@@ -25,7 +25,7 @@ struct LaunchOptions {
 };
 
 // What a second launch forwards to the running program: its arguments, and the launcher's activation token,
-// which says that the user wants a window now. Without it desktops keep new windows from the front.
+// which proves that the user requested a window. Without it desktops do not raise new windows.
 struct HandOver {
   std::vector<std::string> windows;
   bool loginItem = false;      // nobody asked for a window

@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::string_view kGroup = "[Desktop Entry]";
 
-// `text` as one quoted argument of an Exec line. The line is read twice: as a string, where a backslash
-// begins an escape, and as a command, where inside quotes these four characters need one of their own.
+// Quotes `text` as one argument of an Exec line. The line is parsed twice: as a string, in which a backslash
+// begins an escape, and as a command, in which these four characters are escaped inside quotes.
 std::string execArgument(std::string_view text) {
   std::string argument = "\"";
   for (const char c : text) {
@@ -35,7 +35,7 @@ std::string execArgument(std::string_view text) {
   return argument + "\"";
 }
 
-// The value of `key` in the entry's main group; empty when it is not there.
+// Returns the value of `key` in the entry's main group; empty if it is missing.
 std::string_view valueOf(std::string_view entry, std::string_view key) {
   bool inside = false;
   while (!entry.empty()) {

@@ -6,19 +6,18 @@
 
 namespace quarrow {
 
-// Whether the session starts the program when the user logs in: an entry "tevrin.desktop" in the desktop's
-// autostart folder, which passes "--login-item". The entry on the disk is the only state, so that what the
-// desktop's own settings change in it holds here too: an entry that they mark as hidden or switched off
-// starts nothing. Main thread.
+// Starts the program at login with an entry "tevrin.desktop" in the desktop's autostart folder, which passes
+// "--login-item". The entry on the disk is the only state, so that changes in the desktop's own settings
+// apply: an entry that they hide or disable counts as off. Main thread.
 class LoginItem {
 public:
-  // `folder` is the autostart folder, which need not exist yet; `program` the full path of what is started.
+  // `folder` is the autostart folder, which need not exist; `program` the full path of the program.
   LoginItem(const std::filesystem::path &folder, std::filesystem::path program);
 
-  // Read anew each time.
+  // Reads the entry each time.
   [[nodiscard]] bool isEnabled() const;
-  // Writes the entry, in place of whatever stood there, or takes it away; one that starts nothing stays as
-  // the user left it. On failure nothing has changed, and the error is a message for the user.
+  // Writes the entry, replacing any other, or removes it; a disabled entry stays as the user left it. On
+  // failure nothing has changed, and the error is a message for the user.
   [[nodiscard]] std::expected<void, std::string> setEnabled(bool enabled);
 
 private:
@@ -28,7 +27,7 @@ private:
   const std::filesystem::path program_;
 };
 
-// The person's autostart folder: "~/.config/autostart", or where XDG_CONFIG_HOME says.
+// Returns the user's autostart folder: "autostart" in XDG_CONFIG_HOME or "~/.config".
 [[nodiscard]] std::filesystem::path autostartFolder();
 
 } // namespace quarrow

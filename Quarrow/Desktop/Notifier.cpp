@@ -15,8 +15,8 @@ namespace quarrow {
 
 namespace {
 
-// A picture as notifications carry it, (iiibiiay): width, height, bytes a row, whether there is transparency,
-// bits a channel, channels, pixels.
+// A picture in the format of notifications, (iiibiiay): width, height, bytes a row, transparency, bits a
+// channel, channels, pixels.
 struct NotificationPicture {
   QImage image; // RGB888
 };
@@ -31,35 +31,35 @@ QDBusArgument &operator<<(QDBusArgument &argument, const NotificationPicture &pi
   return argument;
 }
 
-// Nobody sends us pictures.
+// Required by Qt; no service sends pictures.
 const QDBusArgument &operator>>(const QDBusArgument &argument, NotificationPicture &) {
   return argument; // NOLINT(bugprone-return-const-ref-from-parameter): it is Qt's form
 }
 
 const QString kName = QStringLiteral("org.freedesktop.Notifications");
 const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
-const QString kOpen = QStringLiteral("default"); // what a click on the notification itself does
+const QString kOpen = QStringLiteral("default"); // the action of a click on the notification
 const QString kShowInFolder = QStringLiteral("folder");
 
-// Longer side in pixels: as large as services show it, on a screen of twice the usual density.
+// Longer side in pixels: the largest display size of services, on a screen of double density.
 constexpr int kPictureSize = 192;
 constexpr double kPictureQuality = 0.85;
 
-// Services that keep old notifications need not tell when they forget them.
+// Services do not report when they forget old notifications.
 constexpr std::size_t kMostFiles = 100;
 
 QDBusMessage call(const char *method) {
   return QDBusMessage::createMethodCall(kName, kPath, kName, QString::fromLatin1(method));
 }
 
-// `text` where the service reads markup.
+// Escapes `text` for services that interpret markup.
 QString escaped(QString text) {
   return text.replace('&', QStringLiteral("&amp;"))
       .replace('<', QStringLiteral("&lt;"))
       .replace('>', QStringLiteral("&gt;"));
 }
 
-// The bytes come out of the locked-down decoder, which alone has looked into the received file.
+// The bytes come from the sandboxed decoder.
 QImage pictureOf(const QByteArray &jpeg) {
   const QImage image = QImage::fromData(jpeg, "JPG");
   if (image.isNull() || image.width() > kPictureSize || image.height() > kPictureSize)
@@ -133,7 +133,7 @@ void Notifier::send(const Note &note) {
   message.setArguments(argumentsOf(note));
   callAsync(bus_, message, *this, [this, file = note.file](const QDBusMessage &reply) {
     if (reply.type() == QDBusMessage::ErrorMessage)
-      capabilities_.reset(); // another service may take its place
+      capabilities_.reset(); // another service may replace it
     else if (file)
       remember(reply.arguments().value(0).toUInt(), *file);
   });

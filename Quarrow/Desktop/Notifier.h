@@ -22,14 +22,14 @@
 
 namespace quarrow {
 
-// Posts notifications on the desktop's notification service (org.freedesktop.Notifications), each one a new
-// one whatever was shown before. Nothing waits for the service; where there is none, nothing is shown, and
-// the next notification asks for it again. Main thread.
+// Posts notifications to the desktop's notification service (org.freedesktop.Notifications), each as a new
+// one. Never waits for the service; without one nothing is shown, and the next notification looks for it
+// again. Main thread.
 class Notifier final : public QObject {
   Q_OBJECT
 
 public:
-  // What people can do with the file of a notification.
+  // Actions for the file of a notification.
   struct Actions {
     std::function<void(const std::filesystem::path &)> open;
     std::function<void(const std::filesystem::path &)> showInFolder;
@@ -41,13 +41,13 @@ public:
   Notifier(const Notifier &) = delete;
   Notifier &operator=(const Notifier &) = delete;
 
-  // Plain UTF-8. With a `file`, the notification shows it small where the service shows pictures, and offers
-  // the actions where it offers any; the small picture is made first, a moment later.
+  // Plain UTF-8. With a `file`, the notification shows a small picture and actions if the service supports
+  // them; the picture is made first, which takes a moment.
   void post(const std::string &title, const std::string &body,
             std::optional<std::filesystem::path> file = std::nullopt);
 
 signals:
-  void pictureMade(const QByteArray &jpeg); // for the notification that waits longest; empty: there is none
+  void pictureMade(const QByteArray &jpeg); // for the oldest waiting notification; empty: none
 
 private:
   struct Note {
@@ -75,7 +75,7 @@ private:
   std::vector<Note> waiting_;                      // for that
   std::deque<Note> unpictured_;                    // their pictures are being made, in this order
   std::map<uint, std::filesystem::path> files_;    // of notifications that may still be shown, by their ids
-  std::unique_ptr<fennick::SerialQueue> pictures_; // from the first one on; last: it uses the above
+  std::unique_ptr<fennick::SerialQueue> pictures_; // created with the first one; last: it uses the above
 };
 
 } // namespace quarrow

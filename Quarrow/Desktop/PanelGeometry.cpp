@@ -10,10 +10,10 @@ namespace {
 constexpr int kLowest = 240;
 constexpr int kToSpare = 40;
 constexpr int kHighestWithoutScreen = 660;
-constexpr int kGap = 4; // to the icon, and to the edges of what is available
+constexpr int kGap = 4; // to the icon, and to the edges of the available area
 
-// What stands in for the icon when nobody knows its place: the end of the widest bar, and of vertical bars
-// the lower one.
+// The position assumed for an icon of unknown place: the end of the widest bar; for vertical bars the lower
+// end.
 QPoint trayCorner(const ScreenArea &screen) {
   const auto &[whole, available] = screen;
   const std::pair<int, QPoint> corners[] = {
@@ -25,7 +25,7 @@ QPoint trayCorner(const ScreenArea &screen) {
   return std::ranges::max_element(corners, {}, &std::pair<int, QPoint>::first)->second;
 }
 
-// The far end gives way when there is not room for both.
+// If there is not room for both ends, the far one yields.
 int clamped(int wanted, int length, int first, int last) {
   return std::max(std::min(wanted, last - kGap - length + 1), first + kGap);
 }

@@ -8,23 +8,23 @@
 
 namespace quarrow {
 
-// How large the panel under the tray icon is and where it stands, in device-independent pixels. Any thread.
+// Size and position of the panel under the tray icon, in device-independent pixels. Any thread.
 
 constexpr int kPanelWidth = 300;
 
-// The height that the content wants, at least 240, and no more than what is visible of the screen leaves with
-// 40 to spare; 660 without a screen.
+// Returns the height of the content, at least 240, and at most the visible height of the screen minus 40; 660
+// without a screen.
 [[nodiscard]] int panelHeight(int fittingHeight, std::optional<int> availableHeight);
 
-// A screen, and what bars and docks leave of it.
+// A screen, and the part that bars and docks leave free.
 struct ScreenArea {
   QRect whole{};
   QRect available{};
 };
 
-// Where the upper left corner of a panel goes: centred below the tray icon, above it in the lower half of the
-// screen, and always inside what is available. Without an icon's place it is the corner next to where the
-// screen's bar keeps its tray, the upper right one when there is no bar.
+// Returns the upper left corner of the panel: centred below the tray icon, above it in the lower half of the
+// screen, and always inside the available area. Without the icon's place it is the corner next to the
+// screen's bar, or the upper right one if there is no bar.
 [[nodiscard]] QPoint panelPlace(QSize panel, const ScreenArea &screen, std::optional<QRect> icon);
 
 } // namespace quarrow

@@ -24,7 +24,7 @@ QScreen *screenOf(const std::optional<QRect> &icon) {
   return screen != nullptr ? screen : QGuiApplication::primaryScreen();
 }
 
-// It is no window to come back to. On other platforms nobody lists it.
+// Task bars must not list the panel. Other platforms do not list it.
 void keepOutOfTaskBars(QWindow &window) {
   if (xcb_connection_t *connection = xServer())
     setWindowStates(connection, static_cast<std::uint32_t>(window.winId()),
@@ -69,7 +69,7 @@ private:
   const std::unique_ptr<QQuickItem> content_;
 };
 
-// It may be in the middle of an event that made it close.
+// It may be handling the event that closed it.
 void PanelWindow::Close::operator()(Window *window) const {
   window->hide();
   window->deleteLater();

@@ -14,13 +14,13 @@ class QQuickWindow;
 
 namespace quarrow {
 
-// The panel on the screen: a window without a frame at the tray icon, which takes focus at once and
-// frees its memory when it closes. Main thread.
+// The panel: a frameless window at the tray icon that takes focus at once and is destroyed when it closes.
+// Main thread.
 class PanelWindow final : public QObject, public StatusItemController::Panel {
   Q_OBJECT
 
 public:
-  // `iconPlace` tells where the tray icon is, if anybody knows.
+  // `iconPlace` returns the place of the tray icon, if it is known.
   PanelWindow(ViewMaker makeView, std::function<std::optional<QRect>()> iconPlace);
   ~PanelWindow() override;
   PanelWindow(const PanelWindow &) = delete;
@@ -29,10 +29,10 @@ public:
   [[nodiscard]] bool isOpen() const override { return window_ != nullptr; }
   void open() override;
   Q_SLOT void close() override;
-  [[nodiscard]] QQuickWindow *window() const; // nothing while it is closed
+  [[nodiscard]] QQuickWindow *window() const; // null while it is closed
 
 signals:
-  // The person went on to another window.
+  // Another window got focus.
   void left();
 
 private:
@@ -46,7 +46,7 @@ private:
 
   const ViewMaker makeView_;
   const std::function<std::optional<QRect>()> iconPlace_;
-  std::optional<QRect> icon_; // where it was when the panel opened
+  std::optional<QRect> icon_; // its place when the panel opened
   std::unique_ptr<Window, Close> window_;
 };
 

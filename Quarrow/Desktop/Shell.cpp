@@ -84,7 +84,7 @@ void Shell::askForFolder(const QString &title, const QUrl &start, const QJSValue
   folderDialog_->setFileMode(QFileDialog::Directory);
   folderDialog_->setOption(QFileDialog::ShowDirsOnly);
   folderDialog_->setWindowModality(Qt::WindowModal);
-  std::ignore = folderDialog_->winId(); // makes the window that can lie above another one
+  std::ignore = folderDialog_->winId(); // creates the native window, which can then be placed above another
   folderDialog_->windowHandle()->setTransientParent(QGuiApplication::focusWindow());
   connect(folderDialog_.get(), &QFileDialog::fileSelected, this, [chosen](const QString &folder) {
     std::ignore = chosen.call({QUrl::fromLocalFile(folder).toString()});

@@ -17,12 +17,11 @@ class QFileDialog;
 
 namespace quarrow {
 
-// What the windows let people do, and the settings that they show: the face of the coordinator towards QML.
-// Main thread.
+// Commands of the windows and the settings that they show, for QML. Main thread.
 class Shell : public QObject {
   Q_OBJECT
   Q_PROPERTY(bool galleryEnabled READ galleryEnabled WRITE setGalleryEnabled NOTIFY settingsChanged)
-  // An interface's name; empty: chosen automatically.
+  // The name of an interface; empty: automatic.
   Q_PROPERTY(
       QString preferredInterface READ preferredInterface WRITE setPreferredInterface NOTIFY settingsChanged)
   // The number of a preset; -1: none.
@@ -31,7 +30,7 @@ class Shell : public QObject {
   Q_PROPERTY(QVariantList hotKeyPresets READ hotKeyPresets CONSTANT)
   Q_PROPERTY(int preferredPort READ preferredPort NOTIFY settingsChanged)
   Q_PROPERTY(bool startsAtLogin READ startsAtLogin WRITE setStartsAtLogin NOTIFY startsAtLoginChanged)
-  // Files received since the program was started.
+  // Files received in this run.
   Q_PROPERTY(int receivedCount READ receivedCount NOTIFY receivedCountChanged)
   Q_PROPERTY(QString resetKeyWarning READ resetKeyWarning CONSTANT)
 
@@ -56,15 +55,15 @@ public:
   [[nodiscard]] int receivedCount() const { return receivedCount_; }
   [[nodiscard]] static QString resetKeyWarning();
 
-  // A phone has sent a file.
+  // Counts a received file.
   void countReceived();
 
   Q_INVOKABLE void copyText(const QString &text);
   Q_INVOKABLE void openSaveFolder();
-  // Asks the user for a folder, beginning in `start`, above the window that has focus. `chosen` is called
-  // with its address, unless the user cancels.
+  // Asks the user for a folder, starting in `start`, above the window with focus. `chosen` is called with its
+  // URL unless the user cancels.
   Q_INVOKABLE void askForFolder(const QString &title, const QUrl &start, const QJSValue &chosen);
-  // Stores the folder as the save folder; an error goes to the model.
+  // Stores the folder as the save folder. An error becomes the model's.
   Q_INVOKABLE void chooseSaveFolder(const QUrl &folder);
   Q_INVOKABLE void showMainWindow();
   Q_INVOKABLE void showSettings();
@@ -86,7 +85,7 @@ private:
   AppCommands &commands_;
   LoginItem &loginItem_;
   fennick::Subscription subscription_;
-  std::unique_ptr<QFileDialog> folderDialog_; // from the first question on
+  std::unique_ptr<QFileDialog> folderDialog_; // created with the first question
   int receivedCount_ = 0;
 };
 

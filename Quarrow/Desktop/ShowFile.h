@@ -7,15 +7,14 @@
 
 class QObject;
 
-// Received files in the desktop's other programs. Both return at once; what cannot be done goes to the log.
-// Main thread.
+// Opens received files in other programs. Both functions return at once; failures are logged. Main thread.
 namespace quarrow {
 
-// In the program that people use for files of its kind.
+// Opens the file in the default program for its kind.
 void openFile(const std::filesystem::path &file);
 
-// Selected in the file manager; where that cannot be asked for, the first one's folder. `context` lives until
-// the file manager has answered, or nothing more happens.
+// Selects the files in the file manager, or opens the first one's folder if that is not supported. `context`
+// has to exist until the file manager has answered; otherwise nothing more happens.
 void showInFolder(const std::vector<std::filesystem::path> &files, const QDBusConnection &bus,
                   QObject &context);
 

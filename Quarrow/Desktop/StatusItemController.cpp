@@ -6,7 +6,7 @@ namespace quarrow {
 
 namespace {
 
-// Longest from the button going down on the icon, which takes the keyboard from the panel, to the click.
+// The longest time from the press on the icon, which takes focus from the panel, to the click.
 constexpr fennick::Seconds kClickLength{0.4};
 
 } // namespace

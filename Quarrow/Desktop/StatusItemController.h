@@ -10,14 +10,14 @@
 
 namespace quarrow {
 
-// The rules of the tray icon and the panel that opens under it: when the panel opens and closes, and the
-// check mark that tells of an arrival. Main thread.
+// Decides when the panel under the tray icon opens and closes, and shows the check mark after an arrival.
+// Main thread.
 class StatusItemController {
 public:
   // How long the check mark stays after the last arrival.
   static constexpr fennick::Seconds kFlashLength{1.2};
 
-  // The icon, wherever the session shows it, if it does.
+  // The icon in the tray, if there is one.
   class Item {
   public:
     virtual ~Item() = default;
@@ -27,7 +27,7 @@ public:
   public:
     virtual ~Panel() = default;
     [[nodiscard]] virtual bool isOpen() const = 0;
-    virtual void open() = 0; // or brings it to the front; it gets the keyboard
+    virtual void open() = 0; // or raises it; it gets focus
     virtual void close() = 0;
   };
 
@@ -35,15 +35,15 @@ public:
   StatusItemController(Item &item, Panel &panel, fennick::MainQueue &mainQueue, const fennick::Clock &clock)
       : item_(item), panel_(panel), mainQueue_(mainQueue), clock_(clock) {}
 
-  // The icon was clicked.
+  // Handles a click on the icon.
   void togglePopover();
-  // The person went on to something else while the panel was open: it closes. If that was a click on the
-  // icon, the click arrives after this and opens nothing.
+  // Closes the panel, since another window got focus. If a click on the icon caused this, the click arrives
+  // afterwards and does not open it again.
   void panelLeft();
   void show() { panel_.open(); }
   void close() { panel_.close(); }
 
-  // A file has arrived: shows the check mark until `kFlashLength` after the last call.
+  // Shows the check mark until `kFlashLength` after the last call.
   void flash();
 
 private:
@@ -51,7 +51,7 @@ private:
   Panel &panel_;
   fennick::MainQueue &mainQueue_;
   const fennick::Clock &clock_;
-  fennick::Lifetime flash_; // the way back to the normal icon; the latest one counts
+  fennick::Lifetime flash_; // restores the normal icon; only the latest one runs
   std::optional<fennick::Uptime> leftAt_;
 };
 

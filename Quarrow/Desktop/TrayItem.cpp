@@ -13,12 +13,13 @@ namespace quarrow {
 
 namespace {
 
-// Some trays give an icon that they do not show a place all the same.
+// Some trays report a place for an icon that they do not show.
 bool isOnScreen(const QRect &place) {
   return !place.isEmpty() && QGuiApplication::screenAt(place.center()) != nullptr;
 }
 
-// A click through the session bus does not say where. Icons lie in bars, so a pointer elsewhere was not it.
+// A click through the session bus has no position. Icons lie in bars, so a pointer elsewhere did not click
+// it.
 std::optional<QPoint> pointerInBar() {
   if (QGuiApplication::platformName() != "xcb")
     return std::nullopt;

@@ -13,12 +13,12 @@
 
 namespace quarrow {
 
-// The program's icon in the session's tray, with its menu, whenever there is a tray. Main thread.
+// The program's icon and menu in the session's tray, whenever there is a tray. Main thread.
 class TrayItem final : public QObject, public StatusItemController::Item {
   Q_OBJECT
 
 public:
-  // What people can do there.
+  // The actions of its menu.
   struct Actions {
     std::function<void()> togglePanel;
     std::function<void()> showMainWindow;
@@ -29,15 +29,15 @@ public:
 
   TrayItem(const QDBusConnection &bus, Actions actions);
 
-  // From now on the icon is in the tray.
+  // Shows the icon from now on.
   void start();
   [[nodiscard]] bool isShown() const { return icon_ != nullptr; }
-  // Where it is on the screen, where that is known: some trays tell it, and on X11 the pointer that has just
-  // clicked it stands there.
+  // Returns the icon's place on the screen if it is known: some trays report it, and on X11 the pointer is
+  // there after a click.
   [[nodiscard]] std::optional<QRect> place() const;
 
   void setFace(TrayFace face) override;
-  // The session's colours have changed.
+  // Adapts to changed colours of the session.
   void tint();
 
 signals:
@@ -53,7 +53,7 @@ private:
   QMenu menu_;
   TrayFace face_ = TrayFace::normal;
   std::optional<QPoint> clickedAt_;       // while a click is being answered
-  std::unique_ptr<QSystemTrayIcon> icon_; // while there is a tray
+  std::unique_ptr<QSystemTrayIcon> icon_; // exists while there is a tray
 };
 
 } // namespace quarrow

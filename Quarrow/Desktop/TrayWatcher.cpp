@@ -20,7 +20,7 @@ namespace {
 
 constexpr const char *kNotifierWatcher = "org.kde.StatusNotifierWatcher";
 
-// Each screen has a tray of its own; Qt's windows are on the display's first.
+// Each screen has a tray of its own; Qt's windows are on the first.
 xcb_atom_t traySelection(xcb_connection_t *connection) {
   char *host = nullptr;
   int display = 0;
@@ -67,11 +67,11 @@ void TrayWatcher::lookForEmbedding() {
   note(Kind::embedding, manager_ != XCB_WINDOW_NONE);
 }
 
-// Bars that take both kinds of icons announce their colours only to embedded ones; they hold for all.
+// Bars that accept both kinds of icons announce their colours only to embedded ones; they apply to all.
 std::optional<QColor> TrayWatcher::foreground() const {
   if (manager_ == XCB_WINDOW_NONE)
     return std::nullopt;
-  constexpr std::uint32_t kComponents = 3; // then follow those for errors, warnings and successes
+  constexpr std::uint32_t kComponents = 3; // then those for errors, warnings and successes
   const auto cookie = xcb_get_property(xServer(), 0, manager_, x11Atom(xServer(), "_NET_SYSTEM_TRAY_COLORS"),
                                        XCB_ATOM_CARDINAL, 0, kComponents);
   const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xServer(), cookie, nullptr));
@@ -92,8 +92,7 @@ void TrayWatcher::note(Kind kind, bool present) {
   emit changed();
 }
 
-// A new tray announces itself to the root window, whose messages Qt receives; one that ends destroys its
-// window.
+// A new tray sends a message to the root window, which Qt receives; the window of one that ends is destroyed.
 bool TrayWatcher::nativeEventFilter(const QByteArray &type, void *message, qintptr *) {
   if (type != "xcb_generic_event_t")
     return false;

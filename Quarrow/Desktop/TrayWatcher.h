@@ -10,11 +10,11 @@
 
 namespace quarrow {
 
-// Whether the session has a place for icons of programs, and when that changes: panels start after programs
-// that a login starts, and are restarted. Nothing is polled. Main thread.
+// Reports whether the session has a tray, and when that changes: panels start after programs of the
+// autostart, and may be restarted. Does not poll. Main thread.
 //
-// Qt decides with the first icon which kind it makes, for as long as the program runs; so a tray of the other
-// kind that comes later does not count.
+// With the first icon Qt decides which kind of tray it uses for the whole run, so a later tray of the other
+// kind does not count.
 class TrayWatcher final : public QObject, public QAbstractNativeEventFilter {
   Q_OBJECT
 
@@ -25,7 +25,7 @@ public:
   TrayWatcher &operator=(const TrayWatcher &) = delete;
 
   [[nodiscard]] bool hasTray() const { return kind_ && present_; }
-  // What icons in one colour are drawn in, where the bar says so.
+  // Returns the colour of monochrome icons if the bar announces it.
   [[nodiscard]] std::optional<QColor> foreground() const;
 
   bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
@@ -44,9 +44,9 @@ private:
   void lookForEmbedding();
   void note(Kind kind, bool present);
 
-  std::optional<Kind> kind_; // of the first tray that was there
+  std::optional<Kind> kind_; // of the first tray
   bool present_ = false;
-  std::uint32_t selection_ = 0; // X11's name for the tray; 0 without an X server
+  std::uint32_t selection_ = 0; // the X11 selection of the tray; 0 without an X server
   std::uint32_t manager_ = 0;   // the window that holds it
 };
 

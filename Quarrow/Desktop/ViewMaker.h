@@ -8,8 +8,8 @@
 
 namespace quarrow {
 
-// Makes the view of this name ("Panel", "MainWindow"), which is not shown yet. Returns null if that fails;
-// the log then says why. Main thread.
+// Creates the view of this name ("Panel", "MainWindow") without showing it. Returns null on failure, which is
+// logged. Main thread.
 using ViewMaker = std::function<std::unique_ptr<QObject>(const QString &name)>;
 
 } // namespace quarrow

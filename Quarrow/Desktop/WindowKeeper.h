@@ -13,12 +13,12 @@ class QWindow;
 
 namespace quarrow {
 
-// Shows the window, gives it the keyboard and puts it above others, minimised or not.
+// Shows the window, restores it if it is minimised, raises it and gives it focus.
 void bringToFront(QWindow &window);
 
-// The program's windows, each made when it is first asked for and gone, memory and all, when it is closed.
-// Where people could not find the program again without a window, closing the last one asks first whether to
-// go on in the background or to quit. Main thread.
+// The program's windows, each created when it is first shown and destroyed when it is closed. If there is no
+// tray icon, closing the last window first asks whether to continue in the background or to quit. Main
+// thread.
 class WindowKeeper final : public QObject {
   Q_OBJECT
 
@@ -28,23 +28,23 @@ public:
   WindowKeeper(const WindowKeeper &) = delete;
   WindowKeeper &operator=(const WindowKeeper &) = delete;
 
-  // Opens the window, or brings it to the front.
+  // Opens the window, or raises it.
   void show(Desktop::Window kind);
-  // Without asking anything.
+  // Closes it without a question.
   void close(Desktop::Window kind);
-  Q_SLOT void closeAll(); // with the question
-  // The window, while it is open.
+  Q_SLOT void closeAll(); // including the question
+  // Returns the window while it is open.
   [[nodiscard]] QQuickWindow *window(Desktop::Window kind) const;
 
-  // Whether closing the last window asks; from the start it does not.
+  // Whether closing the last window asks; initially it does not.
   void setAsksBeforeLast(bool asks) { asks_ = asks; }
-  // The question, while it is asked.
+  // The question while it is open.
   [[nodiscard]] QQuickWindow *question() const { return question_.get(); }
 
   bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-  // It may be in the middle of an event that made it close.
+  // Deferred, because it may be handling the event that closed it.
   class CloseLater {
   public:
     void operator()(QQuickWindow *window) const;
@@ -57,7 +57,7 @@ private:
 
   const ViewMaker makeView_;
   bool asks_ = false;
-  std::map<Desktop::Window, Window> windows_; // that are open
+  std::map<Desktop::Window, Window> windows_; // the open ones
   Window question_;
 };
 

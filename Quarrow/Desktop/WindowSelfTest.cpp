@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{20};
 
-// Collects what views warn of, from their files or from the modules that run them; passes everything on.
+// Collects warnings about views from their files or Qt's modules, and passes everything on.
 class ViewWarnings {
 public:
   ViewWarnings() {

@@ -17,7 +17,7 @@ namespace quarrow {
 
 namespace {
 
-// What draws for OpenGL; empty without one.
+// Returns the name of the OpenGL renderer; empty without one.
 QByteArray openGLRenderer() {
   QOpenGLContext context;
   QOffscreenSurface surface;
@@ -37,13 +37,13 @@ WindowedApplication::WindowedApplication(int &argc, char **argv) : QApplication(
   setDesktopFileName("tevrin");
   setWindowIcon(QIcon(":/tray/tevrin.svg"));
   setQuitOnLastWindowClosed(false);
-  // Outside of Chinese sessions Chinese characters would be taken from whatever font comes first, in other
+  // In sessions in other languages Chinese characters would come from the first font that has them, in other
   // shapes.
   QFont::insertSubstitutions(font().family(), {QFontInfo(font()).family(), "Noto Sans CJK SC"});
   catalogue_ = catalogueFor(QLocale().uiLanguages());
   if (catalogue_)
     installTranslator(catalogue_.get());
-  // The words of dialogs that are not ours, in the same language.
+  // Texts of Qt's own dialogs in the same language.
   if (qtTexts_.load("qtbase_" + (catalogue_ ? catalogue_->language() : "zh_CN"),
                     QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
     installTranslator(&qtTexts_);

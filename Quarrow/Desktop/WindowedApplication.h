@@ -8,13 +8,13 @@
 
 namespace quarrow {
 
-// The application object of the program with windows. It lives without any window, and quitting it asks no
-// window for leave. Texts are in the session's language, where they have been translated into it.
+// The application object of the program with windows. It runs without windows, and quitting does not ask
+// them. Texts are in the session's language if there is a translation.
 class WindowedApplication final : public QApplication {
   Q_OBJECT
 
 public:
-  // Both as `main` was given them; they outlive the object.
+  // The arguments of `main`, which outlive the object.
   WindowedApplication(int &argc, char **argv);
 
 signals:
@@ -28,12 +28,12 @@ private:
   QTranslator qtTexts_;
 };
 
-// A launcher's or a shortcut's activation token, if not empty: the user wants the next window that is shown,
-// and the desktop gives it focus.
+// Uses the activation token of a launcher or shortcut, if not empty: the desktop then gives focus to the next
+// window that is shown.
 void adoptActivationToken(const QString &token);
 
-// Draws the windows without OpenGL where there is none, or only one that is software itself and slower.
-// Before the first window is made; what the environment says about it (QT_QUICK_BACKEND) comes first.
+// Draws windows in software if OpenGL is missing or itself software, which is slower. Call it before the
+// first window is created; the environment (QT_QUICK_BACKEND) takes precedence.
 void chooseRenderer();
 
 } // namespace quarrow

@@ -7,8 +7,8 @@
 
 namespace quarrow {
 
-// The icon of an installed application: a file, or a name in the desktop's icon themes. Where there is no
-// such icon, our own drawing of an application stands in. Decoration. Main thread.
+// The icon of an installed application: a file, or a name in the desktop's icon themes, or else a generic
+// drawing. Decoration. Main thread.
 class AppIcon : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT

@@ -9,8 +9,8 @@
 
 namespace quarrow {
 
-// What the desktop asks of the look: light or dark, which the application's colours tell, and whether things
-// may move, which the desktop portal knows. Main thread.
+// The desktop's preferences for the look: light or dark, from the application's colours, and reduced motion,
+// from the desktop portal. Main thread.
 class Appearance : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -24,10 +24,11 @@ public:
   [[nodiscard]] bool dark() const;
   [[nodiscard]] bool reducedMotion() const { return !animates_ || pinnedDark_; }
 
-  // Shows every view light or dark from now on, without motion, whatever the desktop says: for pictures.
+  // Shows every view light or dark from now on, without motion, whatever the desktop's preferences: for
+  // screenshots.
   void pin(bool dark);
 
-  // A setting of the desktop's, as the portal names it; those that are not about motion are ignored.
+  // Follows a setting of the desktop portal; settings that do not concern motion are ignored.
   Q_SLOT void follow(const QString &group, const QString &key, const QDBusVariant &value);
 
 signals:

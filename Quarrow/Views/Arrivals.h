@@ -8,7 +8,7 @@
 
 namespace quarrow {
 
-// The uploads under way, in words and as a share. Main thread.
+// The uploads in progress as a sentence and a fraction. Main thread.
 class Arrivals : public QObject {
   Q_OBJECT
   QML_ELEMENT

@@ -7,7 +7,7 @@
 namespace quarrow {
 
 namespace {
-constexpr qreal kSide = 24; // of an icon, in the units of its drawing and on an ordinary screen
+constexpr qreal kSide = 24; // of an icon in the units of its drawing
 }
 
 Icon::Icon(QQuickItem *parent) : QQuickPaintedItem(parent) {

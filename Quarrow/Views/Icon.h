@@ -8,15 +8,15 @@
 
 namespace quarrow {
 
-// One of our own drawings (icons/<name>.svg), drawn sharply at any size in the given colours. Decoration:
-// what it means is said by the control it stands in. Main thread.
+// One of the program's drawings (icons/<name>.svg), sharp at any size in the given colours. Decoration: its
+// meaning is stated by the surrounding control. Main thread.
 class Icon : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
   Q_PROPERTY(QString name MEMBER name_ WRITE setName NOTIFY nameChanged)
-  // Takes the place of `currentColor`.
+  // Replaces `currentColor`.
   Q_PROPERTY(QColor color MEMBER color_ WRITE setColor NOTIFY colorChanged)
-  // For drawings of several colours: each takes the place of "@key".
+  // For drawings with several colours: each replaces "@key".
   Q_PROPERTY(QVariantMap colors MEMBER colors_ WRITE setColors NOTIFY colorsChanged)
 
 public:

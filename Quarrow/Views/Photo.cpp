@@ -22,7 +22,7 @@ void Photo::setImage(const QVariant &image) {
   emit imageChanged();
 }
 
-// On the rendering thread, while the main thread waits.
+// Runs on the rendering thread while the main thread waits.
 QSGNode *Photo::updatePaintNode(QSGNode *old, UpdatePaintNodeData *) {
   std::unique_ptr<QSGNode> owned(old);
   if (image_.isNull())
@@ -30,7 +30,7 @@ QSGNode *Photo::updatePaintNode(QSGNode *old, UpdatePaintNodeData *) {
   auto *node = dynamic_cast<QSGImageNode *>(owned.get());
   if (node == nullptr || isNew_) {
     node = window()->createImageNode();
-    owned.reset(node); // the old one goes with its texture
+    owned.reset(node); // deletes the old one and its texture
     node->setOwnsTexture(true);
     node->setTexture(window()->createTextureFromImage(image_, QQuickWindow::TextureHasMipmaps));
     isNew_ = false;

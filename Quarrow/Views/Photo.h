@@ -7,8 +7,8 @@
 
 namespace quarrow {
 
-// A picture that fills the item, drawn smoothly at any size. Unlike an image address it changes at once,
-// without a moment in between. Main thread.
+// A picture that fills the item, drawn smoothly at any size. Unlike an image URL it changes without a blank
+// frame. Main thread.
 class Photo : public QQuickItem {
   Q_OBJECT
   QML_ELEMENT
@@ -28,7 +28,7 @@ protected:
 
 private:
   QImage image_;
-  bool isNew_ = false; // since it was drawn last
+  bool isNew_ = false; // changed since it was drawn last
 };
 
 } // namespace quarrow

@@ -7,7 +7,7 @@
 
 namespace quarrow {
 
-// How the windows put values into words. Main thread.
+// Formats values as text for the windows. Main thread.
 class Phrases : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -16,16 +16,16 @@ class Phrases : public QObject {
 public:
   using QObject::QObject;
 
-  // The folder as people write it: "~" for the home folder.
+  // Returns the path with "~" for the home folder.
   Q_INVOKABLE [[nodiscard]] static QString folder(const QString &path);
-  // What an address picker offers, each with `text` and `value` (the interface, empty for the automatic
-  // choice): every interface of `addresses` (ServerModel's) once, and `preferred` even if it is not up.
-  // Nothing where there is nothing to choose from.
+  // Returns the choices of an address picker, each with `text` and `value` (the interface, empty for the
+  // automatic choice): every interface of `addresses` (ServerModel's) once, and `preferred` even if it is not
+  // up. Returns an empty list if there is nothing to choose.
   Q_INVOKABLE [[nodiscard]] static QVariantList addressChoices(const QVariantList &addresses,
                                                                const QString &preferred);
-  // No shortcut, and each of `presets` (Shell's), with `text` and `value`.
+  // Returns "no shortcut" and each of `presets` (Shell's), with `text` and `value`.
   Q_INVOKABLE [[nodiscard]] static QVariantList hotKeyChoices(const QVariantList &presets);
-  // What a terminal is given to send a photo to `uploadURL`; empty without an address.
+  // Returns the terminal command that sends a photo to `uploadURL`; empty without a URL.
   Q_INVOKABLE [[nodiscard]] static QString curlCommand(const QString &uploadURL);
 };
 

@@ -6,9 +6,9 @@
 
 namespace quarrow {
 
-// The QR code of a text, black on whatever is behind it, in the middle of the item and as large as fits:
-// every module gets the same whole number of the screen's dots, so that it is sharp on every screen. The
-// light zone around it that phones want is the surroundings'. Main thread.
+// The QR code of a text, black without a background, centred and as large as fits: every module is the same
+// whole number of device pixels, so that it is sharp on every screen. The surroundings provide the quiet
+// zone. Main thread.
 class QRCode : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT

@@ -12,8 +12,8 @@
 #include <QJSEngine>
 #include <QQmlEngine>
 
-// The objects that QML knows by name. `main` owns them and sets each `instance` before it makes an engine;
-// they outlive every engine. Main thread.
+// The objects that QML accesses by name. `main` owns them and sets each `instance` before it creates an
+// engine; they outlive every engine. Main thread.
 namespace quarrow {
 
 template <typename T>
@@ -138,7 +138,7 @@ public:
   static SettingsForm *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
 
-// The parts of the settings, and the list that one of them is chosen from.
+// The parts of the settings, and the list of applications.
 struct ImagingFormType {
   Q_GADGET
   QML_FOREIGN(quarrow::ImagingForm)
@@ -159,7 +159,7 @@ struct ApplicationListType {
   QML_ANONYMOUS
 };
 
-// How the self-check's answer is handed over.
+// The result of the self-check as a value type.
 struct LocalNetworkStatusValue {
   Q_GADGET
   QML_FOREIGN(quarrow::LocalNetworkStatus)

@@ -8,7 +8,7 @@
 
 namespace quarrow {
 
-// Whether phones can send photos right now, in one sentence. Main thread.
+// Whether phones can send photos now, as one sentence. Main thread.
 class ServiceStatus : public QObject {
   Q_OBJECT
   QML_NAMED_ELEMENT(Status)
@@ -17,7 +17,8 @@ class ServiceStatus : public QObject {
   Q_PROPERTY(QString sentence READ sentence NOTIFY changed)
 
 public:
-  // Good: photos can come. Pending: not known yet. Warning: phones may not get through. Bad: nothing comes.
+  // Good: photos can arrive. Pending: unknown yet. Warning: phones may not get through. Bad: nothing can
+  // arrive.
   enum Tone { Good, Pending, Warning, Bad };
   Q_ENUM(Tone)
 

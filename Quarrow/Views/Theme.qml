@@ -3,7 +3,7 @@ pragma Singleton
 import QtQuick
 import Tevrin
 
-// The values that every view shares. Light, dark and whether things move follow the desktop.
+// The colours and sizes of all views. Light or dark and reduced motion follow the desktop.
 QtObject {
     readonly property bool dark: Appearance.dark
     readonly property bool reducedMotion: Appearance.reducedMotion

@@ -11,13 +11,13 @@ namespace quarrow {
 
 namespace {
 
-// Most of the work is the decoder's, in processes of its own.
+// Most of the work is done by the decoder's processes.
 constexpr int kThreads = 2;
 
-constexpr int kAgain = -1; // the priority of what is tried again: behind all others
+constexpr int kAgain = -1; // priority of retries: after all others
 
-// One picture that was asked for. The engine that asked deletes it some time after `finished`. While the
-// decoder is busy, which takes it a while to say, it is asked for again.
+// One requested picture. The engine deletes it some time after `finished`. A busy decoder, which takes a
+// while to refuse, is asked again.
 class Response final : public QQuickImageResponse, public QRunnable {
 public:
   Response(WallThumbnails &thumbnails, QThreadPool &pool, const std::atomic<bool> &ending, QString id,

@@ -9,13 +9,13 @@
 
 namespace quarrow {
 
-// Gives the views the pictures on the wall's tiles, "image://thumbs/…", without making anybody wait. What a
-// tile that was scrolled away had asked for is not made. Any thread.
+// Provides the pictures of the wall's tiles, "image://thumbs/…", asynchronously. Requests of tiles that were
+// scrolled away are dropped. Any thread.
 class TileImages final : public QQuickAsyncImageProvider {
 public:
   // `thumbnails` outlives the object.
   explicit TileImages(WallThumbnails &thumbnails);
-  ~TileImages() override; // waits for what is being made
+  ~TileImages() override; // waits for pictures in progress
   TileImages(const TileImages &) = delete;
   TileImages &operator=(const TileImages &) = delete;
 

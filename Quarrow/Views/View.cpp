@@ -20,7 +20,7 @@ void prepareEngine(QQmlEngine &engine) {
 std::expected<std::unique_ptr<QObject>, QString> makeView(QQmlEngine &engine, const QString &name) {
   prepareEngine(engine);
   QQmlComponent component(&engine);
-  // Through an import, which makes the types in C++ known, unlike the file's own address.
+  // Uses an import, which registers the types in C++, unlike loading the file directly.
   component.setData("import Tevrin\n" + name.toUtf8() + " {}", QUrl());
   std::unique_ptr<QObject> view(component.create());
   if (!view)

@@ -7,8 +7,8 @@ namespace quarrow {
 
 namespace {
 
-// Where a stretch of `length` with its share `middle` in the middle of `view` begins, without a gap at its
-// ends.
+// Returns the start of a range of `length` whose fraction `middle` is in the middle of `view`, without a gap
+// at its ends.
 qreal placed(qreal view, qreal length, qreal middle) {
   if (length <= view)
     return (view - length) / 2;
@@ -71,7 +71,7 @@ void Zoom::step(int direction) {
 void Zoom::toggle(const QPointF &at) {
   if (!fitted_)
     return fit();
-  scaleTo(std::max(1.0, fitScale() * 2), at); // what fits as it is gets larger all the same
+  scaleTo(std::max(1.0, fitScale() * 2), at); // enlarges even a photo that fits
   place(true);
 }
 
@@ -109,7 +109,7 @@ void Zoom::place(bool glides) {
   const QSizeF size = QSizeF(photo_) * (scale_ / pixelRatio_);
   frame_ = QRectF(placed(view_.width(), size.width(), middle_.x()),
                   placed(view_.height(), size.height(), middle_.y()), size.width(), size.height());
-  if (!frame_.isEmpty()) // moving on begins where the bounds have left it
+  if (!frame_.isEmpty()) // starts from the position that the bounds allowed
     middle_ = QPointF((view_.width() / 2 - frame_.x()) / frame_.width(),
                       (view_.height() / 2 - frame_.y()) / frame_.height());
   emit changed();

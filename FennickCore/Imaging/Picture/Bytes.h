@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-// Reading and writing numbers in files that nobody vouches for. Every position is checked against the end.
-// Pure functions; any thread.
+// Reads and writes numbers in untrusted files. Every position is checked against the end. Pure functions; any
+// thread.
 namespace fennick::picture {
 
 using Bytes = std::span<const std::byte>;
@@ -24,7 +24,7 @@ enum class ByteOrder : std::uint8_t { little, big };
 // Returns the `length` bytes of `data` from `at` on, or nullopt if any of them lies outside.
 [[nodiscard]] std::optional<std::string_view> slice(std::string_view data, std::uint64_t at,
                                                     std::uint64_t length);
-// The part of `data` from `at` on; empty where that lies outside.
+// Returns the part of `data` from `at` on, empty if `at` lies outside.
 [[nodiscard]] inline std::string_view behind(std::string_view data, std::size_t at) {
   return data.substr(std::min(at, data.size()));
 }
@@ -36,7 +36,7 @@ void writeNumber(std::string &data, std::size_t at, std::uint64_t value, std::si
                  ByteOrder order = ByteOrder::big);
 [[nodiscard]] std::string numberText(std::uint64_t value, std::size_t width,
                                      ByteOrder order = ByteOrder::big);
-// Sets as much of the given stretch to zero as lies inside `data`.
+// Sets the given range to zero as far as it lies inside `data`.
 void zero(std::string &data, std::uint64_t at, std::uint64_t length);
 
 } // namespace fennick::picture

@@ -15,10 +15,11 @@ namespace fennick::picture {
 
 namespace {
 
-// A request uses this many threads where its library can; several pictures at once have a process each.
+// Threads for one request if its library supports them; pictures that are processed at the same time have a
+// process each.
 constexpr unsigned kMostThreads = 4;
 
-// libvips knows more formats than we take; their loaders are out of reach.
+// Disables the loaders of formats that the program does not accept.
 void blockOtherLoaders() {
   static constexpr std::array kLoaders{"VipsForeignLoadPng", "VipsForeignLoadWebp", "VipsForeignLoadTiff",
                                        "VipsForeignLoadNsgif"};
@@ -27,7 +28,7 @@ void blockOtherLoaders() {
     ::vips_operation_block_set(loader, 0);
 }
 
-// Complaints go into answers, where they are of use, not to anybody's terminal.
+// Warnings become part of answers and are not printed.
 void silence(const char *, GLogLevelFlags, const char *, void *) {}
 
 } // namespace
@@ -37,7 +38,7 @@ std::expected<void, std::string> prepareCodecs() {
   if (vips_init("tevrin-imaging") != 0)
     return std::unexpected(std::string("libvips: ") + ::vips_error_buffer());
   prepareExiv2();
-  ::vips_vector_set_enabled(0); // it writes code while it runs, which the locked-down process may not
+  ::vips_vector_set_enabled(0); // it generates code at run time, which the sandbox forbids
   ::vips_cache_set_max(0);      // no picture is looked at twice
   ::vips_concurrency_set(static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads)));
   blockOtherLoaders();

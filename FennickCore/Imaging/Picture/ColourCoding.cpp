@@ -22,8 +22,8 @@ std::optional<std::string_view> profileTag(std::string_view icc, std::string_vie
   return std::nullopt;
 }
 
-// Profiles of ICC 4.4 state their coding by number. Older ones for HDR are told by their description, which
-// is ASCII or UTF-16.
+// Profiles of ICC 4.4 state their coding by number. Older HDR profiles are recognised by their description,
+// in ASCII or UTF-16.
 std::optional<ColourCoding> codingOfProfile(std::string_view icc) {
   if (const auto numbers = profileTag(icc, "cicp"))
     if (const auto primaries = readNumber(*numbers, 8, 1), transfer = readNumber(*numbers, 9, 1);
@@ -40,7 +40,7 @@ std::optional<ColourCoding> codingOfProfile(std::string_view icc) {
   return std::nullopt;
 }
 
-// By cICP, or by the chunks of older files, which count without a profile: a linear gamma, a red beyond
+// Reads cICP, or the chunks of older files, which apply without a profile: a linear gamma, a red beyond
 // Display P3.
 std::optional<ColourCoding> codingOfPng(std::string_view file) {
   constexpr std::uint64_t kLinearGamma = 90'000; // of 100,000; 45,455 is that of sRGB
@@ -90,7 +90,7 @@ std::optional<ColourCoding> unusualColours(Bytes file, PictureType type, std::st
   if (profiled && profiled->isHDR())
     return profiled;
   const auto stated = statedColours(file, type);
-  // In PNG the numbers count before the profile, elsewhere after it.
+  // In PNG the numbers take precedence over the profile, in other formats the profile does.
   const bool profileCounts = !icc.empty() && type != PictureType::png;
   if (!stated || stated->isOrdinary() || (profileCounts && !stated->isHDR()))
     return std::nullopt;

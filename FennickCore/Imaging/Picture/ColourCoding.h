@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-// What the samples of a picture mean as colours. Pure functions; any thread.
+// The meaning of a picture's samples as colours. Pure functions; any thread.
 namespace fennick::picture {
 
 // Code points of ITU-T H.273.
@@ -22,18 +22,18 @@ struct ColourCoding {
   static constexpr std::uint64_t kHLG = 18;
 
   [[nodiscard]] bool isHDR() const { return transfer == kPQ || transfer == kHLG; }
-  // Whether the colours are within Display P3 and their transfer is close to that of sRGB, which is how
-  // colours without a profile are understood.
+  // Returns whether the colours are within Display P3 and their transfer is close to that of sRGB, which is
+  // assumed for colours without a profile.
   [[nodiscard]] bool isOrdinary() const;
 
   bool operator==(const ColourCoding &) const = default;
 };
 
-// The coding that a file states by number, beside its colour profile; nullopt if it states none.
+// Returns the coding that a file states by number besides its colour profile, or nullopt if it states none.
 [[nodiscard]] std::optional<ColourCoding> statedColours(Bytes file, PictureType type);
 
-// The coding that a file states and that its colour profile `icc` (empty: none) cannot stand for: an HDR one,
-// stated anywhere, or any other that is not ordinary in a file without a profile. nullopt for all other
+// Returns the coding that a file states and its colour profile `icc` (empty: none) cannot express: any HDR
+// coding, or any other that is not ordinary in a file without a profile. Returns nullopt for all other
 // pictures.
 [[nodiscard]] std::optional<ColourCoding> unusualColours(Bytes file, PictureType type, std::string_view icc);
 

@@ -14,11 +14,11 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr double kGainMapQuality = 0.9; // errors are seen as changes of brightness
-// Results have a limit of twice this on their way out of the imaging process.
+constexpr double kGainMapQuality = 0.9; // errors appear as changes of brightness
+// the limit for results of the imaging process is twice this
 constexpr std::size_t kMostTrailer = 256UZ << 20;
 
-// Behind the box that says that the file itself is a picture.
+// After the box that declares the file itself as a picture.
 constexpr std::size_t kOwnType = 8;
 
 bool hasHeifGainMap(std::string_view file) {

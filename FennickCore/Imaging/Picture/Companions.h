@@ -9,34 +9,34 @@
 
 namespace fennick::picture {
 
-// The gain map and the video of one photo on their way into its new encoding. JPEG takes both along; anything
-// else, and a photo that loses all its metadata, goes without. One thread at a time.
+// The gain map and the video of a photo for its new encoding. Only JPEG can contain them, and a photo that
+// loses all its metadata loses them too. One thread at a time.
 class Companions {
 public:
-  // `file` outlives this. `longEdge` is the photo's, as stored; `turn` its orientation, which the gain map
-  // has as well.
+  // `file` outlives the object. `longEdge` is the photo's as stored; `turn` its orientation, which is also
+  // that of the gain map.
   Companions(Bytes file, PictureType type, const RenderRequest &request, std::int64_t longEdge,
              std::int64_t turn);
 
-  // What the photo had and its new encoding will not have.
+  // Whether the photo had a video or gain map that its new encoding will not have.
   [[nodiscard]] bool losesVideo() const { return hadVideo_ && trailer_.bytes.empty(); }
   [[nodiscard]] bool losesGainMap() const { return hadGainMap_ && gainMapAt_.length == 0; }
 
-  // How many can still be given up.
+  // The number of companions that can still be dropped.
   [[nodiscard]] int count() const {
     return (trailer_.bytes.empty() ? 0 : 1) + (gainMapAt_.length > 0 ? 1 : 0);
   }
-  // Gives up the video, else the gain map; false if neither is left.
+  // Drops the video, or else the gain map. Returns false if there is neither.
   [[nodiscard]] bool dropOne();
-  // The video with what must stay around it.
+  // The video with the bytes that must surround it.
   [[nodiscard]] const std::string &trailer() const { return trailer_.bytes; }
-  // Makes the gain map for the photo at `edge` pixels; one that cannot be decoded is given up.
+  // Makes the gain map for the photo at `edge` pixels. A gain map that cannot be decoded is dropped.
   void resize(std::int64_t edge);
-  // What the photo's XMP is to say.
+  // The lengths that the photo's XMP has to state.
   [[nodiscard]] CompanionLengths lengths() const;
-  // The gain map's part of the file's size.
+  // The size of the gain map in the file.
   [[nodiscard]] std::size_t gainMapBytes() const { return gainMap_.size(); }
-  // `picture` with the gain map announced and appended; as it is without one.
+  // Returns `picture` with the gain map announced and appended, or unchanged if there is none.
   [[nodiscard]] std::string withGainMapBehind(std::string picture) const;
 
 private:
@@ -48,10 +48,10 @@ private:
   std::int64_t turn_;
   bool hadVideo_ = false;
   bool hadGainMap_ = false;
-  HeifStretch gainMapAt_; // without length: there is none
+  HeifStretch gainMapAt_; // empty: there is none
   VideoTrailer trailer_;
   std::string gainMap_;
-  std::int64_t gainMapEdge_ = 0; // of the photo that gainMap_ is for
+  std::int64_t gainMapEdge_ = 0; // long edge of the photo for which gainMap_ was made
 };
 
 } // namespace fennick::picture

@@ -22,16 +22,15 @@ constexpr unsigned kEndOfImage = 0xD9;
 
 const Bytef *zlibBytes(std::string_view text) { return reinterpret_cast<const Bytef *>(text.data()); }
 
-// Start of image, restarts and the temporary marker stand alone.
+// Start of image, restarts and the temporary marker have no payload.
 bool standsAlone(unsigned marker) { return marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8); }
 
-// The markers of frames are a range of their own, but for those of tables and the reserved one.
+// Frame markers form a range, except for those of tables and the reserved one.
 bool isFrame(unsigned marker) {
   return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
 }
 
-// The next marker at or behind `at`, which other bytes and fill bytes may precede, with the position behind
-// it.
+// The next marker from `at` on, after stray bytes and fill bytes, and the position after it.
 struct Marker {
   unsigned code = 0;
   std::size_t at = 0;
@@ -60,7 +59,7 @@ std::optional<JpegSegment> segmentOf(std::string_view file, const Marker &marker
                      static_cast<std::uint8_t>(marker.code)};
 }
 
-// The next marker in entropy-coded data that is neither a stuffed byte nor a restart.
+// Returns the next marker in entropy-coded data that is neither a stuffed byte nor a restart.
 std::size_t behindScan(std::string_view file, std::size_t at) {
   for (at = file.find('\xFF', at); at < file.size() - 1; at = file.find('\xFF', at + 1)) {
     const auto code = static_cast<unsigned char>(file[at + 1]);
@@ -70,7 +69,7 @@ std::size_t behindScan(std::string_view file, std::size_t at) {
   return file.size();
 }
 
-// Unpacks zlib data. Returns nullopt if it is damaged or larger than `limit`.
+// Decompresses zlib data. Returns nullopt if it is damaged or larger than `limit`.
 std::optional<std::string> inflated(std::string_view packed, std::size_t limit) {
   z_stream stream{};
   if (packed.size() > std::numeric_limits<uInt>::max() || inflateInit(&stream) != Z_OK)
@@ -237,7 +236,7 @@ std::string deflated(std::string_view plain) {
   uLongf size = compressBound(plain.size());
   std::string packed(size, '\0');
   if (compress(reinterpret_cast<Bytef *>(packed.data()), &size, zlibBytes(plain), plain.size()) != Z_OK)
-    size = 0; // no memory; an empty stream fails where it is read
+    size = 0; // no memory; reading an empty stream fails
   packed.resize(size);
   return packed;
 }

@@ -10,14 +10,14 @@
 #include <string_view>
 #include <vector>
 
-// The outer structure of JPEG, PNG and WebP files. Walkers stop at the first part that is not whole and after
-// 4096 parts. Pure functions; any thread.
+// The outer structure of JPEG, PNG and WebP files. Parsing stops at the first incomplete part and after 4096
+// parts. Pure functions; any thread.
 namespace fennick::picture {
 
 inline constexpr std::string_view kExifPrefix{"Exif\0\0", 6};
 inline constexpr std::string_view kXMPPrefix{"http://ns.adobe.com/xap/1.0/\0", 29};
 
-// More parts of a file are not read.
+// The most parts of a file that are read.
 inline constexpr std::size_t kMostParts = 4'096;
 
 inline constexpr std::uint8_t kAPP0 = 0xE0;
@@ -25,7 +25,7 @@ inline constexpr std::uint8_t kAPP1 = 0xE1;
 inline constexpr std::uint8_t kAPP2 = 0xE2;
 inline constexpr std::uint8_t kAPP13 = 0xED;
 
-// A part of a file: where its header starts, what it carries, where the next begins.
+// A part of a file: the start of its header, its content, and the start of the next part.
 struct Part {
   std::size_t at = 0;
   std::size_t payloadAt = 0;
@@ -40,26 +40,26 @@ struct Part {
 struct JpegSegment : Part {
   std::uint8_t marker = 0;
 };
-// The segments with a payload, from the start of the picture to its first scan. Bytes between segments that
-// belong to none are passed over, as decoders do.
+// Returns the segments with a payload from the start of the picture to its first scan. Stray bytes between
+// segments are skipped, as decoders do.
 [[nodiscard]] std::vector<JpegSegment> jpegSegments(std::string_view file);
-// Whether every byte before the first scan belongs to one of `segments`, which are the file's.
+// Returns whether every byte before the first scan belongs to one of `segments`, which are the file's.
 [[nodiscard]] bool isGapless(const std::vector<JpegSegment> &segments, std::string_view file);
-// The size that the frame header states, of whatever kind the frame is; nothing if it leaves a side open.
+// Returns the size in the frame header, of any kind of frame, or nullopt if a side is not stated.
 [[nodiscard]] std::optional<PixelSize> jpegFrameSize(std::string_view file);
-// Nothing for a payload beyond 65,533 bytes.
+// Returns nullopt for a payload of more than 65,533 bytes.
 [[nodiscard]] std::optional<std::string> jpegSegment(std::uint8_t marker, std::string_view payload);
-// Returns where the picture ends, behind its last marker; thumbnails within segments do not count. Returns
-// nullopt if the marker is missing.
+// Returns the position after the end marker of the picture, ignoring thumbnails within segments, or nullopt
+// if the marker is missing.
 [[nodiscard]] std::optional<std::size_t> jpegEnd(std::string_view file);
 
 struct Chunk : Part {
   std::string type; // four characters
 };
-// Of a run of IDAT chunks the first stands for all.
+// A run of IDAT chunks is represented by its first one.
 [[nodiscard]] std::vector<Chunk> pngChunks(std::string_view file);
-// What follows the keyword in an iTXt chunk: whether the text is packed, and how, a language, the translated
-// keyword, and the text.
+// The content of an iTXt chunk after the keyword: the compression, a language, the translated keyword, and
+// the text.
 struct PngText {
   bool isPacked = false;
   std::string_view text;
@@ -71,8 +71,8 @@ struct PngText {
 
 [[nodiscard]] const Chunk *findChunk(const std::vector<Chunk> &chunks, std::string_view type);
 
-// Unpacks what zlib packed, part by part of one file: 4 MB at most at once and 16 MB in all. A part that is
-// damaged or larger is empty and counts as the most it could have been, so that no file takes much time.
+// Decompresses the zlib parts of one file: at most 4 MB each and 16 MB in all. A part that is damaged or
+// larger yields an empty text and counts with its maximum, so that no file takes much time.
 class Unpacker {
 public:
   [[nodiscard]] std::string operator()(std::string_view packed);

@@ -19,7 +19,7 @@ constexpr std::size_t kHandlerKindAt = 8;
 constexpr std::array kTopLevel{"ftyp"sv, "moov"sv, "mdat"sv, "free"sv, "skip"sv, "wide"sv,
                                "uuid"sv, "meta"sv, "udta"sv, "pdin"sv, "moof"sv, "mfra"sv,
                                "sidx"sv, "ssix"sv, "styp"sv, "prft"sv, "emsg"sv};
-// What a player needs, level by level; everything else is a description.
+// The boxes that a player needs, for each level; all others are descriptions.
 constexpr std::array kNeededInFile{"ftyp"sv, "moov"sv, "mdat"sv, "wide"sv, "pdin"sv};
 constexpr std::array kNeededInMovie{"mvhd"sv, "trak"sv, "iods"sv};
 constexpr std::array kNeededInTrack{"tkhd"sv, "edts"sv, "tref"sv, "trgr"sv, "mdia"sv, "tapt"sv};
@@ -48,7 +48,7 @@ struct VideoContents {
   bool hasDoubtfulTrack = false;
 };
 
-// Phones time a motion photo by a track that says when the picture was taken within the video.
+// Phones store the time of a motion photo within the video in a track of its own.
 bool isTimingTrack(std::string_view media) {
   return media.find("application/motionphoto"sv) != std::string_view::npos ||
          media.find("application/microvideo"sv) != std::string_view::npos;

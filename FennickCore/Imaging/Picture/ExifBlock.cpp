@@ -27,20 +27,21 @@ constexpr std::uint16_t kMakerNote = 0x927C;
 constexpr std::uint16_t kPixelXDimension = 0xA002;
 constexpr std::uint16_t kPixelYDimension = 0xA003;
 
-// Copies of other blocks that may hide in the first directory: XMP, IPTC, Photoshop's.
+// Copies of other blocks in the first directory: XMP, IPTC, Photoshop's.
 constexpr std::array<std::uint16_t, 3> kEmbeddedBlocks{0x02BC, 0x83BB, 0x8649};
 
-// Names of places in makers' notes.
+// Place names in makers' notes.
 constexpr std::array<std::uint16_t, 1> kNikonPlaces{0x0039};
 constexpr std::array<std::uint16_t, 6> kPanasonicPlaces{0x0067, 0x0069, 0x006B, 0x006D, 0x006F, 0x0080};
 
-// How and where pixels are stored, and where other directories are, in ascending order.
+// Tags of the storage of pixels and of pointers to other directories, in ascending order.
 constexpr std::array<std::uint16_t, 37> kStructural{
     0x00FE, 0x00FF, 0x0100, 0x0101, 0x0102, 0x0103, 0x0106, 0x0107, 0x010A, 0x0111, 0x0115, 0x0116, 0x0117,
     0x011C, 0x0120, 0x0121, 0x0124, 0x0125, 0x013D, 0x0140, 0x0142, 0x0143, 0x0144, 0x0145, 0x014A, 0x0152,
     0x0153, 0x015B, 0x0200, 0x0201, 0x0202, 0x0211, 0x0212, 0x0213, 0x8769, 0x8773, 0x8825};
 
-// Sets the values of `tags` in a directory, whose positions count from `base`, to zero; the entries stay.
+// Overwrites the values of `tags` in a directory, whose positions count from `base`, with zeros; the entries
+// stay.
 void zeroValues(std::string &data, std::size_t base, const TiffDirectory &directory,
                 std::span<const std::uint16_t> tags) {
   for (const std::uint16_t tag : tags)
@@ -80,7 +81,7 @@ bool ExifBlock::setOrientation(std::uint16_t orientation) {
   return this->orientation() == orientation;
 }
 
-// The preview's own orientation follows where it agreed with the picture's.
+// The preview's own orientation is changed if it was the same as the picture's.
 bool ExifBlock::stateOrientation(std::uint16_t orientation) {
   const auto before = this->orientation();
   const auto chain = layout_.chain(data_);
@@ -172,8 +173,8 @@ std::set<std::uint64_t> ExifBlock::placesInUse() const {
   return places;
 }
 
-// Sets the directory to zero with those of its values elsewhere that no directory in use shares. The
-// directory itself is no longer one in use.
+// Overwrites the directory and its values outside it with zeros, except values shared with directories in
+// use. The directory itself is no longer in use.
 void ExifBlock::zeroWithValues(const TiffDirectory &directory) {
   const auto used = placesInUse();
   for (const TiffEntry &entry : directory.entries)
@@ -183,14 +184,14 @@ void ExifBlock::zeroWithValues(const TiffDirectory &directory) {
                                 layout_.pointerBytes());
 }
 
-// The header stays, whatever a hostile block points at.
+// Never overwrites the header, whatever a hostile block points to.
 void ExifBlock::zeroStretch(std::uint64_t at, std::uint64_t length) {
   if (at >= layout_.headerBytes())
     zero(data_, at, length);
 }
 
-// The bytes that two entries of a directory give the places and lengths of. A length that is too large ends
-// where something in use begins.
+// Overwrites the data whose positions and lengths two entries of a directory state. A length that is too
+// large ends where something in use begins.
 void ExifBlock::zeroData(const TiffDirectory &directory, std::uint16_t places, std::uint16_t lengths) {
   const TiffEntry *at = directory.find(places);
   const TiffEntry *bytes = directory.find(lengths);
@@ -199,7 +200,7 @@ void ExifBlock::zeroData(const TiffDirectory &directory, std::uint16_t places, s
   const auto used = placesInUse();
   const auto starts = layout_.numbers(data_, *at);
   const auto sizes = layout_.numbers(data_, *bytes);
-  std::uint64_t left = data_.size(); // stretches that lie on each other are not worth more
+  std::uint64_t left = data_.size(); // limits the work for overlapping ranges
   for (std::size_t i = 0; i < std::min(starts.size(), sizes.size()); ++i) {
     const auto next = used.upper_bound(starts[i]);
     const std::uint64_t room = next == used.end() ? left : std::min(left, *next - starts[i]);
@@ -231,7 +232,7 @@ void ExifBlock::removeGPSOf(std::size_t owner) {
     zeroWithValues(gps);
 }
 
-// Notes of Nikon have a TIFF structure of their own; those of Panasonic use the block's positions.
+// Nikon's notes have a TIFF structure of their own; Panasonic's use the block's positions.
 void ExifBlock::removeMakersPlaces() {
   for (const TiffDirectory &directory : directories()) {
     const TiffEntry *note = directory.find(kMakerNote);
@@ -252,7 +253,7 @@ void ExifBlock::removeMakersPlaces() {
   }
 }
 
-// Keeps a few zeros: a directory that is not looked at here may end with some.
+// Keeps a few zeros, since an unread directory may end with some.
 void ExifBlock::dropEmptyEnd() {
   constexpr std::size_t kSpare = 16;
   std::size_t end = data_.find_last_not_of('\0') + 1 + kSpare;

@@ -13,45 +13,48 @@
 
 namespace fennick::picture {
 
-// Whether a tag of a first directory says how and where pixels are stored or where another directory is.
+// Returns whether a tag of a first directory describes the storage of pixels or points to another directory.
 [[nodiscard]] bool isStructuralTag(std::uint16_t tag);
 
-// An EXIF block that is edited where it stands: whatever is not touched, maker notes included, keeps its
-// bytes and its place. A value; one thread at a time.
+// An EXIF block that is edited in place: whatever is not changed, including maker notes, keeps its bytes and
+// its position. A value; one thread at a time.
 class ExifBlock {
 public:
   // `block` is a TIFF structure, with or without "Exif\0\0" before it. Returns nullopt if it is not one.
   [[nodiscard]] static std::optional<ExifBlock> parse(std::string_view block);
-  // A small block that says the orientation and nothing else, without "Exif\0\0".
+  // Returns a small block with only the orientation, without "Exif\0\0".
   [[nodiscard]] static std::string minimal(std::uint16_t orientation);
 
-  // The TIFF structure as it stands now, without "Exif\0\0".
+  // The TIFF structure in its current state, without "Exif\0\0".
   [[nodiscard]] const std::string &tiff() const { return data_; }
 
-  // As the block says it, which may be out of range; absent: not said.
+  // The stated orientation, which may be out of range; nullopt if there is none.
   [[nodiscard]] std::optional<std::int64_t> orientation() const;
-  // In place; a block that says none grows at its end. False, with nothing written, when it cannot.
+  // Sets the orientation in place; a block without one grows at its end. Returns false and changes nothing if
+  // that is impossible.
   [[nodiscard]] bool setOrientation(std::uint16_t orientation);
-  // Where the block says how large the picture is.
+  // Sets the dimensions where the block states them.
   void setPixelDimensions(std::uint32_t width, std::uint32_t height);
 
   [[nodiscard]] bool hasGPS() const;
   [[nodiscard]] bool hasExif() const;
-  // Whether the first directory says anything beyond how pixels are stored and where other directories are.
+  // Returns whether the first directory contains anything besides the storage of pixels and pointers to other
+  // directories.
   [[nodiscard]] bool hasTIFF() const;
   [[nodiscard]] bool hasThumbnail() const;
 
-  // Takes the GPS directory out and zeroes it with all its values, also the place names that two makers keep
-  // in their notes, and copies of XMP and IPTC inside the block.
+  // Removes the GPS directory and overwrites it and all its values with zeros, as well as place names in the
+  // notes of two makers, and copies of XMP and IPTC inside the block.
   void removeGPS();
-  // Cuts the second directory, of the preview, and zeroes it with the preview; what is empty at the end goes.
+  // Removes the second directory, of the preview, and overwrites it and the preview with zeros; empty space
+  // at the end is cut off.
   void removeThumbnail();
 
 private:
   ExifBlock(std::string data, TiffLayout layout) : data_(std::move(data)), layout_(layout) {}
 
   [[nodiscard]] bool stateOrientation(std::uint16_t orientation);
-  // Those of the chain with the EXIF and other directories they point to; not those that hold GPS.
+  // The directories of the chain, and the EXIF and other directories they point to, except GPS.
   [[nodiscard]] std::vector<TiffDirectory> directories() const;
   [[nodiscard]] bool pointAnywhere(std::uint16_t tag) const;
   [[nodiscard]] std::set<std::uint64_t> placesInUse() const;

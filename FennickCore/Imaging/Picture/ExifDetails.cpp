@@ -35,13 +35,13 @@ constexpr double kMostSensible = 1e6; // seconds, apertures, millimetres
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// One directory with the data that its entries point into.
+// One directory and the data that its entries point into.
 class Values {
 public:
   Values(const TiffLayout &layout, std::string_view data, TiffDirectory directory)
       : layout_(layout), data_(data), directory_(std::move(directory)) {}
 
-  // Up to its first NUL; empty when there is no such text.
+  // Returns the text up to its first NUL; empty if there is none.
   [[nodiscard]] std::string text(std::uint16_t tag) const {
     const TiffEntry *entry = directory_.find(tag);
     if (entry == nullptr || entry->type != kTextType)
@@ -55,7 +55,7 @@ public:
     return entry != nullptr ? layout_.number(data_, *entry) : std::nullopt;
   }
 
-  // A fraction above 0 of a size that cameras have.
+  // Returns a positive fraction of plausible size.
   [[nodiscard]] std::optional<double> fraction(std::uint16_t tag) const {
     const TiffEntry *entry = directory_.find(tag);
     if (entry == nullptr || entry->type != kRationalType || entry->valueBytes < 8)
@@ -68,7 +68,7 @@ public:
     return value < kMostSensible ? std::optional(value) : std::nullopt;
   }
 
-  // The first directory that the entry points to.
+  // Returns the first directory that the entry points to.
   [[nodiscard]] std::optional<Values> below(std::uint16_t tag) const {
     const TiffEntry *entry = directory_.find(tag);
     auto found = entry != nullptr ? layout_.pointedTo(data_, *entry) : std::vector<TiffDirectory>();
@@ -81,7 +81,7 @@ private:
   TiffDirectory directory_;
 };
 
-// Many models begin with their maker's name.
+// Many models begin with the maker's name.
 std::string camera(const std::string &make, const std::string &model) {
   const std::string maker = lowerCased(make.substr(0, make.find(' ')));
   if (model.empty() || make.empty() || lowerCased(model).starts_with(maker))
@@ -89,7 +89,7 @@ std::string camera(const std::string &make, const std::string &model) {
   return oneLine(make + " " + model, kMostDetailText);
 }
 
-// Whether `text` has digits where `shape` has "0" and is the same everywhere else.
+// Returns whether `text` has digits where `shape` has "0" and is otherwise equal.
 bool hasShape(std::string_view text, std::string_view shape) {
   if (text.size() != shape.size())
     return false;
@@ -99,7 +99,8 @@ bool hasShape(std::string_view text, std::string_view shape) {
   return true;
 }
 
-// "2024-05-01 10:00:00"; empty for what is no time, such as the zeros of a camera whose clock was never set.
+// Returns "2024-05-01 10:00:00"; empty for an invalid time, such as the zeros of a camera whose clock was
+// never set.
 std::string timeText(std::string text) {
   if (!hasShape(text, "0000:00:00 00:00:00") || text.starts_with("0000"))
     return {};
@@ -112,7 +113,7 @@ std::string offsetText(const std::string &text) {
 }
 
 std::string secondsText(double seconds) {
-  constexpr double kLongest = 0.3; // that is written as a share of a second
+  constexpr double kLongest = 0.3; // written as a fraction of a second
   if (seconds >= kLongest)
     return fmt::format("{:.3g} s", seconds);
   return fmt::format("1/{} s", std::lround(1 / seconds));
@@ -120,7 +121,7 @@ std::string secondsText(double seconds) {
 
 double tenths(double value) { return std::round(value * 10) / 10; }
 
-// "1/125 s · f/1.8 · ISO 100 · 26 mm", the focal length as on film where that is said.
+// Returns "1/125 s · f/1.8 · ISO 100 · 26 mm", with the 35 mm equivalent focal length if it is stated.
 std::string exposure(const Values &exif) {
   std::vector<std::string> parts;
   if (const auto seconds = exif.fraction(kExposureTime))

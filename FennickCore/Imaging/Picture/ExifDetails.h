@@ -6,8 +6,8 @@
 
 namespace fennick::picture {
 
-// What a TIFF structure - an EXIF block without "Exif\0\0", or a whole TIFF file - says of how the picture
-// was taken. What is damaged or makes no sense counts as not said. Pure function; any thread.
+// Reads from a TIFF structure (an EXIF block without "Exif\0\0", or a whole TIFF file) how the picture was
+// taken. Damaged and implausible values are skipped. Pure function; any thread.
 [[nodiscard]] PictureDetails exifDetails(std::string_view tiff);
 
 } // namespace fennick::picture

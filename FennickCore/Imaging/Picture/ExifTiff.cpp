@@ -14,7 +14,7 @@ constexpr std::size_t kLongestChain = 16;
 constexpr std::size_t kMostPointers = 4;
 constexpr std::uint16_t kShort = 3;
 
-// Bytes of one value, by type; 0: a type that is not known.
+// Bytes of one value, by type; 0: unknown type.
 constexpr std::array<std::uint8_t, 19> kTypeBytes{0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
 
 std::size_t bytesOfType(std::uint64_t type) { return type < kTypeBytes.size() ? kTypeBytes[type] : 0; }
@@ -24,7 +24,7 @@ bool isUnsigned(std::uint16_t type) {
   return type == kShort || type == 4 || type == 13 || type == 16 || type == 18;
 }
 
-// Positions are those that `data`, which holds the whole entry, makes of it.
+// Reads the entry; `data` contains all of it.
 TiffEntry entryAt(const TiffLayout &layout, std::string_view data, std::size_t at) {
   TiffEntry entry;
   entry.at = at;

@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// The directory structure that TIFF files and EXIF blocks share, classic and BigTIFF. Pure values; any
-// thread.
+// The directory structure of TIFF files and EXIF blocks, classic and BigTIFF. Pure values; any thread.
 namespace fennick::picture {
 
 struct TiffEntry {
@@ -23,8 +22,8 @@ struct TiffEntry {
   bool isInline = true;
 };
 
-// One directory. One that is cut off by the end of the data holds the entries that are there; more than 4096
-// are none.
+// One directory. If the data ends inside it, it contains the complete entries; a directory with more than
+// 4096 entries is rejected.
 struct TiffDirectory {
   std::size_t at = 0;
   std::vector<TiffEntry> entries;
@@ -33,12 +32,13 @@ struct TiffDirectory {
   [[nodiscard]] const TiffEntry *find(std::uint16_t tag) const;
 };
 
-// How a TIFF structure is laid out; positions count from its first byte.
+// The layout of a TIFF structure; positions count from its first byte.
 struct TiffLayout {
   ByteOrder order = ByteOrder::little;
   bool isBig = false;
 
-  // From the first bytes: "II*\0", "MM\0*" or BigTIFF's; nothing for anything else.
+  // Determines the layout from the first bytes: "II*\0", "MM\0*" or those of BigTIFF. Returns nullopt for
+  // anything else.
   [[nodiscard]] static std::optional<TiffLayout> of(std::string_view data);
 
   [[nodiscard]] std::size_t headerBytes() const { return isBig ? 16 : 8; }
@@ -49,22 +49,22 @@ struct TiffLayout {
 
   [[nodiscard]] std::optional<TiffDirectory> directory(std::string_view data, std::uint64_t at) const;
   [[nodiscard]] std::optional<TiffDirectory> firstDirectory(std::string_view data) const;
-  // The chain of directories from the first on; ends at a circle and after 16.
+  // Returns the chain of directories from the first on, up to a cycle and at most 16.
   [[nodiscard]] std::vector<TiffDirectory> chain(std::string_view data) const;
-  // The directories that `entry` points to: one offset or several, of which 4 are read.
+  // Returns the directories that `entry` points to, at most 4.
   [[nodiscard]] std::vector<TiffDirectory> pointedTo(std::string_view data, const TiffEntry &entry) const;
-  // The first value of an entry of an unsigned whole type.
+  // Returns the first value of an entry of an unsigned integer type.
   [[nodiscard]] std::optional<std::uint64_t> number(std::string_view data, const TiffEntry &entry) const;
-  // Up to 4096 values of such an entry.
+  // Returns up to 4096 values of such an entry.
   [[nodiscard]] std::vector<std::uint64_t> numbers(std::string_view data, const TiffEntry &entry) const;
-  // Overwrites the first value of such an entry; false, with nothing written, for any other.
+  // Overwrites the first value of such an entry. Returns false and changes nothing for any other.
   [[nodiscard]] bool setNumber(std::string &data, const TiffEntry &entry, std::uint64_t value) const;
 
-  // Takes every entry of `tag` out of the directory as it stands in `data`; those behind move up. Values
-  // that are elsewhere stay.
+  // Removes every entry of `tag` from the directory in `data`; later entries move up. Values outside the
+  // directory stay.
   void removeEntries(std::string &data, const TiffDirectory &directory, std::uint16_t tag) const;
-  // Appends a copy of the first directory with a SHORT added in its place, and points the header there.
-  // Nothing else moves. False, with nothing written, where positions no longer fit.
+  // Appends a copy of the first directory with an additional SHORT, and lets the header point to it. Nothing
+  // else moves. Returns false and changes nothing if positions no longer fit.
   [[nodiscard]] bool appendShort(std::string &data, std::uint16_t tag, std::uint16_t value) const;
 };
 

@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-// What differs between the versions of Exiv2: 0.27 in Debian 12, 0.28 in Debian 13.
+// Differences between the versions of Exiv2: 0.27 in Debian 12, 0.28 in Debian 13.
 namespace fennick::picture {
 
 #if EXIV2_TEST_VERSION(0, 28, 0)

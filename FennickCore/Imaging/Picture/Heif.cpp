@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kMostBlockBytes = 16UZ * 1'024 * 1'024;
 constexpr std::string_view kXMPContentType = "application/rdf+xml";
 
-// A step together with the byte of the file that states it.
+// A step and the position of the byte that states it.
 struct StatedStep {
   TurnStep step;
   std::size_t at = 0;
@@ -52,10 +52,10 @@ Turning turningOf(const std::vector<StatedStep> &steps) {
   return turning;
 }
 
-// Items with the orientation that each is to have.
+// Items and the orientation that each is to have.
 using Targets = std::map<std::uint32_t, Turning>;
 
-// The primary picture, and what shows the same scene beside it, all turned by as much.
+// Returns the primary picture and those that show the same scene, all rotated by the same amount.
 Targets targetsFor(std::string_view file, const HeifFile &heif, std::int64_t orientation) {
   std::set<std::uint32_t> items{heif.primary};
   for (const HeifReference &reference : heif.references)
@@ -86,7 +86,7 @@ std::optional<std::vector<StatedStep>> restated(std::vector<StatedStep> steps, c
   return std::nullopt;
 }
 
-// Whether items beyond `targets` turn by the same properties.
+// Returns whether items outside `targets` use the same properties.
 bool sharesBeyond(std::string_view file, const HeifFile &heif, const Targets &targets) {
   std::set<std::size_t> ours;
   for (const auto &[item, target] : targets)
@@ -99,7 +99,7 @@ bool sharesBeyond(std::string_view file, const HeifFile &heif, const Targets &ta
   });
 }
 
-// Returns the file with its existing properties changed, or nullopt if changing them does not suffice.
+// Returns the file with its existing properties changed, or nullopt if that is not sufficient.
 std::optional<std::string> turnedInPlace(std::string_view file, const HeifFile &heif,
                                          const Targets &targets) {
   if (sharesBeyond(file, heif, targets))
@@ -119,7 +119,7 @@ std::optional<std::string> turnedInPlace(std::string_view file, const HeifFile &
   return turned;
 }
 
-// Properties that are put behind those of the file, each once.
+// Properties that are appended to those of the file, each once.
 class NewProperties {
 public:
   explicit NewProperties(std::size_t existing) : existing_(existing) {}
@@ -145,7 +145,7 @@ private:
   std::vector<std::string> boxes_;
 };
 
-// Replaces the steps of `item` by new ones, behind its other properties.
+// Replaces the steps of `item` by new ones after its other properties.
 void reassociate(std::string_view file, const HeifFile &heif, std::vector<HeifAssociations> &all,
                  std::uint32_t item, const Turning &target, NewProperties &added) {
   auto own = std::ranges::find(all, item, &HeifAssociations::item);
@@ -161,7 +161,7 @@ void reassociate(std::string_view file, const HeifFile &heif, std::vector<HeifAs
     own->list.push_back(added.add("imir", 1));
 }
 
-// Builds the association box anew. Returns nullopt if it cannot hold so many associations.
+// Builds a new association box. Returns nullopt if it cannot hold so many associations.
 std::optional<std::string> associationBox(std::string_view file, const HeifFile &heif,
                                           const std::vector<HeifAssociations> &all, std::size_t properties) {
   const HeifBox &old = heif.associationBox;
@@ -181,7 +181,7 @@ std::optional<std::string> associationBox(std::string_view file, const HeifFile 
   return numberText(payload.size() + 8, 4) + "ipma" + payload;
 }
 
-// A number in the file that grows; false when its place is too narrow.
+// Increases a number in the file. Returns false if its field is too narrow.
 bool grow(std::string &file, const HeifOffset &number, std::uint64_t by) {
   const std::uint64_t value = number.value + by;
   if (by == 0)
@@ -198,14 +198,14 @@ bool growBox(std::string &file, const HeifBox &box, std::uint64_t by) {
   return grow(file, {box.sizeWidth == 8 ? box.at + 8 : box.at, box.sizeWidth, box.end - box.at}, by);
 }
 
-// What is put where: behind the properties, and in the place of the associations.
+// The bytes to insert: after the properties, and in place of the associations.
 struct Insertion {
   HeifBox propertyList;
   HeifBox associationBox;
   std::string properties;
   std::string associations;
 
-  // By how much what stood at `at` moves. The associations may shrink, hence the sign.
+  // Returns by how much the byte at `at` moves. The associations may shrink, hence the sign.
   [[nodiscard]] std::int64_t shiftOf(std::uint64_t at) const {
     std::int64_t shift = at >= propertyList.end ? std::ssize(properties) : 0;
     if (at >= associationBox.end)
@@ -214,7 +214,7 @@ struct Insertion {
   }
 };
 
-// Positions that count from the start of the file follow what moves, through the base where an item has one.
+// Adjusts positions that count from the start of the file, in the item's base if it has one.
 bool moveItem(std::string &file, const HeifItem &item, const Insertion &insertion) {
   if (item.construction != 0 || item.isElsewhere || item.extents.empty())
     return true;
@@ -256,7 +256,7 @@ std::optional<std::string> inserted(std::string_view file, const HeifFile &heif,
   return out;
 }
 
-// The file with properties of their own for the pictures that turn.
+// Returns the file with separate properties for the rotated pictures.
 std::optional<std::string> turnedAnew(std::string_view file, const HeifFile &heif, const Targets &targets) {
   if (heif.associationBoxes != 1 || heif.hasMovie)
     return std::nullopt;
@@ -270,13 +270,13 @@ std::optional<std::string> turnedAnew(std::string_view file, const HeifFile &hei
   return inserted(file, heif, {heif.propertyList, heif.associationBox, added.bytes(), *box});
 }
 
-// EXIF begins with the length of what stands before its TIFF structure.
+// An EXIF item begins with the offset of its TIFF structure.
 std::optional<std::uint64_t> exifStart(std::string_view item) {
   const auto before = readNumber(item, 0, 4);
   return before && slice(item, 4, *before) ? std::optional(4 + *before) : std::nullopt;
 }
 
-// What the item's colour properties of one of `kinds` say; empty if there is none.
+// Returns the content of the item's colour property of one of `kinds`; empty if there is none.
 std::string_view colourProperty(std::string_view file, const HeifFile &heif, std::uint32_t item,
                                 std::initializer_list<std::string_view> kinds) {
   const HeifAssociations *own = heif.associations(item);
@@ -290,7 +290,7 @@ std::string_view colourProperty(std::string_view file, const HeifFile &heif, std
   return {};
 }
 
-// The first tile of an item that is made of tiles; the item itself if it is not.
+// Returns the first tile of an item that consists of tiles, or the item itself.
 std::uint32_t firstTile(const HeifFile &heif, std::uint32_t item) {
   for (const HeifReference &reference : heif.references)
     if (reference.from == item && reference.type == "dimg"sv && !reference.to.empty())
@@ -298,7 +298,7 @@ std::uint32_t firstTile(const HeifFile &heif, std::uint32_t item) {
   return item;
 }
 
-// Where the file's EXIF and XMP state an orientation, in place.
+// Changes the orientation in the file's EXIF and XMP in place.
 void keepInStep(std::string &file, std::int64_t orientation) {
   const auto heif = HeifFile::parse(file);
   if (!heif)

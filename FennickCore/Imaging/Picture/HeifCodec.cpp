@@ -76,7 +76,7 @@ Image decoded(const Handle &handle, int bands, int bits, Damage damage) {
   return Image(image);
 }
 
-// Rows of a plane of `image`, copied without their padding.
+// Copies the rows of a plane without their padding.
 void copyRows(const Image &image, HeifRaster &raster) {
   int stride = 0;
   const auto *plane = ::heif_image_get_plane_readonly(image.get(), heif_channel_interleaved, &stride);
@@ -91,7 +91,7 @@ void copyRows(const Image &image, HeifRaster &raster) {
     std::copy_n(plane + y * static_cast<std::size_t>(stride), row, raster.pixels.data() + y * row);
 }
 
-// All of a picture but its pixels.
+// Returns the description of a picture without pixels.
 HeifRaster described(const Handle &handle) {
   return {.bands = ::heif_image_handle_has_alpha_channel(handle.get()) != 0 ? 4 : 3,
           .bits = std::max(8, ::heif_image_handle_get_luma_bits_per_pixel(handle.get())),
@@ -99,7 +99,7 @@ HeifRaster described(const Handle &handle) {
           .pixels = {}};
 }
 
-// Four bytes a pixel, transparency last; borrowed.
+// Pixels of four bytes, transparency last; borrowed.
 struct Quads {
   unsigned char *pixels = nullptr;
   int stride = 0;
@@ -121,8 +121,8 @@ std::vector<unsigned char> halved(const Quads &from, int width, int height) {
   return half;
 }
 
-// The smallest size by halving whose longer side is at least `longEdge`, kept in `owner` unless it is the
-// size of `quads`. An odd row or column at the edge is left out.
+// Halves the size down to the smallest whose longer side is at least `longEdge`; `owner` holds the pixels
+// unless the size is that of `quads`. An odd row or column at the edge is left out.
 Quads reducedByHalves(Quads quads, std::int64_t longEdge, std::vector<unsigned char> &owner) {
   while (std::max(quads.width, quads.height) / 2 >= longEdge && std::min(quads.width, quads.height) > 1) {
     const int width = quads.width / 2;
@@ -133,7 +133,7 @@ Quads reducedByHalves(Quads quads, std::int64_t longEdge, std::vector<unsigned c
   return quads;
 }
 
-// What is transparent must not colour its neighbours when they become one pixel.
+// Transparent pixels must not affect the colour of their neighbours when they are merged.
 void reduceInto(HeifRaster &raster, const Quads &quads, std::int64_t longEdge) {
   const bool transparent = raster.bands == 4;
   if (transparent)
@@ -148,8 +148,8 @@ void reduceInto(HeifRaster &raster, const Quads &quads, std::int64_t longEdge) {
   write(small.pixels, small.stride, raster.pixels.data(), row, small.width, small.height);
 }
 
-// Where the encoder's scale has about the error of a JPEG of that quality, measured on photographs; a little
-// above it from 0.85 on, so that nothing is to be seen.
+// The setting at which the encoder has about the error of a JPEG of that quality, measured with photographs;
+// slightly higher from 0.85 on, so that no difference is visible.
 int heicQuality(double quality) {
   struct Point {
     double jpeg;
@@ -167,10 +167,10 @@ int heicQuality(double quality) {
       std::lround(std::lerp(from.heic, to.heic, (wanted - from.jpeg) / (to.jpeg - from.jpeg))));
 }
 
-// The fastest preset costs a tenth more bytes than the default one and takes two seconds instead of seventeen
-// for 12 million pixels.
+// The fastest preset needs a tenth more bytes than the default and takes two seconds instead of seventeen for
+// 12 million pixels.
 bool configure(const Encoder &encoder, double quality) {
-  // A libheif without one of these parameters uses its own value.
+  // If libheif lacks one of these parameters it uses its own value.
   ::heif_encoder_set_parameter_string(encoder.get(), "preset", "ultrafast");
   ::heif_encoder_set_parameter_string(encoder.get(), "tune", "ssim");
   ::heif_encoder_set_parameter_string(encoder.get(), "chroma", "420");

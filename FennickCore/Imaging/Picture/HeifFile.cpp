@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::size_t kMostBoxes = 4'096;
 constexpr std::size_t kMostItems = 16'384;
-constexpr std::size_t kMostExtents = 16'384; // of all items together
+constexpr std::size_t kMostExtents = 16'384; // for all items together
 
-// Reads numbers one behind the other; once one lies outside, all further ones are zero.
+// Reads consecutive numbers; after one that lies outside the data all further ones are zero.
 class Cursor {
 public:
   Cursor(std::string_view file, const HeifBox &box) : data_(file.substr(0, box.end)), at_(box.payloadAt) {}
@@ -33,7 +33,7 @@ public:
     at_ += isWhole_ ? length : 0;
     return isWhole_ ? std::string(*text) : std::string();
   }
-  // Up to a zero byte, or all there is.
+  // Reads up to a zero byte or the end.
   std::string takeLine() {
     const std::string_view rest = data_.substr(std::min(at_, data_.size()));
     const std::string_view line = rest.substr(0, rest.find('\0'));
@@ -49,7 +49,7 @@ private:
   bool isWhole_ = true;
 };
 
-// The version, and the flags, that a full box begins with.
+// The version and flags at the beginning of a full box.
 struct FullBox {
   unsigned version;
   unsigned flags;
@@ -83,7 +83,7 @@ std::optional<HeifBox> boxAt(std::string_view file, std::size_t at, std::size_t 
   return box;
 }
 
-// What one part of the description says; false when it is damaged.
+// Each of these reads one box of the description and returns false if it is damaged.
 bool readPrimary(std::string_view file, const HeifBox &box, HeifFile &found) {
   Cursor cursor(file, box);
   const FullBox full(cursor);
@@ -204,7 +204,7 @@ bool readProperties(std::string_view file, const HeifBox &box, HeifFile &found) 
   return true;
 }
 
-// What the parts of the description that there are say; each may be missing.
+// Reads the boxes of the description that exist.
 bool readDescription(std::string_view file, const std::vector<HeifBox> &parts, HeifFile &found) {
   struct Reader {
     std::string_view type;

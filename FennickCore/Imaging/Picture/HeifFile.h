@@ -18,22 +18,22 @@ struct HeifBox {
   std::size_t at = 0;
   std::size_t payloadAt = 0;
   std::size_t end = 0;
-  std::size_t sizeWidth = 4; // bytes that the size is written in; 0: it reaches to the end of what holds it
+  std::size_t sizeWidth = 4; // bytes of the size field; 0: it extends to the end of its parent
 };
 
-// The boxes between two positions, of which 4096 are read; ends at the first that is not whole.
+// Returns the boxes between two positions, at most 4096, up to the first incomplete one.
 [[nodiscard]] std::vector<HeifBox> heifBoxes(std::string_view file, std::size_t from, std::size_t to);
 
-// A number that says where data is, as it stands in the file.
+// A number in the file that locates data.
 struct HeifOffset {
   std::size_t at = 0;
-  std::size_t width = 0; // 0: not written, and zero
+  std::size_t width = 0; // 0: not stored, value zero
   std::uint64_t value = 0;
 };
 
 struct HeifExtent {
   HeifOffset offset;        // counts from the item's base
-  std::uint64_t length = 0; // 0: all there is
+  std::uint64_t length = 0; // 0: all of it
 };
 
 struct HeifItem {
@@ -48,7 +48,7 @@ struct HeifItem {
 
 struct HeifAssociation {
   bool isEssential = false;
-  std::uint16_t property = 0; // from 1, into the properties; 0: none
+  std::uint16_t property = 0; // index into the properties, from 1; 0: none
 };
 
 struct HeifAssociations {
@@ -68,7 +68,7 @@ struct HeifStretch {
 };
 
 struct HeifFile {
-  // Nothing for a file without the boxes that a primary picture needs, and for one that is damaged in them.
+  // Returns nullopt if boxes that a primary picture needs are missing or damaged.
   [[nodiscard]] static std::optional<HeifFile> parse(std::string_view file);
 
   [[nodiscard]] const HeifItem *item(std::uint32_t id) const;
@@ -76,13 +76,13 @@ struct HeifFile {
   [[nodiscard]] const HeifBox *property(const HeifAssociation &association) const;
   // Returns the item's property of this kind, or null if it has none.
   [[nodiscard]] const HeifBox *propertyOf(std::uint32_t id, std::string_view type) const;
-  // The item of a kind that describes the primary picture; else the first of that kind.
+  // Returns the item of a kind that describes the primary picture, or else the first of that kind.
   [[nodiscard]] const HeifItem *describing(std::string_view type, std::string_view contentType) const;
-  // The pieces that an item's data stands in; none when any of it is not in this file.
+  // Returns the ranges of an item's data; empty if any of it is not in this file.
   [[nodiscard]] std::vector<HeifStretch> stretchesOf(const HeifItem &item, std::string_view file) const;
 
   std::uint32_t primary = 0;
-  std::vector<HeifBox> holders; // meta, iprp: boxes that grow with what is put into them
+  std::vector<HeifBox> holders; // meta, iprp: boxes that grow with what is inserted
   HeifBox propertyList;         // ipco
   HeifBox associationBox;       // ipma
   std::size_t associationBoxes = 0;

@@ -6,8 +6,8 @@ namespace {
 
 using Matrix = std::array<int, 4>;
 
-// EXIF's numbers: as stored, mirrored, upside down, flipped, transposed, turned right, the other transposed,
-// turned left.
+// EXIF orientations: as stored, mirrored, rotated by 180°, flipped, transposed, rotated right, transversed,
+// rotated left.
 constexpr std::array<Matrix, 8> kOrientations{{{1, 0, 0, 1},
                                                {-1, 0, 0, 1},
                                                {-1, 0, 0, -1},
@@ -51,7 +51,7 @@ Turning Turning::then(const Turning &next) const {
 }
 
 Turning Turning::reversed() const {
-  Turning turned; // the transpose: lengths stay as they are
+  Turning turned; // the transposed matrix; lengths stay
   turned.m_ = {m_[0], m_[2], m_[1], m_[3]};
   return turned;
 }
@@ -60,7 +60,7 @@ std::int64_t Turning::orientation() const {
   for (std::int64_t number = 1; number <= 8; ++number)
     if (ofOrientation(number) == *this)
       return number;
-  return 1; // not reached: turns and mirrorings make no other
+  return 1; // unreachable: rotations and mirrorings make no other matrix
 }
 
 TurnRecipe recipeFor(std::int64_t orientation) {
@@ -71,7 +71,7 @@ TurnRecipe recipeFor(std::int64_t orientation) {
       if ((isMirrored ? turned.then({TurnStep::Kind::mirror, 1}) : turned) == wanted)
         return {quarters, isMirrored};
     }
-  return {}; // not reached
+  return {}; // unreachable
 }
 
 } // namespace fennick::picture

@@ -4,11 +4,10 @@
 #include <cstdint>
 #include <optional>
 
-// The eight ways in which a picture can lie, as EXIF numbers them, built from quarter turns and mirrorings.
-// Pure functions; any thread.
+// The eight EXIF orientations as combinations of quarter turns and mirrorings. Pure functions; any thread.
 namespace fennick::picture {
 
-// One step from the stored pixels to those shown.
+// One step from the stored to the displayed pixels.
 struct TurnStep {
   enum class Kind : std::uint8_t { rotate, mirror };
   Kind kind = Kind::rotate;
@@ -18,10 +17,10 @@ struct TurnStep {
   bool operator==(const TurnStep &) const = default;
 };
 
-// Where a pixel goes: column and row of a 2×2 matrix, y downwards.
+// A 2×2 matrix that maps column and row of a pixel, y downwards.
 class Turning {
 public:
-  [[nodiscard]] static Turning ofOrientation(std::int64_t orientation); // 1 to 8; others lie upright
+  [[nodiscard]] static Turning ofOrientation(std::int64_t orientation); // 1 to 8; other values are upright
   [[nodiscard]] Turning then(const TurnStep &step) const;
   [[nodiscard]] Turning then(const Turning &next) const;
   [[nodiscard]] Turning reversed() const;
@@ -33,7 +32,7 @@ private:
   std::array<int, 4> m_{1, 0, 0, 1}; // x' = m0 x + m1 y, y' = m2 x + m3 y
 };
 
-// The quarter turns and the mirroring, in this order, that make an orientation.
+// The quarter turns and then the mirroring that make an orientation.
 struct TurnRecipe {
   unsigned quarters = 0;
   bool isMirrored = false; // left and right, after the turn

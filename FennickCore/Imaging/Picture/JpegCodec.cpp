@@ -15,14 +15,14 @@ namespace fennick::picture {
 
 namespace {
 
-constexpr double kFullColourQuality = 0.9; // from here on colours keep their full resolution
+constexpr double kFullColourQuality = 0.9; // from this quality on colours keep their full resolution
 
 using Codec = std::unique_ptr<void, decltype(&::tjDestroy)>;
 
 Codec decompressor() { return {::tjInitDecompress(), &::tjDestroy}; }
 Codec compressor() { return {::tjInitCompress(), &::tjDestroy}; }
 
-// The decoder gives eighths of the size for the price of the pixels it gives.
+// The decoder scales by eighths at a cost in proportion to the resulting pixels.
 int eighthsFor(int stored, int longEdge) {
   for (int eighths = 1; eighths < 8; ++eighths)
     if ((stored * eighths + 7) / 8 >= longEdge)
@@ -30,7 +30,7 @@ int eighthsFor(int stored, int longEdge) {
   return 8;
 }
 
-// What pixels of the file's colour space are decoded to; nothing for two components, or more than four.
+// Returns the colours to decode to; nullopt for two components, or more than four.
 std::optional<J_COLOR_SPACE> coloursFor(const jpeg_decompress_struct &info) {
   switch (info.jpeg_color_space) {
   case JCS_GRAYSCALE:
@@ -46,7 +46,7 @@ std::optional<J_COLOR_SPACE> coloursFor(const jpeg_decompress_struct &info) {
   }
 }
 
-// Photoshop, as good as the only source of CMYK, stores it inverted, and all viewers take it for that.
+// Photoshop, practically the only source of CMYK, stores it inverted, and all viewers expect that.
 void invert(std::vector<unsigned char> &pixels) {
   for (unsigned char &sample : pixels)
     sample = static_cast<unsigned char>(255 - sample);
@@ -70,7 +70,7 @@ bool readPixels(JpegReader &reader, JpegRaster &raster) {
   return true;
 }
 
-// Whether a decoding gave pixels, if only some of them.
+// Returns whether a decoding produced at least some pixels.
 bool gavePixels(const Codec &codec, int status) {
   return status == 0 || ::tjGetErrorCode(codec.get()) == TJERR_WARNING;
 }
@@ -94,7 +94,7 @@ std::optional<PlanarHeader> planarHeaderOf(const Codec &codec, Bytes file) {
   return isPlanar && header.subsampling >= 0 ? std::optional(header) : std::nullopt;
 }
 
-// The picture's planes of the given size, without their pixels; nothing if one would have none.
+// Returns planes of the given size for the picture, or nullopt if one would be empty.
 std::optional<PlanarPicture> emptyPlanes(const PlanarHeader &header, int width, int height) {
   PlanarPicture picture;
   picture.gray = header.colourSpace == TJCS_GRAY;
@@ -109,7 +109,7 @@ std::optional<PlanarPicture> emptyPlanes(const PlanarHeader &header, int width, 
   return picture;
 }
 
-// What the library allocated for an encoded picture.
+// Takes over an encoded picture from the library's memory.
 std::string taken(unsigned char *buffer, unsigned long size, int status) {
   const std::unique_ptr<unsigned char, decltype(&::tjFree)> owned(buffer, &::tjFree);
   if (status != 0 || buffer == nullptr)
@@ -187,7 +187,7 @@ std::string encodeJpeg(const unsigned char *pixels, int width, int height, int b
 
 namespace {
 
-// With the last column and row once more where a side is odd: TurboJPEG reads blocks of 2 x 2 pixels.
+// Repeats the last column and row if a side is odd, since TurboJPEG reads blocks of 2 x 2 pixels.
 Plane inWholeBlocks(const Plane &plane) {
   Plane whole{.width = (plane.width + 1) / 2 * 2, .height = (plane.height + 1) / 2 * 2, .pixels = {}};
   const auto width = static_cast<std::size_t>(plane.width);

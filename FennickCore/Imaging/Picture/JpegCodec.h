@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
-// JPEG pixels by libjpeg-turbo. One thread at a time.
+// Decodes and encodes JPEG with libjpeg-turbo. One thread at a time.
 namespace fennick::picture {
 
-// The size that the file states, also of kinds of JPEG that cannot be decoded here (12 bits, lossless).
+// Returns the size that the file states, also for kinds of JPEG that cannot be decoded here (12 bits,
+// lossless).
 [[nodiscard]] std::optional<PixelSize> jpegSize(Bytes file);
 
-enum class Damage { refuse, tolerate }; // what to do with a picture of which only a part can be decoded
+enum class Damage { refuse, tolerate }; // how to treat a picture of which only a part can be decoded
 
 // Interleaved 8-bit pixels, rows without padding. Of CMYK, 255 is full ink.
 struct JpegRaster {
@@ -24,8 +25,8 @@ struct JpegRaster {
   std::vector<unsigned char> pixels;
 };
 
-// The picture reduced while decoding, by eighths, to the smallest size whose longer side is at least
-// `longEdge`; full size when that is larger. Gray stays gray.
+// Decodes the picture and reduces it by eighths to the smallest size whose longer side is at least
+// `longEdge`; returns full size if that is larger. Gray stays gray.
 [[nodiscard]] std::optional<JpegRaster> decodeJpeg(Bytes file, int longEdge, Damage damage);
 
 // One of the three planes of a picture in YCbCr.
@@ -35,17 +36,18 @@ struct Plane {
   std::vector<unsigned char> pixels; // rows without padding
 };
 
-// Luma and, unless gray, two chroma planes, whatever their size.
+// Luma and, unless gray, two chroma planes of any size.
 struct PlanarPicture {
   std::array<Plane, 3> planes;
   bool gray = false;
 };
 
-// As decodeJpeg for a damaged picture that is tolerated, but faster, without leaving the colour space of the
-// file. Nothing for colours other than gray and YCbCr and for unusual sampling factors.
+// Like decodeJpeg for a damaged picture that is tolerated, but faster, because it keeps the colour space of
+// the file. Returns nullopt for colours other than gray and YCbCr and for unusual sampling factors.
 [[nodiscard]] std::optional<PlanarPicture> decodeJpegPlanes(Bytes file, int longEdge);
 
-// `quality` from 0 to 1. Colours are stored at half resolution below 0.9. Empty when the encoder refuses.
+// `quality` from 0 to 1. Colours are stored at half resolution below 0.9. Returns an empty text if the
+// encoder refuses.
 [[nodiscard]] std::string encodeJpeg(const unsigned char *pixels, int width, int height, int bands,
                                      double quality);
 // Chroma planes have half the size of luma, rounded up.

@@ -18,7 +18,8 @@ constexpr std::string_view kMPFPrefix = "MPF\0"sv;
 constexpr std::string_view kISOPrefix = "urn:iso:std:iso:ts:21496:-1\0"sv;
 constexpr int kMostPictures = 32;
 
-// Samsung's trailer: blocks, each with a kind and a name, then a directory that counts back from its start.
+// Samsung's trailer: blocks, each with a kind and a name, then a directory that counts backwards from its
+// start.
 constexpr std::size_t kDirectoryHeader = 12, kDirectoryEntry = 12, kDirectoryEnd = 8;
 constexpr std::uint64_t kMostBlocks = 256;
 constexpr std::uint64_t kVideoKind = 0x0A30;
@@ -53,7 +54,7 @@ std::optional<HeifStretch> gainMapWithin(std::string_view file, std::size_t from
   return std::nullopt;
 }
 
-// Where Samsung's trailer begins, not before `from`; nullopt if the file does not end with one.
+// Returns the start of Samsung's trailer, not before `from`, or nullopt if the file does not end with one.
 std::optional<std::size_t> samsungTrailerAt(std::string_view file, std::size_t from) {
   if (!file.ends_with("SEFT"sv) || file.size() < from + kDirectoryEnd)
     return std::nullopt;
@@ -87,7 +88,7 @@ VideoTrailer samsungTrailer(std::string video) {
   return trailer;
 }
 
-// Where a further block goes: behind those that there are.
+// Returns where a further block goes: after the existing ones.
 std::size_t endOfBlocks(std::string_view jpeg) {
   std::size_t end = 2;
   for (const JpegSegment &segment : jpegSegments(jpeg))
@@ -100,7 +101,7 @@ std::string pictureEntry(std::uint64_t attributes, std::uint64_t bytes, std::uin
   return numberText(attributes, 4) + numberText(bytes, 4) + numberText(offset, 4) + numberText(0, 4);
 }
 
-// Of two pictures; `offset` of the second counts from behind the prefix.
+// For two pictures; `offset` of the second counts from the end of the prefix.
 std::string directorySegment(std::uint64_t firstBytes, std::uint64_t secondBytes, std::uint64_t offset) {
   constexpr std::uint64_t kPrimary = 0x030000, kEntriesAt = 50, kUndefined = 7, kLong = 4;
   const auto entry = [](std::uint64_t tag, std::uint64_t type, std::uint64_t count,

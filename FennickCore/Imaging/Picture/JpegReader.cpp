@@ -10,10 +10,10 @@ namespace fennick::picture {
 
 namespace {
 
-// Pictures with hundreds of refinement scans keep a decoder busy for minutes.
+// A picture with hundreds of refinement scans would occupy a decoder for minutes.
 constexpr int kMostScans = 500;
 
-// Encoders that pad a scan leave a few bytes. More of them are what a decoder leaves that lost its place.
+// Encoders that pad a scan leave a few bytes. More are left by a decoder that lost its position.
 constexpr std::size_t kFewBytes = 16;
 
 JpegReader &readerOf(j_common_ptr info) { return *static_cast<JpegReader *>(info->client_data); }
@@ -62,13 +62,13 @@ bool JpegReader::isWhole() {
   return !isDamaged_;
 }
 
-// Whatever stands behind the last scan, errors included, costs no pixels.
+// Whatever follows the last scan, including errors, costs no pixels.
 void JpegReader::readToEnd() {
   if (setjmp(escape_) == 0)
     ::jpeg_finish_decompress(&info_);
 }
 
-// A file that ends properly may leave out the last refinements. Without an end, they are taken for cut off.
+// A file with an end marker may lack the last refinements. Without one, they count as truncated.
 bool JpegReader::hasEveryScan() const {
   const bool isComplete = std::ranges::all_of(
       componentsOf(info_), [](const auto &component) { return component.quant_table != nullptr; });
@@ -76,7 +76,7 @@ bool JpegReader::hasEveryScan() const {
     return isComplete;
   const std::span bits(info_.coef_bits, static_cast<std::size_t>(info_.num_components));
   return std::ranges::all_of(bits, [this](const auto &known) {
-    // How many low bits of each coefficient are still unknown; -1: all of them.
+    // How many low bits of each coefficient are still unknown; -1: all.
     return endIsMissing_ ? std::ranges::all_of(known, [](int unknown) { return unknown == 0; })
                          : known[0] >= 0;
   });
@@ -110,7 +110,8 @@ void JpegReader::classifyWarning() {
         isDamaged_ || (info_.input_scan_number > 0 && !isPadding(static_cast<std::size_t>(details[0])));
     return;
   case JWRN_BOGUS_PROGRESSION:
-    // A refinement of bits that no scan has given. Another order of the scans, or one twice, loses nothing.
+    // A refinement of bits that no scan has delivered. Another order of scans, or a repeated scan, loses
+    // nothing.
     isDamaged_ = isDamaged_ || (info_.Ah != 0 && details[1] >= info_.Ss);
     return;
   default:
@@ -118,8 +119,8 @@ void JpegReader::classifyWarning() {
   }
 }
 
-// Whether the bytes that the decoder skipped last are too few to be data, or all the same. A file whose rest
-// was never written is all the same, too, but from before the place where the decoder had every pixel.
+// Returns whether the bytes that the decoder skipped last are too few to be data, or all equal. In a file
+// whose rest was never written they are all equal, too, but begin before the decoder had every pixel.
 bool JpegReader::isPadding(std::size_t skipped) const {
   if (skipped <= kFewBytes)
     return true;

@@ -9,11 +9,11 @@
 
 #include <jpeglib.h>
 
-// The one place where libjpeg's decoder is called. Its errors leave by longjmp: every function here that
-// calls it has no local objects with a destructor.
+// The only caller of libjpeg's decoder. Its errors leave by longjmp: no function here that calls it has local
+// objects with a destructor.
 namespace fennick::picture {
 
-// Decodes one JPEG. Irregularities that lose no pixels are ignored: stray bytes between segments, unusual
+// Decodes one JPEG. Irregularities without loss of pixels are ignored: stray bytes between segments, unusual
 // scan parameters, a missing end marker, padding. One thread at a time.
 class JpegReader {
 public:
@@ -25,14 +25,14 @@ public:
   // The three steps, in this order. Each returns false on an error that ends the decoding, after which no
   // further step may follow.
   [[nodiscard]] bool readHeader();
-  // Decodes to `colours`, reduced to so many eighths of the size, 1 to 8.
+  // Decodes to `colours`, reduced to `eighths` (1 to 8) eighths of the size.
   [[nodiscard]] bool start(int eighths, J_COLOR_SPACE colours);
   // Reads at most `count` rows of pixels; see jpeg_read_scanlines.
   [[nodiscard]] bool readRows(JSAMPARRAY rows, JDIMENSION count);
 
   [[nodiscard]] bool isDone() const { return info_.output_scanline >= info_.output_height; }
-  // Whether the file held all data of the picture, without corruption that the decoder can notice. To be
-  // called once, when all rows have been read; no step may follow.
+  // Returns whether the file contained all data of the picture, without corruption that the decoder can
+  // notice. Call it once, after all rows were read; no step may follow.
   [[nodiscard]] bool isWhole();
 
   [[nodiscard]] const jpeg_decompress_struct &info() const { return info_; }

@@ -21,9 +21,9 @@ namespace {
 
 constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
 constexpr std::string_view kExtensionPrefix = "http://ns.adobe.com/xmp/extension/\0"sv;
-constexpr std::size_t kPlainHeader = 14; // a JFIF header without a thumbnail
+constexpr std::size_t kPlainHeader = 14; // a JFIF header without thumbnail
 constexpr std::size_t kAdobeHeader = 16;
-constexpr std::size_t kMostItemBytes = 64UZ * 1'024 * 1'024; // of all items of a HEIF file
+constexpr std::size_t kMostItemBytes = 64UZ * 1'024 * 1'024; // for all items of a HEIF file
 constexpr std::uint8_t kAPP14 = 0xEE;
 constexpr std::uint8_t kComment = 0xFE;
 
@@ -40,14 +40,14 @@ bool isOneOf(std::string_view type, const std::array<std::string_view, size> &ty
   return std::ranges::find(types, type) != types.end();
 }
 
-// Zeros behind the end are padding.
+// Zeros after the end are padding.
 void addTrailer(std::string_view file, std::size_t end, Leftovers &found) {
   const std::string_view trailer = behind(file, end);
   if (trailer.find_first_not_of('\0') != std::string_view::npos)
     found.add(trailerMayHaveLocation(trailer));
 }
 
-// EXIF that cannot be read here is read by somebody else.
+// EXIF that cannot be parsed here may be readable for other programs.
 bool isUnreadableExif(std::string_view payload) { return !ExifBlock::parse(payload); }
 
 bool photoshopHasOtherLocation(std::string_view block) {
@@ -61,12 +61,12 @@ bool segmentHasOtherLocation(std::string_view payload) {
     return isUnreadableExif(payload);
   if (payload.starts_with(kXMPPrefix) || payload.starts_with(kExtensionPrefix) ||
       payload.starts_with(kPhotoshopPrefix))
-    return false; // read by readMetadata, and of all segments together below
+    return false; // read by readMetadata, and below for all segments together
   return bytesMayHaveLocation(payload);
 }
 
-// Comments and blocks between the scans of a picture, which few readers look at. In the coded data itself no
-// such marker occurs.
+// Finds comments and blocks between the scans of a picture, which few readers examine. Such markers do not
+// occur within the coded data.
 bool hasBlockWithin(std::string_view scans) {
   for (auto at = scans.find('\xFF'); at != std::string_view::npos; at = scans.find('\xFF', at + 1)) {
     const auto marker = at + 1 < scans.size() ? static_cast<unsigned char>(scans[at + 1]) : 0U;
@@ -79,7 +79,7 @@ bool hasBlockWithin(std::string_view scans) {
 Leftovers jpegLeftovers(std::string_view file) {
   Leftovers found;
   std::string photoshop;
-  std::size_t scansAt = file.size(); // of a file without a header nothing is known
+  std::size_t scansAt = file.size(); // nothing is known about a file without a header
   const auto segments = jpegSegments(file);
   if (segments.size() == kMostParts)
     found.add(true); // there is more than was read
@@ -103,7 +103,7 @@ Leftovers jpegLeftovers(std::string_view file) {
   return found;
 }
 
-// A text that is too large to be unpacked may say anything.
+// A text that is too large to decompress may contain anything.
 bool pngTextHasLocation(const Chunk &chunk, std::string_view file, Unpacker &unpack) {
   const std::string_view keyword = pngKeyword(chunk, file);
   const std::string text = pngText(chunk, file, unpack);
@@ -129,7 +129,7 @@ Leftovers pngLeftovers(std::string_view file) {
   }
   if (chunks.size() == kMostParts)
     found.add(true); // there is more than was read
-  // Behind the end, or from where the file cannot be read on.
+  // Everything after the end, or after the first unreadable part.
   if (!chunks.empty())
     addTrailer(file, chunks.back().end, found);
   return found;
@@ -144,7 +144,7 @@ Leftovers webpLeftovers(std::string_view file) {
     else if (!isOneOf(chunk.type, kWebpPixels))
       found.add(chunk.type != "XMP "sv && bytesMayHaveLocation(chunk.payload(file)));
   }
-  // Behind the end, or from where the file cannot be read on.
+  // Everything after the end, or after the first unreadable part.
   if (!chunks.empty())
     addTrailer(file, chunks.back().end, found);
   return found;
@@ -158,7 +158,7 @@ bool isAlpha(std::string_view file, const HeifFile &heif, std::uint32_t item) {
   return isOneOf(text.substr(0, text.find('\0')), kAlphaKinds);
 }
 
-// The primary picture, its transparency, and the parts that these are put together from.
+// Returns the primary picture, its transparency, and the parts that these consist of.
 std::set<std::uint32_t> pixelItems(std::string_view file, const HeifFile &heif) {
   constexpr int kDeepest = 8; // an overlay of rotated grids has three levels
   std::set<std::uint32_t> items{heif.primary};
@@ -176,8 +176,8 @@ std::set<std::uint32_t> pixelItems(std::string_view file, const HeifFile &heif) 
   return items;
 }
 
-// Items may share their data. `room` is how many bytes of them are still read; what cannot be read, or is
-// not, may say anything.
+// Items may share their data. `room` is how many bytes are still read; what is not read, or cannot be, may
+// contain a location.
 bool itemHasLocation(std::string_view file, const HeifFile &heif, const HeifItem &item, std::size_t &room) {
   constexpr std::array kPictures{"hvc1"sv, "av01"sv, "grid"sv, "iden"sv, "iovl"sv, "tmap"sv, "j2k1"sv};
   if (isOneOf(item.type, kPictures))
@@ -207,7 +207,7 @@ Leftovers heifLeftovers(std::string_view file) {
   addTrailer(file, boxes.empty() ? file.size() : boxes.back().end, found);
   const auto heif = HeifFile::parse(file);
   if (!heif) {
-    found.add(true); // other readers may make something of it
+    found.add(true); // other programs may be able to read it
     return found;
   }
   const auto pixels = pixelItems(file, *heif);
@@ -218,7 +218,7 @@ Leftovers heifLeftovers(std::string_view file) {
   return found;
 }
 
-// BigTIFF, and damaged files, cannot be read by the reader of the metadata.
+// The metadata reader cannot read BigTIFF and damaged files.
 Leftovers tiffLeftovers(std::string_view file) {
   constexpr std::uint16_t kGPSDirectory = 0x8825;
   Leftovers found;

@@ -17,21 +17,21 @@ using namespace std::string_view_literals;
 
 namespace {
 
-// Long enough not to occur by chance in compressed data, in any case: property names of XMP and JSON, keys of
-// QuickTime, the country code in Samsung's trailer.
+// Long enough not to occur by chance in compressed data, ignoring case: property names of XMP and JSON, keys
+// of QuickTime, the country code in Samsung's trailer.
 constexpr std::array kWords{"latitude"sv,        "longitude"sv,         "location"sv,    "photoshop:city"sv,
                             "photoshop:state"sv, "photoshop:country"sv, "countrycode"sv, "mcc_data"sv};
 // The position atoms of QuickTime and MP4.
 constexpr std::array kAtoms{"\xA9xyz"sv, "loci"sv};
-// Up to here short words such as "gps" are looked for as well, in texts of this length and more: three
-// letters occur by chance in a few of a hundred gain maps.
+// In data up to this size, short words such as "gps" are searched as well, within texts: three letters occur
+// by chance in a few per cent of gain maps.
 constexpr std::size_t kMostText = 65'536;
 constexpr std::ptrdiff_t kShortestText = 12;
 constexpr std::size_t kMostExifBlock = 65'536;
 constexpr std::size_t kWindow = 1'048'576;
 constexpr std::size_t kLongestWord = 32;
 constexpr int kMostVideos = 16;
-constexpr int kMostBlocks = 256; // of a kind in one file; more are not worth the time
+constexpr int kMostBlocks = 256; // of one kind in one file, to limit the time
 
 bool holdsWord(std::string_view window) {
   std::string lower(window);
@@ -44,10 +44,10 @@ bool holdsWord(std::string_view window) {
 }
 
 bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
-// No character set uses control characters in texts, but for the ends of lines and of the text itself.
+// Texts of all character sets contain no control characters except line ends and the final NUL.
 bool isBinary(unsigned char c) { return c < ' ' && c != '\t' && c != '\n' && c != '\r' && c != '\0'; }
 
-// Whether the bytes, if they are a text, or a text among them hold a word.
+// Returns whether the bytes, or a text among them, contain a word.
 bool holdsShortWord(std::string_view bytes) {
   if (!xmpMayHaveLocation(bytes))
     return false;
@@ -80,7 +80,7 @@ bool isIptcWithPlace(std::string_view bytes) {
   return iptcHasLocation(iptcOfPhotoshop(bytes.substr(0, kMostExifBlock)));
 }
 
-// Whether `test` holds for what follows one of the places where `mark` stands.
+// Returns whether `test` holds for what follows one of the occurrences of `mark`.
 bool holdsBehind(std::string_view bytes, std::string_view mark, bool (*test)(std::string_view)) {
   int blocks = 0;
   for (auto at = bytes.find(mark); at != std::string_view::npos; at = bytes.find(mark, at + 1))

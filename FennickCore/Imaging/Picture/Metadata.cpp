@@ -17,7 +17,7 @@ using namespace std::string_view_literals;
 namespace {
 
 constexpr std::string_view kExtensionPrefix = "http://ns.adobe.com/xmp/extension/\0"sv;
-constexpr std::size_t kExtensionHeader = 40; // a digest, the whole length, this part's place
+constexpr std::size_t kExtensionHeader = 40; // a digest, the whole length, the position of this part
 constexpr std::string_view kPhotoshopPrefix = "Photoshop 3.0\0"sv;
 constexpr std::string_view kICCPrefix = "ICC_PROFILE\0"sv;
 
@@ -26,7 +26,7 @@ std::string cleanExif(std::string_view block) {
   return exif ? exif->tiff() : std::string();
 }
 
-// The first block of a kind is the one that counts, the others are only looked at.
+// The first block of a kind is used; the others are only examined.
 void keep(std::string &first, std::vector<std::string> &further, std::string block) {
   if (first.empty())
     first = std::move(block);
@@ -106,7 +106,7 @@ Metadata readWebp(std::string_view file) {
   return found;
 }
 
-// The only block that can name a place. It is stored as text, in one piece.
+// The only block that can name a place is stored as text in one piece.
 Metadata readGif(std::string_view file) {
   constexpr std::string_view kIdentifier = "XMP DataXMP"sv;
   const std::size_t start = file.find(kIdentifier);

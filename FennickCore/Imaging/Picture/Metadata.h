@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-// What a picture says beyond its pixels: read, changed, written and looked for again. Pure functions; one
-// thread at a time, because the XMP reader underneath has state.
+// Reads, changes, writes and verifies the metadata of pictures. Pure functions; one thread at a time, because
+// the XMP reader has state.
 namespace fennick::picture {
 
 // Raw blocks; empty: the picture has none.
@@ -21,8 +21,8 @@ struct Metadata {
   std::string iptc{}; // IIM data sets, without Photoshop's wrapping
   std::string icc{};
 
-  // Read and never written: what did not fit into a JPEG's main packet, and blocks of a kind behind its
-  // first.
+  // Read but never written: what did not fit into a JPEG's main packet, and further blocks of a kind after
+  // its first.
   std::string extendedXMP{};
   std::vector<std::string> furtherExif{};
   std::vector<std::string> furtherXMP{};
@@ -30,7 +30,7 @@ struct Metadata {
   bool operator==(const Metadata &) const = default;
 };
 
-// Damaged parts are left out, and of packed parts what is larger than 4 MB or, together, than 16 MB.
+// Skips damaged parts, and compressed parts larger than 4 MB or, together, 16 MB.
 [[nodiscard]] Metadata readMetadata(Bytes file, PictureType type);
 
 [[nodiscard]] bool hasLocation(const Metadata &metadata); // GPS or named places
@@ -44,22 +44,22 @@ struct MetadataChange {
   CompanionLengths companions{};
 };
 
-// What to write with an upright re-encoding: orientation 1, its dimensions, no previews. Blocks that need no
-// change are copied; a cut-off colour profile is left out; XMP that cannot be read is left out when location
-// has to go.
+// Returns what to write with an upright re-encoding: orientation 1, its dimensions, no previews. Blocks that
+// need no change are copied; a truncated colour profile is left out; XMP that cannot be read is left out if
+// location has to be removed.
 [[nodiscard]] Metadata prepare(const Metadata &metadata, const MetadataChange &change);
 
-// The same with the IPTC data sets as XMP properties, for formats that have no place for IPTC.
+// Returns the same with the IPTC data sets as XMP properties, for formats without IPTC.
 [[nodiscard]] Metadata withIptcInXmp(const Metadata &metadata);
 
-// `bytes` (a JPEG or PNG without metadata of its own) with the blocks inserted. A PNG takes no IPTC: see
-// withIptcInXmp. A block that does not fit into a JPEG is left out rather than the picture lost: EXIF beyond
-// 64 KB that is as large without the maker's notes, XMP beyond that even when it is written anew without
-// padding, IPTC beyond that, a profile beyond 16 MB. `unencodable`: neither a JPEG nor a PNG.
+// Returns `bytes` (a JPEG or PNG without metadata of its own) with the blocks inserted. PNG has no IPTC: see
+// withIptcInXmp. A block that does not fit into a JPEG is left out: EXIF of more than 64 KB even without the
+// maker's notes, XMP beyond that even without padding, IPTC beyond that, a profile of more than 16 MB. Fails
+// with `unencodable` for other formats.
 [[nodiscard]] std::expected<std::string, PictureFault> writeInto(Bytes bytes, const Metadata &metadata);
 
-// Whether a written file is free of what had to go, as two readers see it: Exiv2 and the one here. Any doubt,
-// such as a file that one of them cannot read or bytes behind its end, is a no.
+// Returns whether a written file is free of what had to be removed, according to two readers: Exiv2 and the
+// one here. Any doubt, such as a file that one of them cannot read or bytes behind its end, returns false.
 [[nodiscard]] bool proveRemoved(Bytes written, PictureType type, bool stripLocation, bool stripAll);
 
 } // namespace fennick::picture

@@ -19,7 +19,7 @@ constexpr std::array kGainMapNamespaces{"http://ns.adobe.com/hdr-gain-map/1.0/"s
                                         "http://ns.apple.com/HDRGainMap/1.0/"sv};
 constexpr std::array kVideoWords{"MotionPhoto"sv, "MicroVideo"sv, "LivePhoto"sv};
 
-// An entry of the container: the number in its key, and its last part as far as the key has one.
+// An entry of the container: the number in its key, and the last part of the key if it has one.
 struct DirectoryKey {
   int item = 0; // 0: the directory itself
   std::string_view rest{};
@@ -40,7 +40,7 @@ std::optional<DirectoryKey> directoryKey(const Exiv2::Xmpdatum &datum, const std
   return key;
 }
 
-// What each entry of the container is: "Primary", "GainMap", "MotionPhoto", ...
+// Returns the kind of each entry: "Primary", "GainMap", "MotionPhoto", ...
 std::map<int, std::string> semantics(const Exiv2::XmpData &data) {
   std::map<int, std::string> found;
   for (const auto &datum : data) {
@@ -68,8 +68,7 @@ bool isKept(const std::string &semantic, const CompanionLengths &lengths) {
          (semantic == "MotionPhoto" && lengths.video > 0);
 }
 
-// The entries that stay with the number that each has from now on; none if only the picture itself would
-// stay.
+// Returns the remaining entries with their new numbers; empty if only the picture itself would remain.
 std::map<int, int> numbering(const std::map<int, std::string> &all, const CompanionLengths &lengths) {
   std::map<int, int> numbers;
   for (const auto &[item, semantic] : all)
@@ -78,7 +77,7 @@ std::map<int, int> numbering(const std::map<int, std::string> &all, const Compan
   return numbers.size() > 1 ? numbers : std::map<int, int>();
 }
 
-// What an entry is to say under a name of which `rest` ends; nullopt: what it says now.
+// Returns the new value of a name that ends with `rest`, or nullopt to keep the present one.
 std::optional<std::size_t> lengthFor(std::string_view rest, const std::string &semantic, bool precedesVideo,
                                      const CompanionLengths &lengths) {
   if (rest.ends_with(":Padding"))
@@ -88,7 +87,7 @@ std::optional<std::size_t> lengthFor(std::string_view rest, const std::string &s
   return semantic == "GainMap" ? lengths.gainMap : lengths.video;
 }
 
-// The container's entries anew, in the order of the packet; arrays may have no holes.
+// Returns the container's entries with new numbers, in the order of the packet; arrays may have no gaps.
 Exiv2::XmpData renumbered(const Exiv2::XmpData &data, const CompanionLengths &lengths) {
   const auto all = semantics(data);
   const auto numbers = numbering(all, lengths);

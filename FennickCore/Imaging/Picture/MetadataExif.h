@@ -6,11 +6,11 @@
 
 #include <exiv2/exiv2.hpp>
 
-// EXIF blocks that Exiv2 encodes anew, where the one at hand cannot be used as it stands. For this folder's
-// own files: it shows Exiv2's types. May throw what Exiv2 throws.
+// EXIF blocks that Exiv2 encodes again if the existing one cannot be used. For this folder only, since it
+// uses Exiv2's types. May throw Exiv2's exceptions.
 namespace fennick::picture {
 
-// Nothing for data without a single entry.
+// Returns nullopt for data without any entry.
 [[nodiscard]] std::optional<std::string> encodedExif(Exiv2::ExifData &data, Exiv2::ByteOrder order);
 
 // Returns `block` without the maker's notes and the preview, or nullopt if it cannot be read.

@@ -10,7 +10,7 @@ void prepareExiv2() {
   static const bool isReady = [] {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
     enableHeif();
-    // Old IPTC texts are in Latin 1. Its converter is a module, which stays loaded as long as one is open.
+    // Old IPTC texts are in Latin 1. Keeping a converter open keeps its module loaded in the sandbox.
     [[maybe_unused]] static auto *const latin = iconv_open("UTF-8", "ISO-8859-1");
     return Exiv2::XmpParser::initialize();
   }();

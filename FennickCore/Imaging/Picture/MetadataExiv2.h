@@ -4,11 +4,11 @@
 #include <optional>
 #include <utility>
 
-// The one seam where Exiv2 is called.
+// The only place where Exiv2 is called.
 namespace fennick::picture {
 
-// Makes Exiv2 ready: silent, its XMP reader initialised, HEIC and AVIF readable. Done once, however often it
-// is called; to be called before a process locks itself down.
+// Prepares Exiv2: silent, its XMP reader initialised, HEIC and AVIF readable. Has an effect only once. Call
+// it before a process locks itself down.
 void prepareExiv2();
 
 // Returns the optional that `call` returns, or nullopt if it throws.

@@ -20,14 +20,15 @@ constexpr std::array kPlaces{26U, 27U, 90U, 92U, 95U, 100U, 101U};
 struct DataSet {
   unsigned record = 0;
   unsigned number = 0;
-  std::string_view bytes; // header included
+  std::string_view bytes; // including the header
 
   [[nodiscard]] bool namesPlace() const {
     return record == kApplicationRecord && std::ranges::find(kPlaces, number) != kPlaces.end();
   }
 };
 
-// The data set that `iptc` begins with. A length with its highest bit set is that of the length behind it.
+// Returns the data set at the beginning of `iptc`. A length with its highest bit set is the length of the
+// following length field.
 std::optional<DataSet> firstDataSet(std::string_view iptc) {
   const auto numbers = readNumber(iptc, 1, 2);
   auto length = readNumber(iptc, 3, 2);

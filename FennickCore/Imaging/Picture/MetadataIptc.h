@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// IPTC data sets, and Photoshop's resources around them. Pure functions; any thread.
+// IPTC data sets and the Photoshop resources that contain them. Pure functions; any thread.
 namespace fennick::picture {
 
 inline constexpr std::uint16_t kIptcResource = 0x0404;
@@ -14,16 +14,16 @@ struct PhotoshopResource {
   std::uint16_t kind = 0;
   std::string_view data; // borrowed
 };
-// Ends at the first resource that is not whole.
+// Stops at the first incomplete resource.
 [[nodiscard]] std::vector<PhotoshopResource> photoshopResources(std::string_view block);
-// The data sets inside a run of Photoshop resources; empty: none.
+// Returns the data sets inside a sequence of Photoshop resources; empty if there are none.
 [[nodiscard]] std::string iptcOfPhotoshop(std::string_view block);
-// A Photoshop resource that holds the data sets and nothing else.
+// Returns a Photoshop resource that contains only the data sets.
 [[nodiscard]] std::string photoshopOfIptc(std::string_view iptc);
 
-// Whether a data set names a place: content location, city, sublocation, state, country.
+// Returns whether a data set names a place: content location, city, sublocation, state, country.
 [[nodiscard]] bool iptcHasLocation(std::string_view iptc);
-// Without those, and without what cannot be read.
+// Returns the data sets without those, and without what cannot be read.
 [[nodiscard]] std::string iptcWithoutLocation(std::string_view iptc);
 
 } // namespace fennick::picture

@@ -12,11 +12,11 @@ inline constexpr std::string_view kPngXMP = "XML:com.adobe.xmp";
 inline constexpr std::string_view kPngLegacyProfile = "Raw profile type ";
 
 [[nodiscard]] bool isPngText(const Chunk &chunk);
-// What a text chunk, or one like it, begins with.
+// Returns the keyword at the beginning of a text chunk or similar chunk.
 [[nodiscard]] std::string_view pngKeyword(const Chunk &chunk, std::string_view file);
-// The text behind the keyword, unpacked; empty for a chunk that is damaged, too large or no text.
+// Returns the decompressed text after the keyword; empty if the chunk is damaged, too large or not a text.
 [[nodiscard]] std::string pngText(const Chunk &chunk, std::string_view file, Unpacker &unpack);
-// The bytes of an older program's profile: a name, a length and hexadecimal digits, a line each.
+// Returns the bytes of an older program's profile: a name, a length and hexadecimal digits on separate lines.
 [[nodiscard]] std::string pngLegacyProfile(std::string_view text);
 
 } // namespace fennick::picture

@@ -12,14 +12,14 @@
 #include <algorithm>
 #include <array>
 
-// Looks at a written file for what had to go.
+// Searches a written file for what had to be removed.
 namespace fennick::picture {
 
 using namespace std::string_view_literals;
 
 namespace {
 
-// What may stand in a written JPEG beside what its pixels need: the blocks.
+// Segments that may occur in a written JPEG besides those for its pixels: the blocks.
 bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool stripAll) {
   const std::string_view payload = segment.payload(file);
   const bool isBlock =
@@ -29,8 +29,7 @@ bool isExpectedSegment(const JpegSegment &segment, std::string_view file, bool s
   return isBlock || isDirectory ? !stripAll : isNeededForPixels(segment, file);
 }
 
-// A second block of a kind, or anything between the segments, would be seen by some readers and not by
-// others.
+// A second block of a kind, or bytes between the segments, would be read by some programs and not by others.
 bool isCleanJpeg(std::string_view file, bool stripAll) {
   const auto segments = jpegSegments(file);
   const auto count = [&](std::string_view prefix) {
@@ -85,8 +84,8 @@ bool isCleanForExiv2(Bytes file, bool stripAll) {
   return isClean.value_or(false);
 }
 
-// The picture, its gain map directly behind it and its video to the end of the file. leftovers() looks for
-// locations in them.
+// The picture, its gain map directly after it and its video up to the end of the file. leftovers() searches
+// them for locations.
 bool isCleanJpegFile(std::string_view file, bool stripAll) {
   const auto end = jpegEnd(file);
   if (!end || !isCleanJpeg(file.substr(0, *end), stripAll))

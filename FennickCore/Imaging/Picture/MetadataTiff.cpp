@@ -25,7 +25,7 @@ std::string valueOf(std::string_view file, const TiffDirectory &directory, std::
   return (entry != nullptr) ? std::string(file.substr(entry->valueAt, entry->valueBytes)) : std::string();
 }
 
-// Blocks that are kept beside the EXIF, and what only holds for the pixels of this file.
+// Blocks that are kept separately from EXIF, and tags that only apply to the pixels of this file.
 bool isForThisFile(const Exiv2::Exifdatum &datum) {
   const std::string group = datum.groupName();
   if (group != "Image")

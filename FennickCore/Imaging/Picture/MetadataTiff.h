@@ -5,8 +5,8 @@
 
 namespace fennick::picture {
 
-// What the first directory of a TIFF file says beyond how its pixels are stored, the EXIF newly encoded. Pure
-// function; one thread at a time.
+// Returns what the first directory of a TIFF file contains besides the storage of its pixels, with EXIF
+// encoded again. Pure function; one thread at a time.
 [[nodiscard]] Metadata readTiff(Bytes bytes);
 
 } // namespace fennick::picture

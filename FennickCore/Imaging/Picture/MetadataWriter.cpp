@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-// What is written: blocks brought up to date, and their places in JPEG and PNG files.
+// Updates blocks and inserts them into JPEG and PNG files.
 namespace fennick::picture {
 
 using namespace std::string_literals;
@@ -32,26 +32,26 @@ std::string preparedExif(const std::string &exif, const MetadataChange &change) 
   block->removeThumbnail();
   if (change.stripLocation)
     block->removeGPS();
-  // In a damaged block directories may lie on each other.
+  // In a damaged block directories may overlap.
   const bool isSound = ExifBlock::parse(block->tiff()) && !(change.stripLocation && block->hasGPS());
   return isSound ? block->tiff() : "";
 }
 
-// A profile begins with its own length: what is behind that is not part of it, and one that is cut off is
-// none.
+// A profile begins with its own length: bytes beyond it are not part of it, and a truncated profile is
+// dropped.
 std::string wholeProfile(const std::string &profile) {
   const auto length = readNumber(profile, 0, 4);
   return std::string(length ? slice(profile, 0, *length).value_or("") : "");
 }
 
-// A segment with the block; empty when there is none or it does not fit.
+// Returns a segment with the block; empty if there is none or it does not fit.
 std::string segmentWith(std::uint8_t marker, std::string_view prefix, std::string_view block) {
   if (block.empty())
     return {};
   return jpegSegment(marker, std::string(prefix) + std::string(block)).value_or("");
 }
 
-// The same, and what `smaller` makes of a block that does not fit.
+// Returns the same, using `smaller` for a block that does not fit.
 template <typename Smaller>
 std::string segmentWithLess(std::string_view prefix, const std::string &block, Smaller smaller) {
   std::string segment = segmentWith(kAPP1, prefix, block);

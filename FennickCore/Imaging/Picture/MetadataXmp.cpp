@@ -24,7 +24,7 @@ std::string lowerCased(std::string_view text) {
   return lower;
 }
 
-// Words that a property of any namespace, or a part of one, uses for a position or a place.
+// Words in property names of any namespace for a position or a place.
 constexpr std::array kPlaceWords{"gps"sv, "latitude"sv, "longitude"sv, "location"sv};
 // Properties of the IPTC and Photoshop schemas that name a place without such a word.
 constexpr std::array kPlaceKeys{"xmp.iptc.countrycode"sv, "xmp.photoshop.city"sv, "xmp.photoshop.state"sv,
@@ -47,7 +47,7 @@ std::optional<Exiv2::XmpData> decoded(std::string_view packet) {
 std::optional<std::string> encoded(const Exiv2::XmpData &data) {
   return guarded([&]() -> std::optional<std::string> {
     constexpr std::uint16_t kForm = Exiv2::XmpParser::useCompactFormat | Exiv2::XmpParser::omitAllFormatting;
-    constexpr std::uint32_t kPadding = 1; // none stands for 2 KB
+    constexpr std::uint32_t kPadding = 1; // 0 would mean 2 KB
     std::string packet;
     if (Exiv2::XmpParser::encode(packet, data, kForm, kPadding) != 0)
       return std::nullopt;
@@ -65,7 +65,7 @@ bool eraseWhere(Exiv2::XmpData &data, const std::function<bool(std::string_view)
   return changed;
 }
 
-// Where the packet has the property and it says something else.
+// Corrects the property if the packet has it with another value.
 bool correct(Exiv2::XmpData &data, const char *key, std::int64_t value) {
   const auto datum = data.findKey(Exiv2::XmpKey(key));
   const std::string text = std::to_string(value);

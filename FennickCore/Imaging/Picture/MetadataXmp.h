@@ -9,14 +9,14 @@
 // XMP packets, read and written by Exiv2. Pure functions; one thread at a time.
 namespace fennick::picture {
 
-// Whether a property gives a position or names a place: GPS, locations, city, state, country.
+// Returns whether a property contains a position or names a place: GPS, locations, city, state, country.
 [[nodiscard]] bool xmpHasLocation(std::string_view packet);
-// The same for the name that Exiv2 gives a property.
+// Does the same for Exiv2's name of a property.
 [[nodiscard]] bool xmpKeyNamesPlace(std::string_view key);
-// The same by words alone, for text that is no whole packet.
+// Does the same by keywords alone, for text that is not a complete packet.
 [[nodiscard]] bool xmpMayHaveLocation(std::string_view text);
 
-// What follows the main picture in its file, in bytes; 0: there is none.
+// The bytes that follow the main picture in its file; 0: none.
 struct CompanionLengths {
   std::size_t gainMap = 0;
   std::size_t gap = 0;   // between what precedes the video and the video
@@ -29,11 +29,11 @@ struct XmpChange {
   std::int64_t width = 0;
   std::int64_t height = 0;
   bool stripLocation = false;
-  CompanionLengths companions{}; // of the file that the packet is written into
+  CompanionLengths companions{}; // of the file that will contain the packet
 };
-// For an upright picture of these dimensions: without previews, references to extended parts, and claims
-// about videos and gain maps that are not there. Returns the packet itself if nothing has to change, or if it
-// cannot be read and location may stay; otherwise an empty text.
+// Returns the packet for an upright picture of these dimensions: without previews, references to extended
+// parts, and statements about missing videos and gain maps. Returns the packet itself if nothing has to
+// change, or if it cannot be read and location may stay; otherwise an empty text.
 [[nodiscard]] std::string preparedXmp(std::string_view packet, const XmpChange &change);
 
 // Returns the same properties in as few bytes as possible, or nullopt if the packet cannot be read.
@@ -43,8 +43,8 @@ struct XmpChange {
 // moves.
 void setXmpOrientation(std::string &file, std::size_t at, std::size_t length, std::int64_t orientation);
 
-// The packet, which may be empty, with the properties that IPTC data sets stand for. The packet itself when
-// they cannot be read.
+// Returns the packet, which may be empty, with the properties that IPTC data sets stand for, or the packet
+// itself if they cannot be read.
 [[nodiscard]] std::string xmpWithIptc(std::string_view packet, std::string_view iptc);
 
 } // namespace fennick::picture

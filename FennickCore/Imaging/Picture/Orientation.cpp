@@ -58,7 +58,7 @@ std::expected<std::string, PictureFault> withOrientation(Bytes file, PictureType
   if (orientation < 1 || orientation > 8)
     return std::unexpected(PictureFault::unsupported);
   auto result = turned(file, type, orientation);
-  // A damaged file can say one thing in two places that lie on each other.
+  // A damaged file may use the same bytes for two values.
   if (result && storedOrientation(bytesOf(*result), type) != orientation)
     return std::unexpected(PictureFault::undecodable);
   return result;

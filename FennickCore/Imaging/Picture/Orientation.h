@@ -12,13 +12,13 @@
 // The orientation that a picture file states. Pure functions; any thread.
 namespace fennick::picture {
 
-// As viewers see it: the rotation and mirroring properties of HEIC and AVIF, EXIF for the others. May be out
-// of range; absent: not said.
+// Returns the orientation that viewers use: the rotation and mirroring properties of HEIC and AVIF, EXIF for
+// the others. May be out of range; nullopt if there is none.
 [[nodiscard]] std::optional<std::int64_t> storedOrientation(Bytes file, PictureType type);
 
-// The whole file with only its orientation changed to `orientation` (1 to 8); every other byte of content
-// stays, though it may move. `unsupported`: a format or a structure that has no room for it; `undecodable`: a
-// file that is not of `type` or is damaged where the orientation stands.
+// Returns the whole file with only its orientation changed to `orientation` (1 to 8); every other byte of
+// content stays, though it may move. Fails with `unsupported` if the format or structure cannot store it, and
+// with `undecodable` if the file is not of `type` or is damaged there.
 [[nodiscard]] std::expected<std::string, PictureFault> withOrientation(Bytes file, PictureType type,
                                                                        std::int64_t orientation);
 

@@ -26,7 +26,7 @@ constexpr std::string_view kPngXMP = "XML:com.adobe.xmp\0"sv;
 constexpr unsigned char kWebpHasExif = 0x08;
 constexpr unsigned char kWebpHasAlpha = 0x10;
 
-// Bytes of a file from one position to another, and what comes in their place.
+// A range of bytes in a file and its replacement.
 struct Replacement {
   std::size_t from = 0;
   std::size_t to = 0;
@@ -49,14 +49,14 @@ std::optional<std::string> turnedBlock(std::string_view payload, std::uint16_t o
   return prefix + block->tiff();
 }
 
-// Adds to a number of four bytes in a multi-picture directory, which wraps like its readers' arithmetic.
+// Adds to a four-byte number in a multi-picture directory, which wraps around as for its readers.
 void addTo(std::string &data, std::size_t at, std::int64_t amount, ByteOrder order) {
   const auto value = readNumber(data, at, 4, order).value_or(0);
   writeNumber(data, at, value + static_cast<std::uint64_t>(amount), 4, order);
 }
 
-// The first picture's length grows with the replacement. Positions of the others count from the directory's
-// own header: they change only where the replacement lies between the two.
+// The first picture's length grows with the replacement. The positions of the others count from the
+// directory's own header: they change only if the replacement lies between the two.
 void adjustPictures(std::string &directory, std::size_t header, const Replacement &replacement) {
   const auto layout = TiffLayout::of(directory);
   if (!layout || layout->isBig)
@@ -81,7 +81,7 @@ std::string replaced(std::string_view file, const Replacement &replacement) {
   return out;
 }
 
-// The replacement that sets the orientation, over the EXIF segment or as one of its own.
+// Returns the replacement that sets the orientation: of the EXIF segment, or a new segment.
 std::optional<Replacement> jpegReplacement(std::string_view file, const std::vector<JpegSegment> &segments,
                                            std::uint16_t orientation) {
   for (const JpegSegment &segment : segments) {
@@ -117,7 +117,7 @@ std::optional<std::string> extendedHeader(std::string_view file, const Chunk &pi
                                numberText(height, 3, ByteOrder::little));
 }
 
-// Puts an EXIF chunk into a file that has none: before XMP, else at the end, and announces it at the front.
+// Inserts an EXIF chunk into a file without one, before XMP or at the end, and announces it in the header.
 Turned webpWithNewExif(std::string_view file, const std::vector<Chunk> &chunks, std::uint16_t orientation) {
   std::string out(file);
   const Chunk *xmp = findChunk(chunks, "XMP ");
@@ -137,8 +137,8 @@ Turned webpWithNewExif(std::string_view file, const std::vector<Chunk> &chunks, 
   return out.insert(first.at, *header);
 }
 
-// A PNG text that is an XMP packet with the orientation set, packed as it was; nothing for any other and for
-// one that stays as it is.
+// Returns a PNG text that is an XMP packet with the orientation set, compressed as before; nullopt for other
+// texts and if it stays the same.
 std::optional<std::string> turnedPacket(std::string_view payload, std::uint16_t orientation,
                                         Unpacker &unpack) {
   const auto text =
@@ -191,7 +191,7 @@ Turned pngWithOrientation(std::string_view file, std::uint16_t orientation) {
   std::string turned(file);
   Unpacker unpack;
   for (const Chunk &chunk :
-       chunks | std::views::reverse) { // from the end: what is still to come has not moved
+       chunks | std::views::reverse) { // from the end, so that earlier positions stay valid
     const auto packet =
         chunk.type == "iTXt"sv ? turnedPacket(chunk.payload(file), orientation, unpack) : std::nullopt;
     if (packet)
@@ -220,7 +220,7 @@ Turned webpWithOrientation(std::string_view file, std::uint16_t orientation) {
   } else {
     turned = webpWithNewExif(adjusted, chunks, orientation);
   }
-  if (turned) // a file of 4 GB or more is none
+  if (turned) // WebP files are smaller than 4 GB
     writeNumber(*turned, 4,
                 readNumber(file, 4, 4, ByteOrder::little).value_or(0) + turned->size() - file.size(), 4,
                 ByteOrder::little);

@@ -8,18 +8,17 @@
 #include <string>
 #include <string_view>
 
-// The file with only its EXIF orientation changed, format by format; see Orientation.h. Pure functions; any
-// thread.
+// Change only the EXIF orientation of a file, for each format; see Orientation.h. Pure functions; any thread.
 namespace fennick::picture {
 
 using Turned = std::expected<std::string, PictureFault>;
 
-// Positions of further pictures behind the first stay right.
+// Positions of further pictures in the file are corrected.
 [[nodiscard]] Turned jpegWithOrientation(std::string_view file, std::uint16_t orientation);
 [[nodiscard]] Turned pngWithOrientation(std::string_view file, std::uint16_t orientation);
-// A file without room for EXIF gets the extended header that announces it.
+// A file without EXIF gets the extended header that announces it.
 [[nodiscard]] Turned webpWithOrientation(std::string_view file, std::uint16_t orientation);
-// Of the first page.
+// Changes the first page.
 [[nodiscard]] Turned tiffWithOrientation(std::string_view file, std::uint16_t orientation);
 [[nodiscard]] std::optional<std::int64_t> tiffOrientation(std::string_view file);
 

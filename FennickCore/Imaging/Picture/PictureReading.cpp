@@ -34,7 +34,7 @@ PictureHeader readHeif(Bytes file) {
           .frames = std::max(header->pictures, least)};
 }
 
-// Gray, RGB or CMYK with or without transparency.
+// Returns whether the image is gray, RGB or CMYK with or without transparency.
 bool hasKnownChannels(const vips::VImage &image) {
   const auto isWithin = [&](int least) { return image.bands() == least || image.bands() == least + 1; };
   switch (image.interpretation()) {

@@ -7,11 +7,11 @@
 #include <optional>
 #include <string>
 
-// What a request for a picture comes to. Called in the imaging process, one at a time; every library's
-// exception ends here.
+// Answers requests about pictures. Called in the imaging process, one at a time; catches the exceptions of
+// all libraries.
 namespace fennick::picture {
 
-// What the file's header says; absent or 1 where it cannot be read. No pixels are decoded.
+// What the file's header states; nullopt or 1 if it cannot be read. No pixels are decoded.
 struct PictureHeader {
   std::optional<std::int64_t> width{}; // as stored
   std::optional<std::int64_t> height{};
@@ -20,7 +20,7 @@ struct PictureHeader {
 };
 [[nodiscard]] PictureHeader readHeader(Bytes file, PictureType type);
 
-enum class Depth { header, file }; // `header`: without the leftovers, which only the whole file tells
+enum class Depth { header, file }; // `header`: without leftovers, which only the whole file tells
 [[nodiscard]] PictureResult<PictureFacts> readFacts(Bytes file, Depth depth);
 [[nodiscard]] PictureResult<PictureDetails> readDetails(Bytes file);
 

@@ -25,7 +25,7 @@ constexpr std::array kHeicBrands{"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"s
 constexpr std::array kAvifBrands{"avif"sv, "avis"sv};
 constexpr std::array kHeifBrands{"mif1"sv, "msf1"sv, "mif2"sv};
 
-// What a brand says about pictures; nothing for those of videos and of rules that a file keeps to.
+// Returns the picture type of a brand; nullopt for brands of videos and of mere rules.
 std::optional<PictureType> typeOfBrand(std::string_view brand) {
   const auto isOneOf = [brand](const auto &brands) {
     return std::ranges::find(brands, brand) != brands.end();
@@ -39,7 +39,7 @@ std::optional<PictureType> typeOfBrand(std::string_view brand) {
   return std::nullopt;
 }
 
-// The major brand decides unless it only says "some picture": then the first compatible one that says more.
+// The major brand decides unless it is generic; then the first specific compatible brand does.
 std::optional<PictureType> sniffBrands(std::string_view file) {
   const auto size = readNumber(file, 0, 4);
   const auto major = slice(file, 8, 4);
@@ -55,7 +55,8 @@ std::optional<PictureType> sniffBrands(std::string_view file) {
   return type;
 }
 
-// Returns how many pictures a multi-picture directory lists; 1 if none of them is a frame beside others.
+// Returns how many pictures a multi-picture directory lists; 1 if none of them is a full picture beside
+// others.
 std::int64_t framesListed(std::string_view directory) {
   const auto layout = TiffLayout::of(directory);
   const auto first = layout ? layout->firstDirectory(directory) : std::nullopt;
@@ -100,8 +101,7 @@ std::int64_t jpegFrames(Bytes bytes) {
 std::int64_t apngFrames(Bytes bytes) {
   const std::string_view file = textOf(bytes);
   std::optional<std::uint64_t> frames;
-  std::int64_t stills =
-      1; // a still picture for viewers that show no animation, which is not one of its frames
+  std::int64_t stills = 1; // a still picture that is not one of the frames
   for (std::uint64_t at = 8;;) {
     const auto length = readNumber(file, at, 4);
     const auto type = slice(file, at + 4, 4);

@@ -27,7 +27,7 @@ VipsInterpretation interpretationOf(int bands, bool wide) {
   return wide ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB;
 }
 
-// An image that keeps `pixels` alive for as long as anyone uses it, so that a hundred million of them are not
+// Returns an image that keeps `pixels` alive while anyone uses it, so that a hundred million of them are not
 // copied.
 VImage imageOf(std::vector<unsigned char> pixels, int width, int height, int bands, bool wide) {
   auto owned = std::make_unique<std::vector<unsigned char>>(std::move(pixels));
@@ -77,7 +77,7 @@ VImage loadedHeif(Bytes file, Damage damage) {
   return image;
 }
 
-// A colour profile says at byte 16 which colours it describes.
+// Byte 16 of a colour profile states its colour space.
 bool describes(const std::string &profile, int bands) {
   return profile.size() > 128 && profile.compare(16, 4, bands < 3 ? "GRAY" : "RGB ") == 0;
 }
@@ -178,7 +178,7 @@ VImage inSRGB(const VImage &image) {
                                               ->set("depth", isWide(image) ? 16 : 8))
                    .copy_memory();
     } catch (const vips::VError &) {
-      result = image; // a damaged profile: the colours as they are
+      result = image; // a damaged profile: colours stay unchanged
     }
     setColourProfile(result, {});
   }

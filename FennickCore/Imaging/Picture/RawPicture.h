@@ -7,14 +7,14 @@
 #include <optional>
 #include <string>
 
-// Raw photos as far as they are looked into: their size, and the preview that the camera put in. Their own
-// pixels are never developed. Pure functions; one thread at a time.
+// The size of raw photos and the previews in them. Their own pixels are never developed. Pure functions; one
+// thread at a time.
 namespace fennick::picture {
 
-// The size of the photo itself, before any turning.
+// Returns the size of the photo itself, before any rotation.
 [[nodiscard]] std::optional<PixelSize> rawSize(Bytes file);
-// Calls `use` with each JPEG inside, from the largest to the smallest, until it returns true; false if it
-// never does.
+// Calls `use` with each JPEG inside, from the largest to the smallest, until it returns true. Returns false
+// if it never does.
 [[nodiscard]] bool findRawPreview(Bytes file, const std::function<bool(const std::string &)> &use);
 
 } // namespace fennick::picture

@@ -34,10 +34,10 @@ constexpr std::array<std::uint64_t, 6> kMakersCompressions{32767, 32769, 32770, 
 
 struct Maker {
   std::string_view make;  // how EXIF's name of the maker begins
-  std::string_view model; // what the name of the model contains
+  std::string_view model; // part of the model's name
   PictureType type;
 };
-// The first that fits counts.
+// The first match counts.
 constexpr std::array kMakers{
     Maker{"NIKON", "COOLPIX", PictureType::nrw}, Maker{"NIKON", "", PictureType::nef},
     Maker{"Nikon", "", PictureType::nef},        Maker{"Canon", "", PictureType::cr2},
@@ -104,7 +104,7 @@ private:
   [[nodiscard]] bool isSensorData(const TiffDirectory &directory) const {
     const auto photometric = number(directory, kPhotometric);
     const auto compression = number(directory, kCompression).value_or(0);
-    // Programs that develop raw files may leave the pattern in what they write.
+    // Programs that develop raw files may leave the pattern in their output.
     const bool isDeveloped = photometric == kRGB || photometric == kYCbCr;
     return photometric == kColourFilterArray || photometric == kLinearRaw ||
            (directory.find(kSensorPattern) != nullptr && !isDeveloped) ||
@@ -114,7 +114,7 @@ private:
   std::string_view file_;
   const TiffLayout &layout_;
   std::vector<TiffDirectory> chain_;
-  std::vector<TiffDirectory> below_; // the sub-directories of those
+  std::vector<TiffDirectory> below_; // their sub-directories
 };
 
 } // namespace

@@ -24,8 +24,8 @@ std::unexpected<PictureError> fail(PictureFault fault, std::string detail) {
 
 std::int64_t longEdge(const VImage &image) { return std::max(image.width(), image.height()); }
 
-// `image` in the colours and depth that `output` can hold, in memory. What a format has no place for goes the
-// least harmful way: transparency onto white, 16 bits to 8, gray to RGB for HEIC.
+// Converts `image` to colours and depth that `output` can store, in memory, with the least harm: transparency
+// becomes white, 16 bits become 8, gray becomes RGB for HEIC.
 VImage fit(const VImage &image, PictureType output) {
   VImage result = inOrdinaryColours(image);
   if (output == PictureType::png)
@@ -36,7 +36,7 @@ VImage fit(const VImage &image, PictureType output) {
   return (result.bands() < 3 ? inSRGB(result) : result).copy_memory();
 }
 
-// One encoding after another of one picture, decoded once.
+// Encodes one picture repeatedly and decodes it once.
 class Encoding {
 public:
   Encoding(VImage image, Metadata metadata, const RenderRequest &request, Companions &companions)
@@ -44,7 +44,7 @@ public:
     metadata_.icc = colourProfile(image_);
   }
 
-  // A whole file at most `edge` pixels long; empty when the encoder or a block refuses.
+  // Returns a complete file of at most `edge` pixels; empty if the encoder or a block refuses.
   [[nodiscard]] std::string at(std::int64_t edge, double quality) {
     if (!current_ || longEdge(*current_) != edge)
       current_ = reduced(image_, edge);
@@ -68,7 +68,7 @@ public:
     }
   }
 
-  // The first encoding that met the limit alone and not with its companions. Forgets it.
+  // Returns and forgets the first encoding that met the limit only without its companions.
   struct Fit {
     std::int64_t edge = 0;
     double quality = 0;
@@ -107,11 +107,11 @@ private:
   const RenderRequest &request_;
   Companions &companions_;
   std::optional<Fit> fitsAlone_;
-  std::optional<VImage> current_; // image_ at the size asked for last
+  std::optional<VImage> current_; // image_ at the latest size
 };
 
-// Companions may cost the photo quality but no pixels: rather than that they are given up one by one. For
-// each an encoding is set aside, so that there are never more in all than a photo without companions has.
+// Companions may cost the photo quality but no pixels: before that they are dropped one by one. One encoding
+// is kept for each, so that there are never more encodings than for a photo without companions.
 std::optional<Rendering> searchWithCompanions(Encoding &encoding, Companions &companions,
                                               RenderRequest request, const Elapsed &elapsed) {
   std::int64_t edge = encoding.fullEdge();
@@ -144,7 +144,7 @@ PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequ
                                   std::int64_t storedEdge, const Elapsed &elapsed) {
   DecodedPicture decoded = decodePicture(file, type, request.longEdge, Damage::refuse);
   const VImage image = fit(upright(reduced(decoded.image, request.longEdge), decoded.turn), request.output);
-  decoded.image = VImage(); // gives its memory back
+  decoded.image = VImage(); // frees its memory
   Companions companions(file, type, request, storedEdge, decoded.turn);
   Encoding encoding(image, readMetadata(file, type), request, companions);
   auto result = searchWithCompanions(encoding, companions, request, elapsed);

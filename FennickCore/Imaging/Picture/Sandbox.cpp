@@ -27,16 +27,16 @@ namespace fennick::picture {
 
 namespace {
 
-// 100 million pixels of 16-bit colour with transparency are 800 MB, held twice while one is made from the
-// other; the rest is for libraries and the mapped file.
+// 100 million pixels of 16-bit colour with transparency take 800 MB, twice during a conversion; the rest is
+// for libraries and the mapped file.
 constexpr rlim_t kMostMemory = rlim_t{4} << 30;
 
-// The empty standard ones, the socket, a picture, a result and some to spare: memory files do not count as
-// memory, so their number bounds what can be taken.
+// The empty standard descriptors, the socket, a picture, a result and a few more: memory files do not count
+// as memory, so their number limits what can be allocated.
 constexpr rlim_t kMostDescriptors = 12;
 
-// Added to what the process counts for when the kernel looks for one to end: half of the computer's memory.
-// The whole range is 1000, with which even an idle decoder would go before a program that has taken all
+// Added to the process's badness for the kernel's out-of-memory killer: half of the computer's memory. The
+// maximum is 1000, with which even an idle decoder would be killed before a program that has taken all
 // memory.
 constexpr int kOutOfMemoryScore = 500;
 
@@ -53,12 +53,13 @@ Outcome limit(__rlimit_resource resource, rlim_t value) {
   return {};
 }
 
-// No path of the file system at all, no TCP, no signals to others: everything that this kernel can withhold.
+// Denies all paths of the file system, TCP, and signals to other processes, as far as this kernel supports
+// it.
 Outcome restrictPaths() {
   const long version = ::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
   if (version < 1)
-    return {}; // a kernel without Landlock: the filter alone keeps files out of reach
-  // How many rights there are, and how long the record is, by version: each says what it knows.
+    return {}; // without Landlock, the filter alone denies access to files
+  // The number of rights and the size of the record, by version.
   struct Known {
     unsigned rights;
     std::size_t bytes;
@@ -78,7 +79,7 @@ Outcome restrictPaths() {
   return {};
 }
 
-// The allow-list as it is built up; the first failure sticks.
+// Collects the allow-list; the first failure is kept.
 class Filter {
 public:
   Filter() : context_(::seccomp_init(SCMP_ACT_KILL_PROCESS), &::seccomp_release) {}
@@ -122,7 +123,7 @@ scmp_arg_cmp argument(unsigned index, scmp_compare comparison, std::uint64_t a, 
 
 void allowMemory(Filter &filter) {
   filter.allow({SCMP_SYS(munmap), SCMP_SYS(mremap), SCMP_SYS(madvise), SCMP_SYS(brk)});
-  // Memory, but never any that can be executed.
+  // Memory, but never executable memory.
   for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})
     filter.allowIf(call, {argument(2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)});
 }
@@ -133,9 +134,9 @@ void allowThreads(Filter &filter) {
                 SCMP_SYS(sched_getaffinity), SCMP_SYS(getpid), SCMP_SYS(gettid), SCMP_SYS(exit),
                 SCMP_SYS(exit_group)});
   filter.allowIf(SCMP_SYS(clone), {argument(0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD)});
-  filter.refuse(ENOSYS, {SCMP_SYS(clone3)}); // its flags are out of the filter's sight: use clone
+  filter.refuse(ENOSYS, {SCMP_SYS(clone3)}); // the filter cannot see its flags: use clone
   filter.allowIf(SCMP_SYS(prctl), {argument(0, SCMP_CMP_EQ, PR_SET_NAME)});
-  // A crash ends this process by its own abort, nobody else by any signal.
+  // A crash may end this process by its own abort, and it can signal no other process.
   filter.allowIf(SCMP_SYS(tgkill), {argument(0, SCMP_CMP_EQ, static_cast<std::uint64_t>(::getpid()))});
 }
 
@@ -143,7 +144,7 @@ void allowDescriptors(Filter &filter) {
   filter.allow({SCMP_SYS(read), SCMP_SYS(pread64), SCMP_SYS(write), SCMP_SYS(close), SCMP_SYS(dup),
                 SCMP_SYS(lseek), SCMP_SYS(fstat), SCMP_SYS(poll), SCMP_SYS(ppoll), SCMP_SYS(recvmsg),
                 SCMP_SYS(sendmsg), SCMP_SYS(memfd_create), SCMP_SYS(ftruncate)});
-  // Not those that make the kernel send signals to others.
+  // Excludes commands that make the kernel send signals.
   for (const int command : {F_GETFD, F_SETFD, F_GETFL, F_DUPFD_CLOEXEC, F_ADD_SEALS, F_GET_SEALS})
     filter.allowIf(SCMP_SYS(fcntl), {argument(1, SCMP_CMP_EQ, static_cast<std::uint64_t>(command))});
   filter.refuse(EACCES, {SCMP_SYS(open), SCMP_SYS(openat), SCMP_SYS(openat2), SCMP_SYS(stat),
@@ -156,9 +157,9 @@ void allowRest(Filter &filter) {
   filter.allow({SCMP_SYS(clock_gettime), SCMP_SYS(clock_getres), SCMP_SYS(gettimeofday), SCMP_SYS(time),
                 SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(getrandom), SCMP_SYS(getrusage),
                 SCMP_SYS(sysinfo), SCMP_SYS(uname), SCMP_SYS(setitimer)});
-  // Reading its own limits, and nobody else's.
+  // It may read its own limits only.
   filter.allowIf(SCMP_SYS(prlimit64), {argument(0, SCMP_CMP_EQ, 0), argument(2, SCMP_CMP_EQ, 0)});
-  // The HEIC encoder asks where its threads and memory should be and does without an answer.
+  // The HEIC encoder asks for the placement of threads and memory, and works without an answer.
   filter.refuse(EPERM, {SCMP_SYS(get_mempolicy), SCMP_SYS(set_mempolicy), SCMP_SYS(mbind),
                         SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler), SCMP_SYS(setpriority)});
   if (kSanitized)
@@ -176,7 +177,7 @@ void offerToOutOfMemoryKiller() {
     return;
   const std::string score = std::to_string(kOutOfMemoryScore);
   if (::pwrite(file.get(), score.data(), score.size(), 0) < 0)
-    return; // a container that keeps it as it is
+    return; // some containers forbid changing it
 }
 
 Outcome limitResources() {

@@ -5,7 +5,7 @@
 
 namespace fennick::picture {
 
-// Builds for the sanitizers need memory and calls of their own: there is no limit on memory in them.
+// Sanitizers need memory and system calls of their own: their builds have no limit on memory.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kSanitized = true;
 #elif defined(__has_feature)
@@ -18,22 +18,22 @@ inline constexpr bool kSanitized = false;
 inline constexpr bool kSanitized = false;
 #endif
 
-// Gives up for ever, for the whole process, everything that reading a picture does not need: new privileges,
-// every path of the file system (Landlock, where the kernel has it, besides the filter), the network, other
-// processes, executable memory. What is left is reading descriptors it is handed, memory, threads, and memory
-// files. Anything else ends the process at once, except opening files, which fails with EACCES because
-// libraries try it for things they can do without.
+// Locks the whole process down to what reading a picture needs: no new privileges, no paths of the file
+// system (Landlock, if the kernel has it, besides the filter), no network, no other processes, no executable
+// memory. It can still read descriptors that it is handed and use memory, threads, and memory files. Anything
+// else kills the process, except opening files, which fails with EACCES because libraries try it for optional
+// things.
 //
-// Call it once, on the only thread, when libraries have loaded what they load. The error says what could not
-// be given up; nothing must be decoded then.
+// Call it once, on the only thread, after libraries have loaded everything. The error says what could not be
+// locked; nothing must be decoded then.
 [[nodiscard]] std::expected<void, std::string> lockDown();
 
-// Makes the kernel end this process before others, above all before the program that started it, when the
-// computer runs out of memory: a picture that was being read costs less than a receiver that is gone. Does
-// nothing where that is not allowed or has been set higher already. Before lockDown.
+// Makes the kernel kill this process before others, above all before the program that started it, if the
+// computer runs out of memory: losing one picture is better than losing the receiver. Does nothing if that is
+// not allowed or has been set higher already. Call it before lockDown.
 void offerToOutOfMemoryKiller();
 
-// Limits that go with it: memory, the size of what is written, no core dumps. Before lockDown.
+// Limits memory and the size of written files, and disables core dumps. Call it before lockDown.
 [[nodiscard]] std::expected<void, std::string> limitResources();
 
 } // namespace fennick::picture

@@ -9,11 +9,11 @@ namespace {
 
 constexpr double kQualityStep = 0.08;
 constexpr double kQualitySlack = 0.0001;    // for sums of the step that miss the floor by rounding
-constexpr std::int64_t kSmallestEdge = 640; // below this a photo is no use
+constexpr std::int64_t kSmallestEdge = 640; // a smaller photo is of no use
 constexpr double kSizeMargin = 0.9;         // aims below the limit, since bytes do not follow pixels exactly
 constexpr double kLargestStep = 0.95;       // each size is at least this much smaller than the one before
 
-// An encoding takes about as long as the one before it, more when other programs need the computer.
+// An encoding takes about as long as the previous one, or longer if other programs are busy.
 constexpr double kTimeMargin = 1.5;
 
 std::int64_t smallerEdge(std::int64_t edge, std::int64_t maxBytes, std::int64_t bytes) {

@@ -31,7 +31,7 @@ struct Size {
   int height = 0;
 };
 
-// Within `longEdge` on the longer side, in the same proportion; never larger than it is.
+// Fits the size within `longEdge` in proportion, without enlarging it.
 Size within(Size size, std::int64_t longEdge) {
   const int longer = std::max(size.width, size.height);
   if (longer <= longEdge)
@@ -67,7 +67,7 @@ Plane rotated(const Plane &plane, libyuv::RotationMode clockwise) {
   return result;
 }
 
-// Orientations are mirrorings followed by clockwise turns.
+// Orientations are mirrorings followed by clockwise rotations.
 Plane uprightPlane(Plane plane, std::int64_t orientation) {
   switch (orientation) {
   case 2:
@@ -89,7 +89,7 @@ Plane uprightPlane(Plane plane, std::int64_t orientation) {
   }
 }
 
-// The first number of one of a colour profile's XYZ tags, such as the X of its red.
+// Returns the first number of an XYZ tag of a colour profile, such as the X of its red.
 std::optional<double> firstOf(std::string_view profile, std::uint32_t tag) {
   constexpr std::uint64_t kMostTags = 100;
   const auto tags = std::min(readNumber(profile, 128, 4).value_or(0), kMostTags);
@@ -101,8 +101,8 @@ std::optional<double> firstOf(std::string_view profile, std::uint32_t tag) {
   return std::nullopt;
 }
 
-// Whether colours need no conversion to be shown: there is no profile, or one with the red and the green of
-// sRGB. Names do not tell: "Display P3 Gamut with sRGB Transfer".
+// Returns whether colours need no conversion for display: there is no profile, or one with sRGB's red and
+// green. Names are unreliable: "Display P3 Gamut with sRGB Transfer".
 bool isSRGB(const std::string &profile) {
   constexpr double kRed = 0.4361;
   constexpr double kGreen = 0.3851;
@@ -113,7 +113,7 @@ bool isSRGB(const std::string &profile) {
                              std::abs(firstOf(profile, kGreenTag).value_or(0) - kGreen) < kTolerance);
 }
 
-// RGB, or RGBA; `pixels` outlives it.
+// RGB or RGBA; `pixels` outlives the image.
 vips::VImage imageOf(std::vector<unsigned char> &pixels, int width, int height, int bands) {
   return vips::VImage::new_from_memory(pixels.data(), pixels.size(), width, height, bands, VIPS_FORMAT_UCHAR)
       .copy(vips::VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
@@ -125,7 +125,7 @@ std::string encoded(const vips::VImage &image, double quality) {
                     pixels.bands(), quality);
 }
 
-// The small picture with its colours converted from `profile` to sRGB.
+// Returns the small picture with its colours converted from `profile` to sRGB.
 PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &profile) {
   const Plane &luma = picture.planes[0];
   const auto pixels = static_cast<std::size_t>(luma.width) * static_cast<std::size_t>(luma.height);
@@ -144,8 +144,8 @@ PlanarPicture inSRGBPlanes(const PlanarPicture &picture, const std::string &prof
   return result;
 }
 
-// The short way for nearly every picture there is: never leaves the file's own planes, unless its colours are
-// not sRGB. Empty when this JPEG needs the long way.
+// The fast path for almost all pictures: keeps the file's own planes unless the colours are not sRGB. Returns
+// an empty text if this JPEG needs the slow path.
 std::string jpegThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel, double quality) {
   auto picture = decodeJpegPlanes(file, static_cast<int>(maxPixel));
   if (!picture)
@@ -162,7 +162,8 @@ std::string jpegThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel, 
   return encodeJpegPlanes(*picture, quality);
 }
 
-// The short way for HEIC and AVIF: reduced before anything else. Empty when this picture needs the long way.
+// The fast path for HEIC and AVIF: reduces the size first. Returns an empty text if this picture needs the
+// slow path.
 std::string heifThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
   auto raster = decodeHeifReduced(file, maxPixel, Damage::tolerate);
   if (!raster)
@@ -177,7 +178,7 @@ std::string heifThumbnail(Bytes file, std::int64_t maxPixel, double quality) {
   return encoded(image, quality);
 }
 
-// `colours`: what the samples mean, if it is nothing ordinary.
+// `colours`: the meaning of the samples, if it is unusual.
 std::string anyThumbnail(Bytes file, PictureType type, const std::optional<ColourCoding> &colours,
                          std::int64_t turn, std::int64_t maxPixel, double quality) {
   const DecodedPicture decoded = decodePicture(file, type, maxPixel, Damage::tolerate);
@@ -189,7 +190,7 @@ std::string anyThumbnail(Bytes file, PictureType type, const std::optional<Colou
   return encoded(upright(image, isHeif(type) ? decoded.turn : turn), quality);
 }
 
-// `turn` is the orientation that `file`, a picture of `type`, has to be given.
+// `turn` is the orientation to apply to `file`, a picture of `type`.
 PictureResult<std::string> thumbnailOf(Bytes file, PictureType type, std::int64_t turn, std::int64_t maxPixel,
                                        double quality) {
   const auto header = readHeader(file, type);
@@ -208,8 +209,8 @@ PictureResult<std::string> thumbnailOf(Bytes file, PictureType type, std::int64_
   return thumbnail;
 }
 
-// The largest preview that can be decoded; else the small picture that the file begins with. Previews are
-// stored like the photo itself, which is turned by `turn`, unless they say otherwise.
+// Uses the largest preview that can be decoded, or else the small picture at the beginning of the file.
+// Previews have the photo's orientation `turn` unless they state another.
 PictureResult<std::string> rawThumbnail(Bytes file, std::int64_t turn, std::int64_t maxPixel,
                                         double quality) {
   PictureResult<std::string> thumbnail = undecodable("a raw photo without a preview");

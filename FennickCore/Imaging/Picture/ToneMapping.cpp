@@ -16,14 +16,14 @@ using vips::VImage;
 namespace {
 
 constexpr double kWhite = 203;     // cd/m2 of SDR white: BT.2408
-constexpr double kPQPeak = 10'000; // cd/m2 of the largest value: ST 2084
-constexpr double kHLGPeak = 1'000; // cd/m2 of the display that BT.2100 takes for reference
+constexpr double kPQPeak = 10'000; // cd/m2 of the largest value (ST 2084)
+constexpr double kHLGPeak = 1'000; // cd/m2 of the reference display (BT.2100)
 constexpr double kHLGGamma = 1.2;  // its system gamma
 
 using RGB = std::array<double, 3>;
 using Matrix = std::array<RGB, 3>;
 
-// From linear light in the primaries to that of sRGB, white D65.
+// From linear light in the primaries to sRGB, white point D65.
 constexpr Matrix kFromBT2020{
     {{1.660491, -0.587641, -0.072850}, {-0.124550, 1.132900, -0.008349}, {-0.018151, -0.100579, 1.118730}}};
 constexpr Matrix kFromP3{
@@ -59,7 +59,7 @@ double codeOfPQ(double light) {
   return std::pow((kC1 + kC2 * power) / (1 + kC3 * power), kM2);
 }
 
-// Of the scene, 0 to 1: BT.2100.
+// Scene light from 0 to 1 (BT.2100).
 double lightOfHLG(double code) {
   constexpr double kA = 0.17883277, kB = 0.28466892, kC = 0.55991073;
   return code <= 0.5 ? code * code / 3 : (std::exp((code - kC) / kA) + kB) / 12;
@@ -73,7 +73,7 @@ double codeOfSRGB(double light) {
   return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
 }
 
-// cd/m2 of a sample from 0 to 1; of the scene, for HLG.
+// Returns cd/m2 for a sample from 0 to 1; scene light for HLG.
 double lightOf(double code, std::uint64_t transfer) {
   constexpr std::uint64_t kGamma28 = 5;
   switch (transfer) {
@@ -90,14 +90,14 @@ double lightOf(double code, std::uint64_t transfer) {
   }
 }
 
-// cd/m2 on the display, from HLG's light of the scene.
+// Returns cd/m2 on the display for HLG's scene light.
 RGB displayed(const RGB &scene) {
   const double luminance = 0.2627 * scene[0] + 0.6780 * scene[1] + 0.0593 * scene[2];
   const double scale = kHLGPeak * std::pow(std::max(luminance, 0.0), kHLGGamma - 1);
   return {scene[0] * scale, scene[1] * scale, scene[2] * scale};
 }
 
-// The EETF of BT.2390 from a display that reaches `peak` to one that reaches SDR white, with black at zero.
+// The EETF of BT.2390 from a display with the peak `peak` to SDR white, with black at zero.
 class ToneCurve {
 public:
   explicit ToneCurve(double peak)
@@ -124,8 +124,8 @@ unsigned char sampleOf(double light) {
   return static_cast<unsigned char>(std::lround(codeOfSRGB(std::clamp(light / kWhite, 0.0, 1.0)) * 255));
 }
 
-// Linear light in cd/m2, three samples a pixel, mapped to what SDR can show. The curve follows the largest of
-// the three, so that hues stay.
+// Maps linear light in cd/m2, three samples a pixel, to SDR. The curve follows the largest of the three,
+// which preserves hues.
 VImage shown(const std::vector<float> &light, int width, int height, const Matrix &matrix) {
   const ToneCurve curve(light.empty() ? 0 : *std::ranges::max_element(light));
   std::vector<unsigned char> samples(light.size());
@@ -142,7 +142,7 @@ VImage shown(const std::vector<float> &light, int width, int height, const Matri
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
-// Three samples a pixel, gray in each where there is one.
+// Returns three samples a pixel; gray is repeated.
 VImage threeBands(const VImage &image) {
   if (image.bands() >= 3)
     return image.extract_band(0, VImage::option()->set("n", 3));
@@ -150,7 +150,7 @@ VImage threeBands(const VImage &image) {
   return VImage::bandjoin({gray, gray, gray});
 }
 
-// The samples as 32-bit floating-point numbers, three a pixel.
+// Returns the samples as 32-bit floats, three a pixel.
 std::vector<float> floatsOf(const VImage &image) {
   const VImage plain = threeBands(image).cast(VIPS_FORMAT_FLOAT).copy_memory();
   const auto *data = static_cast<const float *>(plain.data());
@@ -213,7 +213,7 @@ VImage withOrdinarySamples(const VImage &image) {
                          .cast(VIPS_FORMAT_USHORT)
                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16)));
   constexpr auto kBrightest = static_cast<float>(kPQPeak / kWhite);
-  // Values far above 1 are on a scale of their own, such as 0 to 255.
+  // Values far above 1 have another scale, such as 0 to 255.
   const auto scale = static_cast<float>(largest > kBrightest ? kWhite / largest : kWhite);
   for (float &sample : light)
     sample = std::max(sample, 0.0F) * scale;

@@ -23,7 +23,7 @@ namespace fennick::picture {
 
 namespace {
 
-// Nobody waits this long: the program that asked is gone or has stopped. The alarm ends the process.
+// No caller waits that long: the program is gone or has stopped. The alarm ends the process.
 constexpr long kLongestRequest = 300; // seconds
 
 void setAlarm(long seconds) {
@@ -90,7 +90,7 @@ Outcome carriedOut(const wire::Request &request, Bytes file) {
       request);
 }
 
-// The beginning tells what is no picture, so that a video of any size is told from one that cannot be read.
+// Examines the beginning, so that a video of any size is distinguished from an unreadable picture.
 bool looksLikePicture(const FileDescriptor &file) {
   std::array<std::byte, 4096> start{};
   const ssize_t count = ::pread(file.get(), start.data(), start.size(), 0);

@@ -4,8 +4,8 @@
 
 namespace fennick::picture {
 
-// The imaging process after its start: gives everything up, says hello and answers requests until the other
-// side is gone. The status to exit with. The only thread.
+// Runs the imaging process after its start: locks it down, sends the greeting and answers requests until the
+// other side closes. Returns the exit status. Runs on the only thread.
 [[nodiscard]] int serve(MessageSocket socket);
 
 } // namespace fennick::picture

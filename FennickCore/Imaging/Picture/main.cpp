@@ -1,5 +1,5 @@
-// The imaging process: the only place where pictures are looked into. It is started by the programs with one
-// end of a socket; a person has no use for it.
+// The imaging process: the only place that parses pictures. The programs start it with one end of a socket;
+// it is not for users.
 
 #include "FennickCore/Imaging/Picture/Worker.h"
 #include "FennickCore/Platform/Processes/ChildProcess.h"
@@ -13,7 +13,7 @@
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
-// Its search for leaks at the end looks at other processes, which this one may not.
+// The leak check at the end would inspect other processes, which the sandbox forbids.
 extern "C" const char *__asan_default_options() { return "detect_leaks=0"; } // NOLINT
 #endif
 #endif
@@ -27,5 +27,5 @@ int main() {
   std::ignore = ::fcntl(ChildProcess::kHandedDescriptor, F_SETFD, FD_CLOEXEC);
   const int status = fennick::picture::serve(
       fennick::MessageSocket(fennick::FileDescriptor(ChildProcess::kHandedDescriptor)));
-  ::_exit(status); // libraries' threads and leftovers go with the process
+  ::_exit(status); // skips destructors of libraries, whose threads may still run
 }

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// The sheets of the photo actions and what those ask and report; once in the window that shows photos.
+// The dialogs of the photo actions; one per window that shows photos.
 Item {
     id: sheets
 

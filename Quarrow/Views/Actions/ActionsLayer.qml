@@ -1,22 +1,22 @@
 import QtQuick
 import Tevrin
 
-// All that photo actions show over the window with the photos, and their keys: the item that has focus there
-// forwards it (`Keys.forwardTo`), and calls `popup()` for the menu. New names of a single photo are typed where
-// the photo is.
+// Everything that photo actions show over the window with the photos, and their keys: the focused item
+// forwards keys to it (`Keys.forwardTo`) and calls `popup()` for the menu. A single photo is renamed on its
+// tile.
 Item {
     id: layer
 
     readonly property bool sheetOpen: sheets.opened
 
     signal renameAsked
-    signal released // the keyboard goes back to the photos
+    signal released // focus returns to the photos
 
     function popup() {
         if (Actions.count > 0)
             menu.popup();
     }
-    // Beside what the keyboard is on, for who has no pointer.
+    // Opens the menu beside the focused item, for keyboard users.
     function popupAt(item) {
         if (Actions.count > 0)
             menu.popup(item, Math.round(item.width / 2), Math.round(item.height / 2));

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// A button on the dark bar: its words, or its icon.
+// A button on the dark bar with a text or an icon.
 T.Button {
     id: control
 

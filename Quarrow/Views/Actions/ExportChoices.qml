@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What exported copies are to be like, and what becomes of the first photo.
+// The options of exported copies, and their effect on the first photo.
 ColumnLayout {
     id: choices
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What becomes of the first photo.
+// The effect on the first photo.
 Rectangle {
     id: example
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// Copies of photos for somewhere else: what they are to be like, the work, and how it went.
+// The export dialog: options, progress, and result.
 Sheet {
     id: sheet
 

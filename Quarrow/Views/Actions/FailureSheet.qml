@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What an action could not do, file by file; what it could do is done.
+// The failures of an action, file by file.
 Sheet {
     id: sheet
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// A short list of lines, which scrolls when there are many.
+// A short list of lines that scrolls if there are many.
 Rectangle {
     id: box
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// Old names and new ones, line by line.
+// Old and new names, line by line.
 Rectangle {
     id: box
 

@@ -2,8 +2,8 @@ import QtQuick
 import QtQml.Models
 import Tevrin
 
-// What can be done to the selected photos: `popup()` shows it under the pointer. New names are typed on the tile
-// (`renameAsked`); whole batches and copies have their sheets.
+// The menu of the selected photos: `popup()` opens it under the pointer. A single photo is renamed on its
+// tile (`renameAsked`); batches and exports have dialogs.
 PopupMenu {
     id: menu
 

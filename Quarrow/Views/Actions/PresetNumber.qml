@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A number that is chosen from a few usual ones, or typed.
+// A number to choose from presets or to type.
 RowLayout {
     id: row
 
@@ -10,11 +10,11 @@ RowLayout {
     property string unit
     property real least: 0
     property real most: 999999
-    property real usual: 0 // offered first to who wants to type one
+    property real usual: 0 // suggested to users who want to type one
     property var presets: []
     property real number
     readonly property bool free: wanted || presets.every(each => each.value !== number)
-    property bool wanted: false // somebody is about to type one
+    property bool wanted: false // the user is about to type one
 
     signal entered(real number)
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// New names for a batch: what is entered, and what each photo will be called.
+// The batch rename dialog: the input, and the new name of each photo.
 Sheet {
     id: sheet
 

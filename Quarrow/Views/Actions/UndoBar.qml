@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// At the foot of the wall: work on many files while it goes on, and what was done last with the way back. It
-// stays while the pointer is on it or the keyboard in it.
+// At the bottom of the wall: the progress of actions on many files, and the last action with an undo button.
+// It stays while the pointer or focus is on it.
 Rectangle {
     id: bar
 
@@ -13,9 +13,9 @@ Rectangle {
     readonly property string progress: Actions.jobs.stopping ? qsTr("正在停止…") : qsTr("正在处理 %1 / %2").arg(Math.min(Actions.jobs.done + 1, Actions.jobs.total)).arg(Actions.jobs.total)
     readonly property bool focused: undo.activeFocus || close.activeFocus || stop.activeFocus
     property bool longEnough: false
-    property string latest // what fades out
+    property string latest // the text while it fades out
 
-    signal released // by the keyboard, whose button has done its work
+    signal released // by the keyboard, whose button has disappeared
 
     objectName: "undoBar"
     implicitWidth: row.implicitWidth + 24

@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// How far the work on many files has come.
+// The progress of work on many files.
 ColumnLayout {
     id: progress
 
-    property string verb // what is being done
+    property string verb // names the work
     readonly property real share: Actions.jobs.total > 0 ? Actions.jobs.done / Actions.jobs.total : 0
 
     spacing: 8

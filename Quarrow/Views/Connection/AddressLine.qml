@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// The address in the code; a click copies it.
+// The URL in the code; a click copies it.
 T.AbstractButton {
     id: line
 

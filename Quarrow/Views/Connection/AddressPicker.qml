@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Which of this computer's addresses the code carries; only there when there is a choice.
+// Selects which of this computer's addresses the code contains; visible only if there are several.
 ComboBox {
     objectName: "addressPicker"
     name: qsTr("二维码使用的地址")

@@ -1,6 +1,6 @@
 import Tevrin
 
-// What stands in the way of phones on this computer. Once something was received, nothing does.
+// What blocks phones on this computer. Hidden once something was received.
 Notice {
     visible: Server.firewallAdvice && Shell.receivedCount === 0
     text: Server.firewallAdvice

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The code that phones scan, black on white in light and dark alike: that is what cameras read.
+// The code that phones scan, black on white in light and dark mode, because cameras expect that.
 Rectangle {
     id: card
 

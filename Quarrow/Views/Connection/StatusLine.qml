@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A dot and a sentence, and the way to help when something is wrong.
+// A dot and a sentence, and a link to the help if something is wrong.
 Item {
     id: line
 

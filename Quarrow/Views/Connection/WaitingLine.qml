@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// How many received photos wait for their processing.
+// The number of received photos that wait for their processing.
 Label {
     text: Server.waitingNote
     visible: Server.waitingNote

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// A large round sign.
+// A large round icon.
 Rectangle {
     id: badge
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// One of a few values: `model` is a list of objects with `text` and `value`.
+// Selects a value: `model` is a list of objects with `text` and `value`.
 T.ComboBox {
     id: control
 

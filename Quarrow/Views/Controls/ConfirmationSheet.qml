@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// Asks before something that is hard to take back; Escape and a click beside it mean no.
+// Asks before an action that is hard to undo; Escape and a click outside mean no.
 T.Dialog {
     id: sheet
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Copies `copied` and says so for a moment.
+// Copies `copied` and confirms it for a moment.
 IconButton {
     id: control
 

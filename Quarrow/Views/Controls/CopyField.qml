@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A command or an address to be taken elsewhere.
+// A command or a URL to copy.
 Rectangle {
     id: field
 

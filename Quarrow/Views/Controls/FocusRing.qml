@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Around a control that the keyboard has reached.
+// Surrounds a control that has focus from the keyboard.
 Rectangle {
     property bool shown: false
     property real innerRadius: Theme.radiusControl

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// A picture to press; its text is its name and its tip.
+// A button with an icon; its text is its accessible name and tool tip.
 T.Button {
     id: control
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Text as it is, never as markup: names come from phones and disks.
+// Plain text, never markup: names come from phones and disks.
 Text {
     property bool secondary: false
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What is wrong, and what to do about it.
+// A problem and what to do about it.
 Rectangle {
     id: notice
 

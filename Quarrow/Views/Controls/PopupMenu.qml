@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// A menu: arrows, the first letters and Return choose, Escape leaves. Its entries are PopupMenuItem,
+// A menu: arrow keys, first letters and Return choose, Escape closes. Its entries are PopupMenuItem,
 // PopupMenuSeparator and other menus.
 T.Menu {
     id: menu
 
-    property string iconName // beside its name, in the menu that it is a part of
+    property string iconName // shown beside its name in the parent menu
 
-    // As wide as its widest entry; those that come later count as well.
+    // Returns the width of the widest entry, including entries added later.
     function widest() {
         let most = 176;
         for (let i = 0; i < count; ++i)

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// One entry of a menu, with its icon and the keys that do the same.
+// An entry of a menu with its icon and shortcut.
 T.MenuItem {
     id: control
 

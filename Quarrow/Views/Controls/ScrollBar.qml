@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// Shows where a scrolling list is.
+// Shows the position of a scrolling list.
 T.ScrollBar {
     padding: 2
     implicitWidth: 10

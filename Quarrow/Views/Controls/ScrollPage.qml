@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// A column that scrolls when it does not fit, and brings what the keyboard reaches into view.
+// A column that scrolls if it does not fit, and keeps the focused control visible.
 Flickable {
     id: page
 

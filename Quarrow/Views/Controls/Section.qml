@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A named card.
+// A card with a title.
 ColumnLayout {
     id: section
 

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// One of a few values side by side: `model` is a list of objects with `text` and `value`. The arrow keys go
-// from one to the next.
+// Selects one of a few values side by side: `model` is a list of objects with `text` and `value`. The arrow
+// keys move between them.
 FocusScope {
     id: control
 
@@ -56,7 +56,7 @@ FocusScope {
                 implicitWidth: implicitContentWidth + 24
                 text: modelData.text
                 focus: chosen
-                focusPolicy: chosen ? Qt.StrongFocus : Qt.ClickFocus // Tab comes to the chosen one
+                focusPolicy: chosen ? Qt.StrongFocus : Qt.ClickFocus // Tab reaches the selected one
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
                 Accessible.checkable: true

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What a setting is called and means, and beside it its control: below it where there is no room.
+// A setting's name and description with its control beside it, or below it if there is no room.
 GridLayout {
     id: row
 

@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// A modal sheet over its window: a title, what it is about, which scrolls where the window is low, and its
-// buttons. Escape closes it; `first` gets the keyboard when it opens.
+// A modal dialog over its window: a title, content that scrolls in a low window, and buttons. Escape closes
+// it; `first` gets focus when it opens.
 T.Dialog {
     id: sheet
 
@@ -30,10 +30,10 @@ T.Dialog {
         ScrollPage {
             id: page
 
-            padding: 6 // for the rings around controls
+            padding: 6 // space for the focus rings of controls
             spacing: 16
             implicitHeight: fittingHeight
-            widest: sheet.availableWidth // what is left at its sides is the scroll bar's
+            widest: sheet.availableWidth // the margin is for the scroll bar
             Layout.leftMargin: -14
             Layout.rightMargin: -14
             Layout.topMargin: 6

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// A value on a line, to be dragged or stepped with the arrow keys; `valueText` is shown beside it.
+// A slider, dragged or stepped with the arrow keys; `valueText` is shown beside it.
 T.Slider {
     id: control
 

@@ -1,8 +1,8 @@
 import QtQuick
 import Tevrin
 
-// A whole number to be typed, with its unit; the arrow keys step. A number out of bounds is brought within them,
-// or handed over as it is to an owner who `explains`.
+// An integer with its unit, typed or stepped with the arrow keys. A number outside the bounds is clamped, or
+// passed on unchanged if the owner `explains` errors.
 TextField {
     id: box
 

@@ -2,18 +2,18 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// One line of text to be typed, and below it why it cannot be taken. What is typed is handed over after a short
-// pause, with Return and when the keyboard leaves; Escape brings back what holds.
+// A line of text with an error below it. Input is committed after a short pause, with Return and when focus
+// leaves; Escape restores the current value.
 FocusScope {
     id: box
 
-    property string value // what holds; it is shown unless something else is being typed
+    property string value // the current value, shown unless the user is typing
     property string name
     property string placeholder
     property string detail
     property string error
     property string unit
-    property int pause: 300 // in milliseconds; 0: every letter is handed over, below: none before the end
+    property int pause: 300 // in milliseconds; 0: each key commits; negative: only the end commits
     readonly property string text: input.text
     property alias maximumLength: input.maximumLength
     property alias horizontalAlignment: input.horizontalAlignment
@@ -51,7 +51,7 @@ FocusScope {
     T.TextField {
         id: input
 
-        property bool fresh: false // typed and not yet handed over
+        property bool fresh: false // typed and not committed yet
 
         objectName: "input"
         focus: true

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// A switch with its name and, in grey, what it means. The whole row is pressed.
+// A switch with its name and a description in grey. The whole row is clickable.
 T.Switch {
     id: control
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Why a phone cannot connect, with what is known of this computer.
+// Reasons why a phone cannot connect, with the state of this computer.
 Section {
     title: qsTr("手机连不上")
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// One thing to look at: a sign, its name and what to do.
+// One hint: an icon, its name and what to do.
 RowLayout {
     id: item
 

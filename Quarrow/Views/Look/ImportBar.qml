@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Files of this computer on their way into the save folder.
+// The progress of an import.
 Rectangle {
     id: bar
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What is looked at, and what can be done with it.
+// The name of the photo, and the actions on it.
 Rectangle {
     id: bar
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// The keyboard stays with the photo when one is clicked.
+// A click leaves focus on the photo.
 IconButton {
     focusPolicy: Qt.TabFocus
     opacity: enabled ? 1 : 0.35

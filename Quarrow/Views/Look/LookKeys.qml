@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// What the keys mean while a photo is looked at.
+// The keys of the quick look.
 QtObject {
     id: keys
 
@@ -46,7 +46,7 @@ QtObject {
             Actions.rotate(clockwise);
     }
 
-    // False for keys that mean nothing here.
+    // Returns false for other keys.
     function press(event) {
         stage.ringed = event.key === Qt.Key_Tab || event.key === Qt.Key_Backtab;
         const modifiers = event.modifiers & ~Qt.KeypadModifier;

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Why there is no picture, and what can be done all the same.
+// Why there is no picture, and what the user can do.
 ColumnLayout {
     id: column
 

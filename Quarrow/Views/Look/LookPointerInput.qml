@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Mouse, touch pad and fingers on the photo.
+// Mouse, touch pad and touch input on the photo.
 Item {
     id: hands
 
@@ -50,7 +50,7 @@ Item {
         acceptedDevices: PointerDevice.Mouse
         onWheel: event => hands.zoomBy(event)
     }
-    // Two fingers on a touch pad move a photo that is larger than the view, along both axes.
+    // Two fingers on a touch pad move a photo that is larger than the view, in both directions.
     WheelHandler {
         acceptedDevices: PointerDevice.TouchPad
         blocking: false

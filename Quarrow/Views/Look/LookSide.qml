@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// All that is known of the photo.
+// The details of the photo.
 Rectangle {
     id: side
 

@@ -1,13 +1,13 @@
 import QtQuick
 import Tevrin
 
-// The photo itself, or what it is when it cannot be shown.
+// The photo itself, or a placeholder if it cannot be shown.
 FocusScope {
     id: stage
 
     readonly property alias zoom: zoom
     readonly property bool shows: Look.kind === Look.Picture
-    property bool ringed: false // whether the keyboard is on its way around the window
+    property bool ringed: false // whether to show the focus ring
 
     function reset() {
         zoom.reset();
@@ -35,7 +35,7 @@ FocusScope {
 
         target: Look
     }
-    Rectangle { // a photo with transparent or paper-coloured edges still has some
+    Rectangle { // makes edges visible if they are transparent or paper-coloured
         x: photo.x
         y: photo.y
         width: photo.width
@@ -91,7 +91,7 @@ FocusScope {
         width: Math.min(360, parent.width - 128)
         visible: Look.kind > Look.Picture
     }
-    Label { // only where it takes a while
+    Label { // only if loading takes a while
         anchors.centerIn: parent
         text: qsTr("正在打开…")
         secondary: true

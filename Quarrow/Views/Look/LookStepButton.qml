@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// On to the next photo; seen when the pointer or the keyboard is near.
+// Goes to the next photo; visible under the pointer and with focus.
 T.Button {
     id: control
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// How large the photo is shown; a click shows all of it, or a pixel for a pixel.
+// The zoom level; a click toggles between the whole photo and original size.
 T.Button {
     id: control
 

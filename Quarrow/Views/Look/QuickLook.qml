@@ -1,8 +1,8 @@
 import QtQuick
 import Tevrin
 
-// The photo that has focus on the wall, over everything else in the window. Place it last in the window's
-// content and let it fill that; what it covers is best disabled while it is `opened`. It takes focus.
+// The focused photo of the wall, over everything else in the window. Place it last in the window's content
+// and let it fill that; disable what it covers while it is `opened`. It takes focus.
 FocusScope {
     id: look
 
@@ -66,7 +66,7 @@ FocusScope {
         anchors.fill: parent
         color: Theme.background
 
-        MouseArea { // nothing beneath is meant
+        MouseArea { // blocks clicks on what it covers
             anchors.fill: parent
             hoverEnabled: true
             onWheel: wheel => wheel.accepted = true
@@ -102,7 +102,7 @@ FocusScope {
             }
         }
     }
-    UndoBar { // what the wall says is covered
+    UndoBar { // the wall's own bar is covered
         objectName: "lookUndoBar"
         anchors.horizontalCenter: stage.horizontalCenter
         anchors.bottom: parent.bottom

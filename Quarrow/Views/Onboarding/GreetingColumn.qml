@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What to do with the code, how things stand, and what has arrived.
+// What to do with the code, the state of the service, and the last arrival.
 ColumnLayout {
     spacing: 16
 

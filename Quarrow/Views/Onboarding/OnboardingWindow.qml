@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The first start: what it does, where photos go, and the first photo.
+// The first start: an introduction, the save folder, and the first photo.
 AppWindow {
     id: window
 

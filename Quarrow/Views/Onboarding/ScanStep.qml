@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The real code; the first photo that arrives turns it into a check mark.
+// The real code; the first photo turns it into a check mark.
 ColumnLayout {
     id: step
 

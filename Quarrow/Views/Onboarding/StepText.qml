@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The words of one step.
+// The text of one step.
 ColumnLayout {
     id: words
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// Where photos go; a click opens the folder.
+// The save folder; a click opens it.
 T.AbstractButton {
     id: row
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The line about the file received last.
+// The line about the last received file.
 RowLayout {
     visible: Server.lastNote
     spacing: 8

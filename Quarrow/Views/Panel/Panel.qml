@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What opens under the tray icon. Its implicit height is the one at which nothing scrolls.
+// The content of the panel under the tray icon. At its implicit height nothing scrolls.
 FocusScope {
     id: panel
 
-    // The person is done with it.
+    // The user closed it.
     signal dismissed
 
     implicitWidth: 300
@@ -36,7 +36,7 @@ FocusScope {
             Layout.fillWidth: true
         }
         QRCard {
-            // Small laptops have room for two notices only beside a smaller code.
+            // On small screens two notices only fit beside a smaller code.
             readonly property real filledHeight: trouble.visible && obstacle.visible ? 188 : width
 
             Layout.fillWidth: true

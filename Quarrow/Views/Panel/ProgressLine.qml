@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What is arriving right now.
+// The uploads in progress.
 ColumnLayout {
     visible: Arrivals.busy
     spacing: 8

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What has arrived, and what is arriving.
+// The last arrival and the uploads in progress.
 Card {
     visible: Server.lastNote || Arrivals.busy
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What the settings above it mean for the next photo.
+// The effect of the settings above it on the next photo.
 RowLayout {
     id: outlook
 

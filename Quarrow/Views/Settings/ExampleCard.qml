@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What becomes of a photo with the present settings.
+// The effect of the current settings on a photo.
 Card {
     id: card
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A field with what it is called above it.
+// A field with its name above it.
 ColumnLayout {
     id: field
 

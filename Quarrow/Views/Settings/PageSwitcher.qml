@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The pages of a window, one of which is shown: `pages` is a list of objects with `text` and `icon`. The arrow
-// keys go from one to the next.
+// Selects one of the pages of a window: `pages` is a list of objects with `text` and `icon`. The arrow keys
+// move between them.
 FocusScope {
     id: switcher
 

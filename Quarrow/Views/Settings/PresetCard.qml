@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// One of several, with what it means.
+// One of several choices with its description.
 T.RadioButton {
     id: control
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Sets of options under plain names; whoever changes a field has options of their own.
+// Presets with simple names; changing a single field leaves the preset.
 ColumnLayout {
     id: picker
 

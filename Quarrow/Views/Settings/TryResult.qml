@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What came of the last try of an action.
+// The result of the last trial of an action.
 RowLayout {
     id: outcome
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// An action that can be switched on, and tried; below it what came of the try.
+// An action that can be enabled and tried, with the result below it.
 ColumnLayout {
     id: row
 

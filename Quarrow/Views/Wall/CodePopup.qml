@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Tevrin
 
-// The way in for photos, beside the wall.
+// The code for phones, over the wall.
 T.Popup {
     id: popup
 

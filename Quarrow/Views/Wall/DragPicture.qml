@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// The selected photos on their way under the pointer: the first of them in a pile, and how many there are.
+// The picture under the pointer while photos are dragged: a pile of the first ones, and their number.
 Item {
     id: pile
 
@@ -10,7 +10,7 @@ Item {
 
     signal finished
 
-    // Shows what is dragged and begins, unless the button of `pointer` is let go before the picture is ready.
+    // Starts the drag once the picture is ready, unless the button of `pointer` is released before.
     function take(pointer) {
         addresses = [...Wall.dragThumbnails(3)].reverse();
         grabToImage(result => {
@@ -22,7 +22,7 @@ Item {
         });
     }
 
-    x: -4 * width // it is only grabbed
+    x: -4 * width // off-screen: only grabbed as an image
     width: 112
     height: 112
     Accessible.ignored: true

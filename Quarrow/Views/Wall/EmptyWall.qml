@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// A wall that waits for its first photo: the way in for photos, at a glance.
+// A wall without photos: how to send the first one.
 ScrollPage {
     id: page
 

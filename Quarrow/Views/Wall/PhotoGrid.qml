@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// The photos, as squares from edge to edge, and everything that the pointer and the keyboard do among them.
+// The photos as a grid of squares, with pointer and keyboard input.
 FocusScope {
     id: wall
 
@@ -10,9 +10,9 @@ FocusScope {
     readonly property bool renaming: box.visible
     property int bottomSpace: 0
 
-    // The user wants to see the focused photo in full.
+    // The user opened the focused photo.
     signal lookedAt
-    // A menu for the selected photos is wanted: at `tile`, or under the pointer without one.
+    // Requests the menu of the selected photos: at `tile`, or under the pointer without one.
     signal menuWanted(Item tile)
 
     function scrollBy(distance) {
@@ -20,7 +20,7 @@ FocusScope {
         const most = grid.originY + grid.contentHeight + grid.bottomMargin - grid.height;
         grid.contentY = Math.max(least, Math.min(Math.max(least, most), grid.contentY + distance));
     }
-    // With the margins above the first and below the last row.
+    // Includes the margins above the first and below the last row.
     function reveal() {
         const place = Wall.currentIndex;
         if (place < 0)
@@ -31,7 +31,7 @@ FocusScope {
         else if (Math.floor(place / plan.columns) === Math.floor((Wall.count - 1) / plan.columns))
             scrollBy(grid.height);
     }
-    // Renames the focused photo in its place.
+    // Starts renaming the focused photo on its tile.
     function rename() {
         if (Wall.currentIndex < 0)
             return;
@@ -70,7 +70,7 @@ FocusScope {
         onWantedChanged: restart()
         onTriggered: plan.pixels = wanted
     }
-    // Follows the focus to another photo, but not a focused photo that only moved because others arrived.
+    // Scrolls to the focused photo if another one got focus, but not if it only moved because others arrived.
     Connections {
         property url followed
 

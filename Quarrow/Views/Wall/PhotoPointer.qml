@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// What the pointer does on the wall: it selects, draws a rubber band, and takes photos elsewhere.
+// Pointer input on the wall: selects, draws a rubber band, and drags photos.
 MouseArea {
     id: pointer
 
@@ -10,10 +10,10 @@ MouseArea {
     required property WallLayout layout
     property int doing: PhotoPointer.Nothing
     property int held: -1
-    property bool deselects: false // the others, when it was but a click
-    property point began // in the wall; for a band in its content
+    property bool deselects: false // whether a mere click deselects the others
+    property point began // on the wall; for a rubber band in its content
 
-    // A press takes the keyboard.
+    // A press requests focus.
     signal keyboardWanted
     signal menuWanted
     signal scrolled(real distance)
@@ -87,7 +87,7 @@ MouseArea {
     onCanceled: end()
     onExited: layout.hovered = -1
     onWheel: wheel => {
-        wheel.accepted = wheel.modifiers & Qt.ControlModifier; // without it the wall scrolls
+        wheel.accepted = wheel.modifiers & Qt.ControlModifier; // otherwise the wall scrolls
         if (wheel.accepted)
             Wall.tileSize += wheel.angleDelta.y / 5;
     }
@@ -96,7 +96,7 @@ MouseArea {
             Actions.open();
     }
 
-    // Beyond the edges the wall moves below the band.
+    // Scrolls the wall while the rubber band is beyond its edges.
     Timer {
         readonly property real beyond: pointer.mouseY < 24 ? pointer.mouseY - 24 : Math.max(0, pointer.mouseY - pointer.height + 24)
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// One photo of the wall. It takes no clicks: the grid does, for all of them.
+// One photo of the wall. The grid handles all clicks.
 Item {
     id: tile
 
@@ -115,7 +115,7 @@ Item {
                 }
             }
         }
-        // Where the keyboard is.
+        // The focus indicator.
         Loader {
             anchors.fill: parent
             active: tile.current && tile.layout.keyboardShown

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Tevrin
 
-// The name of the focused photo, to be typed anew; what kind of file it is stays. Return and a
-// click elsewhere take it, Escape leaves it; what does not work is said below.
+// Edits the name of the focused photo without its extension. Return and a click elsewhere accept, Escape
+// cancels; an error is shown below.
 FocusScope {
     id: box
 
@@ -11,7 +11,7 @@ FocusScope {
     property string before
     property string extension
 
-    // The keyboard goes back to where it was.
+    // Focus returns to where it was.
     signal closed
 
     function start() {

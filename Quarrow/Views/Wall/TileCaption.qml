@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// A name over the lower edge of a picture, whatever the picture is like.
+// A name over the lower edge of a picture, readable on any picture.
 Item {
     id: caption
 

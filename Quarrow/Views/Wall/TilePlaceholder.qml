@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What a tile shows in place of a picture.
+// Shown on a tile instead of a picture.
 ColumnLayout {
     id: sign
 
-    property string name // empty where it stands elsewhere
+    property string name // empty if it is shown elsewhere
     property string sizeText
     property string detail
     property string icon

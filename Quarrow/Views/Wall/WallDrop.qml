@@ -1,14 +1,14 @@
 import QtQuick
 import Tevrin
 
-// What is dropped on the wall: its own photos take another place, files from elsewhere are brought in. While
-// something is over the wall, it says what would become of it.
+// Handles drops on the wall: its own photos are moved, other files are imported. Shows the effect while
+// something is dragged over the wall.
 DropArea {
     id: drop
 
     required property WallLayout layout
     property bool own: false
-    property int place: -1 // before which photo its own ones would go
+    property int place: -1 // the photo before which its own photos would go
 
     signal scrolled(real distance)
 
@@ -31,7 +31,7 @@ DropArea {
         drag.accept(Qt.CopyAction);
     }
 
-    // Near its edges the wall moves below the photos.
+    // Scrolls the wall during a drag near its edges.
     Timer {
         id: edge
 
@@ -43,7 +43,7 @@ DropArea {
         onTriggered: drop.scrolled(beyond / 2)
     }
     Rectangle {
-        // Behind the last photo of a full row there is no next one.
+        // After the last photo of a full row there is no next one.
         readonly property bool behind: drop.place > 0 && drop.place === Wall.count && drop.place % drop.layout.columns === 0
         readonly property point corner: drop.layout.cornerOf(Math.max(0, drop.place - (behind ? 1 : 0)))
 

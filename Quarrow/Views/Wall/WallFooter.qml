@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Where photos go, what is on its way, and how the service stands.
+// The save folder, the uploads in progress, and the state of the service.
 Rectangle {
     id: footer
 
-    property bool alone: false // without a header, on a wall that says the rest itself
+    property bool alone: false // without a header, because the wall shows the rest itself
 
     implicitHeight: 44
     color: Theme.surface

@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What is shown, how large, and the ways to everything else.
+// Filter, tile size, and buttons for other windows.
 Rectangle {
     id: header
 
     readonly property bool wide: width >= 640
 
-    signal released // a button that is gone had the focus
+    signal released // a button with focus has disappeared
 
     implicitHeight: 52
     color: Theme.surface

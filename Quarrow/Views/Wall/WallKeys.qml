@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// What the keys mean on the wall itself; what they do to photos is not among it.
+// The keys of the wall, except those of photo actions.
 QtObject {
     id: keys
 
@@ -24,7 +24,7 @@ QtObject {
             [Qt.Key_F10]: () => keys.menuWanted()
         })
 
-    // False for keys that mean nothing here.
+    // Returns false for other keys.
     function press(event) {
         const all = {
             [Qt.NoModifier]: plain,

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// What a wall without photos says, and what to do about it.
+// The text of a wall without photos, and what the user can do.
 ColumnLayout {
     id: message
 

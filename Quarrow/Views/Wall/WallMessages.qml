@@ -1,7 +1,7 @@
 import QtQuick
 import Tevrin
 
-// Why there are no photos to be seen, where it is not that none has come yet.
+// Why there are no photos to see, except that none has arrived yet.
 Item {
     id: messages
 
@@ -43,7 +43,7 @@ Item {
         icon: "wall"
         title: qsTr("正在看看有哪些照片…")
     }
-    // Most folders are looked through before anybody could read that.
+    // Most folders are scanned before anyone could read that.
     Timer {
         id: slow
 

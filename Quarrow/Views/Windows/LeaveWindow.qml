@@ -2,11 +2,11 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// Asked when the last window closes and no tray icon would be left to come back through.
+// Shown when the last window closes and there is no tray icon.
 AppWindow {
     id: window
 
-    // Go on receiving without a window.
+    // Continue in the background.
     signal stay
 
     title: qsTr("继续接收照片？")

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Tevrin
 
-// The photo wall; while it has no photos, the way in for them.
+// The photo wall, or instructions while it has no photos.
 AppWindow {
     id: window
 
