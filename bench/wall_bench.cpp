@@ -8,7 +8,7 @@
 #include "Quarrow/Views/Registration.h"
 #include "Quarrow/Views/View.h"
 #include "bench/Measure.h"
-#include "tests/Views/Stage.h"
+#include "tools/Stage/Stage.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

@@ -33,7 +33,7 @@ protected:
   ExportForm &form = *actions.exporting();
 };
 
-TEST_F(ExportFormTest, TheExampleSaysWhatBecomesOfTheFirstPhoto) {
+TEST_F(ExportFormTest, ShowsTheEffectOnTheFirstPhoto) {
   hang({"b.jpg", "a.jpg"});
   select({"a.jpg", "b.jpg"});
   form.begin();
@@ -56,7 +56,7 @@ TEST_F(ExportFormTest, TheExampleSaysWhatBecomesOfTheFirstPhoto) {
   EXPECT_EQ(example(), "无法解码图片");
 }
 
-TEST_F(ExportFormTest, CopiesGoToTheReservedFolderOrAChosenOneAndNoPhotoChanges) {
+TEST_F(ExportFormTest, WritesCopiesToTheReservedOrAChosenFolder) {
   hang({"b.jpg", "a.mov"});
   select({"a.mov", "b.jpg"});
   form.begin();
@@ -77,7 +77,7 @@ TEST_F(ExportFormTest, CopiesGoToTheReservedFolderOrAChosenOneAndNoPhotoChanges)
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
 }
 
-TEST_F(ExportFormTest, WhatFailsIsCollectedAndWhatIsStoppedSaysHowFarItCame) {
+TEST_F(ExportFormTest, CollectsFailuresAndReportsAStop) {
   hang({"a.jpg", "b.mov", "c.jpg"});
   select({"a.jpg", "b.mov", "c.jpg"});
   form.begin();

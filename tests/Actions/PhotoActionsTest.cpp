@@ -15,7 +15,7 @@ using Operation = fennick::test::FaultyFileSystem::Operation;
 
 class PhotoActionsTest : public test::ActionsTest {};
 
-TEST_F(PhotoActionsTest, WhatIsSelectedIsHandedOverInTheOrderOfTheWall) {
+TEST_F(PhotoActionsTest, HandsOverTheSelectionInTheOrderOfTheWall) {
   hang({"b.jpg", "a.jpg", "c.mov"});
   actions.open();
   EXPECT_THAT(desktop.take(), IsEmpty());
@@ -35,7 +35,7 @@ TEST_F(PhotoActionsTest, WhatIsSelectedIsHandedOverInTheOrderOfTheWall) {
   EXPECT_EQ(actions.failureLines(), QStringList("b.jpg：no such program"));
 }
 
-TEST_F(PhotoActionsTest, ManyAreOpenedOnlyAfterAQuestion) {
+TEST_F(PhotoActionsTest, AsksBeforeOpeningMany) {
   Names names;
   for (int i = 0; i <= PhotoActions::kManyToOpen; ++i)
     names.push_back(fmt::format("{:02}.jpg", i));
@@ -49,7 +49,7 @@ TEST_F(PhotoActionsTest, ManyAreOpenedOnlyAfterAQuestion) {
   EXPECT_EQ(desktop.take().size(), 1U);
 }
 
-TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
+TEST_F(PhotoActionsTest, RenamesUndoesAndReportsConflicts) {
   hang({"a.jpg", "b.jpg"});
   select({"a.jpg"});
   EXPECT_EQ(actions.rename("b"), "已存在同名文件：b.jpg");
@@ -66,7 +66,7 @@ TEST_F(PhotoActionsTest, ANewNameIsFollowedAndTakenBackAndAConflictIsSaid) {
   EXPECT_EQ(disk.read("photos/a.jpg"), "content of a.jpg");
 }
 
-TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
+TEST_F(PhotoActionsTest, UndoesDeletionsOneByOne) {
   hang({"a.jpg", "b.jpg", "c.jpg", "d.jpg"});
   select({"d.jpg"});
   actions.rotate(true);
@@ -102,7 +102,7 @@ TEST_F(PhotoActionsTest, DeletionsComeBackOneAfterTheOtherToTheirPlaces) {
   EXPECT_EQ(disk.read("photos/d.jpg"), "a new one");
 }
 
-TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
+TEST_F(PhotoActionsTest, ReportsAFailedUndoAndAllowsAnother) {
   hang({"a.jpg", "b.jpg"});
   select({"a.jpg", "b.jpg"});
   actions.trash();
@@ -143,7 +143,7 @@ TEST_F(PhotoActionsTest, WhatCannotComeBackNowIsSaidAndCanBeTriedAgain) {
   EXPECT_FALSE(actions.canUndo());
 }
 
-TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
+TEST_F(PhotoActionsTest, ContinuesAStoppedUndo) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
   actions.rotate(true);
@@ -166,7 +166,7 @@ TEST_F(PhotoActionsTest, AStoppedUndoGoesOnWhereItWasStopped) {
   EXPECT_FALSE(actions.canUndo());
 }
 
-TEST_F(PhotoActionsTest, AnotherOrderIsTakenBackLikeEverythingElse) {
+TEST_F(PhotoActionsTest, UndoesAnotherOrder) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   actions.sortByDate(); // without a custom order there is nothing to do
   EXPECT_FALSE(actions.canUndo());
@@ -188,7 +188,7 @@ TEST_F(PhotoActionsTest, AnotherOrderIsTakenBackLikeEverythingElse) {
   EXPECT_FALSE(actions.canUndo() || actions.canSortByDate());
 }
 
-TEST_F(PhotoActionsTest, TheNoteStaysForAWhileAndForAsLongAsItIsHeld) {
+TEST_F(PhotoActionsTest, KeepsTheNoteForAWhileOrWhileHeld) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   const auto deleteOne = [this](const char *name) {
     select({name});
@@ -212,7 +212,7 @@ TEST_F(PhotoActionsTest, TheNoteStaysForAWhileAndForAsLongAsItIsHeld) {
   EXPECT_EQ(actions.note(), "");
 }
 
-TEST_F(PhotoActionsTest, PicturesTurnAndTurnBackAndVideosAreLeftAlone) {
+TEST_F(PhotoActionsTest, RotatesPicturesButNotVideos) {
   hang({"a.jpg", "b.jpg", "c.mov"});
   select({"a.jpg", "b.jpg", "c.mov"});
   actions.rotate(true);
@@ -231,7 +231,7 @@ TEST_F(PhotoActionsTest, PicturesTurnAndTurnBackAndVideosAreLeftAlone) {
   EXPECT_FALSE(actions.canUndo());
 }
 
-TEST_F(PhotoActionsTest, WorkTellsHowFarItIsAndStopsAfterTheFileItIsAt) {
+TEST_F(PhotoActionsTest, ReportsProgressAndStopsAfterTheCurrentFile) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
   decoder.hold();

@@ -34,7 +34,7 @@ protected:
   QAbstractItemModelTester tester{form.preview(), QAbstractItemModelTester::FailureReportingMode::Fatal};
 };
 
-TEST_F(RenameFormTest, TheNamesAreShownBeforehandAndThenGivenAndTakenBack) {
+TEST_F(RenameFormTest, PreviewsRenamesAndUndoes) {
   hang({"b.jpg", "a.png", "other.jpg", "x-2.png"});
   select({"a.png", "b.jpg"});
   form.begin();
@@ -57,7 +57,7 @@ TEST_F(RenameFormTest, TheNamesAreShownBeforehandAndThenGivenAndTakenBack) {
   awaitWall({"b.jpg", "a.png", "other.jpg", "x-2.png"});
 }
 
-TEST_F(RenameFormTest, WhatStandsInTheWayIsSaidAndNothingIsHalfDone) {
+TEST_F(RenameFormTest, ReportsConflictsAndRenamesNothing) {
   hang({"a.jpg", "b.jpg"});
   select({"a.jpg", "b.jpg"});
   form.begin();
@@ -79,7 +79,7 @@ TEST_F(RenameFormTest, WhatStandsInTheWayIsSaidAndNothingIsHalfDone) {
   EXPECT_FALSE(actions.canUndo());
 }
 
-TEST_F(RenameFormTest, ABatchThatIsStoppedKeepsTheOldNames) {
+TEST_F(RenameFormTest, KeepsTheOldNamesAfterAStop) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
   form.begin();

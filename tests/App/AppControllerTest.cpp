@@ -12,7 +12,7 @@ using ::testing::Optional;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 
-TEST_F(ControllerTest, TheStartGoesInOrderAndTheServerListensOnTheNextTurn) {
+TEST_F(ControllerTest, StartsInOrderAndListensOnTheNextTurn) {
   store.update([](auto &settings) {
     settings.hotKeyPreset = 2;
     settings.preferredInterface = "eth0";
@@ -41,7 +41,7 @@ TEST_F(ControllerTest, TheStartGoesInOrderAndTheServerListensOnTheNextTurn) {
   EXPECT_THAT(desktop.take(), ElementsAre("panel"));
 }
 
-TEST_F(ControllerTest, WhichWindowOpensDependsOnTheOnboardingAndOnHowItWasStarted) {
+TEST_F(ControllerTest, OpensTheFirstWindowByOnboardingAndKindOfStart) {
   struct Case {
     bool onboardingDone;
     bool isLoginItem;
@@ -67,7 +67,7 @@ TEST_F(ControllerTest, WhichWindowOpensDependsOnTheOnboardingAndOnHowItWasStarte
   EXPECT_TRUE(fennick::FilePreferences(disk / "state/preferences.json").flag("onboardingDone"));
 }
 
-TEST_F(ControllerTest, OfTwoQuickPortChangesOnlyTheNewestServerListens) {
+TEST_F(ControllerTest, ListensOnlyOnTheLastOfTwoQuickPortChanges) {
   start();
   const auto first = *controller->server().port();
   const auto [second, third] = twoFreePorts();
@@ -82,7 +82,7 @@ TEST_F(ControllerTest, OfTwoQuickPortChangesOnlyTheNewestServerListens) {
   EXPECT_THAT(logLines(fmt::format("starting server on {}", third)), SizeIs(1));
 }
 
-TEST_F(ControllerTest, AnUploadThatIsCutOffByAPortChangeLeavesNoPartFileAndKeepsNobodyWaiting) {
+TEST_F(ControllerTest, RemovesThePartFileOfAnUploadThatAPortChangeAborts) {
   start();
   fennick::test::LoopbackClient phone("127.0.0.1", *controller->server().port());
   phone.send(fmt::format("POST /upload?k={} HTTP/1.1\r\nContent-Length: 1000\r\n\r\n{}",
@@ -95,7 +95,7 @@ TEST_F(ControllerTest, AnUploadThatIsCutOffByAPortChangeLeavesNoPartFileAndKeeps
   EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
 }
 
-TEST_F(ControllerTest, OtherChangesReachTheNextRequestWithoutARestart) {
+TEST_F(ControllerTest, AppliesOtherChangesToTheNextRequestWithoutARestart) {
   start();
   change([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
@@ -110,7 +110,7 @@ TEST_F(ControllerTest, OtherChangesReachTheNextRequestWithoutARestart) {
   EXPECT_THAT(logLines("starting server"), SizeIs(1));
 }
 
-TEST_F(ControllerTest, ANewKeyReplacesTheOldOneAtOnceAndLiftsBans) {
+TEST_F(ControllerTest, ReplacesTheKeyAtOnceAndLiftsBans) {
   start();
   for (int i = 0; i < 10; ++i)
     ask("/?k=guess");
@@ -126,7 +126,7 @@ TEST_F(ControllerTest, ANewKeyReplacesTheOldOneAtOnceAndLiftsBans) {
   EXPECT_THAT(ask("/?k=" + controller->server().accessKey()), StartsWith("HTTP/1.1 200"));
 }
 
-TEST_F(ControllerTest, TheGalleryShowsTheChosenFolderInsideTheSaveFolderOrWhereUploadsGo) {
+TEST_F(ControllerTest, ShowsTheChosenGalleryFolderOrTheOneForUploads) {
   disk.write("photos/best/a.jpg");
   disk.write("photos/best/b.mov");
   disk.write("photos/best/.hidden.jpg");
@@ -162,7 +162,7 @@ TEST_F(ControllerTest, TheGalleryShowsTheChosenFolderInsideTheSaveFolderOrWhereU
   EXPECT_THAT(ask("/gallery?k=" + store.accessKey()), HasSubstr("d.png"));
 }
 
-TEST_F(ControllerTest, ATakenPortIsWalkedPastAndAFailedStartIsOverWithTheNextPort) {
+TEST_F(ControllerTest, SkipsATakenPortAndClearsTheErrorOfAFailedStart) {
   const auto taken = fennick::ListeningSocket::open(0);
   store.update([&](auto &settings) { settings.preferredPort = taken->port(); });
   start();
@@ -181,7 +181,7 @@ TEST_F(ControllerTest, ATakenPortIsWalkedPastAndAFailedStartIsOverWithTheNextPor
   EXPECT_EQ(controller->server().error(), std::nullopt);
 }
 
-TEST_F(ControllerTest, EachChangeOfTheNetworkIsCheckedAndOnlyTheLatestCheckCounts) {
+TEST_F(ControllerTest, ChecksAfterEachNetworkChangeAndIgnoresOutdatedResults) {
   start();
   auto &server = controller->server();
   const auto at = [&](const std::string &address) { return fmt::format("{}:{}", address, *server.port()); };
@@ -218,7 +218,7 @@ TEST_F(ControllerTest, EachChangeOfTheNetworkIsCheckedAndOnlyTheLatestCheckCount
   EXPECT_FALSE(network.change);
 }
 
-TEST_F(ControllerTest, AFirewallInTheWayIsSaidWithTheCommandThatHelps) {
+TEST_F(ControllerTest, ReportsABlockingFirewallWithTheCommand) {
   using Kind = FirewallFinding::Kind;
   using Port = FirewallFinding::Port;
   network.firewall = {.kind = Kind::ufw, .port = Port::closed, .command = "sudo ufw allow 8000/tcp"};
@@ -233,7 +233,7 @@ TEST_F(ControllerTest, AFirewallInTheWayIsSaidWithTheCommandThatHelps) {
   EXPECT_EQ(controller->server().property("firewallAdvice").toString(), "");
 }
 
-TEST_F(ControllerTest, AShortcutThatAnotherProgramHasIsSaidUntilOneWorks) {
+TEST_F(ControllerTest, ReportsATakenShortcutUntilAnotherWorks) {
   start();
   desktop.grantsHotKey = false;
   change([](auto &settings) { settings.hotKeyPreset = 1; });

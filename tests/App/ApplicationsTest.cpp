@@ -43,7 +43,7 @@ protected:
   const std::filesystem::path pipe = disk / "pipe";
 };
 
-TEST_F(ApplicationsTest, AnEntrysProgramGetsTheFileAndNeitherOurSignalsNorOurTerminal) {
+TEST_F(ApplicationsTest, StartsTheProgramWithTheFileDetachedFromOurTerminal) {
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   const auto entry = makeEntry();
   const auto photo = disk.write("a photo 照片.jpg");
@@ -57,7 +57,7 @@ TEST_F(ApplicationsTest, AnEntrysProgramGetsTheFileAndNeitherOurSignalsNorOurTer
   EXPECT_EQ(heard(), fmt::format("got {}, blocked 0000000000000000, session 0\n", photo.string()));
 }
 
-TEST_F(ApplicationsTest, WhatIsNoApplicationIsSaid) {
+TEST_F(ApplicationsTest, ReportsEntriesThatAreNotApplications) {
   for (const auto &entry : {disk / "gone.desktop", disk.write("text.desktop", "no entry"),
                             disk.write("missing.desktop", "[Desktop Entry]\nType=Application\nName=Test\n"
                                                           "Exec=/nonexistent/program %f\n")}) {
@@ -94,7 +94,7 @@ protected:
   fennick::test::TemporaryFolder disk;
 };
 
-TEST_F(InstalledApplicationsTest, TheUsualOneComesFirstThenThoseMadeForPicturesAndNoneThatCannotBeChosen) {
+TEST_F(InstalledApplicationsTest, ListsTheDefaultFirstThenProgramsForPictures) {
   install("Viewer", "Exec=true %f\nIcon=viewer");
   install("Editor", "Exec=true %U\nIcon=/opt/editor.png");
   install("Album", "Exec=true %F");

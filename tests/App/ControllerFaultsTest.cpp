@@ -27,7 +27,7 @@ protected:
   }
 };
 
-TEST_F(ControllerFaults, AChosenFolderThatIsGoneGivesWayToTheDefaultOneAndThePersonIsTold) {
+TEST_F(ControllerFaults, FallsBackToTheDefaultFolderAndReportsAMissingOne) {
   options.saveFolder.reset();
   options.defaultFolder = disk / "default/fennick";
   const auto chosen = disk.makeFolder("chosen");
@@ -56,7 +56,7 @@ TEST_F(ControllerFaults, AChosenFolderThatIsGoneGivesWayToTheDefaultOneAndThePer
   queue.runUntil([&] { return controller->library().items().size() == 1; });
 }
 
-TEST_F(ControllerFaults, AFolderThatCannotBeMadeIsSaidAndComesBackWithoutARestart) {
+TEST_F(ControllerFaults, ReportsAFolderThatCannotBeCreatedAndRecoversWithoutARestart) {
   files.failAlways(Operation::createDirectories, EROFS);
   start();
   EXPECT_THAT(error(), StartsWith("无法创建保存目录："));
@@ -68,7 +68,7 @@ TEST_F(ControllerFaults, AFolderThatCannotBeMadeIsSaidAndComesBackWithoutARestar
 
 // A drive is a link to a folder of another file system here: without it the way leads to the system's disk,
 // as with the empty folder of a mount point.
-TEST_F(ControllerFaults, AnUnpluggedDriveIsSaidAndServedAgainWhenItIsBack) {
+TEST_F(ControllerFaults, ReportsAnUnpluggedDriveAndUsesItAgainWhenItReturns) {
   const std::filesystem::path drive = std::filesystem::path("/dev/shm") / disk.path().filename();
   std::filesystem::create_directories(drive / "photos");
   if (fennick::fileIdentity(drive)->device == fennick::fileIdentity(disk.path())->device)
@@ -108,7 +108,7 @@ TEST_F(ControllerFaults, AnUnpluggedDriveIsSaidAndServedAgainWhenItIsBack) {
   std::filesystem::remove_all(drive);
 }
 
-TEST_F(ControllerFaults, AClockSetBackAnHourCostsNoPhotoItsNameOrItsTurn) {
+TEST_F(ControllerFaults, KeepsNamesAndOrderWhenTheClockIsSetBack) {
   start();
   upload();
   runUntilReceived(1);
@@ -126,7 +126,7 @@ TEST_F(ControllerFaults, AClockSetBackAnHourCostsNoPhotoItsNameOrItsTurn) {
   EXPECT_THAT(disk.names("photos"), SizeIs(5));
 }
 
-TEST_F(ControllerFaults, ABanEndsWithItsTimeWhateverTheCalendarSays) {
+TEST_F(ControllerFaults, EndsABanAfterItsTimeEvenIfTheClockIsSet) {
   start();
   for (int i = 0; i < 10; ++i)
     EXPECT_THAT(ask("/?k=guess"), StartsWith("HTTP/1.1 403"));
@@ -137,7 +137,7 @@ TEST_F(ControllerFaults, ABanEndsWithItsTimeWhateverTheCalendarSays) {
   EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 200"));
 }
 
-TEST_F(ControllerFaults, SettingsThatCannotBeStoredHoldForTheRunAndThePersonIsTold) {
+TEST_F(ControllerFaults, KeepsSettingsForTheRunAndReportsThatTheyCannotBeStored) {
   start();
   const auto file = disk / "state/preferences.json";
   std::filesystem::remove_all(disk / "state");
@@ -152,7 +152,7 @@ TEST_F(ControllerFaults, SettingsThatCannotBeStoredHoldForTheRunAndThePersonIsTo
   EXPECT_EQ(stored().naming, fennick::NamingPolicy(fennick::PrefixSequenceNaming{}));
 }
 
-TEST_F(ControllerFaults, WhatIsOverriddenForTheRunIsNeverStored) {
+TEST_F(ControllerFaults, DoesNotStoreOverridesForTheRun) {
   const auto chosen = disk.makeFolder("chosen");
   store.update([&](auto &settings) { settings.saveFolderBookmark = bookmarkOf(chosen); });
   options.saveFolder.reset();

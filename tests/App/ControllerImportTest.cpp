@@ -48,7 +48,7 @@ protected:
   std::vector<std::string> finished; // what was said at the end of each
 };
 
-TEST_F(ControllerImportTest, WhatIsDroppedComesInAsCopiesAndWhatIsNoPhotoIsNamed) {
+TEST_F(ControllerImportTest, CopiesDroppedFilesAndNamesThoseThatAreNotPhotos) {
   begin();
   const auto inside = disk.write("photos/trip/here.jpg", jpeg);
   const auto kept = disk.write("photos/originals/old.jpg", jpeg);
@@ -73,7 +73,7 @@ TEST_F(ControllerImportTest, WhatIsDroppedComesInAsCopiesAndWhatIsNoPhotoIsNamed
   EXPECT_EQ(controller->server().error(), std::nullopt); // what was said is over
 }
 
-TEST_F(ControllerImportTest, AnImportIsProcessedAndRememberedButNobodyIsCalled) {
+TEST_F(ControllerImportTest, ProcessesAnImportWithoutNotifications) {
   decoder.setFacts(fennick::PictureFacts{
       .type = fennick::PictureType::jpeg, .width = 4000, .height = 3000, .hasMetadata = true});
   decoder.setRendering(fennick::Rendering{.bytes = "smaller", .longEdge = 4000, .quality = 0.85});
@@ -99,7 +99,7 @@ TEST_F(ControllerImportTest, AnImportIsProcessedAndRememberedButNobodyIsCalled) 
   EXPECT_EQ(fennick::readOrigin(received.front().url)->address, "127.0.0.1");
 }
 
-TEST_F(ControllerImportTest, WhatFailsOnTheWayLeavesNothingBehind) {
+TEST_F(ControllerImportTest, LeavesNothingAfterAFailedImport) {
   begin();
   const auto photo = disk.write("a.jpg", jpeg);
   const auto expectFailure = [&](const std::string &reason) {
@@ -116,7 +116,7 @@ TEST_F(ControllerImportTest, WhatFailsOnTheWayLeavesNothingBehind) {
   expectFailure("磁盘空间不足");
 }
 
-TEST_F(ControllerImportTest, AStopGivesUpWhatIsUnderWayAndWhatWaits) {
+TEST_F(ControllerImportTest, StopsTheCurrentAndTheWaitingImports) {
   begin();
   const std::vector<fs::path> photos{disk.write("a.jpg", jpeg), disk.write("b.jpg", jpeg),
                                      disk.write("c.jpg", jpeg)};

@@ -58,7 +58,7 @@ protected:
   bool serves GUARDED_BY(servingLock) = false;
 };
 
-TEST_F(ControllerKillTest, AKillWhileAPhotoIsReceivedNeitherLosesItNorShowsItsLocation) {
+TEST_F(ControllerKillTest, NeitherLosesAPhotoNorShowsItsLocationAfterACrash) {
   int round = 0;
   fennick::test::killAtEveryChange([&](fennick::test::FaultyFileSystem &dying) {
     folder = fmt::format("photos{}", ++round);

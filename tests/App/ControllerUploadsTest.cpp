@@ -18,7 +18,7 @@ using ::testing::StartsWith;
 const PictureFacts kLargePicture{
     .type = PictureType::jpeg, .width = 4000, .height = 3000, .orientation = 6, .hasMetadata = true};
 
-TEST_F(ControllerTest, EverythingThatFollowsFromAnUploadComesInOrder) {
+TEST_F(ControllerTest, RunsTheConsequencesOfAnUploadInOrder) {
   const auto application = disk.write("viewer.desktop");
   store.update([&](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
@@ -53,7 +53,7 @@ TEST_F(ControllerTest, EverythingThatFollowsFromAnUploadComesInOrder) {
                                           "notify 收到照片: IMG_002.jpg · 12 字节", "note"));
 }
 
-TEST_F(ControllerTest, TheNoteSaysWhatWasDoneOrWhyNothingWas) {
+TEST_F(ControllerTest, DescribesTheProcessingOrWhyThereWasNone) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.imaging.stripAllMetadata = true;
@@ -74,7 +74,7 @@ TEST_F(ControllerTest, TheNoteSaysWhatWasDoneOrWhyNothingWas) {
                                    "IMG_003.jpg：12 字节"));
 }
 
-TEST_F(ControllerTest, TheFolderIsPrunedToItsLimitAndWhatWentIsNowhereAnyMore) {
+TEST_F(ControllerTest, PrunesTheFolderToItsLimitAndForgetsTheRemovedPhotos) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.folderLimit = 2;
@@ -102,7 +102,7 @@ TEST_F(ControllerTest, TheFolderIsPrunedToItsLimitAndWhatWentIsNowhereAnyMore) {
   EXPECT_THAT(disk.names("photos"), SizeIs(4));
 }
 
-TEST_F(ControllerTest, AReceivedPhotoComesFirstInACustomOrderUnderItsFinalName) {
+TEST_F(ControllerTest, PutsAReceivedPhotoFirstInACustomOrder) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.imaging.stripAllMetadata = true;
@@ -126,7 +126,7 @@ TEST_F(ControllerTest, AReceivedPhotoComesFirstInACustomOrderUnderItsFinalName) 
   }
 }
 
-TEST_F(ControllerTest, UploadsGoOnWhileAPictureTakesItsWholeTimeout) {
+TEST_F(ControllerTest, ReceivesUploadsWhileAPictureIsProcessed) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.imaging.maxPixels = 100;
@@ -148,7 +148,7 @@ TEST_F(ControllerTest, UploadsGoOnWhileAPictureTakesItsWholeTimeout) {
   EXPECT_THAT(disk.names("photos"), SizeIs(21));
 }
 
-TEST_F(ControllerTest, PhotosThatWaitAtTheEndAreProcessedByTheNextRunWithItsSettings) {
+TEST_F(ControllerTest, ProcessesWaitingPhotosInTheNextRunWithItsSettings) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.imaging.maxPixels = 100;
@@ -187,7 +187,7 @@ TEST_F(ControllerTest, PhotosThatWaitAtTheEndAreProcessedByTheNextRunWithItsSett
   EXPECT_THAT(desktop.take(), Not(Contains(StartsWith("notify"))));
 }
 
-TEST_F(ControllerTest, ProgressIsRefreshedOnlyWhileSomethingArrivesAndSomebodyLooks) {
+TEST_F(ControllerTest, RefreshesProgressOnlyDuringUploadsWhileWatched) {
   start();
   std::vector<qint64> shown;
   QObject::connect(&controller->progress(), &UploadProgress::changed,
@@ -209,7 +209,7 @@ TEST_F(ControllerTest, ProgressIsRefreshedOnlyWhileSomethingArrivesAndSomebodyLo
 }
 
 } // namespace
-TEST_F(ControllerTest, ThumbnailsAreMadeOnArrivalAndForTheWholeFolderWhileTheGalleryIsOn) {
+TEST_F(ControllerTest, MakesThumbnailsInAdvanceWhileTheGalleryIsOn) {
   decoder.setThumbnail(fennick::test::smallJPEG("thumbnail"));
   disk.write("photos/earlier.jpg", kJPEG);
   start();

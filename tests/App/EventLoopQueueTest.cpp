@@ -31,7 +31,7 @@ protected:
   std::string done;
 };
 
-TEST_F(EventLoopQueueTest, TasksRunInOrderAndTimersWhenTheirTimeHasComeAndNotBefore) {
+TEST_F(EventLoopQueueTest, RunsTasksInOrderAndTimersWhenDue) {
   queue.postAfter(Seconds(3), [&] {
     note('c')();
     quit();
@@ -50,7 +50,7 @@ TEST_F(EventLoopQueueTest, TasksRunInOrderAndTimersWhenTheirTimeHasComeAndNotBef
   EXPECT_EQ(done, "12ab3c");
 }
 
-TEST_F(EventLoopQueueTest, ASleepingLoopIsWokenByAnotherThreadAndByItsOwnTimer) {
+TEST_F(EventLoopQueueTest, WakesTheLoopFromAnotherThreadAndByTimer) {
   const fennick::SystemClock real;
   EventLoopQueue sleeping(real);
   int ran = 0;
@@ -65,7 +65,7 @@ TEST_F(EventLoopQueueTest, ASleepingLoopIsWokenByAnotherThreadAndByItsOwnTimer) 
   EXPECT_EQ(ran, 101);
 }
 
-TEST_F(EventLoopQueueTest, ATaskThatNestsALoopDoesNotHoldUpThoseBehindItAndOnesPostedMeanwhileComeLast) {
+TEST_F(EventLoopQueueTest, RunsLaterTasksInsideANestedLoop) {
   queue.post([&] {
     queue.post(note('4'));
     QEventLoop nested;
@@ -80,7 +80,7 @@ TEST_F(EventLoopQueueTest, ATaskThatNestsALoopDoesNotHoldUpThoseBehindItAndOnesP
   EXPECT_EQ(done, "12345");
 }
 
-TEST_F(EventLoopQueueTest, ATaskThatAlwaysPostsItselfLetsTheLoopDoItsOtherWork) {
+TEST_F(EventLoopQueueTest, LetsOtherEventsRunBetweenTasks) {
   const std::function<void()> again = [&] { queue.post(again); };
   again();
   QObject::connect(
@@ -91,7 +91,7 @@ TEST_F(EventLoopQueueTest, ATaskThatAlwaysPostsItselfLetsTheLoopDoItsOtherWork) 
     QCoreApplication::processEvents();
 }
 
-TEST_F(EventLoopQueueTest, DrainingRunsWhatIsDueAndWhatThatPostsAndNothingElse) {
+TEST_F(EventLoopQueueTest, DrainsDueTasksAndThoseTheyPost) {
   queue.postAfter(Seconds(2), note('!'));
   queue.postAfter(Seconds(1), note('3'));
   clock.advance(Seconds(1));
@@ -104,7 +104,7 @@ TEST_F(EventLoopQueueTest, DrainingRunsWhatIsDueAndWhatThatPostsAndNothingElse) 
   EXPECT_EQ(done, "1234");
 }
 
-TEST_F(EventLoopQueueTest, SignalsAreHandledOnTheLoop) {
+TEST_F(EventLoopQueueTest, HandlesSignalsOnTheLoop) {
   queue.onSignals({SIGUSR1, SIGUSR2}, [&](int signal) {
     note(signal == SIGUSR1 ? '1' : '2')();
     if (done.size() == 2)

@@ -28,7 +28,7 @@ public:
   std::counting_semaphore<> allowed{0};
 };
 
-TEST(FolderLimitTest, RunsOffTheMainThreadAndOnceMoreForAllCallsMeanwhile) {
+TEST(FolderLimitTest, RunsInTheBackgroundAndOnceMoreForCallsMeanwhile) {
   fennick::test::TemporaryFolder disk;
   fennick::test::ManualQueue queue;
   WaitingTrash trash;

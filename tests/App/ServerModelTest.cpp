@@ -18,7 +18,7 @@ using fennick::LANAddress;
 const LANAddress kWifi{.interface = "wlan0", .address = "192.168.1.20", .kind = LANAddress::Kind::wifi};
 const LANAddress kWired{.interface = "eth0", .address = "10.0.0.5", .kind = LANAddress::Kind::wired};
 
-TEST(ServerModel, TheAddressInTheCodeIsThePreferredOneElseTheFirst) {
+TEST(ServerModel, UsesThePreferredAddressOrTheFirst) {
   ServerModel model;
   model.setAccessKey("secret");
   model.setPort(8001);
@@ -33,7 +33,7 @@ TEST(ServerModel, TheAddressInTheCodeIsThePreferredOneElseTheFirst) {
   EXPECT_EQ(model.shortcutUploadURL(), std::nullopt);
 }
 
-TEST(ServerModel, TheQRCodeContainsThePhoneURL) {
+TEST(ServerModel, EncodesThePhoneURLInTheQRCode) {
   ServerModel model;
   model.setAccessKey("secret");
   model.setPort(8001);
@@ -53,7 +53,7 @@ TEST(ServerModel, TheQRCodeContainsThePhoneURL) {
 
 // What QML relies on: a value that is the same again wakes no binding, one that differs wakes each that
 // depends on it.
-TEST(ServerModel, EveryChangeIsAnnouncedOnceAndOnlyChanges) {
+TEST(ServerModel, AnnouncesEachChangeOnce) {
   ServerModel model;
   std::map<std::string, int> announced;
   const auto count = [&](const char *name, auto signal) {

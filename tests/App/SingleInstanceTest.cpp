@@ -13,7 +13,7 @@ namespace {
 
 using fennick::InstanceGuard;
 
-TEST(SingleInstanceTest, EveryLaterLaunchIsHeardInOrderOnTheLoop) {
+TEST(SingleInstanceTest, DeliversLaterLaunchesInOrder) {
   std::string name = "tests";
   char *arguments[] = {name.data(), nullptr};
   int count = 1;

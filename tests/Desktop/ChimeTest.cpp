@@ -37,7 +37,7 @@ double amount(std::span<const std::int16_t> samples, double frequency) {
   return std::abs(sum);
 }
 
-TEST(ChimeTest, ItIsASoftBrightSoundThatFadesToNothing) {
+TEST(ChimeTest, StartsSoftlyAndFadesToSilence) {
   const auto sound = Chime::samples();
   const std::span all(sound);
   const auto peak = std::ranges::max(sound, {}, [](int sample) { return std::abs(sample); });
@@ -50,7 +50,7 @@ TEST(ChimeTest, ItIsASoftBrightSoundThatFadesToNothing) {
   EXPECT_GT(amount(all, 1318.5 * 2.32), 5 * amount(all, 1318.5 * 2));
 }
 
-TEST(ChimeTest, ABurstOfArrivalsDoesNotCutTheSoundShort) {
+TEST(ChimeTest, DoesNotInterruptTheSoundInABurst) {
   fennick::test::FakeClock clock;
   CountingOutput output;
   Chime chime(clock, output);

@@ -26,7 +26,7 @@ protected:
   Clipboard clipboard{decoder, queue};
 };
 
-TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
+TEST_F(ClipboardTest, CopiesTheFileAtOnceAndAddsThePicture) {
   decoder.hold();
   clipboard.copy({"/photos/照片 1.heic"});
   expectFile("file:///photos/%E7%85%A7%E7%89%87%201.heic");
@@ -40,7 +40,7 @@ TEST_F(ClipboardTest, TheFileIsThereAtOnceAndThePictureJoinsIt) {
             std::tuple(fennick::PictureType::png, Clipboard::kMostPixels, true));
 }
 
-TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
+TEST_F(ClipboardTest, KeepsWhatWasCopiedMeanwhile) {
   decoder.hold();
   clipboard.copy({"/photos/1.jpg"});
   decoder.awaitHeld(1);
@@ -51,7 +51,7 @@ TEST_F(ClipboardTest, WhatWasCopiedMeanwhileStays) {
   EXPECT_TRUE(picture().isEmpty());
 }
 
-TEST_F(ClipboardTest, OfManyFilesOnlyTheLastOneIsRenderedAndNeverAVideo) {
+TEST_F(ClipboardTest, RendersOnlyTheLastFileAndNoVideo) {
   decoder.hold();
   for (const char *file : {"/photos/1.jpg", "/photos/2.jpg", "/photos/3.jpg"}) {
     clipboard.copy({file});

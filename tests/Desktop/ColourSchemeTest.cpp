@@ -30,7 +30,7 @@ public:
   int changes = 0;
 };
 
-TEST(ColourSchemeTest, TheApplicationFollowsTheSessionsWishAndNothingElse) {
+TEST(ColourSchemeTest, FollowsTheColourSchemeOfTheSession) {
   test::FakeService portal(QStringLiteral("org.freedesktop.portal.Desktop"), [](const QDBusMessage &call) {
     if (call.arguments() != QVariantList{kGroup, kKey})
       return call.createErrorReply(QDBusError::InvalidArgs, QString());

@@ -46,7 +46,7 @@ protected:
   std::vector<std::string> heard;
 };
 
-TEST_F(HotKeyManagerTest, ThePresetsKeepTheirNumbersTitlesAndKeys) {
+TEST_F(HotKeyManagerTest, KeepsPresetNumbersTitlesAndKeys) {
   EXPECT_THAT(HotKeyManager::presets(),
               ElementsAre(HotKeyPreset{0, "⌃⌥⌘P", 35, 0x1900}, HotKeyPreset{1, "⌃⌥P", 35, 0x1800},
                           HotKeyPreset{2, "⌘⇧2", 19, 0x0300}, HotKeyPreset{3, "⌃⌥Space", 49, 0x1800},
@@ -54,7 +54,7 @@ TEST_F(HotKeyManagerTest, ThePresetsKeepTheirNumbersTitlesAndKeys) {
   EXPECT_EQ(HotKeyManager::preset(5), nullptr);
 }
 
-TEST_F(HotKeyManagerTest, ANewKeyIsTakenOnlyAfterTheOldOneIsGivenUp) {
+TEST_F(HotKeyManagerTest, ReleasesTheOldKeyBeforeTakingANewOne) {
   EXPECT_TRUE(choose(4));
   EXPECT_TRUE(choose(4));
   EXPECT_THAT(backend.take(), ElementsAre("release", "take F19", "release", "take F19"));
@@ -66,7 +66,7 @@ TEST_F(HotKeyManagerTest, ANewKeyIsTakenOnlyAfterTheOldOneIsGivenUp) {
   EXPECT_TRUE(HotKeyManager(queue, nullptr).replace(nullptr, {}));
 }
 
-TEST_F(HotKeyManagerTest, OfARefusedKeyNothingIsKept) {
+TEST_F(HotKeyManagerTest, KeepsNothingOfARefusedKey) {
   backend.taken = {1};
   EXPECT_TRUE(choose(0));
   EXPECT_FALSE(choose(1));
@@ -80,7 +80,7 @@ TEST_F(HotKeyManagerTest, OfARefusedKeyNothingIsKept) {
   EXPECT_THAT(hear(), ElementsAre("refused 2"));
 }
 
-TEST_F(HotKeyManagerTest, APressThatStillWaitsLapsesWithItsAction) {
+TEST_F(HotKeyManagerTest, DropsAWaitingPressWithItsAction) {
   EXPECT_TRUE(choose(0));
   backend.events().pressed();
   EXPECT_TRUE(choose(1));

@@ -113,7 +113,7 @@ protected:
   int refused = 0;
 };
 
-TEST_F(HotKeyPortalTest, AGrantedShortcutIsHeardAndSettingsThatChangeAskNobodyAgain) {
+TEST_F(HotKeyPortalTest, ReportsPressesAndDoesNotAskAgain) {
   FakePortal portal;
   ASSERT_TRUE(take(0));
   awaitCalls(portal, 2);
@@ -141,7 +141,7 @@ TEST_F(HotKeyPortalTest, AGrantedShortcutIsHeardAndSettingsThatChangeAskNobodyAg
   EXPECT_EQ(refused, 0);
 }
 
-TEST_F(HotKeyPortalTest, APortalThatComesBackIsAskedAnewByTheNameOfTheProgram) {
+TEST_F(HotKeyPortalTest, AsksARestartedPortalAgain) {
   QGuiApplication::setDesktopFileName(QStringLiteral("tevrin"));
   std::optional<FakePortal> portal(std::in_place);
   ASSERT_TRUE(take(0));
@@ -159,7 +159,7 @@ TEST_F(HotKeyPortalTest, APortalThatComesBackIsAskedAnewByTheNameOfTheProgram) {
   EXPECT_EQ(refused, 0);
 }
 
-TEST_F(HotKeyPortalTest, ARefusalIsToldLaterAndStandsUntilTheShortcutIsGivenUp) {
+TEST_F(HotKeyPortalTest, ReportsARefusalOnceUntilTheShortcutIsReleased) {
   FakePortal portal;
   const std::function<void()> reasons[] = {[&] { portal.knowsShortcuts = false; },
                                            [&] { portal.creation = 1; }, [&] { portal.binding = 2; },
@@ -181,7 +181,7 @@ TEST_F(HotKeyPortalTest, ARefusalIsToldLaterAndStandsUntilTheShortcutIsGivenUp) 
   }
 }
 
-TEST_F(HotKeyPortalTest, WithoutAPortalOrWithOneThatEndsTheSessionThereIsNoShortcut) {
+TEST_F(HotKeyPortalTest, HasNoShortcutWithoutAPortalOrSession) {
   EXPECT_TRUE(take(4));
   test::runUntil([&] { return refused == 1; });
   backend.release();

@@ -71,7 +71,7 @@ protected:
   int refused = 0;
 };
 
-TEST_F(HotKeyX11Test, EveryPresetIsHeardWhateverTheLocksAreAndNothingElse) {
+TEST_F(HotKeyX11Test, ReportsEveryPresetWithAnyLockState) {
   const std::pair<std::int64_t, const char *> cases[] = {{0, "ctrl+alt+super+p"},
                                                          {1, "ctrl+alt+p"},
                                                          {2, "super+shift+2"},
@@ -89,7 +89,7 @@ TEST_F(HotKeyX11Test, EveryPresetIsHeardWhateverTheLocksAreAndNothingElse) {
   }
 }
 
-TEST_F(HotKeyX11Test, AKeyThatAnotherProgramHasIsRefusedWholeAndCanBeHadLater) {
+TEST_F(HotKeyX11Test, RefusesAKeyOfAnotherProgramUntilItIsReleased) {
   constexpr xcb_keycode_t kP = 33;
   ASSERT_TRUE(other.grab(kControlAlt | XCB_MOD_MASK_LOCK, kP));
   EXPECT_FALSE(take(1));
@@ -101,7 +101,7 @@ TEST_F(HotKeyX11Test, AKeyThatAnotherProgramHasIsRefusedWholeAndCanBeHadLater) {
   test::runUntil([&] { return !other.isTaken(kControlAlt, kP); });
 }
 
-TEST_F(HotKeyX11Test, AHeldKeyIsOnePress) {
+TEST_F(HotKeyX11Test, ReportsAHeldKeyOnce) {
   ASSERT_TRUE(take(4));
   constexpr xcb_timestamp_t kWrapped = 0xFFFFFFF0;
   const std::tuple<std::uint8_t, xcb_timestamp_t, int> story[] = {
@@ -120,7 +120,7 @@ TEST_F(HotKeyX11Test, AHeldKeyIsOnePress) {
   }
 }
 
-TEST_F(HotKeyX11Test, TheKeyMovesWithTheLayoutAndIsLostWhereAnotherProgramIsFaster) {
+TEST_F(HotKeyX11Test, FollowsTheKeyboardLayout) {
   constexpr xcb_keycode_t kDvorakP = 27;
   constexpr xcb_keycode_t kP = 33;
   ASSERT_TRUE(take(1));

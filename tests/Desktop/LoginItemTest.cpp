@@ -18,7 +18,7 @@ protected:
   LoginItem item{disk / "config/autostart", "/usr/bin/tevrin"};
 };
 
-TEST_F(LoginItemTest, TheEntryIsTheOnlyStateAndWhatThePersonSwitchedOffStaysAsItIs) {
+TEST_F(LoginItemTest, UsesTheEntryAsTheOnlyState) {
   EXPECT_FALSE(item.isEnabled());
   EXPECT_TRUE(item.setEnabled(false));
   EXPECT_TRUE(item.setEnabled(true));
@@ -40,7 +40,7 @@ TEST_F(LoginItemTest, TheEntryIsTheOnlyStateAndWhatThePersonSwitchedOffStaysAsIt
   EXPECT_TRUE(disk.names("config/autostart").empty());
 }
 
-TEST_F(LoginItemTest, WhatCannotBeWrittenIsSaid) {
+TEST_F(LoginItemTest, ReportsAnUnwritableEntry) {
   disk.write("config");
   const auto result = item.setEnabled(true);
   ASSERT_FALSE(result);
@@ -49,7 +49,7 @@ TEST_F(LoginItemTest, WhatCannotBeWrittenIsSaid) {
 }
 
 // The desktop's own reader of entries starts it.
-TEST_F(LoginItemTest, TheSessionStartsTheProgramWhateverItsPathIs) {
+TEST_F(LoginItemTest, QuotesAnyProgramPath) {
   const auto heard = disk / "heard";
   for (const char *name : {"tevrin", "a b", R"(quote"d `x` $HOME \back)", "照片's"}) {
     const auto program =

@@ -91,7 +91,7 @@ protected:
                      .showInFolder = [this](const auto &file) { done.push_back("show " + file.string()); }}};
 };
 
-TEST_F(NotifierTest, EqualOnesAllAppearAndTheServiceIsAskedOnceWhatItCan) {
+TEST_F(NotifierTest, PostsEqualNotificationsSeparately) {
   FakeNotifications service(kEverything);
   notifier.post("收到照片", "<b> & co.jpg · 2 MB");
   notifier.post("收到照片", "<b> & co.jpg · 2 MB");
@@ -102,7 +102,7 @@ TEST_F(NotifierTest, EqualOnesAllAppearAndTheServiceIsAskedOnceWhatItCan) {
   EXPECT_EQ(service.timesAsked, 1);
 }
 
-TEST_F(NotifierTest, AFileIsShownSmallAndCanBeOpenedUntilTheNotificationIsGone) {
+TEST_F(NotifierTest, ShowsAPictureAndOpensTheFile) {
   FakeNotifications service(kEverything);
   decoder.setThumbnail(jpegOf(101, 50));
   notifier.post("one", "1", "/photos/1.jpg");
@@ -129,7 +129,7 @@ TEST_F(NotifierTest, AFileIsShownSmallAndCanBeOpenedUntilTheNotificationIsGone) 
   EXPECT_THAT(done, ElementsAre("open /photos/3.jpg", "show /photos/3.jpg", "open /photos/3.jpg"));
 }
 
-TEST_F(NotifierTest, WhatTheServiceCannotDoIsLeftOut) {
+TEST_F(NotifierTest, OmitsUnsupportedFeatures) {
   for (const auto &[capabilities, expected] :
        {std::pair(QStringList{"body"}, "title|<b>||"), std::pair(QStringList{}, "title · <b>|<b>||")}) {
     FakeNotifications service(capabilities);
@@ -140,7 +140,7 @@ TEST_F(NotifierTest, WhatTheServiceCannotDoIsLeftOut) {
   EXPECT_EQ(decoder.calls(), 0);
 }
 
-TEST_F(NotifierTest, WithoutAServiceNothingIsShownUntilThereIsOne) {
+TEST_F(NotifierTest, ShowsNothingWithoutAService) {
   notifier.post("lost", "");
   test::awaitErrors();
   FakeNotifications service(kEverything);

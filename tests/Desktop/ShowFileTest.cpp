@@ -26,7 +26,7 @@ void choosePrograms(const fennick::test::TemporaryFolder &disk, const std::files
       << "[Default Applications]\nimage/jpeg=shower.desktop\ninode/directory=shower.desktop\n";
 }
 
-TEST(ShowFileTest, TheFileManagerSelectsTheFileAndWithoutOneTheFolderIsOpened) {
+TEST(ShowFileTest, SelectsTheFileOrOpensItsFolder) {
   const fennick::test::TemporaryFolder disk;
   const auto pipe = disk / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);

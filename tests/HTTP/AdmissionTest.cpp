@@ -7,7 +7,7 @@
 namespace fennick {
 namespace {
 
-TEST(PrivateAddress, OnlyPrivateAndLocalAddressesAre) {
+TEST(PrivateAddress, AcceptsOnlyPrivateAndLocalAddresses) {
   for (const auto *address : {"10.0.0.5", "10.255.255.255", "127.0.0.1", "169.254.3.4", "172.16.0.0",
                               "172.31.255.1", "192.168.1.20", "::ffff:192.168.0.2", "::FFFF:10.0.0.1", "::1",
                               "::1%lo", "fe80::1%wlan0", "FE80::1", "febf::1", "fc00::1", "fd12::3"})
@@ -43,7 +43,7 @@ constexpr auto at(double seconds) {
   return Uptime(std::chrono::duration_cast<std::chrono::nanoseconds>(Seconds(seconds)));
 }
 
-TEST(RateLimiter, TheLastFailureOfTheWindowBansForTheWholeBan) {
+TEST(RateLimiter, BansAfterTooManyFailuresInTheWindow) {
   RateLimiter limiter({.maxFailures = 10, .window = Seconds(60), .banDuration = Seconds(300)});
   const auto isBannedAfter = [&](int failures, double seconds) {
     for (int i = 0; i < failures; ++i)
@@ -62,7 +62,7 @@ TEST(RateLimiter, TheLastFailureOfTheWindowBansForTheWholeBan) {
   EXPECT_FALSE(isBannedAfter(9, 1421));
 }
 
-TEST(SlidingWindowLimiter, SoManyInAnyWindowAndRefusedOnesDoNotCount) {
+TEST(SlidingWindowLimiter, LimitsHitsWithinAnyWindow) {
   SlidingWindowLimiter limiter(3, Seconds(60));
   const std::pair<double, bool> moments[]{{1000, true},      {1030, true}, {1030, true},      {1030, false},
                                           {1059.999, false}, {1060, true}, {1089.999, false}, {1090, true},

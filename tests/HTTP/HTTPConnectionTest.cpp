@@ -56,7 +56,7 @@ struct Exchange {
 
 class HTTPConnectionTest : public ::testing::Test, protected Exchange {};
 
-TEST(HTTPConnectionBans, RejectedAndUnreadableRequestsCountTowardsABanAndAnswersDoNot) {
+TEST(HTTPConnectionBans, CountsRejectedAndMalformedRequestsTowardsABan) {
   const auto isBannedAfter = [&](bool rejects, std::string_view request) {
     Exchange exchange;
     if (rejects)
@@ -74,7 +74,7 @@ TEST(HTTPConnectionBans, RejectedAndUnreadableRequestsCountTowardsABanAndAnswers
   EXPECT_FALSE(isBannedAfter(false, "nonsense"));
 }
 
-TEST_F(HTTPConnectionTest, ABannedPeerNeverReachesTheHandler) {
+TEST_F(HTTPConnectionTest, NeverPassesABannedPeerToTheHandler) {
   for (int i = 0; i < 10; ++i)
     limiter.recordFailure("192.168.1.20", clock.uptime());
   peer.sends(kGet);
@@ -82,7 +82,7 @@ TEST_F(HTTPConnectionTest, ABannedPeerNeverReachesTheHandler) {
   EXPECT_TRUE(handler.requests().empty());
 }
 
-TEST(HTTPConnectionCuts, EveryRequestCutInTwoMeansTheSameAsUncut) {
+TEST(HTTPConnectionCuts, ParsesRequestsSplitAtEveryByte) {
   const std::string requests[]{
       post(10, "Expect: 100-continue\r\n") + "0123456789surplus",
       post(0),
@@ -108,7 +108,7 @@ TEST(HTTPConnectionCuts, EveryRequestCutInTwoMeansTheSameAsUncut) {
   }
 }
 
-TEST(HTTPConnectionHead, ExactlyTheLimitIsAcceptedAndMoreIsAnsweredAtOnce) {
+TEST(HTTPConnectionHead, AcceptsAHeadOfExactlyTheLimit) {
   for (const std::size_t length : {16384U, 16385U}) {
     Exchange exchange;
     std::string head = "GET /x HTTP/1.1\r\nX: ";
@@ -120,7 +120,7 @@ TEST(HTTPConnectionHead, ExactlyTheLimitIsAcceptedAndMoreIsAnsweredAtOnce) {
   }
 }
 
-TEST(HTTPConnectionTimeouts, EveryStageHasItsTimeHoweverItTrickles) {
+TEST(HTTPConnectionTimeouts, LimitsTheTimeOfEveryStage) {
   const struct {
     std::string start;
     double pause;
@@ -142,7 +142,7 @@ TEST(HTTPConnectionTimeouts, EveryStageHasItsTimeHoweverItTrickles) {
   }
 }
 
-TEST_F(HTTPConnectionTest, AClientThatWaitsIsToldToContinueAndItsBodyIsTakenAsItComes) {
+TEST_F(HTTPConnectionTest, AnswersExpectContinueAndReceivesTheBody) {
   peer.sends(post(6, "Expect: 100-continue\r\n"));
   peer.meanwhile([this] { EXPECT_EQ(peer.sent(), kContinueResponse); }).sends("012");
   peer.meanwhile([this] { EXPECT_EQ(handler.body(), "012"); }).sends("345surplus");
@@ -151,7 +151,7 @@ TEST_F(HTTPConnectionTest, AClientThatWaitsIsToldToContinueAndItsBodyIsTakenAsIt
   EXPECT_TRUE(peer.outputFinished());
 }
 
-TEST_F(HTTPConnectionTest, AFailedWriteAbortsTheBodyAndIsAnsweredWithoutReadingOn) {
+TEST_F(HTTPConnectionTest, AnswersAFailedWriteWithoutReadingOn) {
   handler.onWrite = [] { return IOResult<void>(std::unexpected(std::make_error_code(std::errc::io_error))); };
   peer.sends(post(9) + "012").sends("345");
   EXPECT_THAT(serve(), AllOf(StartsWith("HTTP/1.1 500 "), EndsWith("\r\n\r\nwrite failed")));
@@ -159,7 +159,7 @@ TEST_F(HTTPConnectionTest, AFailedWriteAbortsTheBodyAndIsAnsweredWithoutReadingO
   EXPECT_EQ(handler.aborts, 1);
 }
 
-TEST(HTTPConnectionReject, ABodyIsNotAskedForAndDroppedAfterTheAnswerUpToABudgetAndATime) {
+TEST(HTTPConnectionReject, DrainsTheBodyOfARejectedRequestWithinLimits) {
   for (const bool slow : {false, true}) {
     Exchange exchange;
     exchange.handler.decide = [](const HTTPRequestHead &) {
@@ -180,7 +180,7 @@ TEST(HTTPConnectionReject, ABodyIsNotAskedForAndDroppedAfterTheAnswerUpToABudget
   }
 }
 
-TEST_F(HTTPConnectionTest, AConnectionClosedFromAnotherThreadAbortsItsBody) {
+TEST_F(HTTPConnectionTest, AbortsTheBodyWhenClosedFromAnotherThread) {
   peer.sends(post(3) + "x").waitsForCancel();
   std::thread closing([this] {
     peer.awaitWaiter();
@@ -193,7 +193,7 @@ TEST_F(HTTPConnectionTest, AConnectionClosedFromAnotherThreadAbortsItsBody) {
   EXPECT_EQ(handler.finishes, 0);
 }
 
-TEST(HTTPConnectionFailures, WhicheverCallFailsTheBodyEndsOnceAndTheEndIsToldOnce) {
+TEST(HTTPConnectionFailures, EndsTheBodyOnceWhicheverCallFails) {
   for (int nth = 1;; ++nth) {
     Exchange exchange;
     exchange.peer.sends("POST /x HTTP/1.1\r\nExpect: 100-continue\r\n").sends("Content-Length: 6\r\n\r\n01");
@@ -210,7 +210,7 @@ TEST(HTTPConnectionFailures, WhicheverCallFailsTheBodyEndsOnceAndTheEndIsToldOnc
   }
 }
 
-TEST(HTTPConnectionShared, ABodyThatOthersKeepArrivesWholeAfterItsLengthWhateverTheDecision) {
+TEST(HTTPConnectionShared, SendsSharedBodiesCompletely) {
   for (const std::size_t bytes : {0U, 5U, 100'000U}) {
     auto response = HTTPResponse::text(200, "ignored");
     std::string content(bytes, '\0');
@@ -232,7 +232,7 @@ TEST(HTTPConnectionShared, ABodyThatOthersKeepArrivesWholeAfterItsLengthWhatever
   }
 }
 
-TEST(HTTPConnectionDownload, TheAnnouncedLengthStandsWhateverBecomesOfTheFileAndItsReader) {
+TEST(HTTPConnectionDownload, KeepsTheAnnouncedLengthOfADownload) {
   const test::TemporaryFolder folder;
   std::string content(600'000, '\0'); // two steps of the file and a half
   for (std::size_t i = 0; i < content.size(); ++i)

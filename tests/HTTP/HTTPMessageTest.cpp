@@ -22,7 +22,7 @@ HTTPRequestHead headWith(const std::string &lines) {
   return HTTPRequestHead::parse("GET / HTTP/1.1\r\n" + lines).value();
 }
 
-TEST(HTTPRequestHead, TheRequestLineIsThreeWords) {
+TEST(HTTPRequestHead, RequiresExactlyThreeWordsInTheRequestLine) {
   const HTTPRequestHead get{.method = "GET", .path = "/x", .query = {}, .headers = {}};
   for (const auto line : {"get /x HTTP/1.0\r\n\r\n"sv, "  GET   /x HTTP/1.1 "sv, "GET /x HTTP/1.1\n"sv})
     EXPECT_EQ(HTTPRequestHead::parse(line), get) << line;
@@ -36,7 +36,7 @@ TEST(HTTPRequestHead, TheRequestLineIsThreeWords) {
     EXPECT_EQ(HTTPRequestHead::parse(text), std::unexpected(error)) << text;
 }
 
-TEST(HTTPRequestHead, TheTargetIsSplitAndOnlyItsQueryDecoded) {
+TEST(HTTPRequestHead, SplitsTheTargetAndDecodesOnlyTheQuery) {
   const std::tuple<std::string, std::string, std::map<std::string, std::string>> cases[]{
       {"/a%20b?key=a%2Bb+c", "/a%20b", {{"key", "a+b c"}}},
       {"/p?a=1&&b=2&=v&k", "/p", {{"a", "1"}, {"b", "2"}, {"k", ""}}},
@@ -50,7 +50,7 @@ TEST(HTTPRequestHead, TheTargetIsSplitAndOnlyItsQueryDecoded) {
   }
 }
 
-TEST(HTTPRequestHead, HeadersAreTrimmedTextAndTheLastOfANameWins) {
+TEST(HTTPRequestHead, TrimsHeadersAndKeepsTheLastOfAName) {
   EXPECT_THAT(
       headWith("X-Key:  abc  \r\nhost: a:8080\r\n\r\nCookie: 1\r\nCOOKIE :\t2\r\nempty:").headers,
       ElementsAre(Pair("cookie", "2"), Pair("empty", ""), Pair("host", "a:8080"), Pair("x-key", "abc")));
@@ -60,7 +60,7 @@ TEST(HTTPRequestHead, HeadersAreTrimmedTextAndTheLastOfANameWins) {
   EXPECT_EQ(headWith("X-\x01Na\0me: a\nb\0c"s).header("x-\x01na\0me"sv), "a\nb\0c"s);
 }
 
-TEST(HTTPRequestHead, TheBodyLengthIsASigned64BitNumberOrNothing) {
+TEST(HTTPRequestHead, ReadsTheBodyLengthAsSigned64BitNumber) {
   for (const auto &[value, length] : {std::pair(" 42 ", 42L), std::pair("-1", -1L), std::pair("+7", 7L),
                                       std::pair("9223372036854775807", 9223372036854775807L)})
     EXPECT_EQ(headWith("Content-Length:"s + value).contentLength(), length) << value;
@@ -69,14 +69,14 @@ TEST(HTTPRequestHead, TheBodyLengthIsASigned64BitNumberOrNothing) {
     EXPECT_EQ(headWith("Content-Length:"s + value).contentLength(), std::nullopt) << value;
 }
 
-TEST(HTTPRequestHead, TheBodyIsDescribedInAnyCase) {
+TEST(HTTPRequestHead, ReadsBodyHeadersInAnyCase) {
   EXPECT_EQ(headWith("Content-Type: Image/JPEG ; charset=x").contentType(), "image/jpeg");
   EXPECT_TRUE(headWith("Transfer-Encoding: gzip, Chunked").isChunked());
   EXPECT_TRUE(headWith("Expect: 100-Continue").expectsContinue());
   EXPECT_FALSE(headWith("Expect: 100-continue, x").expectsContinue());
 }
 
-TEST(HTTPResponse, IsSerialisedToTheByte) {
+TEST(HTTPResponse, SerialisesExactBytes) {
   EXPECT_EQ(HTTPResponse::notFound().serialise(true),
             "HTTP/1.1 404 Not Found\r\nContent-Type: text/plain; charset=utf-8\r\nContent-Length: 9\r\n"
             "Cache-Control: no-store\r\nConnection: close\r\n\r\n");
@@ -94,7 +94,7 @@ TEST(HTTPResponse, IsSerialisedToTheByte) {
   EXPECT_TRUE(HTTPResponse::json({{"a", "\xFF"}}).serialise(false).ends_with("\r\n\r\n{}"));
 }
 
-TEST(HTTPResponse, NoHeaderCanBeginALineOfItsOwnAndTheCallersCachingRuleStandsAlone) {
+TEST(HTTPResponse, PreventsHeaderInjectionAndKeepsTheCallersCaching) {
   auto response = HTTPResponse::text(418, "");
   response.headers.emplace_back("X-A\r\nSet-Cookie: a", "b\r\nSet-Cookie: c\n\rd\0e\x7F"s);
   response.headers.emplace_back("cache-control", "max-age=60");
@@ -104,7 +104,7 @@ TEST(HTTPResponse, NoHeaderCanBeginALineOfItsOwnAndTheCallersCachingRuleStandsAl
             "Content-Length: 0\r\nConnection: close\r\n\r\n");
 }
 
-TEST(HTTPResponse, DownloadsOfRegularFilesAreAttachmentsUnderAnEncodedName) {
+TEST(HTTPResponse, SendsRegularFilesAsAttachmentsWithEncodedNames) {
   const test::TemporaryFolder folder;
   const auto file = folder.write("IMG 1.jpg", "12345");
   EXPECT_EQ(HTTPResponse::file(file, "image/jpeg").value().serialise(false),
@@ -122,7 +122,7 @@ TEST(HTTPResponse, DownloadsOfRegularFilesAreAttachmentsUnderAnEncodedName) {
   EXPECT_FALSE(HTTPResponse::file(folder / "link.jpg", "image/jpeg"));
 }
 
-TEST(Compression, IsUsedOnlyForClientsThatAcceptIt) {
+TEST(Compression, IsUsedOnlyForClientsThatAcceptGzip) {
   const std::pair<std::string, bool> cases[] = {
       {"", false},         {"gzip, deflate, br", true}, {"br;q=1.0, GZIP;q=0.8", true},
       {"gzip;q=0", false}, {"gzip;q=0.0, *", false},    {"*", true},

@@ -30,7 +30,7 @@ protected:
   HTTPServer server{handler, limits, limiter, clock};
 };
 
-TEST_F(HTTPServerTest, PeersOfBothFamiliesAreServedAndOneAddressHasOneText) {
+TEST_F(HTTPServerTest, ServesIPv4AndIPv6WithOneTextPerAddress) {
   const auto port = start();
   for (const std::string address : {"127.0.0.1", "::ffff:127.0.0.1", "::1"}) {
     LoopbackClient client(address, port);
@@ -41,7 +41,7 @@ TEST_F(HTTPServerTest, PeersOfBothFamiliesAreServedAndOneAddressHasOneText) {
   }
 }
 
-TEST_F(HTTPServerTest, TakenPortsAreSkippedInOrderAndNoneIsTriedPastTheLast) {
+TEST_F(HTTPServerTest, SkipsTakenPortsUpToTheLast) {
   const auto holder = ListeningSocket::open(0).value();
   const std::uint16_t port = holder.port();
   const auto taken = [](std::vector<std::uint16_t> tried) {
@@ -55,7 +55,7 @@ TEST_F(HTTPServerTest, TakenPortsAreSkippedInOrderAndNoneIsTriedPastTheLast) {
   EXPECT_THAT(ask(bound, kGet), EndsWith("answer"));
 }
 
-TEST_F(HTTPServerTest, AFullServerRefusesWithoutAWordAndAdmitsAgainAfterOneCloses) {
+TEST_F(HTTPServerTest, RefusesConnectionsWhenFullAndAdmitsAgain) {
   const auto port = start();
   auto first = std::make_unique<LoopbackClient>("127.0.0.1", port);
   const LoopbackClient second("127.0.0.1", port);
@@ -68,7 +68,7 @@ TEST_F(HTTPServerTest, AFullServerRefusesWithoutAWordAndAdmitsAgainAfterOneClose
   EXPECT_THAT(answer, EndsWith("\r\n\r\nanswer"));
 }
 
-TEST_F(HTTPServerTest, StopEndsLiveUploadsAndReturnsWhenTheyAreAborted) {
+TEST_F(HTTPServerTest, AbortsUploadsWhenStopped) {
   std::latch receiving(3);
   handler.onWrite = [&] { return receiving.count_down(), IOResult<void>(); };
   const auto port = start();
@@ -86,7 +86,7 @@ TEST_F(HTTPServerTest, StopEndsLiveUploadsAndReturnsWhenTheyAreAborted) {
   EXPECT_THAT(ask(start(), kGet), EndsWith("answer"));
 }
 
-TEST_F(HTTPServerTest, ARequestThatFailsInsideCostsNothingButItself) {
+TEST_F(HTTPServerTest, SurvivesARequestThatThrows) {
   handler.onWrite = []() -> IOResult<void> { throw std::runtime_error("out of memory"); };
   const auto port = start();
   EXPECT_EQ(ask(port, "POST /x HTTP/1.1\r\nContent-Length: 1\r\n\r\nx"), "");

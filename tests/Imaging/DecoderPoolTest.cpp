@@ -37,7 +37,7 @@ protected:
   std::filesystem::path bad = folder.write("bad.jpg", "bad");
 };
 
-TEST_F(DecoderPoolTest, AProcessThatGoesWrongCostsOnePictureAndTheNextIsServedAtOnce) {
+TEST_F(DecoderPoolTest, LosesOnlyThePictureOfAProcessThatFails) {
   const std::vector<std::pair<std::string, PictureFault>> ways{
       {"crash", PictureFault::crashed},   {"eat", PictureFault::crashed},
       {"leave", PictureFault::crashed},   {"hang", PictureFault::timedOut},
@@ -56,7 +56,7 @@ TEST_F(DecoderPoolTest, AProcessThatGoesWrongCostsOnePictureAndTheNextIsServedAt
   }
 }
 
-TEST_F(DecoderPoolTest, WithoutALockedDownProcessThereIsNoDecoding) {
+TEST_F(DecoderPoolTest, RefusesToDecodeWithoutTheSandbox) {
   for (const char *way : {"open", "no-hello"}) {
     DecoderPool pool(misbehaving(way));
     const auto result = pool.thumbnail(good, 400, 0.7);
@@ -69,7 +69,7 @@ TEST_F(DecoderPoolTest, WithoutALockedDownProcessThereIsNoDecoding) {
   EXPECT_EQ(missing.facts(good).error().fault, PictureFault::noDecoder);
 }
 
-TEST_F(DecoderPoolTest, AWarmProcessIsUsedAgainUnlessSomebodyEndedIt) {
+TEST_F(DecoderPoolTest, ReusesAProcessUnlessItWasKilled) {
   DecoderPool pool(misbehaving("crash"));
   const std::string first = processServing(pool);
   EXPECT_EQ(processServing(pool), first);
@@ -81,7 +81,7 @@ TEST_F(DecoderPoolTest, AWarmProcessIsUsedAgainUnlessSomebodyEndedIt) {
   EXPECT_NE(second, "none");
 }
 
-TEST_F(DecoderPoolTest, NoMoreProcessesThanAllowedAndIdleOnesEnd) {
+TEST_F(DecoderPoolTest, LimitsTheProcessesAndEndsIdleOnes) {
   auto options = misbehaving("crash");
   options.mostProcesses = 2;
   options.thumbnailTimeout = Seconds(30);
@@ -102,7 +102,7 @@ TEST_F(DecoderPoolTest, NoMoreProcessesThanAllowedAndIdleOnesEnd) {
     std::this_thread::yield();
 }
 
-TEST_F(DecoderPoolTest, ThumbnailsThatFindNoProcessAreToldSoAndLeaveSomeForFactsAndForNewEncodings) {
+TEST_F(DecoderPoolTest, ReservesProcessesForFactsAndEncodings) {
   auto options = misbehaving("hang");
   options.mostProcesses = 3;
   options.mostForThumbnails = 1;
@@ -124,7 +124,7 @@ TEST_F(DecoderPoolTest, ThumbnailsThatFindNoProcessAreToldSoAndLeaveSomeForFacts
   EXPECT_EQ(rendering.get().error().fault, PictureFault::stopped);
 }
 
-TEST_F(DecoderPoolTest, WhatTakesThePlaceOfAPhotoIsMadeByAProcessThatReadsNoOther) {
+TEST_F(DecoderPoolTest, MakesReplacementsInAProcessThatReadsNoOtherPicture) {
   DecoderPool pool(misbehaving("crash"));
   const std::string warm = processServing(pool);
   std::set<std::string> processes{warm};
@@ -136,7 +136,7 @@ TEST_F(DecoderPoolTest, WhatTakesThePlaceOfAPhotoIsMadeByAProcessThatReadsNoOthe
   EXPECT_EQ(processServing(pool), warm);
 }
 
-TEST_F(DecoderPoolTest, TheEndOfTheProgramEndsWhatIsUnderWay) {
+TEST_F(DecoderPoolTest, StopsRunningRequestsAtTheEnd) {
   auto options = misbehaving("hang");
   options.thumbnailTimeout = Seconds(90);
   DecoderPool pool(options);
@@ -149,7 +149,7 @@ TEST_F(DecoderPoolTest, TheEndOfTheProgramEndsWhatIsUnderWay) {
   EXPECT_EQ(pool.processCount(), 0U);
 }
 
-TEST_F(DecoderPoolTest, WhatCannotBeOpenedIsUnreadable) {
+TEST_F(DecoderPoolTest, ReportsFilesThatCannotBeOpenedAsUnreadable) {
   DecoderPool pool(misbehaving("crash"));
   std::filesystem::create_symlink(good, folder / "link.jpg");
   for (const auto &file : {folder / "missing.jpg", folder / "link.jpg", folder.path()})

@@ -113,7 +113,7 @@ protected:
   DecoderPool pool{{.program = IMAGING_PROGRAM}};
 };
 
-TEST_F(DecodingTest, EveryOrientationComesOutUprightInEveryFormatAndSize) {
+TEST_F(DecodingTest, MakesEveryOrientationUprightInEveryFormatAndSize) {
   for (int orientation = 1; orientation <= 8; ++orientation) {
     const auto file = save("o.jpg", storedFor(orientation, quarters(240, 160)), orientation);
     const auto where = "orientation " + std::to_string(orientation);
@@ -133,7 +133,7 @@ TEST_F(DecodingTest, EveryOrientationComesOutUprightInEveryFormatAndSize) {
   }
 }
 
-TEST_F(DecodingTest, TurningChangesTheOrientationAndNoPixel) {
+TEST_F(DecodingTest, ChangesOnlyTheOrientationWhenRotating) {
   const auto original = quarters(64, 32);
   for (const char *name : {"t.jpg", "t.png", "t.tif", "t.webp", "t.heic"}) {
     auto file = folder / name;
@@ -154,7 +154,7 @@ TEST_F(DecodingTest, TurningChangesTheOrientationAndNoPixel) {
   EXPECT_EQ(pool.withOrientation(save("t.gif", original), 6).error().fault, PictureFault::unsupported);
 }
 
-TEST_F(DecodingTest, HowAPictureWasTakenIsAskedOfTheLockedDownProcess) {
+TEST_F(DecodingTest, ReadsDetailsInTheSandbox) {
   VImage picture = quarters(64, 32);
   picture.set("exif-ifd0-Make", "Maker (Maker, ASCII, 6 components, 6 bytes)");
   picture.set("exif-ifd0-Model", "Model 7 (Model 7, ASCII, 8 components, 8 bytes)");
@@ -170,7 +170,7 @@ TEST_F(DecodingTest, HowAPictureWasTakenIsAskedOfTheLockedDownProcess) {
   EXPECT_EQ(pool.details(folder.write("d.mov", "no picture")).error().fault, PictureFault::notAPicture);
 }
 
-TEST_F(DecodingTest, TransparencyStaysWhereTheFormatHasItAndIsWhiteElsewhere) {
+TEST_F(DecodingTest, KeepsTransparencyOrMakesItWhite) {
   const auto clear = quarters(100, 60).bandjoin(0.0).cast(VIPS_FORMAT_UCHAR);
   for (const char *name : {"a.png", "a.webp", "a.tif"}) {
     const auto file = save(name, clear);
@@ -185,7 +185,7 @@ TEST_F(DecodingTest, TransparencyStaysWhereTheFormatHasItAndIsWhiteElsewhere) {
   }
 }
 
-TEST_F(DecodingTest, DeepCMYKAndGrayPicturesComeOutRight) {
+TEST_F(DecodingTest, ConvertsDeepCMYKAndGrayPictures) {
   const auto deep = (quarters(100, 60).cast(VIPS_FORMAT_USHORT) * 257)
                         .cast(VIPS_FORMAT_USHORT)
                         .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16));
@@ -213,7 +213,7 @@ TEST_F(DecodingTest, DeepCMYKAndGrayPicturesComeOutRight) {
   expectColour(seen(pool.thumbnail(gray, 50, 0.9).value()), 37, 22, {128}, "gray");
 }
 
-TEST_F(DecodingTest, AWideGamutStaysInPhotosAndIsConvertedInThumbnails) {
+TEST_F(DecodingTest, KeepsAWideGamutInPhotosAndConvertsItInThumbnails) {
   auto wide = quarters(100, 60).icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
   // As phones name theirs "Display P3 Gamut with sRGB Transfer".
   std::string profile = picture::colourProfile(wide);
@@ -234,7 +234,7 @@ TEST_F(DecodingTest, AWideGamutStaysInPhotosAndIsConvertedInThumbnails) {
   }
 }
 
-TEST_F(DecodingTest, ASizeIsFoundOrTheSmallestInTimeIsUsed) {
+TEST_F(DecodingTest, MeetsTheSizeLimitOrUsesTheSmallestInTime) {
   // Noise, which does not get small.
   const auto noise = VImage::gaussnoise(1400, 900, VImage::option()->set("mean", 128)->set("sigma", 60));
   const auto file = save("noise.png", noise.cast(VIPS_FORMAT_UCHAR));
@@ -250,7 +250,7 @@ TEST_F(DecodingTest, ASizeIsFoundOrTheSmallestInTimeIsUsed) {
   EXPECT_EQ(seen(first.bytes).width(), 1400);
 }
 
-TEST_F(DecodingTest, DamagedOversizedAndForeignFilesAreErrorsAndTheNextPictureIsServed) {
+TEST_F(DecodingTest, RejectsDamagedAndOversizedFilesAndServesTheNext) {
   const auto whole = save("whole.jpg", quarters(400, 300));
   const std::string bytes = readFile(whole).value();
   const auto cut = folder.write("cut.jpg", bytes.substr(0, bytes.size() / 2));

@@ -376,12 +376,12 @@ private:
   DecoderPool pool_{{.program = IMAGING_PROGRAM}};
 };
 
-TEST_F(ForeignFilesTest, OrdinaryPicturesAreProcessedAsAsked) { check(ordinaryRows()); }
-TEST_F(ForeignFilesTest, RawPhotosAreKeptAndShowTheirPreview) { check(rawRows()); }
-TEST_F(ForeignFilesTest, SeveralPicturesInAFileAreKept) { check(sequenceRows()); }
-TEST_F(ForeignFilesTest, PicturesThatTheOutputCannotRepresentAreKept) { check(sampleRows()); }
-TEST_F(ForeignFilesTest, IrregularJpegFilesAreProcessed) { check(irregularJpegRows()); }
-TEST_F(ForeignFilesTest, CompanionsOfAPictureFollowItOrAreNamed) { check(companionRows()); }
+TEST_F(ForeignFilesTest, ProcessesOrdinaryPictures) { check(ordinaryRows()); }
+TEST_F(ForeignFilesTest, KeepsRawPhotosAndShowsTheirPreview) { check(rawRows()); }
+TEST_F(ForeignFilesTest, KeepsFilesWithSeveralPictures) { check(sequenceRows()); }
+TEST_F(ForeignFilesTest, KeepsPicturesThatTheOutputCannotRepresent) { check(sampleRows()); }
+TEST_F(ForeignFilesTest, ProcessesIrregularJpegFiles) { check(irregularJpegRows()); }
+TEST_F(ForeignFilesTest, KeepsCompanionsOrNamesLostOnes) { check(companionRows()); }
 
 } // namespace
 } // namespace fennick

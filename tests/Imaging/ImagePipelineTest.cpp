@@ -48,7 +48,7 @@ std::string planned(const PictureFacts &facts, const ImagingOptions &options, bo
   return "undecodable";
 }
 
-TEST(ProcessingPlanTest, OnlyWhatMustChangeIsWrittenAnew) {
+TEST(ProcessingPlanTest, EncodesOnlyWhatMustChange) {
   constexpr const char *kNothing = "无需处理 / no change needed";
   EXPECT_EQ(planned(photo(), {}), kNothing);
   EXPECT_EQ(planned(photo(), {.maxPixels = 4000}), kNothing);
@@ -65,7 +65,7 @@ TEST(ProcessingPlanTest, OnlyWhatMustChangeIsWrittenAnew) {
   EXPECT_EQ(planned(photo(PictureType::heif), {}), kNothing);
 }
 
-TEST(ProcessingPlanTest, TheFormatFollowsTheChoiceAndWhatCanBeWritten) {
+TEST(ProcessingPlanTest, ChoosesTheFormatByOptionAndSupport) {
   const ImagingOptions keep;
   EXPECT_EQ(planned(photo(PictureType::webp), keep), "jpeg 4000 webp → JPEG");
   EXPECT_EQ(planned(photo(PictureType::heic), keep, false), "jpeg 4000");
@@ -76,7 +76,7 @@ TEST(ProcessingPlanTest, TheFormatFollowsTheChoiceAndWhatCanBeWritten) {
   EXPECT_EQ(planned(photo(), {.format = OutputFormat::png}), "png 4000");
 }
 
-TEST(ProcessingPlanTest, WhatIsNoSinglePictureOfOrdinarySizeIsLeftAlone) {
+TEST(ProcessingPlanTest, LeavesOversizedAndForeignPicturesAlone) {
   EXPECT_EQ(planned(photo(PictureType::dng), {.maxPixels = 100}), "原样保存 / kept as is (dng)");
   auto wide = photo();
   wide.width = 30'000;
@@ -115,7 +115,7 @@ protected:
   fs::path source = folder.write("a.jpg", "original");
 };
 
-TEST_F(ImagePipelineTest, TheEncodingTakesTheFilesPlaceWithItsTimeAndPermissions) {
+TEST_F(ImagePipelineTest, KeepsTimeAndPermissionsOfTheFile) {
   const Instant received{std::chrono::seconds(1'700'000'000)};
   ASSERT_TRUE(setPermissions(source, 0640) && setModificationTime(source, received));
   folder.write("a.jpeg", "somebody else's");
@@ -130,7 +130,7 @@ TEST_F(ImagePipelineTest, TheEncodingTakesTheFilesPlaceWithItsTimeAndPermissions
   EXPECT_EQ(status.permissions, 0640U);
 }
 
-TEST_F(ImagePipelineTest, AFileThatKeepsItsNameIsReplacedInOneStep) {
+TEST_F(ImagePipelineTest, ReplacesAFileAtomicallyIfTheNameStays) {
   decoder.setFacts(photo(PictureType::png));
   source = folder.write("day/b.png", "original");
   folder.makeFolder(".fennick-incoming");
@@ -139,7 +139,7 @@ TEST_F(ImagePipelineTest, AFileThatKeepsItsNameIsReplacedInOneStep) {
   EXPECT_THAT(folder.names("day"), ElementsAre("b.png")) << "the save folder's own work folder is used";
 }
 
-TEST_F(ImagePipelineTest, TheOriginalIsKeptUnderAFreeNameAlsoWhereFilesHaveOneNameOnly) {
+TEST_F(ImagePipelineTest, KeepsTheOriginalUnderAFreeNameEvenWithoutHardLinks) {
   options.keepOriginal = true;
   folder.write("originals/a.jpg", "an earlier one");
   EXPECT_EQ(process().originalURL, folder / "originals/a_2.jpg");
@@ -150,7 +150,7 @@ TEST_F(ImagePipelineTest, TheOriginalIsKeptUnderAFreeNameAlsoWhereFilesHaveOneNa
   EXPECT_EQ(folder.read("b.jpeg"), "encoded");
 }
 
-TEST_F(ImagePipelineTest, WhateverFailsThePhotoIsAsItWasAndNothingElseIsLeft) {
+TEST_F(ImagePipelineTest, LeavesThePhotoUnchangedWhateverFails) {
   folder.makeFolder(".fennick-incoming");
   for (const bool keep : {false, true})
     for (const auto operation : {Operation::createDirectories, Operation::createFile, Operation::write,
@@ -166,7 +166,7 @@ TEST_F(ImagePipelineTest, WhateverFailsThePhotoIsAsItWasAndNothingElseIsLeft) {
     }
 }
 
-TEST_F(ImagePipelineTest, APhotoThatSomebodyChangedMeanwhileIsTheirs) {
+TEST_F(ImagePipelineTest, KeepsAPhotoThatWasChangedMeanwhile) {
   decoder.before([&] {
     if (decoder.calls() == 2)
       folder.write("a.jpg", "edited meanwhile");
@@ -175,7 +175,7 @@ TEST_F(ImagePipelineTest, APhotoThatSomebodyChangedMeanwhileIsTheirs) {
   EXPECT_EQ(folder.read("a.jpg"), "edited meanwhile");
 }
 
-TEST_F(ImagePipelineTest, EachFailureOfTheDecoderHasItsNote) {
+TEST_F(ImagePipelineTest, NotesEachFailureOfTheDecoder) {
   const std::vector<std::pair<PictureFault, std::string>> notes{
       {PictureFault::timedOut, "处理超时 timed out"},
       {PictureFault::busy, "图片处理程序正忙 / the picture processes are busy"},
@@ -275,7 +275,7 @@ protected:
   };
 };
 
-TEST_P(InterruptedCommitTest, LeavesOnePhotoAndOneOriginalHoweverOftenTheProgramIsKilled) {
+TEST_P(InterruptedCommitTest, LeavesOnePhotoAndOneOriginalAfterRepeatedCrashes) {
   std::map<std::string, std::string> expected{{GetParam().photo, "encoded"}};
   if (!GetParam().originalIn.empty())
     expected.emplace(GetParam().originalIn + "/" + GetParam().name, "original");

@@ -13,7 +13,7 @@ using testing::Not;
 
 ExifBlock parsed(const std::string &block) { return ExifBlock::parse(block).value(); }
 
-TEST(PictureExif, ABlockIsEditedInItsPlaceAndWhatIsRemovedLeavesNoByte) {
+TEST(PictureExif, EditsABlockInPlaceAndErasesRemovedData) {
   for (const ByteOrder order : {ByteOrder::little, ByteOrder::big}) {
     const std::string tiff = sampleExif({.order = order});
     ExifBlock block = parsed("Exif\0\0"s + tiff);
@@ -35,7 +35,7 @@ TEST(PictureExif, ABlockIsEditedInItsPlaceAndWhatIsRemovedLeavesNoByte) {
   }
 }
 
-TEST(PictureExif, ABlockWithoutOrientationGrowsAtItsEndAndNothingElseMoves) {
+TEST(PictureExif, AppendsAMissingOrientation) {
   const std::string tiff = sampleExif({.orientation = std::nullopt});
   ExifBlock block = parsed(tiff);
   EXPECT_EQ(block.orientation(), std::nullopt);
@@ -75,7 +75,7 @@ PictureDetails detailsOf(const Shot &shot, ByteOrder order = ByteOrder::little) 
   return exifDetails(tiff.finish(first));
 }
 
-TEST(PictureExif, WhatPeopleWantToKnowIsReadInBothByteOrders) {
+TEST(PictureExif, ReadsDetailsInBothByteOrders) {
   const Shot phone{.make = "Apple",
                    .model = "iPhone 15 Pro",
                    .lens = "back camera 6.765mm f/1.78",
@@ -99,7 +99,7 @@ TEST(PictureExif, WhatPeopleWantToKnowIsReadInBothByteOrders) {
   EXPECT_EQ(exifDetails(sampleExif()).taken, "2024-05-01 10:00:00");
 }
 
-TEST(PictureExif, HostileDetailsAreCleanedOrCountAsNotSaid) {
+TEST(PictureExif, CleansOrSkipsHostileDetails) {
   const auto details = detailsOf({.make = "Evil\x1B[2J\n",
                                   .model = "\xFF" + std::string(4000, 'x'),
                                   .taken = "2024:05:01T10:00:00",
@@ -114,7 +114,7 @@ TEST(PictureExif, HostileDetailsAreCleanedOrCountAsNotSaid) {
   EXPECT_EQ(exifDetails("no structure at all"), PictureDetails());
 }
 
-TEST(PictureExif, APreviewOfAWrongLengthTakesNothingElseWithIt) {
+TEST(PictureExif, ErasesOnlyThePreviewIfItsLengthIsWrong) {
   std::string tiff = sampleExif();
   const std::string length = "\x02\x02\x04\0\1\0\0\0"s;
   tiff.replace(tiff.find(length) + length.size(), 4, "\xFF\xFF\xFF\0"s);
@@ -124,7 +124,7 @@ TEST(PictureExif, APreviewOfAWrongLengthTakesNothingElseWithIt) {
   EXPECT_TRUE(block.hasGPS() && block.hasTIFF());
 }
 
-TEST(PictureExif, PlaceNamesInPanasonicsNotesGo) {
+TEST(PictureExif, RemovesPlaceNamesFromPanasonicsNotes) {
   const std::string entry = "\x6D\0\x02\0\x04\0\0\0Kyo\0"s; // a city
   ExifBlock block = parsed(sampleExif({.makerNote = "Panasonic\0\0\0\1\0"s + entry + "\0\0\0\0"s}));
   ASSERT_THAT(block.tiff(), HasSubstr("Kyo"));
@@ -133,7 +133,7 @@ TEST(PictureExif, PlaceNamesInPanasonicsNotesGo) {
   EXPECT_THAT(block.tiff(), HasSubstr("Panasonic"));
 }
 
-TEST(PictureExif, ACircleOfDirectoriesAndACutBlockEnd) {
+TEST(PictureExif, HandlesCyclesAndTruncatedBlocks) {
   const std::string whole = sampleExif();
   for (std::size_t length = 0; length < whole.size(); ++length) {
     auto block = ExifBlock::parse(whole.substr(0, length));

@@ -34,7 +34,7 @@ std::string written(const std::string &file, const Metadata &metadata) {
   return writeInto(bytesOf(file), metadata).value();
 }
 
-TEST(PictureMetadata, WhatIsWrittenIsReadAgainAndAPngTakesIptcAsXmp) {
+TEST(PictureMetadata, ReadsBackWhatItWritesWithIptcAsXmpInPng) {
   const std::string file = written(sampleJpeg(), everything());
   EXPECT_EQ(readMetadata(bytesOf(file), PictureType::jpeg), everything());
   EXPECT_TRUE(file.ends_with(kJpegScan));
@@ -45,7 +45,7 @@ TEST(PictureMetadata, WhatIsWrittenIsReadAgainAndAPngTakesIptcAsXmp) {
   EXPECT_THAT(merged.xmp, AllOf(HasSubstr("a caption"), HasSubstr("Rating")));
 }
 
-TEST(PictureMetadata, OlderPngTextHoldsExifToo) {
+TEST(PictureMetadata, ReadsExifFromOlderPngText) {
   std::string digits;
   for (const char c : sampleExif())
     for (const int half : {static_cast<unsigned char>(c) >> 4, c & 15})
@@ -55,7 +55,7 @@ TEST(PictureMetadata, OlderPngTextHoldsExifToo) {
   EXPECT_EQ(readMetadata(bytesOf(file), PictureType::png).exif, sampleExif());
 }
 
-TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
+TEST(PictureMetadata, StatesUprightAndCopiesUnchangedXmp) {
   Metadata metadata = everything();
   metadata.exif = sampleExif();
   const Metadata prepared = prepare(metadata, kKeep);
@@ -73,7 +73,7 @@ TEST(PictureMetadata, UprightMetadataSaysSoAndUntouchedXmpStaysByteForByte) {
                          HasSubstr(kRating)));
 }
 
-TEST(PictureMetadata, EachPlaceThatLocationHidesInIsFoundAndEmptied) {
+TEST(PictureMetadata, FindsAndRemovesLocationInEveryPlace) {
   const std::vector<Metadata> hiding{
       {.exif = sampleExif()},
       {.xmp = sampleXmp(kPlaces + kRating)},
@@ -94,7 +94,7 @@ TEST(PictureMetadata, EachPlaceThatLocationHidesInIsFoundAndEmptied) {
   EXPECT_THAT(prepare(hiding[2], kNoLocation).iptc, HasSubstr("a caption"));
 }
 
-TEST(PictureMetadata, LocationIsSeenBehindTheFirstBlockOfItsKindAndInPackedText) {
+TEST(PictureMetadata, FindsLocationInFurtherBlocksAndCompressedText) {
   const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif({.hasGPS = false}));
   const std::string xmp = *jpegSegment(kAPP1, std::string(kXMPPrefix) + sampleXmp(kRating));
   const std::string extended = "http://ns.adobe.com/xmp/extension/\0"s + std::string(40, '0');
@@ -118,7 +118,7 @@ TEST(PictureMetadata, LocationIsSeenBehindTheFirstBlockOfItsKindAndInPackedText)
   EXPECT_FALSE(hasMetadata(readPng(std::string(4UZ * 1'024 * 1'024 + 1, 'x'))));
 }
 
-TEST(PictureMetadata, NothingButTheColourProfileIsLeftWhenAllHasToGo) {
+TEST(PictureMetadata, LeavesOnlyTheColourProfileWhenStrippingAll) {
   Metadata padded = everything();
   padded.icc += "padding";
   const Metadata prepared = prepare(padded, kNothing);
@@ -127,7 +127,7 @@ TEST(PictureMetadata, NothingButTheColourProfileIsLeftWhenAllHasToGo) {
   EXPECT_TRUE(proveRemoved(bytesOf(written(samplePng(), prepared)), PictureType::png, true, true));
 }
 
-TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
+TEST(PictureMetadata, DetectsLeftoversThatReadersOverlook) {
   const auto clean = [](const std::string &file, PictureType type, bool all) {
     return proveRemoved(bytesOf(file), type, true, all);
   };
@@ -145,7 +145,7 @@ TEST(PictureMetadata, LeftoversThatReadersOverlookAreNoticed) {
   EXPECT_FALSE(clean(samplePng(pngChunk("tEXt", "Comment\0from Arezzo"s)), PictureType::png, true));
 }
 
-TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
+TEST(PictureMetadata, DetectsDataOutsideOfBlocksAndItsLocation) {
   const auto segment = [](std::uint8_t marker, const std::string &payload) {
     return sampleJpeg(*jpegSegment(marker, payload));
   };
@@ -210,7 +210,7 @@ TEST(PictureMetadata, WhatNoBlockHoldsIsNoticedWithItsLocation) {
   }
 }
 
-TEST(PictureMetadata, XmpClaimsOnlyTheCompanionsThatThereAre) {
+TEST(PictureMetadata, CorrectsCompanionsInXmp) {
   const auto claims = [](const CompanionLengths &lengths) {
     MetadataChange change = kKeep;
     change.companions = lengths;
@@ -226,7 +226,7 @@ TEST(PictureMetadata, XmpClaimsOnlyTheCompanionsThatThereAre) {
                     HasSubstr(R"(Item:Padding="24")"), Not(HasSubstr("GainMap"))));
 }
 
-TEST(PictureMetadata, AVideoKeepsItsPlaceWithoutItsLocation) {
+TEST(PictureMetadata, RemovesTheLocationOfAVideoInPlace) {
   const std::string video = sampleVideo({.userData = box("\xA9xyz", "+43.4-011.8/")});
   const auto cleaned = videoWithoutLocation(video);
   ASSERT_TRUE(cleaned);
@@ -235,7 +235,7 @@ TEST(PictureMetadata, AVideoKeepsItsPlaceWithoutItsLocation) {
   EXPECT_FALSE(videoWithoutLocation(sampleVideo({.handler = "camm"})));
 }
 
-TEST(PictureMetadata, WhatDoesNotFitIntoAJpegIsMadeSmallerOrLeftOut) {
+TEST(PictureMetadata, ShrinksOrOmitsBlocksThatDoNotFitIntoAJpeg) {
   const auto readBack = [](const Metadata &metadata) {
     return readMetadata(bytesOf(written(sampleJpeg(), metadata)), PictureType::jpeg);
   };
@@ -255,7 +255,7 @@ TEST(PictureMetadata, WhatDoesNotFitIntoAJpegIsMadeSmallerOrLeftOut) {
   EXPECT_EQ(writeInto(bytesOf("no picture"), large).error(), PictureFault::unencodable);
 }
 
-TEST(PictureMetadata, ATiffsExifLeavesOutHowItsPixelsAreStored) {
+TEST(PictureMetadata, OmitsPixelStorageFromATiffsExif) {
   const auto block = ExifBlock::parse(readMetadata(bytesOf(sampleTiff(false, 6)), PictureType::tiff).exif);
   EXPECT_THAT(block->tiff(), HasSubstr("some scanner"));
   EXPECT_EQ(block->orientation(), 6);

@@ -18,7 +18,7 @@ std::string turned(const std::string &file, PictureType type, std::int64_t orien
   return result;
 }
 
-TEST(PictureOrientation, AJpegKeepsItsLengthWhereItStatesOne) {
+TEST(PictureOrientation, KeepsTheLengthOfAJpegWithOrientation) {
   const std::string xmp = std::string(kXMPPrefix) + sampleXmp(R"(tiff:Orientation="6")");
   const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif());
   for (const std::string &stray : {""s, "stray\xFF\0bytes"s}) {
@@ -45,7 +45,7 @@ std::string secondPicture(const std::string &jpeg) {
   return jpeg.substr(header + *readNumber(jpeg, entries + 24, 4));
 }
 
-TEST(PictureOrientation, AJpegsFurtherPicturesAreFoundWhereverTheBlockGoes) {
+TEST(PictureOrientation, CorrectsPositionsOfFurtherJpegPictures) {
   const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif({.orientation = std::nullopt}));
   for (const auto &[before, after] : {std::pair(""s, ""s), std::pair(exif, ""s), std::pair(""s, exif)}) {
     const std::string blank = sampleJpeg(before + multiPicture(0, 0) + after);
@@ -60,7 +60,7 @@ TEST(PictureOrientation, AJpegsFurtherPicturesAreFoundWhereverTheBlockGoes) {
   }
 }
 
-TEST(PictureOrientation, PngAndWebpTakeAChunkAndChangeItInPlace) {
+TEST(PictureOrientation, AddsAndChangesTheChunkInPngAndWebp) {
   const std::string png = turned(samplePng(), PictureType::png, 6);
   EXPECT_EQ(png, samplePng(pngChunk("eXIf", ExifBlock::minimal(6)))); // its sum included
   EXPECT_EQ(turned(png, PictureType::png, 3), samplePng(pngChunk("eXIf", ExifBlock::minimal(3))));
@@ -79,7 +79,7 @@ TEST(PictureOrientation, PngAndWebpTakeAChunkAndChangeItInPlace) {
   EXPECT_EQ(turned(webp, PictureType::webp, 1).size(), webp.size());
 }
 
-TEST(PictureOrientation, ATiffsPixelsStayWhereTheyAre) {
+TEST(PictureOrientation, KeepsThePixelsOfATiffInPlace) {
   for (const bool isBig : {false, true}) {
     const std::string file = sampleTiff(isBig, 1);
     EXPECT_EQ(turned(turned(file, PictureType::tiff, 8), PictureType::tiff, 1), file);
@@ -88,7 +88,7 @@ TEST(PictureOrientation, ATiffsPixelsStayWhereTheyAre) {
   }
 }
 
-TEST(PictureOrientation, FormatsWithoutAPlaceForItAndDamagedFilesAreRefused) {
+TEST(PictureOrientation, RejectsUnsupportedAndDamagedFiles) {
   const auto fault = [](const std::string &file, PictureType type, std::int64_t orientation) {
     return withOrientation(bytesOf(file), type, orientation).error();
   };
@@ -120,7 +120,7 @@ std::optional<unsigned> quartersOf(const std::string &file, std::uint32_t item) 
   return rotation ? std::optional(static_cast<unsigned>(file[rotation->payloadAt])) : std::nullopt;
 }
 
-TEST(PictureOrientation, AHeicTurnsInPlaceWithItsThumbnailButWithoutWhatSharesItsRotation) {
+TEST(PictureOrientation, RotatesHeicInPlaceWithItsThumbnail) {
   const std::string file = sampleHeif();
   const std::string result = turned(file, PictureType::heic, 8);
   EXPECT_EQ(quartersOf(result, kThumbnail), 1U);
@@ -134,7 +134,7 @@ TEST(PictureOrientation, AHeicTurnsInPlaceWithItsThumbnailButWithoutWhatSharesIt
   expectSamePixels(shared);
 }
 
-TEST(PictureOrientation, AHeicGetsPropertiesOfItsOwnForAllEightWays) {
+TEST(PictureOrientation, AddsHeicPropertiesForAllOrientations) {
   for (const unsigned offsetBytes : {4U, 8U})
     for (const std::optional<unsigned> quarters : {std::optional<unsigned>(), std::optional(3U)})
       for (std::int64_t orientation = 1; orientation <= 8; ++orientation) {
@@ -146,7 +146,7 @@ TEST(PictureOrientation, AHeicGetsPropertiesOfItsOwnForAllEightWays) {
       }
 }
 
-TEST(PictureOrientation, AFileCutAnywhereIsRefusedOrStaysReadable) {
+TEST(PictureOrientation, RejectsOrKeepsReadableEveryTruncatedFile) {
   const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif());
   const std::vector<std::pair<std::string, PictureType>> files{
       {sampleHeif(), PictureType::heic},     {sampleHeif({.quarters = {}}), PictureType::heic},

@@ -13,7 +13,7 @@ std::string brands(const std::string &major, const std::string &compatible = "")
   return box("ftyp", major + std::string(4, '\0') + compatible) + std::string(16, 'x');
 }
 
-TEST(PictureSniffer, ContentDecidesAndTheMajorBrandComesFirst) {
+TEST(PictureSniffer, DecidesByContentAndMajorBrandFirst) {
   using enum PictureType;
   const std::vector<std::pair<std::optional<PictureType>, std::vector<std::string>>> cases{
       {jpeg, {sampleJpeg()}},
@@ -31,7 +31,7 @@ TEST(PictureSniffer, ContentDecidesAndTheMajorBrandComesFirst) {
       EXPECT_EQ(sniffType(bytesOf(file)), expected) << file.substr(0, 24);
 }
 
-TEST(PictureSniffer, APngMovesWhenItsControlStandsBeforeThePixels) {
+TEST(PictureSniffer, DetectsAnimatedPng) {
   const std::string control = pngChunk("acTL", "\0\0\0\5\0\0\0\0"s);
   EXPECT_EQ(apngFrames(bytesOf(samplePng())), 1);
   EXPECT_EQ(apngFrames(bytesOf(samplePng(control + pngChunk("fcTL", std::string(26, '\0'))))), 5);

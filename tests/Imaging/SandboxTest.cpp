@@ -43,7 +43,7 @@ int statusAfter(const std::function<bool()> &entry) {
 bool wasKilled(int status) { return WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS; }
 bool wasRefused(int status) { return WIFEXITED(status) && WEXITSTATUS(status) == kRefused; }
 
-TEST(SandboxTest, FilesAreOutOfReach) {
+TEST(SandboxTest, DeniesAccessToFiles) {
   // By the calls themselves: the C library's own would do the same.
   EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/etc/passwd", O_RDONLY | O_CLOEXEC) >= 0; })));
   EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; })));
@@ -53,7 +53,7 @@ TEST(SandboxTest, FilesAreOutOfReach) {
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::chdir("/") == 0; })));
 }
 
-TEST(SandboxTest, TheNetworkAndOtherProcessesAreOutOfReach) {
+TEST(SandboxTest, DeniesNetworkAndOtherProcesses) {
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_INET, SOCK_STREAM, 0) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::syscall(SYS_fork) >= 0; })));
@@ -71,7 +71,7 @@ TEST(SandboxTest, TheNetworkAndOtherProcessesAreOutOfReach) {
   })));
 }
 
-TEST(SandboxTest, MemoryNeverBecomesCode) {
+TEST(SandboxTest, DeniesExecutableMemory) {
   EXPECT_TRUE(wasKilled(statusAfter([] {
     return ::mmap(nullptr, 4096, PROT_READ | PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) !=
            MAP_FAILED;
@@ -81,7 +81,7 @@ TEST(SandboxTest, MemoryNeverBecomesCode) {
   ::munmap(page, 4096);
 }
 
-TEST(SandboxTest, MemoryAndDescriptorsAreLimited) {
+TEST(SandboxTest, LimitsMemoryAndDescriptors) {
   if (kSanitized)
     GTEST_SKIP() << "no limits in this build";
   EXPECT_TRUE(wasRefused(statusAfter([] {
@@ -96,7 +96,7 @@ TEST(SandboxTest, MemoryAndDescriptorsAreLimited) {
   })));
 }
 
-TEST(SandboxTest, TheKernelEndsThisProcessFirstWhenMemoryRunsOut) {
+TEST(SandboxTest, OffersItselfToTheOutOfMemoryKiller) {
   const pid_t child = ::fork();
   if (child == 0) {
     offerToOutOfMemoryKiller();
@@ -108,7 +108,7 @@ TEST(SandboxTest, TheKernelEndsThisProcessFirstWhenMemoryRunsOut) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
 }
 
-TEST(SandboxTest, ReadingMemoryAndThreadsStillWork) {
+TEST(SandboxTest, AllowsReadingMemoryAndThreads) {
   const FileDescriptor file(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
   const int status = statusAfter([&] {
     std::array<char, 4> start{};

@@ -76,7 +76,7 @@ private:
   int added_ = 0;
 };
 
-TEST_F(QuickLookTest, APictureComesAtTheSizeOfTheScreenAndInFullOnlyWhenItIsShownLarger) {
+TEST_F(QuickLookTest, LoadsFullSizeOnlyWhenEnlarged) {
   const auto photo = add("a.jpg");
   begin();
   look->setShownPixels(100);
@@ -103,7 +103,7 @@ TEST_F(QuickLookTest, APictureComesAtTheSizeOfTheScreenAndInFullOnlyWhenItIsShow
   EXPECT_TRUE(look->picture().isNull());
 }
 
-TEST_F(QuickLookTest, TheNeighboursAreReadyAndWhatIsNotAPictureIsPassedOver) {
+TEST_F(QuickLookTest, PreparesNeighbouringPictures) {
   const auto first = add("first.jpg");
   add("film.mov");
   const auto middle = add("middle.jpg");
@@ -121,7 +121,7 @@ TEST_F(QuickLookTest, TheNeighboursAreReadyAndWhatIsNotAPictureIsPassedOver) {
     continue;
 }
 
-TEST_F(QuickLookTest, WhatHasNoPictureSaysWhatItIs) {
+TEST_F(QuickLookTest, DescribesFilesWithoutAPicture) {
   const auto film = add("film.mov");
   begin();
   see(film);
@@ -149,7 +149,7 @@ TEST_F(QuickLookTest, WhatHasNoPictureSaysWhatItIs) {
   await(QuickLook::Damaged);
 }
 
-TEST_F(QuickLookTest, APhotoThatIsTurnedIsFollowedAndTheOldPictureStaysUntilThen) {
+TEST_F(QuickLookTest, ReloadsARotatedPhoto) {
   const auto photo = add("a.jpg");
   begin();
   see(photo);
@@ -166,7 +166,7 @@ TEST_F(QuickLookTest, APhotoThatIsTurnedIsFollowedAndTheOldPictureStaysUntilThen
   EXPECT_EQ(look->pixels(), QSize(3000, 4000));
 }
 
-TEST_F(QuickLookTest, WhatIsKnownIsSaidAndTheOriginalCanBeSeen) {
+TEST_F(QuickLookTest, ShowsDetailsAndTheOriginal) {
   const auto photo = add("a.jpg");
   disk.write("photos/originals/IMG_7.HEIC", "as it came");
   fennick::writeOrigin(photo, {.address = "192.168.1.5",
@@ -200,7 +200,7 @@ TEST_F(QuickLookTest, WhatIsKnownIsSaidAndTheOriginalCanBeSeen) {
   EXPECT_TRUE(look->hasOriginal());
 }
 
-TEST_F(QuickLookTest, WhatIsAskedForIsForgottenWhenTheLookCloses) {
+TEST_F(QuickLookTest, DropsRequestsWhenClosed) {
   const auto photo = add("a.jpg");
   begin();
   decoder.hold();
@@ -215,7 +215,7 @@ TEST_F(QuickLookTest, WhatIsAskedForIsForgottenWhenTheLookCloses) {
   EXPECT_EQ(look->kind(), QuickLook::Nothing);
 }
 
-TEST(LookPictures, AFullPictureFitsIntoItsMemory) {
+TEST(LookPictures, LimitsAFullPictureToItsMemory) {
   EXPECT_EQ(LookPictures::fullEdge(4032, 3024), 4032);
   EXPECT_EQ(LookPictures::fullEdge(3024, 4032), 4032);
   EXPECT_EQ(LookPictures::fullEdge(16'000, 2'000), 8192); // a panorama

@@ -129,7 +129,7 @@ private:
   std::thread thread_; // last: it uses the above
 };
 
-TEST(FirewalldTest, TheZoneOfTheInterfaceIsAskedAndWhatIsRefusedIsAbsent) {
+TEST(FirewalldTest, AsksForTheZoneOfTheInterface) {
   const PrivateBus bus;
   EXPECT_FALSE(askFirewalld(8000, "wlan0", bus.address())); // it does not run
   const FakeFirewalld service(bus.address());
@@ -143,7 +143,7 @@ TEST(FirewalldTest, TheZoneOfTheInterfaceIsAskedAndWhatIsRefusedIsAbsent) {
   EXPECT_EQ(askFirewalld(8000, "tun0", bus.address(), Seconds(0.5)), (FirewalldAnswers{.zone = "silent"}));
 }
 
-TEST(FirewalldTest, ABusThatIsNotThereOrSaysNothingIsGivenUp) {
+TEST(FirewalldTest, GivesUpOnAMissingOrSilentBus) {
   const test::TemporaryFolder folder;
   const std::string path = folder / "bus";
   EXPECT_FALSE(askFirewalld(8000, "", "unix:path=" + path));

@@ -193,7 +193,7 @@ protected:
                                 "route add default via 192.168.8.1 dev enp1s0 metric 100";
 };
 
-TEST_F(InterfacesTest, FromWifiToACableAndBackEachSettledChangeIsOneReport) {
+TEST_F(InterfacesTest, ReportsEachNetworkChangeOnce) {
   wifiCard("wlan0");
   wiredCard("enp1s0");
   watcher.start();
@@ -210,7 +210,7 @@ TEST_F(InterfacesTest, FromWifiToACableAndBackEachSettledChangeIsOneReport) {
   expectReport({wifi});
 }
 
-TEST_F(InterfacesTest, AnAddressThatIsGoneForAMomentIsNotReported) {
+TEST_F(InterfacesTest, IgnoresAnAddressThatIsGoneForAMoment) {
   wifiCard("wlan0");
   ip(joinWifi);
   watcher.start();
@@ -224,7 +224,7 @@ TEST_F(InterfacesTest, AnAddressThatIsGoneForAMomentIsNotReported) {
   expectReport({});
 }
 
-TEST_F(InterfacesTest, TheNetworkWithTheDefaultRouteComesFirstAndLinkLocalLast) {
+TEST_F(InterfacesTest, RanksTheDefaultRouteFirstAndLinkLocalLast) {
   wifiCard("wlan0");
   wiredCard("enp1s0");
   ip("addr add 169.254.8.21/16 dev enp1s0");
@@ -239,7 +239,7 @@ TEST_F(InterfacesTest, TheNetworkWithTheDefaultRouteComesFirstAndLinkLocalLast) 
   expectReport({wired, wifi, linkLocal});
 }
 
-TEST_F(InterfacesTest, AVPNWithTheDefaultRouteDoesNotComeBeforeWifi) {
+TEST_F(InterfacesTest, RanksWifiBeforeAVPNWithTheDefaultRoute) {
   wifiCard("wlan0");
   ip(joinWifi);
   watcher.start();
@@ -258,7 +258,7 @@ TEST_F(InterfacesTest, AVPNWithTheDefaultRouteDoesNotComeBeforeWifi) {
   expectReport({wifi});
 }
 
-TEST_F(InterfacesTest, TheBridgeOfAContainerProgramDoesNotComeBeforeACardNorBeforeAContainersOwnNetwork) {
+TEST_F(InterfacesTest, RanksContainerBridgesLast) {
   wiredCard("enp1s0");
   cable("eth0");
   cable("veth12ab");
@@ -279,7 +279,7 @@ TEST_F(InterfacesTest, TheBridgeOfAContainerProgramDoesNotComeBeforeACardNorBefo
   expectReport({inside});
 }
 
-TEST_F(InterfacesTest, AfterAStopNothingIsReportedAndAStartTellsEverythingAnew) {
+TEST_F(InterfacesTest, ReportsNothingAfterAStopAndEverythingAfterAStart) {
   wifiCard("wlan0");
   ip(joinWifi);
   watcher.start();
@@ -291,7 +291,7 @@ TEST_F(InterfacesTest, AfterAStopNothingIsReportedAndAStartTellsEverythingAnew) 
   expectReport({wifi});
 }
 
-TEST_F(InterfacesTest, WordThatTheKernelDroppedIsAChange) {
+TEST_F(InterfacesTest, ReportsAChangeWhenTheKernelDropsMessages) {
   wifiCard("wlan0");
   RouteMonitor monitor;
   EXPECT_EQ(monitor.awaitChanges(Seconds(0)), Woken::timeout);
@@ -307,7 +307,7 @@ TEST_F(InterfacesTest, WordThatTheKernelDroppedIsAChange) {
   EXPECT_EQ(monitor.awaitChanges(), Woken::interrupted);
 }
 
-TEST_F(InterfacesTest, AProbeEndsInTimeWhereNobodyTakesUpTheConnectionAndAtOnceWithoutAWayThere) {
+TEST_F(InterfacesTest, TimesOutOrFailsAtOnceWithoutARoute) {
   using Outcome = LocalNetworkProbe::Outcome;
   wifiCard("wlan0");
   ip("addr add 192.168.7.20/24 dev wlan0\n"

@@ -16,7 +16,7 @@ std::vector<std::string> ranked(const std::vector<InterfaceAddress> &interfaces,
   return addresses;
 }
 
-TEST(LANAddressResolverTest, WhereNoPhoneIsReachableIsNeverOffered) {
+TEST(LANAddressResolverTest, LeavesOutUnreachableAddresses) {
   std::vector<InterfaceAddress> interfaces;
   for (const char *name : {"utun3", "awdl0", "llw0", "gif0", "stf0", "lo", "lo0", "anpi1", "ap1", "ipsec0",
                            "pdp_ip0", "vmenet0", "vnic0"})
@@ -27,7 +27,7 @@ TEST(LANAddressResolverTest, WhereNoPhoneIsReachableIsNeverOffered) {
   EXPECT_THAT(ranked(interfaces), ElementsAre("198.20.0.1", "10.0.0.1"));
 }
 
-TEST(LANAddressResolverTest, ThePreferredOrderComesFirstThenNamesThenLinkLocal) {
+TEST(LANAddressResolverTest, OrdersByPreferenceThenNameThenLinkLocal) {
   const std::vector<InterfaceAddress> interfaces{{"eth0", "169.254.1.1"},   {"enp3s0", "10.0.0.4"},
                                                  {"docker0", "172.17.0.1"}, {"wlan0", "10.0.0.3"},
                                                  {"eth0", "10.0.0.2"},      {"br0", "10.0.0.1"}};
@@ -35,7 +35,7 @@ TEST(LANAddressResolverTest, ThePreferredOrderComesFirstThenNamesThenLinkLocal) 
               ElementsAre("10.0.0.2", "10.0.0.3", "10.0.0.1", "172.17.0.1", "10.0.0.4", "169.254.1.1"));
 }
 
-TEST(LANAddressResolverTest, KindsComeFromThePathThenFromTheName) {
+TEST(LANAddressResolverTest, TakesKindsFromThePathThenFromTheName) {
   const std::vector<InterfaceAddress> interfaces{{"bridge0", "10.0.0.2"}, {"bridge100", "10.0.0.3"}};
   EXPECT_THAT(LANAddressResolver::rank(interfaces, {}, {{"bridge0", LANAddress::Kind::wired}}),
               ElementsAre(LANAddress{"bridge0", "10.0.0.2", LANAddress::Kind::wired},
@@ -64,7 +64,7 @@ InterfaceFacts routed(InterfaceFacts facts, std::uint32_t metric) {
   return facts;
 }
 
-TEST(NetworkPathTest, TheInterfacesThatPhonesReachComeInTheOrderOfTheirRoutes) {
+TEST(NetworkPathTest, OrdersReachableInterfacesByRoute) {
   constexpr auto kWired = InterfaceType::wiredEthernet;
   constexpr auto kOther = InterfaceType::other;
   InterfaceFacts wifi = card("wlp2s0", "wlan");
@@ -101,7 +101,7 @@ TEST(NetworkPathTest, TheInterfacesThatPhonesReachComeInTheOrderOfTheirRoutes) {
     EXPECT_EQ(networkPath(facts).interfaces, path) << what;
 }
 
-TEST(DefaultRoutesTest, OnlyUsableDefaultRoutesCountTheSmallestMetricFirst) {
+TEST(DefaultRoutesTest, OrdersUsableDefaultRoutesByMetric) {
   EXPECT_THAT(
       defaultRoutes("Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT \n"
                     "wlan0\t00000000\t0101A8C0\t0003\t0\t0\t600\t00000000\t0\t0\t0      \n"

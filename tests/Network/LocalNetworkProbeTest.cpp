@@ -78,7 +78,7 @@ Outcome outcomeAt(const std::string &host, std::uint16_t port, Seconds timeout =
   return outcome.get_future().get();
 }
 
-TEST(LocalNetworkProbeTest, ItAsksForTheHealthAndTheFirstBytesOfTheAnswerDecide) {
+TEST(LocalNetworkProbeTest, DecidesByTheFirstBytesOfTheHealthAnswer) {
   const Outcome bad{Kind::unreachable, "bad response"};
   const std::tuple<std::string, Outcome> answers[] = {
       {"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok", {Kind::reachable}},
@@ -100,7 +100,7 @@ TEST(LocalNetworkProbeTest, ItAsksForTheHealthAndTheFirstBytesOfTheAnswerDecide)
   }
 }
 
-TEST(LocalNetworkProbeTest, AnAnswerInPiecesIsKnownByItsFirst) {
+TEST(LocalNetworkProbeTest, ReadsAnAnswerInPieces) {
   for (const auto &[first, kind] :
        {std::pair("HTTP/1.1 200 OK", Kind::reachable), std::pair("HTTP", Kind::unreachable)}) {
     Server server([text = std::string(first)](SocketStream &stream) {
@@ -111,7 +111,7 @@ TEST(LocalNetworkProbeTest, AnAnswerInPiecesIsKnownByItsFirst) {
   }
 }
 
-TEST(LocalNetworkProbeTest, WhatTheSystemSaysAgainstItIsTold) {
+TEST(LocalNetworkProbeTest, ReportsSystemErrors) {
   const auto refusal = [](std::errc error) {
     return Outcome{Kind::unreachable, std::make_error_code(error).message()};
   };
@@ -122,19 +122,19 @@ TEST(LocalNetworkProbeTest, WhatTheSystemSaysAgainstItIsTold) {
   EXPECT_EQ(outcomeAt(kHost, deaf.port()), refusal(std::errc::connection_reset));
 }
 
-TEST(LocalNetworkProbeTest, ASilentServerIsATimeout) {
+TEST(LocalNetworkProbeTest, TimesOutOnASilentServer) {
   Server server(hearAndWait);
   EXPECT_EQ(outcomeAt(kHost, server.port(), Seconds(0.05)), Outcome{Kind::timeout});
 }
 
-TEST(LocalNetworkProbeTest, PortZeroIsRefusedAtOnce) {
+TEST(LocalNetworkProbeTest, RejectsPortZeroAtOnce) {
   std::optional<Outcome> outcome;
   const auto probe = LocalNetworkProbe::probe(kHost, 0, kLong, [&](Outcome told) { outcome = told; });
   EXPECT_EQ(outcome, (Outcome{Kind::unreachable, "bad port"}));
 }
 
 // Were the time-out waited for, the time limit of the suite would end it.
-TEST(LocalNetworkProbeTest, AProbeThatIsGivenUpEndsAtOnceAndTellsNothing) {
+TEST(LocalNetworkProbeTest, ReportsNothingAfterACancellation) {
   std::latch heard(1);
   Server server([&](SocketStream &stream) {
     hear(stream, 1);

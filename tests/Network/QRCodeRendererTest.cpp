@@ -11,7 +11,7 @@ namespace {
 
 using QRCodeRenderer::image;
 
-TEST(QRCodeRendererTest, AnIndependentReaderReadsTheText) {
+TEST(QRCodeRendererTest, IsReadByAnIndependentReader) {
   for (const std::string &text : {std::string("http://192.168.1.23:8000/?k=aB3dE5gH7j"),
                                   std::string("照片投递站"), std::string(1000, 'x')}) {
     const auto code = image(text, 8, 2);
@@ -23,7 +23,7 @@ TEST(QRCodeRendererTest, AnIndependentReaderReadsTheText) {
   }
 }
 
-TEST(QRCodeRendererTest, EveryModuleIsAnExactBlockInsideAWhiteZone) {
+TEST(QRCodeRendererTest, DrawsModulesAsExactBlocks) {
   constexpr std::int64_t kPixels = 3;
   constexpr std::int64_t kQuiet = 2;
   const auto modules = QRCodeRenderer::modules("tevrin");
@@ -40,7 +40,7 @@ TEST(QRCodeRendererTest, EveryModuleIsAnExactBlockInsideAWhiteZone) {
   }
 }
 
-TEST(QRCodeRendererTest, TheSmallestVersionThatFitsAtLevelMIsTaken) {
+TEST(QRCodeRendererTest, UsesTheSmallestVersionAtLevelM) {
   constexpr std::pair<std::size_t, int> kSides[] = {{0, 0}, {14, 21}, {15, 25}, {2331, 177}, {2332, 0}};
   for (const auto &[bytes, side] : kSides) { // digits too are stored as bytes
     const auto modules = QRCodeRenderer::modules(std::string(bytes, '1'));
@@ -48,7 +48,7 @@ TEST(QRCodeRendererTest, TheSmallestVersionThatFitsAtLevelMIsTaken) {
   }
 }
 
-TEST(QRCodeRendererTest, SidesThatMakeNoPictureGiveNothing) {
+TEST(QRCodeRendererTest, RejectsInvalidSides) {
   for (const auto &[pixels, quiet] : {std::pair(0, 2), std::pair(8, -1), std::pair(1'000'000, 2)})
     EXPECT_FALSE(image("x", pixels, quiet)) << pixels;
 }

@@ -36,7 +36,7 @@ protected:
   DirectoryWatch watch;
 };
 
-TEST_F(DirectoryWatchTest, EveryArrivalAndDepartureIsSeenInOrderAndWritingIsNone) {
+TEST_F(DirectoryWatchTest, ReportsArrivalsAndDeparturesInOrderButNotWrites) {
   const auto inbox = folder.makeFolder("inbox");
   folder.write("outside");
   ASSERT_TRUE(watch.add(inbox));
@@ -51,7 +51,7 @@ TEST_F(DirectoryWatchTest, EveryArrivalAndDepartureIsSeenInOrderAndWritingIsNone
   EXPECT_THAT(changes(), IsEmpty());
 }
 
-TEST_F(DirectoryWatchTest, AFolderThatGoesAwayIsLost) {
+TEST_F(DirectoryWatchTest, ReportsAFolderThatIsGoneAsLost) {
   const auto inbox = folder.makeFolder("inbox");
   ASSERT_TRUE(watch.add(inbox));
   fs::rename(inbox, folder / "moved");
@@ -63,7 +63,7 @@ TEST_F(DirectoryWatchTest, AFolderThatGoesAwayIsLost) {
   EXPECT_FALSE(watch.add(folder.write("file")));
 }
 
-TEST_F(DirectoryWatchTest, DroppedEventsAreToldAsAnOverflow) {
+TEST_F(DirectoryWatchTest, ReportsDroppedEventsAsAnOverflow) {
   std::ifstream limit("/proc/sys/fs/inotify/max_queued_events");
   int most = 0;
   if (!(limit >> most) || most > 100'000)

@@ -24,7 +24,7 @@ protected:
   test::TemporaryFolder folder;
 };
 
-TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
+TEST_F(FileStatusTest, UsesTheEarlierOfBirthAndModification) {
   const auto file = folder.write("photo", "12345");
   const auto fresh = fileStatus(file).value();
   EXPECT_EQ(fresh.bytes, 5);
@@ -40,7 +40,7 @@ TEST_F(FileStatusTest, APhotoCameIntoBeingAtTheEarlierOfBirthAndModification) {
 
 // No file system here changes the permissions of a link, so a link stands in for a file on one that refuses
 // to change those of files.
-TEST_F(FileStatusTest, ARefusalToChangePermissionsIsToleratedAndTheTimeIsCopiedAllTheSame) {
+TEST_F(FileStatusTest, ToleratesRefusedPermissionsAndCopiesTheTime) {
   FileStatus like;
   like.modified = Instant(std::chrono::seconds(5));
   like.permissions = 0640;
@@ -52,7 +52,7 @@ TEST_F(FileStatusTest, ARefusalToChangePermissionsIsToleratedAndTheTimeIsCopiedA
   EXPECT_FALSE(copyPermissionsAndTime(like, folder / "gone"));
 }
 
-TEST_F(FileStatusTest, WhatGoesToTheTrashLiesThereWithTheWayBackAndComesBackWithoutATrace) {
+TEST_F(FileStatusTest, RestoresAFileFromTheTrash) {
   ASSERT_EQ(kDataHomeIsSet, 0);
   SystemTrash trash;
   SystemFileSystem files;

@@ -25,7 +25,7 @@ protected:
   SystemFileSystem files;
 };
 
-TEST_F(FileSystemTest, NeitherAMoveNorANewFileTakesTheNameOfAnother) {
+TEST_F(FileSystemTest, NeverOverwritesAnotherFile) {
   const auto part = folder.write("part", "new");
   folder.write("taken", "old");
   folder.makeFolder("folder");
@@ -40,7 +40,7 @@ TEST_F(FileSystemTest, NeitherAMoveNorANewFileTakesTheNameOfAnother) {
   EXPECT_THAT(folder.names(), ElementsAre("folder", "free", "link", "taken"));
 }
 
-TEST_F(FileSystemTest, FoldersAreMadeDownToTheLastOrTheObstacleIsNamed) {
+TEST_F(FileSystemTest, CreatesAllMissingFoldersOrFails) {
   EXPECT_TRUE(files.createDirectories(folder / "a/b/c"));
   fs::create_directory_symlink(folder / "a", folder / "link");
   EXPECT_TRUE(files.createDirectories(folder / "link/b/c"));
@@ -49,7 +49,7 @@ TEST_F(FileSystemTest, FoldersAreMadeDownToTheLastOrTheObstacleIsNamed) {
   EXPECT_EQ(errorOf(files.createDirectories(folder / "file/below/deep")), ENOTDIR);
 }
 
-TEST_F(FileSystemTest, AReplacedFileIsTheUsersAloneAndNothingStaysBeside) {
+TEST_F(FileSystemTest, ReplacesAFilePrivatelyAndLeavesNoTemporary) {
   const auto file = folder.write("settings", "old");
   fs::permissions(file, fs::perms(0644));
   ASSERT_TRUE(replaceFile(file, "new"));
@@ -60,7 +60,7 @@ TEST_F(FileSystemTest, AReplacedFileIsTheUsersAloneAndNothingStaysBeside) {
   EXPECT_THAT(folder.names(), ElementsAre("folder", "settings"));
 }
 
-TEST_F(FileSystemTest, OnlyRegularFilesAreRead) {
+TEST_F(FileSystemTest, ReadsOnlyRegularFiles) {
   fs::create_symlink(folder.write("file"), folder / "link");
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
   EXPECT_EQ(errorOf(ReadableFile::open(folder / "link")), ELOOP);
@@ -71,7 +71,7 @@ TEST_F(FileSystemTest, OnlyRegularFilesAreRead) {
   EXPECT_EQ(readFile(folder.write("large", large)), large);
 }
 
-TEST_F(FileSystemTest, ALockSharesOrExcludesUntilItsHolderGoes) {
+TEST_F(FileSystemTest, HoldsLocksUntilTheirOwnerIsDestroyed) {
   using enum DirectoryLock::Mode;
   const auto path = folder.makeFolder("incoming");
   {

@@ -55,7 +55,7 @@ protected:
   fs::path state = folder / "share/state";
 };
 
-TEST_F(InstanceGuardTest, OneRunsAtATimeAndHearsExactlyWhatTheOthersWereAskedToDo) {
+TEST_F(InstanceGuardTest, ForwardsArgumentsToTheRunningInstance) {
   EXPECT_EQ(handOver({}), "No such file or directory");
   std::optional<InstanceGuard> first = claim();
   ASSERT_TRUE(first);
@@ -77,7 +77,7 @@ TEST_F(InstanceGuardTest, OneRunsAtATimeAndHearsExactlyWhatTheOthersWereAskedToD
   EXPECT_TRUE(InstanceGuard::claim(state, "other").value()); // another name is another program
 }
 
-TEST_F(InstanceGuardTest, WhatDoesNotFitAnAddressIsNoMatterOfTheDirectoryButOfTheName) {
+TEST_F(InstanceGuardTest, AcceptsLongDirectoriesButNotLongNames) {
   for (int level = 0; level < 4; ++level)
     state /= std::string(200, 'd');
   state /= ""; // a path that ends in a slash
@@ -89,7 +89,7 @@ TEST_F(InstanceGuardTest, WhatDoesNotFitAnAddressIsNoMatterOfTheDirectoryButOfTh
   EXPECT_EQ(InstanceGuard::claim(state, std::string(101, 'n')).error(), std::errc::filename_too_long);
 }
 
-TEST_F(InstanceGuardTest, AProgramThatWasKilledDoesNotHinderTheNext) {
+TEST_F(InstanceGuardTest, StartsAfterAKilledInstance) {
   int ready[2];
   ASSERT_EQ(::pipe(ready), 0);
   const pid_t child = ::fork();
@@ -114,7 +114,7 @@ TEST_F(InstanceGuardTest, AProgramThatWasKilledDoesNotHinderTheNext) {
   EXPECT_THAT(next->receive(), ElementsAre(Arguments{"3"}));
 }
 
-TEST_F(InstanceGuardTest, GarbageIsDroppedAndWhatComesBehindItIsHeard) {
+TEST_F(InstanceGuardTest, DropsMalformedMessages) {
   const auto guard = claim();
   ASSERT_TRUE(guard);
   const auto stranger = connected();
@@ -126,7 +126,7 @@ TEST_F(InstanceGuardTest, GarbageIsDroppedAndWhatComesBehindItIsHeard) {
   EXPECT_THAT(guard->receive(), ElementsAre(Arguments{"after"}));
 }
 
-TEST_F(InstanceGuardTest, AnotherUsersProgramIsNotListenedToAndNotTalkedTo) {
+TEST_F(InstanceGuardTest, IgnoresInstancesOfOtherUsers) {
   if (::geteuid() != 0)
     GTEST_SKIP() << "only the superuser can become somebody else";
   constexpr uid_t kNobody = 65534;

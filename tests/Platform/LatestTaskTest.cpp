@@ -11,7 +11,7 @@
 namespace fennick {
 namespace {
 
-TEST(Lifetime, GuardedCallbacksRunUntilTheyAreCancelledOrTheirOwnerIsGone) {
+TEST(Lifetime, RunsGuardedCallbacksUntilCancelledOrDestroyed) {
   std::vector<int> calls;
   auto lifetime = std::make_unique<Lifetime>();
   const auto note = [&](int value) { calls.push_back(value); };
@@ -29,7 +29,7 @@ TEST(Lifetime, GuardedCallbacksRunUntilTheyAreCancelledOrTheirOwnerIsGone) {
   EXPECT_EQ(calls, (std::vector{1, 3}));
 }
 
-TEST(LatestTask, OnlyTheLatestRequestIsComputedAndDelivered) {
+TEST(LatestTask, DeliversOnlyTheLatestRequest) {
   test::ManualQueue mainQueue;
   std::vector<int> delivered;
   std::vector<int> computed;
@@ -54,7 +54,7 @@ TEST(LatestTask, OnlyTheLatestRequestIsComputedAndDelivered) {
   EXPECT_EQ(delivered, std::vector{3});
 }
 
-TEST(LatestTask, NothingIsDeliveredAfterACancellationOrTheEndOfTheObject) {
+TEST(LatestTask, DeliversNothingAfterCancelOrDestruction) {
   test::ManualQueue mainQueue;
   int delivered = 0;
   for (const bool isDestroyed : {false, true}) {

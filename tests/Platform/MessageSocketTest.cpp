@@ -20,7 +20,7 @@ std::ptrdiff_t openDescriptors() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-TEST(MessageSocketTest, MoreDescriptorsThanAllowedAreNotKept) {
+TEST(MessageSocketTest, ClosesSurplusDescriptors) {
   auto ends = MessageSocket::makePair().value();
   const auto before = openDescriptors();
   const std::array<int, 2> two{0, 1};
@@ -45,7 +45,7 @@ TEST(MessageSocketTest, MoreDescriptorsThanAllowedAreNotKept) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(MemoryFileTest, OnlyWhatCanNeverChangeIsRead) {
+TEST(MemoryFileTest, ReadsOnlySealedFiles) {
   const auto sealed = sealedMemoryFile("picture").value();
   EXPECT_EQ(readSealedMemoryFile(sealed, 7), "picture");
   EXPECT_EQ(readSealedMemoryFile(sealed, 6).error(), std::errc::file_too_large);

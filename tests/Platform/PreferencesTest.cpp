@@ -24,7 +24,7 @@ protected:
   const fs::path file = folder / "tevrin/preferences.json";
 };
 
-TEST_F(FilePreferencesTest, ValuesSurviveARestartBesideThoseOfOtherVersionsBehindALink) {
+TEST_F(FilePreferencesTest, KeepsValuesAndUnknownKeysThroughALink) {
   fs::create_directory(folder / "tevrin");
   fs::create_symlink(folder.write("elsewhere.json", R"({"later": {"a": [1, null]}, "on": 1})"), file);
   ASSERT_TRUE(reopened().setText("名", "值\n\"1\""));
@@ -39,7 +39,7 @@ TEST_F(FilePreferencesTest, ValuesSurviveARestartBesideThoseOfOtherVersionsBehin
   EXPECT_THAT(folder.read("elsewhere.json"), HasSubstr("\"later\""));
 }
 
-TEST_F(FilePreferencesTest, WhatOtherProgramsStoredMeanwhileStays) {
+TEST_F(FilePreferencesTest, KeepsValuesThatOtherProgramsStoredMeanwhile) {
   auto one = reopened();
   auto other = reopened();
   ASSERT_TRUE(one.setText("mine", "1"));
@@ -54,7 +54,7 @@ TEST_F(FilePreferencesTest, WhatOtherProgramsStoredMeanwhileStays) {
   }
 }
 
-TEST_F(FilePreferencesTest, ProgramsThatWriteAtTheSameMomentLoseNothing) {
+TEST_F(FilePreferencesTest, LosesNothingWhenProgramsWriteAtTheSameTime) {
   constexpr int kKeys = 20;
   const auto writeKeys = [this](const std::string &prefix) {
     auto preferences = reopened();
@@ -70,7 +70,7 @@ TEST_F(FilePreferencesTest, ProgramsThatWriteAtTheSameMomentLoseNothing) {
     EXPECT_TRUE(all.flag("a" + std::to_string(i)) && all.flag("b" + std::to_string(i))) << i;
 }
 
-TEST_F(FilePreferencesTest, ADamagedFileIsKeptAsideBeforeTheFirstWrite) {
+TEST_F(FilePreferencesTest, KeepsADamagedFileBeforeTheFirstWrite) {
   std::string kept = "tevrin/preferences.json.damaged";
   int number = 1;
   for (const std::string_view damaged : {"{\"text\": \"cut sho", "[1, 2]", "", "\xFF\xFE"}) {
@@ -86,7 +86,7 @@ TEST_F(FilePreferencesTest, ADamagedFileIsKeptAsideBeforeTheFirstWrite) {
   }
 }
 
-TEST_F(FilePreferencesTest, WhateverComesIntoTheFilesPlaceWhileItIsInUseIsKeptAsideAndNoValueIsLost) {
+TEST_F(FilePreferencesTest, KeepsUnusableContentThatAppearsWhileInUse) {
   folder.write("tevrin/preferences.json.damaged/file"); // a folder under the first name
   folder.write("tevrin/preferences.json.damaged-2");
   auto preferences = reopened();
@@ -112,7 +112,7 @@ TEST_F(FilePreferencesTest, WhateverComesIntoTheFilesPlaceWhileItIsInUseIsKeptAs
   EXPECT_EQ(folder.names("tevrin").size(), 8U);
 }
 
-TEST_F(FilePreferencesTest, AValueThatCannotBeStoredHoldsForTheRunAndIsStoredWithTheNextThatCan) {
+TEST_F(FilePreferencesTest, StoresAFailedValueTogetherWithTheNext) {
   folder.write("tevrin", "a file where the folder should be");
   auto preferences = reopened();
   EXPECT_FALSE(preferences.setText("text", "new"));

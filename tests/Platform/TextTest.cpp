@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::literals;
 
-TEST(Text, UTF8IsJudgedByEveryByte) {
+TEST(Text, ValidatesUTF8) {
   for (const auto valid : {""sv, "a\0b"sv, "照片 é 😀"sv, "\xF4\x8F\xBF\xBF"sv})
     EXPECT_TRUE(isValidUTF8(valid)) << valid;
   // Cut short, overlong, a surrogate, past the last character, a lone continuation, after a NUL.
@@ -21,7 +21,7 @@ TEST(Text, UTF8IsJudgedByEveryByte) {
     EXPECT_EQ(percentDecoded(broken), std::nullopt) << broken;
 }
 
-TEST(Text, Base64GivesBackWhatItWasGivenAndTakesNoOtherSpelling) {
+TEST(Text, DecodesOnlyCanonicalBase64) {
   std::string text;
   for (int length = 0; length < 20; ++length) {
     const auto bytes = std::as_bytes(std::span(text));
@@ -33,7 +33,7 @@ TEST(Text, Base64GivesBackWhatItWasGivenAndTakesNoOtherSpelling) {
     EXPECT_FALSE(base64Decoded(wrong)) << wrong;
 }
 
-TEST(Text, FileSizesChangeUnitBeforeTheyWouldRoundToAThousand) {
+TEST(Text, ChangesTheUnitBeforeRoundingToAThousand) {
   const std::pair<std::int64_t, std::string_view> cases[]{
       {0, "0 KB"},           {999, "999 字节"},     {999'499, "999 KB"},       {999'999, "1 MB"},
       {2'400'000, "2.4 MB"}, {999'960'000, "1 GB"}, {1'250'000'000, "1.25 GB"}};
@@ -41,7 +41,7 @@ TEST(Text, FileSizesChangeUnitBeforeTheyWouldRoundToAThousand) {
     EXPECT_EQ(fileSizeText(bytes), text) << bytes;
 }
 
-TEST(Text, ANameFromOutsideCannotLeaveItsFolderOrForgeALineOfTheLog) {
+TEST(Text, PreventsPathTraversalAndForgedLogLines) {
   for (const auto &name : {""s, "."s, ".."s, "a/b"s, "../a"s, "a\0.jpg"s, std::string(256, 'x')})
     EXPECT_FALSE(PathComponent::make(name)) << name;
   EXPECT_TRUE(PathComponent::make(std::string(255, 'x')));

@@ -10,7 +10,7 @@
 namespace fennick {
 namespace {
 
-TEST(ThreadCache, EveryTaskRunsAtOnceHoweverManyWaitAndNoneIsLostWhileOthersEnd) {
+TEST(ThreadCache, RunsEveryTaskAtOnce) {
   std::latch together(32); // passed only when all of them run at the same time
   std::atomic<int> done = 0;
   {

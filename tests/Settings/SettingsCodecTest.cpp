@@ -13,7 +13,7 @@ std::string problemOf(std::string_view json) {
   return settings ? "decoded" : settings.error().description();
 }
 
-TEST(SettingsCodecTest, TheStoredFormHasTheFieldsInOrder) {
+TEST(SettingsCodecTest, WritesTheFieldsInOrder) {
   EXPECT_EQ(
       encode(test::fullSettings()),
       R"({"preferredPort":9000,"saveFolderBookmark":"L3Nydi/nhafniYc=","dateSubfolders":true,)"
@@ -28,12 +28,12 @@ TEST(SettingsCodecTest, TheStoredFormHasTheFieldsInOrder) {
       R"("autoPrune":false})");
 }
 
-TEST(SettingsCodecTest, WhatWasStoredIsReadBackEqual) {
+TEST(SettingsCodecTest, ReadsBackWhatItWrites) {
   for (const AppSettings &settings : {AppSettings{}, test::fullSettings()})
     EXPECT_EQ(decodeAppSettings(encode(settings).value()), settings);
 }
 
-TEST(SettingsCodecTest, MissingNullAndUnknownFieldsLeaveTheInitialValues) {
+TEST(SettingsCodecTest, UsesInitialValuesForMissingAndNullFields) {
   AppSettings port9000;
   port9000.preferredPort = 9000;
   AppSettings sequence;
@@ -50,7 +50,7 @@ TEST(SettingsCodecTest, MissingNullAndUnknownFieldsLeaveTheInitialValues) {
     EXPECT_EQ(decodeAppSettings(json), expected) << json;
 }
 
-TEST(SettingsCodecTest, AWrongTypeAnywhereFailsTheRecordAndNamesTheField) {
+TEST(SettingsCodecTest, RejectsAWrongTypeAndNamesTheField) {
   const std::pair<const char *, const char *> cases[] = {
       {R"({"preferredPort":9000,"maxUploadBytes":"big"})",
        "maxUploadBytes: must be a whole number, found string"},
@@ -73,7 +73,7 @@ TEST(SettingsCodecTest, AWrongTypeAnywhereFailsTheRecordAndNamesTheField) {
     EXPECT_NE(problemOf(fmt::format(R"({{"folderLimit":{}}})", number)), "decoded") << number;
 }
 
-TEST(SettingsCodecTest, HostileTextIsAnOrdinaryError) {
+TEST(SettingsCodecTest, RejectsHostileText) {
   for (const char *text :
        {"", "[]", "null", "{", "{}x", "\xFF", "{\"naming\":\"\xC3\"}", "\"settings\"", "1e999"})
     EXPECT_NE(problemOf(text), "decoded") << text;

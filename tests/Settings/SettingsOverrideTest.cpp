@@ -44,7 +44,7 @@ AppSettings with(std::initializer_list<std::string_view> overrides, AppSettings 
   return settings;
 }
 
-TEST(SettingsOverrideTest, EveryFieldOfTheRecordCanBeSet) {
+TEST(SettingsOverrideTest, SetsEveryField) {
   const ordered_json wanted = leavesOf(test::fullSettings());
   const ordered_json initial = leavesOf({});
   AppSettings settings;
@@ -56,7 +56,7 @@ TEST(SettingsOverrideTest, EveryFieldOfTheRecordCanBeSet) {
   EXPECT_EQ(settings, test::fullSettings());
 }
 
-TEST(SettingsOverrideTest, TextNeedsNoQuotesEvenWhenItLooksLikeJSON) {
+TEST(SettingsOverrideTest, AcceptsTextWithoutQuotes) {
   const AppSettings settings = with({"preferredInterface=eth0", "sessionSubfolder=2024", "galleryFolder=a=b",
                                      "workflow.openWithAppName=true", "imaging.format=heic",
                                      "naming.prefixSequence.prefix=null", "saveFolderBookmark=L3Nydi8x"});
@@ -69,13 +69,13 @@ TEST(SettingsOverrideTest, TextNeedsNoQuotesEvenWhenItLooksLikeJSON) {
   EXPECT_EQ(settings.saveFolderBookmark, test::bookmarkOf("/srv/1"));
 }
 
-TEST(SettingsOverrideTest, NullClearsWhatMayBeAbsentAndNothingElse) {
+TEST(SettingsOverrideTest, ClearsOnlyOptionalFieldsWithNull) {
   EXPECT_EQ(with({"hotKeyPreset=null", "folderLimit=null"}, test::fullSettings()).folderLimit, std::nullopt);
   for (const char *key : {"preferredPort", "galleryEnabled", "imaging", "imaging.quality", "naming"})
     EXPECT_NE(refusal(fmt::format("{}=null", key)), "accepted") << key;
 }
 
-TEST(SettingsOverrideTest, NamingIsChosenByNameByFieldOrByItsStoredForm) {
+TEST(SettingsOverrideTest, SetsTheNamingByNameFieldOrStoredForm) {
   const PrefixSequenceNaming fourDigits{.digits = 4};
   EXPECT_EQ(with({"naming=prefixSequence"}).naming, NamingPolicy(PrefixSequenceNaming{}));
   EXPECT_EQ(with({"naming.prefixSequence.digits=4"}).naming, NamingPolicy(fourDigits));
@@ -89,7 +89,7 @@ TEST(SettingsOverrideTest, NamingIsChosenByNameByFieldOrByItsStoredForm) {
               HasSubstr("naming.prefixSequence.digits"));
 }
 
-TEST(SettingsOverrideTest, ValuesThatWouldDoHarmAreRefused) {
+TEST(SettingsOverrideTest, RejectsHarmfulValues) {
   const std::string tooLong = "naming.prefixSequence.prefix=" + std::string(200, 'x');
   const std::string_view cases[] = {"maxUploadBytes=0",
                                     "folderLimit=-1",
@@ -122,7 +122,7 @@ TEST(SettingsOverrideTest, ValuesThatWouldDoHarmAreRefused) {
     EXPECT_THAT(refusal(keyValue), HasSubstr(" / ")) << keyValue;
 }
 
-TEST(SettingsOverrideTest, TheSentenceNamesTheKeyTheValueAndWhatIsAllowed) {
+TEST(SettingsOverrideTest, NamesKeyValueAndAllowedRangeInErrors) {
   EXPECT_EQ(refusal("folderLimit=-1"),
             "folderLimit 不能设为“-1”，应为不小于 0 的整数，或 null / "
             "folderLimit cannot be \"-1\": it takes a whole number from 0, or null");
@@ -133,7 +133,7 @@ TEST(SettingsOverrideTest, TheSentenceNamesTheKeyTheValueAndWhatIsAllowed) {
   EXPECT_LT(unprintable.size(), 400U);
 }
 
-TEST(SettingsOverrideTest, UnknownKeysAndOtherTextAreRefused) {
+TEST(SettingsOverrideTest, RejectsUnknownKeys) {
   for (const char *keyValue :
        {"=", "port=1", "imaging.=1", "imaging.maxPixels.x=1", ".imaging=1", "folderLimitX=1",
         "naming.timestamp.x=1", "naming.prefixSequenceX=1", "PreferredPort=1"})

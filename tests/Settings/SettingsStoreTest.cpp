@@ -44,7 +44,7 @@ protected:
   MemoryPreferences preferences;
 };
 
-TEST_F(SettingsStoreTest, WhatIsChangedIsThereInTheNextRun) {
+TEST_F(SettingsStoreTest, KeepsChangesForTheNextRun) {
   std::string key;
   {
     SettingsStore store(preferences);
@@ -56,7 +56,7 @@ TEST_F(SettingsStoreTest, WhatIsChangedIsThereInTheNextRun) {
   EXPECT_EQ(next.accessKey(), key);
 }
 
-TEST_F(SettingsStoreTest, UnreadableSettingsAreTheInitialOnesAndStayStoredUntilTheNextChange) {
+TEST_F(SettingsStoreTest, KeepsUnreadableSettingsUntilTheNextChange) {
   const std::string damaged = R"({"preferredPort":9000,"maxUploadBytes":"big"})";
   preferences.texts["settings.v1"] = damaged;
   SettingsStore store(preferences);
@@ -66,7 +66,7 @@ TEST_F(SettingsStoreTest, UnreadableSettingsAreTheInitialOnesAndStayStoredUntilT
   EXPECT_EQ(storedSettings().preferredPort, 9001);
 }
 
-TEST_F(SettingsStoreTest, AMissingOrEmptyKeyIsMadeAndStoredAtOnce) {
+TEST_F(SettingsStoreTest, CreatesAMissingKey) {
   preferences.texts["accessKey"] = "";
   const SettingsStore store(preferences);
   EXPECT_EQ(store.accessKey().size(), 10U);
@@ -74,7 +74,7 @@ TEST_F(SettingsStoreTest, AMissingOrEmptyKeyIsMadeAndStoredAtOnce) {
   EXPECT_EQ(preferences.text("accessKey"), store.accessKey());
 }
 
-TEST_F(SettingsStoreTest, ObserversHearOfAChangeBeforeItIsStored) {
+TEST_F(SettingsStoreTest, NotifiesObserversBeforeStoring) {
   SettingsStore store(preferences);
   const std::string firstKey = store.accessKey();
   std::optional<AppSettings> heard;
@@ -96,7 +96,7 @@ TEST_F(SettingsStoreTest, ObserversHearOfAChangeBeforeItIsStored) {
   EXPECT_EQ(heardKey, preferences.text("accessKey"));
 }
 
-TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
+TEST_F(SettingsStoreTest, NotifiesObserversOfNestedChangesLast) {
   SettingsStore store(preferences);
   std::uint16_t heard = 0;
   const auto corrector = store.observeSettings([&](const AppSettings &value) {
@@ -109,7 +109,7 @@ TEST_F(SettingsStoreTest, AChangeMadeByAnObserverIsTheLastThatEveryoneHears) {
   EXPECT_EQ(storedSettings().preferredPort, 8001);
 }
 
-TEST_F(SettingsStoreTest, WhatIsOverriddenForTheRunIsStoredOnlyOnceThatFieldIsChanged) {
+TEST_F(SettingsStoreTest, StoresAnOverriddenFieldOnlyWhenItChanges) {
   SettingsStore store(preferences);
   std::optional<AppSettings> heard;
   const auto settings = store.observeSettings([&](const AppSettings &value) { heard = value; });
@@ -140,7 +140,7 @@ TEST_F(SettingsStoreTest, WhatIsOverriddenForTheRunIsStoredOnlyOnceThatFieldIsCh
   expectBoth();
 }
 
-TEST_F(SettingsStoreTest, AnOverriddenNamingIsStoredByFieldOnlyOverOneOfItsKind) {
+TEST_F(SettingsStoreTest, StoresAnOverriddenNamingByField) {
   const auto change = [](auto with) {
     return [with](AppSettings &s) {
       if (auto *naming = std::get_if<PrefixSequenceNaming>(&s.naming))
@@ -157,7 +157,7 @@ TEST_F(SettingsStoreTest, AnOverriddenNamingIsStoredByFieldOnlyOverOneOfItsKind)
             NamingPolicy(PrefixSequenceNaming{.prefix = "run", .digits = 5, .start = 7}));
 }
 
-TEST_F(SettingsStoreTest, AChangeThatCannotBeStoredHoldsForTheRunAndIsToldOnceAfterTheObservers) {
+TEST_F(SettingsStoreTest, ReportsAFailedStoreAfterTheObservers) {
   SettingsStore store(preferences);
   std::string told;
   const auto settings = store.observeSettings([&](const AppSettings &) { told += "settings "; });

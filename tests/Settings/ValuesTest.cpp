@@ -27,14 +27,14 @@ private:
   std::size_t taken_ = 0;
 };
 
-TEST(AccessKeyTest, TheHighHalfOfTheProductChoosesAndWordsThatWouldFavourACharacterAreDrawnAgain) {
+TEST(AccessKeyTest, RejectsRandomWordsThatWouldFavourACharacter) {
   // One 56th of the words for each character: the second begins at 2^64 / 56. 2^64 modulo 56 is 16: a product
   // whose low half is below that is rejected, as those of 0 and 2^61 are.
   EXPECT_EQ(AccessKey::generate(3, Words({kGreatest / 56, kGreatest / 56 + 1, kGreatest})), "ab9");
   EXPECT_EQ(AccessKey::generate(2, Words({0, std::uint64_t{1} << 61, kGreatest, 1})), "9a");
 }
 
-TEST(AccessKeyTest, EveryCharacterOfTheAlphabetOccursAboutAsOftenAsTheOthers) {
+TEST(AccessKeyTest, DrawsAllCharactersEquallyOften) {
   // 56,000 draws: 1000 expected each, with a deviation of 31; 300 off has a chance below 10^-20.
   std::map<char, int> counts;
   for (const char c : AccessKey::generate(56'000))
@@ -46,7 +46,7 @@ TEST(AccessKeyTest, EveryCharacterOfTheAlphabetOccursAboutAsOftenAsTheOthers) {
     EXPECT_FALSE(counts.contains(lookAlike)) << lookAlike;
 }
 
-TEST(FolderBookmarkTest, ABookmarkLeadsBackToItsFolderUntilThatIsGone) {
+TEST(FolderBookmarkTest, ResolvesABookmarkUntilItsFolderIsGone) {
   const test::TemporaryFolder disk;
   const auto target = disk.makeFolder("旅行 \xFF"); // file names are bytes, not text
   const BookmarkData bookmark = FolderBookmark::make(target).value();
@@ -60,7 +60,7 @@ TEST(FolderBookmarkTest, ABookmarkLeadsBackToItsFolderUntilThatIsGone) {
         << bytes;
 }
 
-TEST(ImagingOptionsTest, QualityAndFloorAreClampedWhenUsedNotWhenStored) {
+TEST(ImagingOptionsTest, ClampsQualityAndFloorOnUse) {
   const auto inUse = [](double quality, double floor) {
     const ImagingOptions options{.quality = quality, .qualityFloor = floor};
     return std::pair(options.qualityInUse(), options.floorInUse());
@@ -70,7 +70,7 @@ TEST(ImagingOptionsTest, QualityAndFloorAreClampedWhenUsedNotWhenStored) {
   EXPECT_EQ(inUse(0.7, 0.9), std::pair(0.7, 0.7));
 }
 
-TEST(ImageLimitsTest, PicturesAreAcceptedUpToTheSideAndTheProduct) {
+TEST(ImageLimitsTest, AcceptsPicturesUpToTheLimits) {
   constexpr auto kHuge = std::numeric_limits<std::int64_t>::max();
   for (const auto &[width, height] : {std::pair(1, 1), std::pair(20000, 5000), std::pair(10000, 10000)})
     EXPECT_TRUE(ImageLimits::check(width, height)) << width;

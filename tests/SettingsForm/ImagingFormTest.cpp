@@ -10,7 +10,7 @@ using ::testing::Not;
 
 std::string utf8(const QString &text) { return text.toStdString(); }
 
-TEST_F(FormTest, APresetSetsTheFieldsAndAChangedFieldMakesThemOnesOwn) {
+TEST_F(FormTest, LeavesThePresetWhenAFieldChanges) {
   EXPECT_EQ(imaging.preset(), "asIs");
   imaging.setKeepOriginal(true); // a question of its own
   for (const auto &each : ImagingForm::presets()) {
@@ -30,7 +30,7 @@ TEST_F(FormTest, APresetSetsTheFieldsAndAChangedFieldMakesThemOnesOwn) {
   EXPECT_EQ(settings().imaging.maxPixels, 2048);
 }
 
-TEST_F(FormTest, WhatThisComputerCannotWriteIsSaid) {
+TEST_F(FormTest, ReportsAFormatThatCannotBeWritten) {
   decoder.encodesHEIC = false;
   imaging.setFormat("heic");
   EXPECT_THAT(utf8(imaging.formatMeaning()), Not(HasSubstr("写不了")));
@@ -40,7 +40,7 @@ TEST_F(FormTest, WhatThisComputerCannotWriteIsSaid) {
   EXPECT_THAT(utf8(imaging.formatMeaning()), HasSubstr("写不了 HEIC"));
 }
 
-TEST_F(FormTest, WithoutPhotosATypicalOneIsTheExample) {
+TEST_F(FormTest, UsesATypicalPhotoAsExampleWithoutPhotos) {
   EXPECT_EQ(utf8(imaging.exampleBefore()), "4032 × 3024，3.1 MB");
   EXPECT_EQ(utf8(imaging.exampleAfter()), "原样保存");
   imaging.setPreset("share");
@@ -49,7 +49,7 @@ TEST_F(FormTest, WithoutPhotosATypicalOneIsTheExample) {
   EXPECT_EQ(utf8(imaging.exampleRemark()), "JPEG，不带位置");
 }
 
-TEST_F(FormTest, TheLatestPhotoIsReallyEncodedAndOnlyTheLatestAnswerCounts) {
+TEST_F(FormTest, EncodesTheLatestPhotoAndUsesTheLatestAnswer) {
   decoder.setFacts(fennick::PictureFacts{
       .type = fennick::PictureType::jpeg, .width = 4000, .height = 2000, .orientation = 6});
   decoder.setRendering(fennick::Rendering{.bytes = std::string(5000, 'x'), .longEdge = 1000});
@@ -74,7 +74,7 @@ TEST_F(FormTest, TheLatestPhotoIsReallyEncodedAndOnlyTheLatestAnswerCounts) {
   EXPECT_THAT(utf8(imaging.exampleTitle()), HasSubstr("12 MP"));
 }
 
-TEST(PhotoExampleTest, AReckonedPhotoKeepsTheLimitOrSaysThatItCannot) {
+TEST(PhotoExampleTest, EstimatesWithinTheLimitOrReportsFailure) {
   for (const std::int64_t limit : {2'000'000, 500'000, 50'000}) {
     for (const auto format : {OutputFormat::jpeg, OutputFormat::heic}) {
       const auto example = PhotoExample::ofTypicalPhoto({.maxBytes = limit, .format = format}, true);

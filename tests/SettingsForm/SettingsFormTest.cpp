@@ -31,7 +31,7 @@ void collectSame(const auto &one, const auto &other, const std::string &prefix, 
   });
 }
 
-TEST_F(FormTest, EveryFieldOfTheRecordCanBeSet) {
+TEST_F(FormTest, SetsEveryField) {
   const auto entry = disk.write("viewer.desktop");
   form.setPort(9000);
   form.setDateSubfolders(true);
@@ -78,7 +78,7 @@ TEST_F(FormTest, EveryFieldOfTheRecordCanBeSet) {
                                               "galleryEnabled"));
 }
 
-TEST_F(FormTest, WhatCannotBeTakenIsExplainedAndNotStored) {
+TEST_F(FormTest, ExplainsAndDoesNotStoreInvalidInput) {
   struct Case {
     std::function<void(SettingsForm &)> enter;
     std::function<QString(const SettingsForm &)> error;
@@ -122,7 +122,7 @@ TEST_F(FormTest, WhatCannotBeTakenIsExplainedAndNotStored) {
   EXPECT_EQ(utf8(form.prefix()), "DSC");
 }
 
-TEST_F(FormTest, NumbersAreBroughtWithinTheirBounds) {
+TEST_F(FormTest, ClampsNumbersToTheirBounds) {
   form.setNumbered(true);
   form.setDigits(12);
   form.setStart(-1);
@@ -145,7 +145,7 @@ TEST_F(FormTest, NumbersAreBroughtWithinTheirBounds) {
   EXPECT_EQ(settings().maxUploadBytes, 1'000'000);
 }
 
-TEST_F(FormTest, WhatIsSwitchedOffComesBackAsItWas) {
+TEST_F(FormTest, RestoresDisabledValues) {
   form.setNumbered(true);
   form.setPrefix("Trip");
   form.setLimitsFolder(true);
@@ -165,7 +165,7 @@ TEST_F(FormTest, WhatIsSwitchedOffComesBackAsItWas) {
   EXPECT_EQ(settings().imaging.maxPixels, 1000);
 }
 
-TEST_F(FormTest, TheNextPhotosNameAndFolderAreThoseThatItWillGet) {
+TEST_F(FormTest, PredictsNameAndFolderOfTheNextPhoto) {
   const auto day = fennick::localDayText(queue.clock().now());
   const auto second = fennick::localSecondText(queue.clock().now());
   disk.write("photos/IMG_041.jpg"), disk.write("photos/note.txt"), disk.write("photos/.hidden.jpg");
@@ -191,7 +191,7 @@ TEST_F(FormTest, TheNextPhotosNameAndFolderAreThoseThatItWillGet) {
   runUntil([&] { return utf8(form.nextName()) == second + ".png"; });
 }
 
-TEST_F(FormTest, TheFoldersForPhonesAreThoseThatAreThereAndTheChosenOne) {
+TEST_F(FormTest, OffersExistingGalleryFoldersAndTheChosenOne) {
   for (const char *folder : {"b/deep", "a", ".hidden", "originals", "export"})
     std::filesystem::create_directories(disk / "photos" / folder);
   const auto values = [&] {

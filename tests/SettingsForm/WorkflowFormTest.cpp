@@ -11,7 +11,7 @@ using ::testing::IsEmpty;
 
 std::string utf8(const QString &text) { return text.toStdString(); }
 
-TEST_F(FormTest, ActionsAreTriedWithTheLatestPhotoWhateverIsSwitchedOn) {
+TEST_F(FormTest, TriesActionsWithTheLatestPhoto) {
   receive("a.jpg");
   workflow.tryOut(WorkflowForm::Copy);
   workflow.tryOut(WorkflowForm::Sound);
@@ -24,7 +24,7 @@ TEST_F(FormTest, ActionsAreTriedWithTheLatestPhotoWhateverIsSwitchedOn) {
   EXPECT_EQ(utf8(workflow.outcomes().join("")), "");
 }
 
-TEST_F(FormTest, WithoutPhotosASampleOfOurOwnIsThere) {
+TEST_F(FormTest, UsesASamplePictureWithoutPhotos) {
   workflow.tryOut(WorkflowForm::Copy);
   runUntil([&] { return !desktop.asked.empty(); });
   EXPECT_THAT(desktop.take(), ElementsAre("copy sample.jpg"));
@@ -36,7 +36,7 @@ TEST_F(FormTest, WithoutPhotosASampleOfOurOwnIsThere) {
   EXPECT_THAT(desktop.take(), IsEmpty());
 }
 
-TEST_F(FormTest, TheApplicationIsRememberedTriedAndMissedWhenItIsGone) {
+TEST_F(FormTest, RemembersTheApplicationAndReportsAMissingOne) {
   receive("a.jpg");
   workflow.tryOut(WorkflowForm::Open);
   EXPECT_TRUE(workflow.openingFailed());
@@ -61,7 +61,7 @@ TEST_F(FormTest, TheApplicationIsRememberedTriedAndMissedWhenItIsGone) {
   EXPECT_EQ(stored(), fennick::AppSettings());
 }
 
-TEST(ApplicationListTest, TheSearchNarrowsTheListDown) {
+TEST(ApplicationListTest, ShowsOnlyNamesThatContainTheSearch) {
   ApplicationList list;
   const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
   list.setApplications(

@@ -40,7 +40,7 @@ protected:
   FolderTrash trash;
 };
 
-TEST_F(FolderPrunerTest, TheOldestPhotosAndVideosGoAndNothingElseIsCounted) {
+TEST_F(FolderPrunerTest, PrunesTheOldestPhotosAndVideosOnly) {
   for (int i = 0; i < 12; ++i)
     write(fmt::format("{:02}.{}", i, i % 2 == 0 ? "jpg" : "MOV"), 100 - i);
   for (const char *other : {"a.txt", "b.txt", ".hidden.jpg", "sub/c.jpg"})
@@ -56,14 +56,14 @@ TEST_F(FolderPrunerTest, TheOldestPhotosAndVideosGoAndNothingElseIsCounted) {
   EXPECT_THAT(FolderPruner::prune(disk / "gone", 1, trash), IsEmpty());
 }
 
-TEST_F(FolderPrunerTest, WhatTheTrashRefusesStaysAndNoYoungerOneGoesInItsPlace) {
+TEST_F(FolderPrunerTest, KeepsWhatTheTrashRefusesWithoutASubstitute) {
   write("a.jpg", 1), write("b.jpg", 2), write("c.jpg", 3);
   trash.refused = "a.jpg";
   EXPECT_THAT(prune(1), ElementsAre(disk / "b.jpg"));
   EXPECT_THAT(disk.names(), ElementsAre("a.jpg", "c.jpg"));
 }
 
-TEST_F(FolderPrunerTest, NeitherANewPhotoUnderAnOldNameNorAnythingAfterAStopIsPruned) {
+TEST_F(FolderPrunerTest, KeepsReplacedPhotosAndStopsWhenAsked) {
   for (const char *name : {"a.jpg", "a_9.jpg", "a_10.jpg", "b.jpg"})
     write(name, 1); // a file system that counts in seconds
   trash.before = [&] { write("new", 9), fs::rename(disk / "new", disk / "a_9.jpg"); };

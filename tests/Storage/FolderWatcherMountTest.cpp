@@ -39,7 +39,7 @@ protected:
   std::vector<fs::path> plugged;
 };
 
-TEST_F(FolderWatcherMountTest, DrivesThatArePluggedInAndOutAreNoticedAndSoIsWhatHappensOnThem) {
+TEST_F(FolderWatcherMountTest, NoticesDrivesAndChangesOnThem) {
   const fs::path home = photos.parent_path();
   fs::create_directory(photos / "day");
   watch();
@@ -65,7 +65,7 @@ TEST_F(FolderWatcherMountTest, DrivesThatArePluggedInAndOutAreNoticedAndSoIsWhat
   EXPECT_EQ(callsSoFar(), 1 + std::ssize(turns)); // nothing is told twice
 }
 
-TEST_F(FolderWatcherMountTest, DrivesElsewhereAreNoChange) {
+TEST_F(FolderWatcherMountTest, IgnoresMountsElsewhere) {
   const fs::path other = disk.makeFolder("home/other");
   watch();
   for (int i = 0; i < 20; ++i) {

@@ -8,7 +8,7 @@ namespace {
 namespace fs = std::filesystem;
 using FolderWatcherTest = test::WatchedFolder;
 
-TEST_F(FolderWatcherTest, ChangesAreNoticedDownToTheSecondLevelAlsoInFoldersThatAppear) {
+TEST_F(FolderWatcherTest, NoticesChangesDownToTheSecondLevel) {
   disk.makeFolder("home/photos/2024-05-01/trip");
   watch();
   expectNoticed("arrival", [&] { arrive("a.jpg"); });
@@ -24,7 +24,7 @@ TEST_F(FolderWatcherTest, ChangesAreNoticedDownToTheSecondLevelAlsoInFoldersThat
   expectNoticed("moved away", [&] { fs::rename(photos / "day", disk / "elsewhere/day"); });
 }
 
-TEST_F(FolderWatcherTest, WhatIsNotShownIsNoChange) {
+TEST_F(FolderWatcherTest, IgnoresFilesThatAreNotShown) {
   for (const char *name : {"originals", "export", ".fennick-incoming", "1/2/3"})
     disk.makeFolder(fmt::format("home/photos/{}", name));
   disk.makeFolder("outside");
@@ -38,7 +38,7 @@ TEST_F(FolderWatcherTest, WhatIsNotShownIsNoChange) {
   expectNothingNoticedSoFar();
 }
 
-TEST_F(FolderWatcherTest, TheWatcherKeepsToThePathWhateverBecomesOfTheFolder) {
+TEST_F(FolderWatcherTest, FollowsThePathWhenTheFolderIsReplaced) {
   watch();
   const std::vector<std::pair<std::string, std::function<void()>>> turns{
       {"moved away", [&] { fs::rename(photos, disk / "old"); }},
@@ -53,7 +53,7 @@ TEST_F(FolderWatcherTest, TheWatcherKeepsToThePathWhateverBecomesOfTheFolder) {
   expectNoticed("behind the link", [&] { arrive("a.jpg"); });
 }
 
-TEST_F(FolderWatcherTest, ThousandsOfChangesAreToldInAFewCalls) {
+TEST_F(FolderWatcherTest, CombinesThousandsOfChangesIntoAFewCalls) {
   watch();
   arrive("a.jpg");
   for (int i = 0; i < 10'000; ++i) { // more than the kernel keeps

@@ -26,7 +26,7 @@ using ::testing::UnorderedElementsAre;
 
 const auto kNever = [] { return false; };
 
-TEST(LeftoversTest, WhereverAnActionIsKilledEachPhotoHasOneNameAndAllItsBytesAfterTheNextStart) {
+TEST(LeftoversTest, RecoversPhotosAfterACrashAtAnyStep) {
   struct Row {
     const char *name;
     std::function<void(const fs::path &folder, FileSystem &files)> act;
@@ -94,7 +94,7 @@ protected:
   const std::string uuid = "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9";
 };
 
-TEST_F(LeftoversIn, OnlyFilesOfExactlyOurNamesAreClearedAndNobodyIsReplaced) {
+TEST_F(LeftoversIn, ClearsOnlyOurOwnTemporaryNames) {
   const std::vector<std::string> kept{".rotate-mine.tmp",
                                       ".rotate-" + uuid + ".tmp.jpg",
                                       ".ROTATE-" + uuid + ".tmp",
@@ -133,7 +133,7 @@ TEST_F(LeftoversIn, OnlyFilesOfExactlyOurNamesAreClearedAndNobodyIsReplaced) {
 
 // Whoever works in the folder looks, in the middle of it, whether somebody else's start would clear its
 // files.
-TEST_F(LeftoversIn, NothingIsClearedInAFolderInWhichAProgramWorks) {
+TEST_F(LeftoversIn, ClearsNothingInAFolderInUse) {
   const fs::path one = disk.write("1.jpg", "one");
   test::FakeDecoder decoder;
   test::FaultyFileSystem faulty;
@@ -151,7 +151,7 @@ TEST_F(LeftoversIn, NothingIsClearedInAFolderInWhichAProgramWorks) {
   EXPECT_THAT(disk.names("export"), ElementsAre("x1.jpg"));
 }
 
-TEST_F(LeftoversIn, AFolderOfThumbnailsLosesOnlyItsTemporaryFilesAndNoneInUse) {
+TEST_F(LeftoversIn, ClearsOnlyTemporaryThumbnails) {
   disk.write("." + uuid + ".tmp");
   disk.write("a-1-2-400.jpg");
   auto use = std::optional<FolderUse>(disk.path());

@@ -16,7 +16,7 @@ namespace {
 
 constexpr Instant kNoon{std::chrono::seconds(1'714'564'800)};
 
-TEST(NameGeneratorTest, SequenceNamesGoOnFromTheHighestNumber) {
+TEST(NameGeneratorTest, ContinuesSequenceNamesAfterTheHighestNumber) {
   using Names = std::vector<std::string>;
   const std::tuple<std::string, PrefixSequenceNaming, Names, std::optional<int>, std::string> table[] = {
       {"notes are no number", {}, {"IMG_7.jpg", "IMG_notes.jpg", "IMG_9.tar.gz"}, {}, "IMG_008.jpg"},
@@ -44,7 +44,7 @@ TEST(NameGeneratorTest, SequenceNamesGoOnFromTheHighestNumber) {
   }
 }
 
-TEST(NameGeneratorTest, PhotosOfOneSecondAreCountedFromTwo) {
+TEST(NameGeneratorTest, NumbersPhotosOfOneSecondFromTwo) {
   const std::string second = localSecondText(kNoon);
   TakenNames taken;
   taken.insert(second + "_3.jpg", FileKind::regular);
@@ -56,7 +56,7 @@ TEST(NameGeneratorTest, PhotosOfOneSecondAreCountedFromTwo) {
   EXPECT_EQ(NameGenerator::generate(TimestampNaming{}, kNoon, "png", taken, {}).name, second + ".png");
 }
 
-TEST(SaveDestinationTest, TheDayChangesAtLocalMidnightWhereverThePersonIs) {
+TEST(SaveDestinationTest, ChangesTheDayAtLocalMidnight) {
   constexpr Instant kLastSecondOfApril{std::chrono::seconds(1'714'521'599)}; // 2024-04-30 23:59:59 UTC
   const SaveDestination trip{.folder = "/p", .dateSubfolders = true, .naming = {}, .subfolder = "trip"};
   using Strings = std::array<const char *, 3>;
@@ -72,7 +72,7 @@ TEST(SaveDestinationTest, TheDayChangesAtLocalMidnightWhereverThePersonIs) {
   ::unsetenv("TZ");
 }
 
-TEST(SaveDestinationTest, NoSessionNameLeadsOutOfTheSaveFolder) {
+TEST(SaveDestinationTest, KeepsSessionNamesInsideTheSaveFolder) {
   SaveDestination destination{.folder = "/p", .dateSubfolders = false, .naming = {}, .subfolder = {}};
   for (const std::string &name : {std::string(), std::string("."), std::string(".."), std::string("../trip"),
                                   std::string("/etc"), std::string("a\0b", 3), std::string(256, 'x')}) {

@@ -49,7 +49,7 @@ protected:
   PhotoExport::Exported latest;
 };
 
-TEST_F(PhotoExportTest, WhatMustChangeIsWrittenAnewWithTheOriginalsTimeAndNobodyIsOverwritten) {
+TEST_F(PhotoExportTest, EncodesWithTheOriginalsTimeAndOverwritesNothing) {
   const fs::path photo = disk.write("photos/a.jpg", "original");
   ASSERT_TRUE(setModificationTime(photo, Instant(std::chrono::seconds(1'700'000'000))));
   ASSERT_TRUE(setPermissions(photo, 0640));
@@ -66,7 +66,7 @@ TEST_F(PhotoExportTest, WhatMustChangeIsWrittenAnewWithTheOriginalsTimeAndNobody
   EXPECT_EQ(exported(photo), "a.jpg: original") << "it is JPEG already";
 }
 
-TEST_F(PhotoExportTest, WhatNeedNotOrCannotChangeIsCopiedAndSaysWhatStaysInIt) {
+TEST_F(PhotoExportTest, CopiesUnchangedFilesAndReportsKeptMetadata) {
   options = {.maxPixels = 4000};
   EXPECT_EQ(exported(disk.write("a.JPG", std::string(700'000, 'x'))), "a.JPG: " + std::string(700'000, 'x'));
   EXPECT_TRUE(latest.copied && !latest.keepsMetadata);
@@ -86,7 +86,7 @@ TEST_F(PhotoExportTest, WhatNeedNotOrCannotChangeIsCopiedAndSaysWhatStaysInIt) {
   EXPECT_EQ(decoder.calls(), asked) << "a video is not looked into";
 }
 
-TEST_F(PhotoExportTest, WhateverGoesWrongNothingIsLeftBehind) {
+TEST_F(PhotoExportTest, LeavesNothingAfterAFailure) {
   const fs::path photo = disk.write("a.jpg", "original");
   const fs::path video = disk.write("b.mp4", "film");
   disk.makeFolder("export");
@@ -105,7 +105,7 @@ TEST_F(PhotoExportTest, WhateverGoesWrongNothingIsLeftBehind) {
   EXPECT_THAT(disk.names("export"), IsEmpty());
 }
 
-TEST_F(PhotoExportTest, TheOutlookIsWhatTheExportThenDoes) {
+TEST_F(PhotoExportTest, PredictsTheExport) {
   const fs::path source = disk.write("a.jpg", "original");
   auto outlook = PhotoExport::outlook(source, options, decoder);
   ASSERT_TRUE(outlook);

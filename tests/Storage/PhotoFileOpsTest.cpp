@@ -67,7 +67,7 @@ protected:
   int call = 0;
 };
 
-TEST_F(PhotoFileOpsTest, ANameIsTrimmedCheckedAndKeepsItsExtensionAndNobodyElsesIsTaken) {
+TEST_F(PhotoFileOpsTest, RenamesWithATrimmedNameAndItsExtension) {
   const auto photo = disk.write("a.JPG", "a");
   disk.write("b.JPG", "b");
   for (const char *bad : {"", " \t\n", ".x", "a/b", "a:b", "..", "\u3000.x", "../a"})
@@ -84,7 +84,7 @@ TEST_F(PhotoFileOpsTest, ANameIsTrimmedCheckedAndKeepsItsExtensionAndNobodyElses
   EXPECT_EQ(rename(photo, "c"), std::make_error_code(std::errc::no_such_file_or_directory).message());
 }
 
-TEST_F(PhotoFileOpsTest, ABatchCountsUpPassesOverOthersAndGoesAcrossFoldersAndLongNames) {
+TEST_F(PhotoFileOpsTest, NumbersABatchAcrossFoldersAndSkipsTakenNumbers) {
   const std::string longName = std::string(240, 'x') + ".jpg";
   const std::vector selection{disk.write("b.jpg", "first"), disk.write("sub/trip-09.png", "second"),
                               disk.write(longName, "third")};
@@ -104,7 +104,7 @@ TEST_F(PhotoFileOpsTest, ABatchCountsUpPassesOverOthersAndGoesAcrossFoldersAndLo
               OpError::Kind::invalidName);
 }
 
-TEST_F(PhotoFileOpsTest, TheNamesAreKnownBeforehandAndABatchThatIsStoppedLeavesTheOldOnes) {
+TEST_F(PhotoFileOpsTest, PredictsNamesAndRestoresThemAfterAStop) {
   const std::vector selection{disk.write("2.jpg", "first"), disk.write("1.jpg", "second")};
   disk.write("4.jpg", "foreign");
   const PhotoFileOps::Numbering numbering{.prefix = "", .digits = 1, .start = 3};
@@ -124,7 +124,7 @@ TEST_F(PhotoFileOpsTest, TheNamesAreKnownBeforehandAndABatchThatIsStoppedLeavesT
 }
 
 // Names are exchanged, and from each step on a number of moves fails: the batch's own, then those back.
-TEST_F(PhotoFileOpsTest, AtEveryStepEachPhotoHasATellingNameAndAFailedBatchIsUndoneOrSaysTheNames) {
+TEST_F(PhotoFileOpsTest, UndoesAFailedBatchOrReportsTheNames) {
   const std::vector<std::string> names{"1.jpg", "2.jpg", "3.jpg", "4.jpg"};
   for (int step = 1; step <= 9; ++step)
     for (int count = 1; count <= step; ++count) {
@@ -154,7 +154,7 @@ TEST_F(PhotoFileOpsTest, AtEveryStepEachPhotoHasATellingNameAndAFailedBatchIsUnd
     }
 }
 
-TEST_F(PhotoFileOpsTest, AQuarterTurnGoesRoundTheEightOrientationsAndKeepsTheModeAndThePlace) {
+TEST_F(PhotoFileOpsTest, RotatesAllOrientationsAndKeepsPermissionsAndPlace) {
   const auto photo = disk.write("a.jpg");
   constexpr std::array<std::int64_t, 8> kClockwise{6, 7, 8, 5, 2, 3, 4, 1};
   for (std::int64_t now = 1; now <= 8; ++now) {
@@ -177,7 +177,7 @@ TEST_F(PhotoFileOpsTest, AQuarterTurnGoesRoundTheEightOrientationsAndKeepsTheMod
   EXPECT_EQ(fileStatus(photo)->created(), Instant(std::chrono::seconds(8)));
 }
 
-TEST_F(PhotoFileOpsTest, WhateverGoesWrongTheOldPictureStaysAndNothingBesideIt) {
+TEST_F(PhotoFileOpsTest, KeepsTheOldPictureIfRotationFails) {
   const auto photo = disk.write("a.jpg", "old");
   fs::create_symlink(photo, disk / "link.jpg");
   const auto expectUntouched = [&](const char *said, const fs::path &file) {

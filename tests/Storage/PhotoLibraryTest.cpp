@@ -61,7 +61,7 @@ protected:
   std::unique_ptr<PhotoLibrary> library = std::make_unique<PhotoLibrary>(files, decoder, queue);
 };
 
-TEST_F(PhotoLibraryTest, PhotosAndVideosAreListedNewestFirstFromWhereTheyMayLie) {
+TEST_F(PhotoLibraryTest, ListsPhotosAndVideosNewestFirst) {
   write("old.jpg", 1), write("new.MOV", 9), write("day/middle.png", 5), write("day/trip/deep.heic", 7);
   write("\xFF.jpg", 3);
   for (const char *unlisted : {"day/trip/more/a.jpg", "originals/a.jpg", "export/a.jpg", "day/export/a.jpg",
@@ -78,7 +78,7 @@ TEST_F(PhotoLibraryTest, PhotosAndVideosAreListedNewestFirstFromWhereTheyMayLie)
   EXPECT_EQ(decoder.calls(), 4); // nothing looks into videos
 }
 
-TEST_F(PhotoLibraryTest, OnlyTheNewestAreKeptAndOnlyTheyAreRead) {
+TEST_F(PhotoLibraryTest, ReadsOnlyTheNewestPhotosWithinTheLimit) {
   for (int i = 0; i < 600; ++i)
     write(fmt::format("{:03}.jpg", i), i);
   open();
@@ -89,7 +89,7 @@ TEST_F(PhotoLibraryTest, OnlyTheNewestAreKeptAndOnlyTheyAreRead) {
   EXPECT_EQ(decoder.calls(), 501);
 }
 
-TEST_F(PhotoLibraryTest, DimensionsAreThoseOfThePictureAsShown) {
+TEST_F(PhotoLibraryTest, ReportsDimensionsAsShown) {
   write("a.jpg", 1);
   const auto shownAs = [&](PictureResult<PictureFacts> facts) {
     decoder.setFacts(std::move(facts));
@@ -105,14 +105,14 @@ TEST_F(PhotoLibraryTest, DimensionsAreThoseOfThePictureAsShown) {
   EXPECT_EQ(shownAs(decoder.kFault(PictureFault::undecodable)), "0 x 0");
 }
 
-TEST_F(PhotoLibraryTest, AnArrangementComesFirstThenTheRestByDateAndFoldersKeepTheirPlaces) {
+TEST_F(PhotoLibraryTest, ShowsArrangedPhotosFirstWithinEachFolder) {
   write("a.jpg", 9), write("b.jpg", 1), write("c.jpg", 5), write("day/x.jpg", 7), write("day/y.jpg", 3);
   PhotoOrder::save({"gone.jpg", "b.jpg", "a.jpg", "b.jpg"}, photos, files);
   open();
   EXPECT_THAT(shown(), ElementsAre("b.jpg", "x.jpg", "a.jpg", "y.jpg", "c.jpg"));
 }
 
-TEST_F(PhotoLibraryTest, BurstsOfChangesCostOneScanAndAnUnchangedListTellsNobody) {
+TEST_F(PhotoLibraryTest, ScansOnceForABurstOfChanges) {
   decoder.setFacts(decoder.kFault(PictureFault::unreadable)); // asked for anew by every scan
   write("a.jpg", 1);
   open();
@@ -130,7 +130,7 @@ TEST_F(PhotoLibraryTest, BurstsOfChangesCostOneScanAndAnUnchangedListTellsNobody
   EXPECT_EQ(told, 0);
 }
 
-TEST_F(PhotoLibraryTest, AScanThatWasOvertakenPublishesNothing) {
+TEST_F(PhotoLibraryTest, PublishesNothingFromAnOvertakenScan) {
   write("old.jpg", 1);
   disk.write("elsewhere/new.jpg");
   std::vector<std::vector<std::string>> seen;
@@ -160,7 +160,7 @@ TEST_F(PhotoLibraryTest, AScanThatWasOvertakenPublishesNothing) {
   EXPECT_THAT(shown(), IsEmpty());
 }
 
-TEST_F(PhotoLibraryTest, AnAddedFileComesToTheFrontAndShinesForAMoment) {
+TEST_F(PhotoLibraryTest, PutsAnAddedFileFirstAndHighlightsIt) {
   write("a.jpg", 5);
   open();
   const auto added = write("b.jpg", 1);
@@ -178,7 +178,7 @@ TEST_F(PhotoLibraryTest, AnAddedFileComesToTheFrontAndShinesForAMoment) {
   EXPECT_THAT(library->recentlyAdded(), IsEmpty());
 }
 
-TEST_F(PhotoLibraryTest, WhatThePersonDoesIsShownAtOnceAndByEveryLaterScan) {
+TEST_F(PhotoLibraryTest, ShowsUserChangesAtOnceAndAfterLaterScans) {
   write("a.jpg", 9), write("b.jpg", 8), write("c.jpg", 7), write("day/x.jpg", 6), write("day/y.jpg", 5);
   PhotoOrder::save({"hidden.jpg", "a.jpg"}, photos, files);
   open();
@@ -202,7 +202,7 @@ TEST_F(PhotoLibraryTest, WhatThePersonDoesIsShownAtOnceAndByEveryLaterScan) {
   EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg", "y.jpg", "x.jpg"));
 }
 
-TEST_F(PhotoLibraryTest, ACustomOrderIsRemovedAndRestoredWithWhatCameMeanwhileInFront) {
+TEST_F(PhotoLibraryTest, RemovesAndRestoresACustomOrder) {
   write("a.jpg", 9), write("b.jpg", 8), write("c.jpg", 7), write("day/x.jpg", 6), write("day/y.jpg", 5);
   std::vector<PhotoLibrary::RearrangementRef> made;
   const auto subscription =
@@ -231,7 +231,7 @@ TEST_F(PhotoLibraryTest, ACustomOrderIsRemovedAndRestoredWithWhatCameMeanwhileIn
   EXPECT_FALSE(library->isArranged());
 }
 
-TEST_F(PhotoLibraryTest, AnUndoThatCannotBeStoredCanBeRepeated) {
+TEST_F(PhotoLibraryTest, RepeatsAnUndoThatCouldNotBeStored) {
   test::FaultyFileSystem faulty;
   library = std::make_unique<PhotoLibrary>(faulty, decoder, queue);
   write("a.jpg", 2), write("b.jpg", 1);

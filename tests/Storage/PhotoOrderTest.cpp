@@ -26,7 +26,7 @@ protected:
   const std::string kFile = ".fennick-order.json";
 };
 
-TEST_F(PhotoOrderTest, AnOrderIsStoredAsItsNamesAndGoesWithTheLastOfThem) {
+TEST_F(PhotoOrderTest, StoresTheOrderAsNames) {
   save({"b.jpg", "a\n\"b\\.jpg", "海.jpg", "\xFF.jpg"});
   EXPECT_EQ(disk.read(kFile), R"({"order":["b.jpg","a\n\"b\\.jpg","海.jpg"]})");
   EXPECT_THAT(load(), ElementsAre("b.jpg", "a\n\"b\\.jpg", "海.jpg"));
@@ -35,7 +35,7 @@ TEST_F(PhotoOrderTest, AnOrderIsStoredAsItsNamesAndGoesWithTheLastOfThem) {
   save({}); // nothing to remove
 }
 
-TEST_F(PhotoOrderTest, WhateverElseIsInTheFileIsNoOrder) {
+TEST_F(PhotoOrderTest, IgnoresFilesThatAreNotAnOrder) {
   for (const char *content :
        {"", "{", "[]", "[\"a.jpg\"]", R"({"order":"x"})", R"({"order":{}})", R"({"order":["a.jpg",1]})",
         R"({"Order":["a.jpg"]})", "{\"order\":[\"\xFF\"]}"}) {
@@ -50,7 +50,7 @@ TEST_F(PhotoOrderTest, WhateverElseIsInTheFileIsNoOrder) {
   EXPECT_THAT(load(), IsEmpty());
 }
 
-TEST_F(PhotoOrderTest, ALinkIsNeitherReadNorWrittenThrough) {
+TEST_F(PhotoOrderTest, DoesNotFollowLinks) {
   const auto outside = disk.write("outside", R"({"order":["a.jpg"]})");
   fs::create_symlink(outside, disk / kFile);
   EXPECT_THAT(load(), IsEmpty());
@@ -59,7 +59,7 @@ TEST_F(PhotoOrderTest, ALinkIsNeitherReadNorWrittenThrough) {
   EXPECT_EQ(disk.read("outside"), R"({"order":["a.jpg"]})");
 }
 
-TEST_F(PhotoOrderTest, TheOldOrderStandsUntilTheNewOneIsOnTheDisk) {
+TEST_F(PhotoOrderTest, KeepsTheOldOrderUntilTheNewOneIsStored) {
   save({"a.jpg"});
   for (const auto operation :
        {Operation::createFile, Operation::write, Operation::sync, Operation::close, Operation::replace}) {
@@ -70,7 +70,7 @@ TEST_F(PhotoOrderTest, TheOldOrderStandsUntilTheNewOneIsOnTheDisk) {
   }
 }
 
-TEST_F(PhotoOrderTest, EditsMoveWhatTheyAreAboutAndKeepTheRest) {
+TEST_F(PhotoOrderTest, AppliesEditsAndKeepsTheOtherNames) {
   using Names = PhotoOrder::Names;
   for (const char *name : {"a", "b", "new", "newer"})
     disk.write(name);

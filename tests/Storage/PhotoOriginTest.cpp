@@ -37,7 +37,7 @@ protected:
   bool unsupported = false;
 };
 
-TEST_F(PhotoOriginTest, ARecordGoesWithItsFileThroughRenamingAndRotation) {
+TEST_F(PhotoOriginTest, KeepsTheRecordThroughRenamingAndRotation) {
   EXPECT_EQ(readOrigin(photo), std::nullopt);
   writeOrigin(photo, origin);
   EXPECT_EQ(readOrigin(photo), origin);
@@ -51,7 +51,7 @@ TEST_F(PhotoOriginTest, ARecordGoesWithItsFileThroughRenamingAndRotation) {
   EXPECT_EQ(fileAttribute(renamed, "user.test"), "1"); // and what other programs keep there
 }
 
-TEST_F(PhotoOriginTest, WhatOthersWroteIsCleanedOrCountsAsNone) {
+TEST_F(PhotoOriginTest, CleansOrIgnoresForeignRecords) {
   const std::vector<std::string> none{"",
                                       "no record",
                                       "[]",
@@ -73,7 +73,7 @@ TEST_F(PhotoOriginTest, WhatOthersWroteIsCleanedOrCountsAsNone) {
   EXPECT_EQ(read->name.size(), kMostOriginText);
 }
 
-TEST_F(PhotoOriginTest, AnOriginalIsFoundOnlyInItsOwnFolder) {
+TEST_F(PhotoOriginTest, FindsOriginalsOnlyInTheirFolder) {
   const auto kept = folder.write("originals/" + origin.original);
   folder.write("secret");
   EXPECT_EQ(keptOriginal(photo, origin), kept);

@@ -58,7 +58,7 @@ protected:
   std::atomic<int> parts = 0;
 };
 
-TEST_F(SaveFolderTest, AFolderIsReadOnceAndItsVisibleRegularPhotosAndVideosCount) {
+TEST_F(SaveFolderTest, ReadsAFolderOnceAndCountsItsMedia) {
   fs::create_directories(photos / "folder.jpg");
   fs::create_symlink("a.jpg", photos / "link.jpg");
   EXPECT_EQ(listings.at(photos).value()->mediaCount(), 0);
@@ -69,7 +69,7 @@ TEST_F(SaveFolderTest, AFolderIsReadOnceAndItsVisibleRegularPhotosAndVideosCount
   EXPECT_EQ(files.calls(Operation::list), 1);
 }
 
-TEST_F(SaveFolderTest, WhateverHappensUnderThePathIsNoticed) {
+TEST_F(SaveFolderTest, NoticesReplacedFolders) {
   const fs::path elsewhere = disk / "elsewhere";
   const auto moreThanTheKernelKeeps = [&] { // two events each; its usual queue holds 16,384
     for (int i = 0; i < 10'000; ++i)
@@ -94,7 +94,7 @@ TEST_F(SaveFolderTest, WhateverHappensUnderThePathIsNoticed) {
 }
 
 // Five folders, one more than are kept, and links to them, worked on by others at random.
-TEST_F(SaveFolderTest, AfterAnySequenceOfChangesTheListingEqualsAFreshOne) {
+TEST_F(SaveFolderTest, KeepsTheListingEqualToAFreshOne) {
   std::mt19937 random(20'240'501);
   const auto below = [&](std::size_t end) {
     return std::uniform_int_distribution<std::size_t>(0, end - 1)(random);
@@ -119,7 +119,7 @@ TEST_F(SaveFolderTest, AfterAnySequenceOfChangesTheListingEqualsAFreshOne) {
   }
 }
 
-TEST_F(SaveFolderTest, FilesThatAppearJustBeforeTheMoveAreNeverReplaced) {
+TEST_F(SaveFolderTest, NeverReplacesFilesThatAppearBeforeTheMove) {
   int taken = 0;
   files.before(Operation::moveNoReplace,
                [&] { disk.write(fmt::format("home/photos/IMG_{:03}.jpg", ++taken)); });
@@ -133,7 +133,7 @@ TEST_F(SaveFolderTest, FilesThatAppearJustBeforeTheMoveAreNeverReplaced) {
   EXPECT_EQ(place(), second + "_2.jpg");
 }
 
-TEST_F(SaveFolderTest, NumbersAreNeverReusedNotEvenThatOfAPhotoTakenBackWhenTheSyncFails) {
+TEST_F(SaveFolderTest, NeverReusesNumbers) {
   EXPECT_EQ(place(), "IMG_001.jpg");
   fs::remove_all(photos);
   files.failNext(Operation::syncDirectory, EIO);
@@ -144,7 +144,7 @@ TEST_F(SaveFolderTest, NumbersAreNeverReusedNotEvenThatOfAPhotoTakenBackWhenTheS
   EXPECT_EQ(place(), "IMG_003.jpg");
 }
 
-TEST_F(SaveFolderTest, PhotosPlacedAtOnceGetDistinctNamesAndStayWhole) {
+TEST_F(SaveFolderTest, GivesDistinctNamesToSimultaneousPhotos) {
   constexpr std::size_t kThreads = 8;
   for (const NamingPolicy &naming : {NamingPolicy(PrefixSequenceNaming{}), NamingPolicy(TimestampNaming{})}) {
     destination.naming = naming;

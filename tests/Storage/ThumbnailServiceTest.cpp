@@ -40,7 +40,7 @@ protected:
   const std::string small = test::smallJPEG("small");
 };
 
-TEST_F(ThumbnailServiceTest, AThumbnailIsMadeOnceAndSharedAndFoundOnTheDiskLater) {
+TEST_F(ThumbnailServiceTest, MakesAThumbnailOnceAndStoresIt) {
   ASSERT_TRUE(setModificationTime(photo, Instant(std::chrono::milliseconds(7'900))));
   EXPECT_EQ(ask(photo), small);
   EXPECT_EQ(service.thumbnail(photo), service.thumbnail(photo));
@@ -59,7 +59,7 @@ TEST_F(ThumbnailServiceTest, AThumbnailIsMadeOnceAndSharedAndFoundOnTheDiskLater
   EXPECT_EQ(decoder.calls(), 2);
 }
 
-TEST_F(ThumbnailServiceTest, AChangedPictureAndOneThatChangesMeanwhileAreMadeAnew) {
+TEST_F(ThumbnailServiceTest, RendersChangedPicturesAgain) {
   EXPECT_EQ(ask(photo), small);
   disk.write("a b/海.jpg", "123456");
   decoder.setThumbnail(test::smallJPEG("changed"));
@@ -74,7 +74,7 @@ TEST_F(ThumbnailServiceTest, AChangedPictureAndOneThatChangesMeanwhileAreMadeAne
   EXPECT_EQ(ask(photo), test::smallJPEG("settled"));
 }
 
-TEST_F(ThumbnailServiceTest, ADamagedFileOrAFullDiskCostsOnlyTheCache) {
+TEST_F(ThumbnailServiceTest, SurvivesADamagedCacheAndAFullDisk) {
   EXPECT_EQ(ask(photo), small);
   const std::string name = "cache/" + disk.names("cache").front();
   for (const std::string &damage :
@@ -95,7 +95,7 @@ TEST_F(ThumbnailServiceTest, ADamagedFileOrAFullDiskCostsOnlyTheCache) {
   EXPECT_EQ(askAnother(photo), small);
 }
 
-TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceOrTwiceUnlessTheDecoderIsToBlame) {
+TEST_F(ThumbnailServiceTest, TriesAnUnreadablePictureOnceOrTwice) {
   const auto file = disk.write("broken.jpg");
   decoder.setThumbnail(test::FakeDecoder::kFault(PictureFault::noDecoder));
   EXPECT_EQ(ask(file), "none");
@@ -114,7 +114,7 @@ TEST_F(ThumbnailServiceTest, APictureThatCannotBeShownIsTriedOnceOrTwiceUnlessTh
   EXPECT_EQ(decoder.calls(), 7); // an ended decoder twice
 }
 
-TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApart) {
+TEST_F(ThumbnailServiceTest, KeepsLongPathsAndBinaryNamesApart) {
   const std::string deep = std::string(200, 'x') + "/" + std::string(200, 'y');
   for (const std::string &name :
        {deep + "1.jpg", deep + "2.jpg", std::string("\xFF.jpg"), std::string("\xFE.jpg")}) {
@@ -127,7 +127,7 @@ TEST_F(ThumbnailServiceTest, PathsTooLongForANameAndNamesThatAreNoTextAreKeptApa
   EXPECT_THAT(disk.names("cache"), SizeIs(4));
 }
 
-TEST_F(ThumbnailServiceTest, RequestsForOnePictureWaitForOneRenderAndOthersForAPlace) {
+TEST_F(ThumbnailServiceTest, SharesOneRenderAndLimitsOthers) {
   const std::array photos{photo, disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
   decoder.hold();
   {
@@ -141,7 +141,7 @@ TEST_F(ThumbnailServiceTest, RequestsForOnePictureWaitForOneRenderAndOthersForAP
   EXPECT_EQ(decoder.calls(), 4);
 }
 
-TEST_F(ThumbnailServiceTest, WindowsDoNotWaitForTheManyPicturesThatPhonesAskFor) {
+TEST_F(ThumbnailServiceTest, ServesWindowsBesideManyPhoneRequests) {
   using Asker = ThumbnailService::Asker;
   std::vector<fs::path> photos;
   for (int i = 0; i < 8; ++i)
@@ -159,7 +159,7 @@ TEST_F(ThumbnailServiceTest, WindowsDoNotWaitForTheManyPicturesThatPhonesAskFor)
   EXPECT_EQ(decoder.mostAtOnce(), 3);
 }
 
-TEST_F(ThumbnailServiceTest, WhatNobodyWaitsForIsMadeOnlyWhileNobodyWaits) {
+TEST_F(ThumbnailServiceTest, WarmsOnlyWhileNobodyWaits) {
   using Asker = ThumbnailService::Asker;
   const std::array photos{disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
   EXPECT_FALSE(service.known(photo));
@@ -212,7 +212,7 @@ protected:
   const fs::path folder = disk / "photos";
 };
 
-TEST_F(ThumbnailsTest, NothingIsKeptOfPhotosThatAreGoneOrHaveChanged) {
+TEST_F(ThumbnailsTest, RemovesThumbnailsOfGoneAndChangedPhotos) {
   const std::string deep = "photos/" + std::string(200, 'x') + "/" + std::string(150, 'y') + ".jpg";
   const auto forget = [](const fs::path &file) {
     return [file](Thumbnails &stored) { stored.forget({file}); };
@@ -244,7 +244,7 @@ TEST_F(ThumbnailsTest, NothingIsKeptOfPhotosThatAreGoneOrHaveChanged) {
   EXPECT_EQ(storedAfter(tidy), 6U);
 }
 
-TEST_F(ThumbnailsTest, WhatWasUsedLeastGoesWhenThereIsTooMuch) {
+TEST_F(ThumbnailsTest, EvictsTheLeastRecentlyUsedThumbnails) {
   std::vector<fs::path> photos;
   for (int i = 0; i < 12; ++i) {
     photos.push_back(disk.write(fmt::format("photos/{:02}.jpg", i)));
@@ -259,7 +259,7 @@ TEST_F(ThumbnailsTest, WhatWasUsedLeastGoesWhenThereIsTooMuch) {
   EXPECT_THAT(disk.names("thumbs/l"), ::testing::Contains(::testing::HasSubstr("_00.jpg-")));
 }
 
-TEST(MemoryCacheTest, WhatWasNotAskedForTheLongestGoesFirstAndStaysWithItsHolders) {
+TEST(MemoryCacheTest, EvictsTheLeastRecentlyUsed) {
   const auto data = [](std::size_t bytes) { return std::make_shared<const std::string>(bytes, 'x'); };
   MemoryCache cache(2 * (MemoryCache::kEntryBytes + 1) + 10); // two entries with ten bytes
   cache.put("a", data(4));

@@ -8,7 +8,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-TEST(CommandLineTest, OptionsAreTakenAsGiven) {
+TEST(CommandLineTest, ReadsAllOptions) {
   const auto line =
       CommandLine::parse({"--folder", "照片/../party", "--port=9000", "--state-dir", "/state", "--set",
                           "naming=timestamp", "--set=folderLimit=5", "--json", "--no-qr"});
@@ -21,7 +21,7 @@ TEST(CommandLineTest, OptionsAreTakenAsGiven) {
   EXPECT_FALSE(line->qr);
 }
 
-TEST(CommandLineTest, WhatCannotBeMeantIsRefusedInASentenceThatNamesIt) {
+TEST(CommandLineTest, RejectsInvalidArgumentsWithASentenceThatNamesThem) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
       {{"--bogus"}, "--bogus"},      {{"-x"}, "-x"},
       {{"photos"}, "photos"},        {{"--port", "65536"}, "65536"},

@@ -31,7 +31,7 @@ protected:
   test::RecordingReport report;
 };
 
-TEST_F(TerminalKeysTest, KeysDoWhatTheHelpSays) {
+TEST_F(TerminalKeysTest, RunsTheCommandsOfTheKeys) {
   EXPECT_EQ(done({"c", "N", "o", "x\n \xC3\xA9", "cq"}), "code next open code quit ");
   EXPECT_EQ(done({"\x1bOq", "\x1b[15~", "c\x1bOn"}), "code ") << "function keys are no letters";
   EXPECT_EQ(done({"?"}), "");
@@ -41,7 +41,7 @@ TEST_F(TerminalKeysTest, KeysDoWhatTheHelpSays) {
     EXPECT_THAT(told.front(), HasSubstr(std::string("  ") + key + "  "));
 }
 
-TEST_F(TerminalKeysTest, TheKeyIsResetOnlyAfterAYes) {
+TEST_F(TerminalKeysTest, ResetsTheKeyOnlyAfterConfirmation) {
   EXPECT_EQ(done({"y", "k", "y", "y", "kY"}), "reset reset ");
   EXPECT_THAT(report.take(), ElementsAre(HasSubstr("重新扫码"), HasSubstr("重新扫码")));
   for (const char *no : {"n", "q", "k", "\n", "\x1b", "\x1b[A"}) {
@@ -50,7 +50,7 @@ TEST_F(TerminalKeysTest, TheKeyIsResetOnlyAfterAYes) {
   }
 }
 
-TEST(NextInterfaceTest, GoesThroughTheInterfacesAndAround) {
+TEST(NextInterfaceTest, CyclesThroughTheInterfaces) {
   const LANAddress wifi{"wlan0", "192.168.1.20", LANAddress::Kind::wifi};
   const LANAddress wifiToo{"wlan0", "192.168.7.20", LANAddress::Kind::wifi};
   const LANAddress cable{"eth0", "10.0.0.5", LANAddress::Kind::wired};

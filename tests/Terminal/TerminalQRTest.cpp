@@ -49,7 +49,7 @@ std::string readByPhone(const std::string &screen, Ink ink) {
   });
 }
 
-TEST(TerminalQRTest, APhoneReadsTheCodeWhateverTheTerminalsTheme) {
+TEST(TerminalQRTest, DrawsACodeThatPhonesReadInAnyTheme) {
   const std::string code = *terminalQR(kURL, Colour::explicitBlackOnWhite);
   // Every row sets its own colours and gives them back, so the theme has no say: the ink is black.
   const std::regex row("\x1b\\[38;5;16;48;5;231m([^\x1b]*)\x1b\\[0m\n");
@@ -57,7 +57,7 @@ TEST(TerminalQRTest, APhoneReadsTheCodeWhateverTheTerminalsTheme) {
   EXPECT_EQ(readByPhone(std::regex_replace(code, row, "$1\n"), Ink::dark), kURL) << "is zbarimg installed?";
 }
 
-TEST(TerminalQRTest, WithoutColoursALightTerminalShowsTheCode) {
+TEST(TerminalQRTest, DrawsTheCodeWithoutColours) {
   EXPECT_EQ(readByPhone(*terminalQR(kURL, Colour::none), Ink::dark), kURL) << "is zbarimg installed?";
 }
 

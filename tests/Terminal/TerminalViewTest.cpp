@@ -39,7 +39,7 @@ protected:
   TerminalView view{server, progress, 8000, report};
 };
 
-TEST_F(TerminalViewTest, TheFirstReportWaitsForPortAndAddressesEvenIfThereAreNone) {
+TEST_F(TerminalViewTest, WaitsForPortAndAddressesBeforeTheFirstReport) {
   server.setPort(8001);
   EXPECT_TRUE(view.hasListened());
   server.setFirewall(kClosed);
@@ -51,7 +51,7 @@ TEST_F(TerminalViewTest, TheFirstReportWaitsForPortAndAddressesEvenIfThereAreNon
   EXPECT_THAT(report.take(), ElementsAre("address: http://192.168.1.20:8001/?k=one of 8000 in /photos"));
 }
 
-TEST_F(TerminalViewTest, EveryChangeOfWherePhonesGoIsToldOnceWithItsReason) {
+TEST_F(TerminalViewTest, ReportsEachChangeOfTheAddressOnce) {
   listen();
   server.setPreferredInterface("eth0");
   server.setAddresses({kCable}); // the one that is used stays
@@ -69,7 +69,7 @@ TEST_F(TerminalViewTest, EveryChangeOfWherePhonesGoIsToldOnceWithItsReason) {
   EXPECT_THAT(report.take(), ElementsAre("key: nowhere of 8000 in /other"));
 }
 
-TEST_F(TerminalViewTest, TheDesktopsPanelAndWindowsAreTheCodeAgainOnceThereIsOne) {
+TEST_F(TerminalViewTest, PrintsTheCodeForPanelAndWindows) {
   TerminalDesktop desktop(report);
   desktop.show(Desktop::Window::main);
   desktop.setPanel([this] { view.showAgain(); });
@@ -83,7 +83,7 @@ TEST_F(TerminalViewTest, TheDesktopsPanelAndWindowsAreTheCodeAgainOnceThereIsOne
   EXPECT_THAT(report.take(), ElementsAre(StartsWith("notice "), "bell"));
 }
 
-TEST_F(TerminalViewTest, WhatIsWrongIsToldWhenItIsNews) {
+TEST_F(TerminalViewTest, ReportsNewErrorsOnly) {
   listen();
   using Status = LocalNetworkStatus;
   for (const auto &status : {kFailed, Status{}, kFailed, Status{}, Status{.kind = Status::Kind::ok}})
@@ -101,7 +101,7 @@ TEST_F(TerminalViewTest, WhatIsWrongIsToldWhenItIsNews) {
   EXPECT_THAT(report.take(), ElementsAre("error the folder is gone", "solved"));
 }
 
-TEST_F(TerminalViewTest, ProgressIsShownUntilNothingIsUnderWayAndTheFileFollows) {
+TEST_F(TerminalViewTest, ShowsProgressUntilUploadsEnd) {
   {
     fennick::UploadActivity::Upload upload(progress.counter(), 100);
     upload.received(40);

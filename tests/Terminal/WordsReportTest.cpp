@@ -26,7 +26,7 @@ const Report::Listening kListening{.port = 8001,
                                    .uploadURL = "http://192.168.1.20:8001/upload?k=key",
                                    .saveFolder = "/photos"};
 
-TEST(WordsReportTest, TheStartSaysWhereToGoAndWhatIsUnusual) {
+TEST(WordsReportTest, PrintsTheAddressAndUnusualSettings) {
   WordsReport report({.qr = true, .terminal = false, .colour = true, .keys = true});
   EXPECT_THAT(printedBy([&] { report.listening(kListening, Report::Reason::started); }),
               AllOf(HasSubstr("http://192.168.1.20:8001/?k=key"), HasSubstr("▀"), HasSubstr("/photos"),
@@ -40,7 +40,7 @@ TEST(WordsReportTest, TheStartSaysWhereToGoAndWhatIsUnusual) {
                     Not(HasSubstr("首选端口")), Not(HasSubstr("▀"))));
 }
 
-TEST(WordsReportTest, WhatChangedIsSaidBeforeTheCodeAndTheRestIsNotRepeated) {
+TEST(WordsReportTest, PrintsChangesBeforeTheCode) {
   using Reason = Report::Reason;
   WordsReport report({.qr = true, .terminal = false, .colour = false, .keys = true});
   for (const auto &[reason, why] :
@@ -53,7 +53,7 @@ TEST(WordsReportTest, WhatChangedIsSaidBeforeTheCodeAndTheRestIsNotRepeated) {
               AllOf(HasSubstr("The save folder has changed"), HasSubstr("/photos"), Not(HasSubstr("▀"))));
 }
 
-TEST(WordsReportTest, WhatKeepsPhonesOutIsSaidWithWhatHelps) {
+TEST(WordsReportTest, PrintsTheFirewallAdvice) {
   WordsReport report({.qr = false, .terminal = false, .colour = false});
   const Report::Check passed{.passed = true, .message = ""};
   EXPECT_EQ(printedBy([&] { report.check(passed); }), "");
@@ -72,7 +72,7 @@ TEST(WordsReportTest, WhatKeepsPhonesOutIsSaidWithWhatHelps) {
               AllOf(HasSubstr("If phones cannot connect"), HasSubstr("\n  sudo ufw allow 8001/tcp\n")));
 }
 
-TEST(WordsReportTest, ProgressIsDrawnOverItselfAndOnlyOnATerminal) {
+TEST(WordsReportTest, UpdatesProgressInPlaceOnATerminal) {
   WordsReport pipe({.qr = false, .terminal = false, .colour = false});
   EXPECT_FALSE(pipe.showsProgress());
   EXPECT_EQ(printedBy([&] { pipe.received({"a.jpg", "/photos/a.jpg", 2'400'000, "a.jpg：2.4 MB"}); }),
@@ -91,13 +91,13 @@ TEST(WordsReportTest, ProgressIsDrawnOverItselfAndOnlyOnATerminal) {
   EXPECT_EQ(printedBy([&] { pipe.waiting(3); }), "");
 }
 
-TEST(WordsReportTest, ANameCannotControlTheTerminal) {
+TEST(WordsReportTest, RemovesControlCharactersFromNames) {
   WordsReport report({.qr = false, .terminal = false, .colour = false});
   EXPECT_THAT(printedBy([&] { report.received({"", "", 1, "a\x1b[2J\u009B31m\n.jpg"}); }),
               AllOf(Not(HasSubstr("\x1b[2J")), Not(HasSubstr("\u009B")), HasSubstr("a")));
 }
 
-TEST(PhoneAddressTest, ThePreferredInterfaceIsUsedWhileItIsUp) {
+TEST(PhoneAddressTest, UsesThePreferredInterfaceWhileItIsUp) {
   using fennick::LANAddress;
   const std::vector<LANAddress> addresses{{"wlan0", "192.168.1.20", LANAddress::Kind::wifi},
                                           {"eth0", "10.0.0.5", LANAddress::Kind::wired},

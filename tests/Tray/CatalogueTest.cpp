@@ -5,7 +5,7 @@
 namespace quarrow {
 namespace {
 
-TEST(CatalogueTest, TheFirstLanguageThatThereIsComesAndChineseIsAlwaysThere) {
+TEST(CatalogueTest, UsesTheFirstLanguageWithACatalogueOrChinese) {
   const auto texts = catalogueFor({"de-DE", "eo-XX", "eo"}, TEVRIN_CATALOGUES);
   ASSERT_NE(texts, nullptr);
   EXPECT_EQ(texts->translate("Panel", "退出"), QString("Fini"));

@@ -12,7 +12,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-TEST(LaunchOptionsTest, WhatIsAskedForIsReadAndWhatIsNotKnownIsNamed) {
+TEST(LaunchOptionsTest, ReadsOptionsAndNamesUnknownOnes) {
   const auto asked =
       LaunchOptions::parse({"--show-panel", "--state-dir", "here", "--show-settings", "--login-item"});
   ASSERT_TRUE(asked);
@@ -28,7 +28,7 @@ TEST(LaunchOptionsTest, WhatIsAskedForIsReadAndWhatIsNotKnownIsNamed) {
     EXPECT_THAT(LaunchOptions::parse(incomplete).error(), HasSubstr("--state-dir"));
 }
 
-TEST(LaunchOptionsTest, ASecondLaunchHandsOverWhatItWasAskedForAndNothingElse) {
+TEST(LaunchOptionsTest, HandsOverTheArgumentsOfASecondLaunch) {
   const HandOver asked{.windows = {"--show-panel"}, .loginItem = true, .activationToken = "token 1=2"};
   const auto received = HandOver::parse(asked.arguments());
   EXPECT_EQ(received.windows, asked.windows);

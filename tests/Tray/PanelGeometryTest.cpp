@@ -7,7 +7,7 @@
 namespace quarrow {
 namespace {
 
-TEST(PanelGeometryTest, ThePanelIsAsHighAsItsContentWithinTheScreen) {
+TEST(PanelGeometryTest, FitsTheHeightToContentAndScreen) {
   struct Case {
     int fitting;
     std::optional<int> available;
@@ -21,7 +21,7 @@ TEST(PanelGeometryTest, ThePanelIsAsHighAsItsContentWithinTheScreen) {
     EXPECT_EQ(panelHeight(fitting, available), height) << fitting << " on " << available.value_or(-1);
 }
 
-TEST(PanelGeometryTest, ThePanelOpensAtTheIconOrAtTheEndOfTheBarAndStaysOnItsScreen) {
+TEST(PanelGeometryTest, PlacesThePanelAtTheIconOrTheBar) {
   const QRect screen(0, 0, 1000, 800);
   const QRect topBar(0, 30, 1000, 770);
   const QRect bottomBar(0, 0, 1000, 770);

@@ -31,7 +31,7 @@ protected:
       std::make_unique<StatusItemController>(item, panel, queue, queue.clock());
 };
 
-TEST_F(StatusItemControllerTest, TheCheckMarkStaysUntilTheLastArrivalIsLongEnoughAgo) {
+TEST_F(StatusItemControllerTest, KeepsTheCheckMarkAfterTheLastArrival) {
   controller->flash();
   EXPECT_EQ(item.face, TrayFace::received);
   queue.advance(Seconds(1));
@@ -47,7 +47,7 @@ TEST_F(StatusItemControllerTest, TheCheckMarkStaysUntilTheLastArrivalIsLongEnoug
   EXPECT_EQ(item.face, TrayFace::received);
 }
 
-TEST_F(StatusItemControllerTest, AClickOnTheIconOpensThePanelAndClosesItWhicheverEventComesFirst) {
+TEST_F(StatusItemControllerTest, TogglesThePanelWhicheverEventComesFirst) {
   controller->togglePopover();
   EXPECT_TRUE(panel.isOpen());
   controller->togglePopover(); // the bar leaves the keyboard where it is

@@ -44,7 +44,7 @@ protected:
   WindowKeeper keeper{maker};
 };
 
-TEST_F(WindowKeeperTest, AWindowIsMadeOnceWhileItIsOpenAndGoneWhenItIsClosed) {
+TEST_F(WindowKeeperTest, CreatesAWindowOnceAndDestroysItWhenClosed) {
   keeper.show(Desktop::Window::main);
   keeper.show(Desktop::Window::main);
   EXPECT_EQ(made, QStringList{"MainWindow"});
@@ -59,7 +59,7 @@ TEST_F(WindowKeeperTest, AWindowIsMadeOnceWhileItIsOpenAndGoneWhenItIsClosed) {
   EXPECT_EQ(keeper.window(Desktop::Window::settings), nullptr);
 }
 
-TEST_F(WindowKeeperTest, OnlyTheLastWindowAsksBeforeItLeavesNothingToComeBackThrough) {
+TEST_F(WindowKeeperTest, AsksBeforeTheLastWindowCloses) {
   keeper.setAsksBeforeLast(true);
   keeper.show(Desktop::Window::main);
   keeper.show(Desktop::Window::help);
@@ -79,7 +79,7 @@ TEST_F(WindowKeeperTest, OnlyTheLastWindowAsksBeforeItLeavesNothingToComeBackThr
   EXPECT_EQ(keeper.window(Desktop::Window::main), nullptr);
 }
 
-TEST_F(WindowKeeperTest, ThePanelFollowsItsContentAndIsGoneWhenItIsDismissed) {
+TEST_F(WindowKeeperTest, ResizesAndDestroysThePanel) {
   PanelWindow panel(maker, [] { return std::optional<QRect>(); });
   panel.open();
   ASSERT_TRUE(panel.isOpen());

@@ -52,7 +52,7 @@ protected:
   fennick::test::FakeDecoder decoder;
 };
 
-TEST_F(WindowSelfTestTest, OnlyViewsThatOpenArePaintedAndWarnOfNothingPass) {
+TEST_F(WindowSelfTestTest, FailsForViewsThatDoNotOpenOrWarn) {
   EXPECT_EQ(problem(), "");
   const std::pair<const char *, const char *> faults[] = {
       {"SettingsWindow", "import QtQuick\nNothing {}"},

@@ -20,7 +20,7 @@ std::string box(std::string_view type, std::string_view brand) {
   return "\0\0\0\x18"s.append(type).append(brand).append(4, '\0');
 }
 
-TEST(FileTypeSnifferTest, ASignatureCountsFromItsLastByteOnAndNeverSooner) {
+TEST(FileTypeSnifferTest, RecognisesASignatureFromItsLastByte) {
   const std::tuple<std::string, std::string, std::size_t> signatures[] = {
       {"\xFF\xD8\xFF\xE0\0\x10JFIF\0\1\1\0\0"s, "jpg", 4},
       {"GIF89a\1\0\1\0"s, "gif", 4},
@@ -47,7 +47,7 @@ TEST(FileTypeSnifferTest, ASignatureCountsFromItsLastByteOnAndNeverSooner) {
     EXPECT_EQ(FileTypeSniffer::sniff(header(bytes)), std::nullopt) << bytes;
 }
 
-TEST(FileTypeSnifferTest, OnlyARawFileIsBelievedToBeOne) {
+TEST(FileTypeSnifferTest, TrustsTheSenderOnlyForDNG) {
   using Text = std::optional<std::string>;
   const std::string tiff = "II*\0\x08\0\0\0"s;
   const std::string jpeg = "\xFF\xD8\xFF\xE0";

@@ -54,7 +54,7 @@ protected:
   }
 };
 
-TEST_F(GalleryTest, PhotosAreListedAsArrangedThenNewestFirst) {
+TEST_F(GalleryTest, ListsPhotosAsArrangedThenNewestFirst) {
   EXPECT_EQ(ask("GET /gallery?k=secret"), "respond 200 []");
   write("a.JPG", 1.9, "12345"), write("b.heif", -1.9, "1"), write("c.png", 3), write("海 \n.gif", 2);
   for (const char *unlisted : {"clip.mov", "raw.dng", ".a.jpg", "a.txt", "sub/a.jpg", "a\\b.jpg", "\xFF.jpg"})
@@ -75,7 +75,7 @@ TEST_F(GalleryTest, PhotosAreListedAsArrangedThenNewestFirst) {
   EXPECT_EQ(ask("GET /gallery?k=secret"), "respond 200 []");
 }
 
-TEST_F(GalleryTest, OnlyPhotosDirectlyInTheFolderAreServed) {
+TEST_F(GalleryTest, ServesOnlyPhotosDirectlyInTheFolder) {
   const std::string longest = std::string(251, 'x') + ".jpg";
   for (const auto &name :
        {std::string("a b.jpg"), std::string("UPPER.JPG"), std::string("海\n%2F.jpg"), longest})
@@ -137,7 +137,7 @@ TEST_F(GalleryTest, OnlyPhotosDirectlyInTheFolderAreServed) {
   EXPECT_EQ(decoder.calls(), 0);
 }
 
-TEST_F(GalleryTest, ADownloadSaysWhatTheBytesAreWhateverTheName) {
+TEST_F(GalleryTest, SendsTheMediaTypeOfTheContent) {
   const std::string box = std::string("\0\0\0\x18", 4) + "ftyp";
   for (const auto &[content, type] : std::initializer_list<std::pair<std::string, std::string>>{
            {test::kJPEG, "image/jpeg"},
@@ -156,7 +156,7 @@ TEST_F(GalleryTest, ADownloadSaysWhatTheBytesAreWhateverTheName) {
   }
 }
 
-TEST_F(GalleryTest, ThumbnailsComeInTwoSizesAndOnlyFromPictures) {
+TEST_F(GalleryTest, ServesThumbnailsOfPicturesInTwoSizes) {
   write("a.jpg", 1);
   for (const char *query : {"", "&s=LARGE", "&s=small", "&s=larger"}) {
     const auto answer = get(fmt::format("/thumb/a.jpg?k=secret{}", query));
@@ -172,7 +172,7 @@ TEST_F(GalleryTest, ThumbnailsComeInTwoSizesAndOnlyFromPictures) {
   EXPECT_EQ(ask("GET /thumb/b.jpg?k=secret"), "respond 404 not found");
 }
 
-TEST_F(GalleryTest, AVersionedAddressIsKeptForGoodAndShowsAnotherPhotoAtOnce) {
+TEST_F(GalleryTest, CachesVersionedURLsForeverAndServesNewPhotosAtOnce) {
   write("a.jpg", 1, "one");
   write("b.jpg", 1, "two"); // of the same size and date
   const auto versions = [&] {
@@ -200,7 +200,7 @@ TEST_F(GalleryTest, AVersionedAddressIsKeptForGoodAndShowsAnotherPhotoAtOnce) {
   EXPECT_EQ(cacheControl(after.at("a.jpg")), "private, max-age=31536000, immutable");
 }
 
-TEST_F(GalleryTest, OnlySomeConnectionsWaitForThumbnailsAndKnownOnesAreServedMeanwhile) {
+TEST_F(GalleryTest, LimitsConnectionsThatWaitForThumbnails) {
   write("known.jpg", 1);
   get("/thumb/known.jpg?k=secret");
   constexpr int kPhones = GalleryThumbnails::kMostWaiting + 1;

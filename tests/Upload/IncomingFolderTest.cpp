@@ -25,7 +25,7 @@ protected:
   const fs::path photos = disk.makeFolder("photos");
 };
 
-TEST_F(IncomingFolderTest, LeftoversOfACrashAreClearedAtTheStartOrBeforeTheFirstUpload) {
+TEST_F(IncomingFolderTest, ClearsLeftoversAtTheStartOrBeforeTheFirstUpload) {
   const char *leftover = "photos/.fennick-incoming/0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.part";
   disk.write(leftover);
   disk.write("photos/.fennick-incoming/0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.out");
@@ -38,7 +38,7 @@ TEST_F(IncomingFolderTest, LeftoversOfACrashAreClearedAtTheStartOrBeforeTheFirst
   EXPECT_THAT(lying(), ElementsAre(part.file.filename().string()));
 }
 
-TEST_F(IncomingFolderTest, OnlyWhatIsCertainlyAPartFileIsCleared) {
+TEST_F(IncomingFolderTest, ClearsOnlyPartFiles) {
   const fs::path incoming = disk.makeFolder("photos/.fennick-incoming");
   for (const char *name :
        {"0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9", "0A1B2C3D-4E5F-4071-8293-A4B5C6D7E8F9.part.jpg",
@@ -52,7 +52,7 @@ TEST_F(IncomingFolderTest, OnlyWhatIsCertainlyAPartFileIsCleared) {
   EXPECT_EQ(lying(), before);
 }
 
-TEST_F(IncomingFolderTest, NothingIsClearedWhileAnotherProgramReceivesThere) {
+TEST_F(IncomingFolderTest, ClearsNothingWhileAnotherProgramReceives) {
   IncomingFolder other(files);
   auto part = std::optional(other.createPart(photos).value());
   IncomingFolder(files).adopt(photos);
@@ -66,7 +66,7 @@ TEST_F(IncomingFolderTest, NothingIsClearedWhileAnotherProgramReceivesThere) {
   EXPECT_THAT(lying(), IsEmpty());
 }
 
-TEST_F(IncomingFolderTest, AnIdleFolderIsNotHeldAndEachBeginningOfWorkHoldsItAnew) {
+TEST_F(IncomingFolderTest, HoldsTheFolderOnlyDuringWork) {
   IncomingFolder folder(files);
   IncomingFolder other(files);
   const auto isHeld = [&] {
@@ -85,7 +85,7 @@ TEST_F(IncomingFolderTest, AnIdleFolderIsNotHeldAndEachBeginningOfWorkHoldsItAne
   EXPECT_FALSE(isHeld());
 }
 
-TEST_F(IncomingFolderTest, WorkThatBeginsDuringTheClearingWaitsForItsEnd) {
+TEST_F(IncomingFolderTest, WaitsWhileTheFolderIsBeingCleared) {
   std::jthread phone;
   std::optional<IncomingPart> part;
   IncomingHold kept;
@@ -108,7 +108,7 @@ TEST_F(IncomingFolderTest, WorkThatBeginsDuringTheClearingWaitsForItsEnd) {
   EXPECT_THAT(lying(), IsEmpty());
 }
 
-TEST_F(IncomingFolderTest, AFolderThatWasDeletedIsMadeAndHeldAnew) {
+TEST_F(IncomingFolderTest, RecreatesADeletedFolder) {
   IncomingFolder folder(files);
   const auto first = folder.createPart(photos).value();
   fs::remove_all(photos);

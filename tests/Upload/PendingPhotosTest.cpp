@@ -52,7 +52,7 @@ protected:
   }
 };
 
-TEST_F(PendingPhotosTest, APhotoIsShownOnceItsDataIsRemovedAndAtOnceWithOtherSettings) {
+TEST_F(PendingPhotosTest, ShowsAPhotoOnceItsPrivateDataIsRemoved) {
   disk.write("photos/own.jpg", kJPEG);
   EXPECT_EQ(upload(kJPEG), "200 IMG_001.jpg");
   EXPECT_THAT(shown(), ElementsAre("own.jpg"));
@@ -77,7 +77,7 @@ TEST_F(PendingPhotosTest, APhotoIsShownOnceItsDataIsRemovedAndAtOnceWithOtherSet
   EXPECT_EQ(ask("GET /gallery?k=secret"), "respond 200 []");
 }
 
-TEST_F(PendingPhotosTest, APhotoThatKeepsItsLocationStaysHiddenWhateverItIsCalled) {
+TEST_F(PendingPhotosTest, HidesAPhotoWithLocationUnderAnyName) {
   upload(kJPEG);
   keepLast();
   const auto rename = [&](const char *from, const char *to) {
@@ -112,7 +112,7 @@ TEST_F(PendingPhotosTest, APhotoThatKeepsItsLocationStaysHiddenWhateverItIsCalle
   EXPECT_THAT(shown(), ElementsAre("IMG_001.jpg", "b.jpg"));
 }
 
-TEST_F(PendingPhotosTest, AnUploadThatCannotBeRecordedIsRefusedOnlyWhereItsDataIsToBeRemoved) {
+TEST_F(PendingPhotosTest, RefusesUnrecordableUploadsOnlyIfDataMustBeRemoved) {
   for (const auto operation :
        {Operation::createFile, Operation::write, Operation::sync, Operation::replace}) {
     auto sink = admit(kJPEG.size());
@@ -137,7 +137,7 @@ TEST_F(PendingPhotosTest, AnUploadThatCannotBeRecordedIsRefusedOnlyWhereItsDataI
   EXPECT_THAT(shown(), IsEmpty());
 }
 
-TEST_F(PendingPhotosTest, NothingIsShownWhileTheRecordsCannotBeListed) {
+TEST_F(PendingPhotosTest, HidesEverythingWhileRecordsCannotBeListed) {
   upload(kJPEG);
   keepLast();
   pending.setFolder({}); // forgets what is recorded
@@ -155,7 +155,7 @@ TEST_F(PendingPhotosTest, NothingIsShownWhileTheRecordsCannotBeListed) {
   EXPECT_THAT(shown(), ElementsAre("own.jpg"));
 }
 
-TEST_F(PendingPhotosTest, ADamagedRecordIsNoPhotosEnd) {
+TEST_F(PendingPhotosTest, KeepsAPhotoWithADamagedRecord) {
   upload(kJPEG);
   upload(kJPEG + "!");
   const auto records = parts();

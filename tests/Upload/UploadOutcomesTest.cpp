@@ -38,7 +38,7 @@ protected:
   }
 };
 
-TEST_F(UploadOutcomesTest, FollowsAnUploadFromItsAdmissionToItsNameAndSavesItOnce) {
+TEST_F(UploadOutcomesTest, TracksAnUploadAndSavesItOnce) {
   EXPECT_EQ(query(1), unknown(1));
   auto sink = admit(kJPEG.size(), headerOf(1));
   ASSERT_TRUE(sink->write(std::as_bytes(std::span(kJPEG).first(7))));
@@ -97,7 +97,7 @@ TEST_F(UploadOutcomesTest, KeepsEveryRefusalUntilTheUploadIsTriedAgain) {
   EXPECT_EQ(query(1), answer(1, R"({"state":"saved","name":"IMG_001.jpg"})"));
 }
 
-TEST_F(UploadOutcomesTest, AnUploadThatBreaksOffOrComesWithAWrongKeyLeavesNothing) {
+TEST_F(UploadOutcomesTest, ForgetsInterruptedAndUnauthorisedUploads) {
   admit(kJPEG.size(), headerOf(1))->abort();
   EXPECT_EQ(query(1), unknown(1));
   EXPECT_TRUE(ask("POST /upload?k=wrong", headerOf(2)).starts_with("reject 403"));
@@ -108,7 +108,7 @@ TEST_F(UploadOutcomesTest, AnUploadThatBreaksOffOrComesWithAWrongKeyLeavesNothin
               "respond 400 x-upload-id must be 32 hexadecimal digits");
 }
 
-TEST_F(UploadOutcomesTest, OfTwoUploadsOfOneIdentityAtOnceOneIsAdmitted) {
+TEST_F(UploadOutcomesTest, AdmitsOneOfTwoEqualUploads) {
   for (std::size_t number = 1; number <= 50; ++number) {
     std::latch together(2);
     std::array<HTTPRouteDecision, 2> decisions;
@@ -125,7 +125,7 @@ TEST_F(UploadOutcomesTest, OfTwoUploadsOfOneIdentityAtOnceOneIsAdmitted) {
   }
 }
 
-TEST_F(UploadOutcomesTest, TheStatusIsExtendedOnlyForThoseWhoAsk) {
+TEST_F(UploadOutcomesTest, ExtendsTheStatusOnlyOnRequest) {
   const std::string plain = R"(respond 200 {"gallery":false,"video":true,"diskLow":false)";
   EXPECT_EQ(ask("GET /quota?k=secret"), plain + "}");
   EXPECT_EQ(ask("GET /quota?k=secret&upload="),
@@ -140,7 +140,7 @@ TEST_F(UploadOutcomesTest, TheStatusIsExtendedOnlyForThoseWhoAsk) {
     EXPECT_TRUE(ask("GET /quota?k=secret&upload=" + wrong).starts_with("respond 400")) << wrong;
 }
 
-TEST_F(UploadOutcomesTest, TheNextRunKnowsWhatIsSavedAndItsFileStaysSmall) {
+TEST_F(UploadOutcomesTest, KnowsSavedUploadsInTheNextRun) {
   const auto file = disk / "state/uploads.jsonl";
   const auto saved = [](std::size_t number) { return Outcome(Saved{fmt::format("IMG_{}.jpg", number)}); };
   const auto save = [&](UploadOutcomes &run, std::size_t number) {
@@ -164,7 +164,7 @@ TEST_F(UploadOutcomesTest, TheNextRunKnowsWhatIsSavedAndItsFileStaysSmall) {
   EXPECT_EQ(UploadOutcomes(file).at(idOf(many)), saved(many));
 }
 
-TEST_F(UploadOutcomesTest, TheNextRunFindsWhatAKilledProgramHadMovedButNotRecorded) {
+TEST_F(UploadOutcomesTest, FindsUploadsMovedBeforeACrash) {
   const auto file = disk / "state/uploads.jsonl";
   UploadOutcomes killed(file);
   std::vector<UploadOutcomes::Attempt> attempts;
@@ -186,13 +186,13 @@ TEST_F(UploadOutcomesTest, TheNextRunFindsWhatAKilledProgramHadMovedButNotRecord
   EXPECT_EQ(UploadOutcomes(file).at(idOf(1)), Outcome(Saved{"1.jpg"})); // recorded by now
 }
 
-TEST_F(UploadOutcomesTest, AFileThatCannotBeWrittenCostsNoUpload) {
+TEST_F(UploadOutcomesTest, AcceptsUploadsIfTheRecordCannotBeWritten) {
   UploadOutcomes run(disk.write("occupied") / "uploads.jsonl");
   run.begin(idOf(1))->answered(HTTPResponse::text(200, "IMG_1.jpg"));
   EXPECT_EQ(run.at(idOf(1)), Outcome(Saved{"IMG_1.jpg"}));
 }
 
-TEST_F(UploadOutcomesTest, RequestsWithAFormerKeyCountOnceInABurst) {
+TEST_F(UploadOutcomesTest, CountsAFormerKeyOncePerBurst) {
   const auto counts = [&](const std::string &target) {
     const auto decision = decide("GET " + target);
     return std::get<HTTPReject>(decision).failure == HTTPReject::Failure::counted;

@@ -28,7 +28,7 @@ constexpr const char *kDiskFull =
 constexpr const char *kNotWritable =
     "respond 500 无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder";
 
-TEST_F(UploadRouterTest, EveryRouteAnswersItsMethodsAndItsKey) {
+TEST_F(UploadRouterTest, ChecksMethodAndKeyOfEveryRoute) {
   const std::string wrongMethod = "respond 405 method not allowed";
   const std::string notFound = "respond 404 not found";
   const std::string scan = "reject 403 请扫描 Mac 面板上的二维码进入 / Scan the QR code on your Mac";
@@ -61,7 +61,7 @@ TEST_F(UploadRouterTest, EveryRouteAnswersItsMethodsAndItsKey) {
   }
 }
 
-TEST_F(UploadRouterTest, OnlyTheWholeCurrentKeyOpens) {
+TEST_F(UploadRouterTest, AcceptsOnlyTheExactKey) {
   for (const char *wrong : {"", "?", "?k", "?k=", "?k=secre", "?k=secrets", "?k=Secret", "?K=secret",
                             "?x=secret", "?k=secret&k=", "?k=%00secret", "?k=secret%00"})
     EXPECT_EQ(ask(fmt::format("GET /quota{}", wrong)), "reject 403 invalid key") << wrong;
@@ -74,7 +74,7 @@ TEST_F(UploadRouterTest, OnlyTheWholeCurrentKeyOpens) {
 }
 
 // Everything is wrong at once and is put right one thing after the other.
-TEST_F(UploadRouterTest, TheFirstOfManyFaultsAnswers) {
+TEST_F(UploadRouterTest, AnswersTheFirstOfSeveralErrors) {
   for (int i = 0; i < 120; ++i)
     EXPECT_EQ(offer(0), "reject 400 空请求 / empty body");
   policy = {.folderLimit = 1, .autoPrune = false};
@@ -104,7 +104,7 @@ TEST_F(UploadRouterTest, TheFirstOfManyFaultsAnswers) {
   EXPECT_EQ(offer(9), "receive 9");
 }
 
-TEST_F(UploadRouterTest, AnAddressGetsAHundredAndTwentyAttemptsAMinute) {
+TEST_F(UploadRouterTest, LimitsUploadsPerMinuteAndAddress) {
   for (int minute = 0; minute < 2; ++minute) {
     for (int i = 0; i < 120; ++i) {
       EXPECT_NE(offer(0), kThrottled);
@@ -121,7 +121,7 @@ TEST_F(UploadRouterTest, AnAddressGetsAHundredAndTwentyAttemptsAMinute) {
   EXPECT_EQ(offer(10), "receive 10");
 }
 
-TEST_F(UploadRouterTest, AGigabyteStaysFreeOnTheDisk) {
+TEST_F(UploadRouterTest, KeepsAGigabyteFree) {
   files.setAvailableBytes(1'000'000'010);
   EXPECT_EQ(offer(10), "receive 10");
   EXPECT_EQ(offer(11), kDiskFull);
@@ -135,7 +135,7 @@ TEST_F(UploadRouterTest, AGigabyteStaysFreeOnTheDisk) {
   EXPECT_TRUE(ask("GET /quota?k=secret").ends_with(R"("diskLow":false})"));
 }
 
-TEST_F(UploadRouterTest, AFullFolderIsRefusedUntilTomorrowUnlessItIsPruned) {
+TEST_F(UploadRouterTest, RefusesAFullFolderUnlessItIsPruned) {
   policy = {.folderLimit = 2, .autoPrune = false};
   destination.dateSubfolders = true;
   EXPECT_EQ(upload(kJPEG), "200 IMG_001.jpg");
@@ -149,7 +149,7 @@ TEST_F(UploadRouterTest, AFullFolderIsRefusedUntilTomorrowUnlessItIsPruned) {
   EXPECT_EQ(upload(kJPEG), "200 IMG_001.jpg");
 }
 
-TEST_F(UploadRouterTest, WhatThePhoneCallsTheFileNeverNamesAPath) {
+TEST_F(UploadRouterTest, NeverUsesTheSendersNameAsAPath) {
   int saved = 0;
   for (const auto &[name, extension] :
        std::initializer_list<std::pair<std::string, std::string>>{{"%", "tif"},
@@ -175,7 +175,7 @@ std::string allowedNonce(const HTTPResponse &page) {
   return "none";
 }
 
-TEST_F(UploadRouterTest, EveryPageShowsTheLimitAndAFreshNonceThatItsPolicyAllows) {
+TEST_F(UploadRouterTest, RendersTheLimitAndAFreshNonce) {
   disk.write("bundle/PhonePage.html", "<script nonce=__NONCE__></script>__NONCE__ __MAX_BYTES__");
   std::set<std::string> nonces;
   for (const std::int64_t limit : {5L, 12'345'678'901L}) {
@@ -187,7 +187,7 @@ TEST_F(UploadRouterTest, EveryPageShowsTheLimitAndAFreshNonceThatItsPolicyAllows
   EXPECT_EQ(nonces.size(), 2U);
 }
 
-TEST_F(UploadRouterTest, AMissingOrUnreadableTemplateGivesTheFallbackForGood) {
+TEST_F(UploadRouterTest, UsesTheFallbackForAMissingTemplate) {
   const char *fallback = "<!doctype html><p>fennick page missing</p>";
   EXPECT_EQ(ask("GET /?k=secret"), fmt::format("respond 200 {}", fallback));
   disk.write("bundle/PhonePage.html", "caf\xE9");

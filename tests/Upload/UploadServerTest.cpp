@@ -48,7 +48,7 @@ protected:
   HTTPServer server{router, kServiceLimits, limiter, time};
 };
 
-TEST_F(UploadServerTest, PhotosSentAtOnceAreAllSavedWhole) {
+TEST_F(UploadServerTest, SavesSimultaneousPhotos) {
   constexpr int kPhones = 8;
   ASSERT_TRUE(server.start(0, 1));
   std::latch begin(kPhones);
@@ -68,7 +68,7 @@ TEST_F(UploadServerTest, PhotosSentAtOnceAreAllSavedWhole) {
   EXPECT_EQ(reported().size(), kPhones);
 }
 
-TEST_F(UploadServerTest, APhoneThatGoesAwayInTheMiddleLeavesNothingBehind) {
+TEST_F(UploadServerTest, LeavesNothingIfThePhoneDisconnects) {
   Reached written(files, Operation::write);
   Reached removed(files, Operation::remove);
   ASSERT_TRUE(server.start(0, 1));
@@ -84,7 +84,7 @@ TEST_F(UploadServerTest, APhoneThatGoesAwayInTheMiddleLeavesNothingBehind) {
   EXPECT_TRUE(reported().empty());
 }
 
-TEST_F(UploadServerTest, ASaveFolderThatIsRemovedDuringAnUploadCostsThatUploadOnly) {
+TEST_F(UploadServerTest, LosesOnlyTheUploadIfTheFolderIsRemoved) {
   Reached written(files, Operation::write);
   ASSERT_TRUE(server.start(0, 1));
   Phone unlucky = phone();

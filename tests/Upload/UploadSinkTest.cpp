@@ -23,7 +23,7 @@ protected:
   }
 };
 
-TEST_F(UploadSinkTest, ASavedPhotoIsReportedOnceWithWhatWasKnownAtItsAdmission) {
+TEST_F(UploadSinkTest, ReportsASavedPhotoOnce) {
   const Instant admitted = clock.now();
   auto sink = admit(kJPEG.size(), "Content-Type: IMAGE/JPEG; q=1\r\nX-Filename: a.png\r\n");
   clock.advance(Seconds(86'400));
@@ -44,7 +44,7 @@ TEST_F(UploadSinkTest, ASavedPhotoIsReportedOnceWithWhatWasKnownAtItsAdmission) 
   EXPECT_THAT(parts(), IsEmpty());
 }
 
-TEST_F(UploadSinkTest, TheTypeIsFoundHoweverTheBodyIsCut) {
+TEST_F(UploadSinkTest, DetectsTheTypeInAnyChunks) {
   for (std::size_t cut = 0; cut <= 18; ++cut) {
     auto sink = admit(kTIFF.size(), "X-Filename: raw.dng\r\n");
     ASSERT_TRUE(sink->write(std::as_bytes(std::span(kTIFF).first(cut))));
@@ -54,7 +54,7 @@ TEST_F(UploadSinkTest, TheTypeIsFoundHoweverTheBodyIsCut) {
   }
 }
 
-TEST_F(UploadSinkTest, ARefusedBodyLeavesNothingBehind) {
+TEST_F(UploadSinkTest, LeavesNothingOfARefusedBody) {
   const std::string incomplete = "400 传输不完整 / incomplete body";
   const std::string unsupported =
       "415 不支持的文件类型，只接收照片和视频 / Unsupported file type; photos and videos only";
@@ -65,7 +65,7 @@ TEST_F(UploadSinkTest, ARefusedBodyLeavesNothingBehind) {
   expectNothingLeft();
 }
 
-TEST_F(UploadSinkTest, WhateverFailsOnTheDiskLeavesNothingBehindAndIsToldThePhone) {
+TEST_F(UploadSinkTest, ReportsDiskErrorsToThePhoneAndLeavesNothing) {
   for (const auto operation :
        {Operation::write, Operation::sync, Operation::close, Operation::createDirectories, Operation::list,
         Operation::moveNoReplace, Operation::syncDirectory}) {

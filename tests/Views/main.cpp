@@ -1,6 +1,6 @@
 #include "Quarrow/Views/View.h"
 #include "tests/Views/Hands.h"
-#include "tests/Views/Stage.h"
+#include "tools/Stage/Stage.h"
 
 #include <QQmlEngine>
 #include <QQmlExtensionPlugin>

@@ -45,7 +45,7 @@ protected:
   QSignalSpy changes{&model, &QAbstractItemModel::dataChanged};
 };
 
-TEST_F(PhotoListModelTest, aChangeIsToldByAsFewRowsAsItConcerns) {
+TEST_F(PhotoListModelTest, announcesOnlyTheAffectedRows) {
   struct Case {
     const char *names;
     int inserts, removals, moves, changes;
@@ -67,7 +67,7 @@ TEST_F(PhotoListModelTest, aChangeIsToldByAsFewRowsAsItConcerns) {
   EXPECT_TRUE(resets.isEmpty());
 }
 
-TEST_F(PhotoListModelTest, everyListIsReachedFromEveryOther) {
+TEST_F(PhotoListModelTest, reachesEveryListFromEveryOther) {
   std::mt19937 random(7); // NOLINT(bugprone-random-generator-seed): the same each time
   std::string names = "abcdefghijklmnopqrstuvwxyz";
   for (int round = 0; round < 300; ++round) {
@@ -78,7 +78,7 @@ TEST_F(PhotoListModelTest, everyListIsReachedFromEveryOther) {
   }
 }
 
-TEST_F(PhotoListModelTest, aFileThatChangedHasAnotherThumbnail) {
+TEST_F(PhotoListModelTest, givesAChangedFileAnotherThumbnail) {
   auto items = photos("abcdefgh");
   const auto address = [&] { return model.data(model.index(2), PhotoListModel::thumbnailRole).toString(); };
   const auto before = address();
@@ -95,7 +95,7 @@ TEST_F(PhotoListModelTest, aFileThatChangedHasAnotherThumbnail) {
   }
 }
 
-TEST_F(PhotoListModelTest, onlyRowsWhoseMarkChangedAreTold) {
+TEST_F(PhotoListModelTest, announcesOnlyRowsWhoseMarkChanged) {
   model.setSelected({"/photos/b", "/photos/c"});
   ASSERT_EQ(changes.size(), 1);
   model.setSelected({"/photos/c", "/photos/h", "/photos/elsewhere"});
@@ -104,7 +104,7 @@ TEST_F(PhotoListModelTest, onlyRowsWhoseMarkChangedAreTold) {
   EXPECT_EQ(changes[2][0].toModelIndex().row(), 7);
 }
 
-TEST_F(PhotoListModelTest, aTileSaysWhatItShows) {
+TEST_F(PhotoListModelTest, describesEachTile) {
   auto video = photo("看海.MOV", 20'000'000);
   video.isVideo = true;
   video.pixelWidth.reset();

@@ -64,7 +64,7 @@ protected:
   std::optional<PhotoWall> wall;
 };
 
-TEST_F(PhotoWallTest, saysWhyThereIsNothingToSee) {
+TEST_F(PhotoWallTest, reportsWhyTheWallIsEmpty) {
   EXPECT_EQ(wall->state(), PhotoWall::Empty);
   disk.makeFolder("photos");
   controller.library().setFolder(disk / "photos");
@@ -80,7 +80,7 @@ TEST_F(PhotoWallTest, saysWhyThereIsNothingToSee) {
   EXPECT_EQ(wall->state(), PhotoWall::NoMatch);
 }
 
-TEST_F(PhotoWallTest, theFilterHidesWhatIsThenNoLongerSelected) {
+TEST_F(PhotoWallTest, deselectsPhotosThatTheFilterHides) {
   const QAbstractItemModelTester tester(wall->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
   fill({"a.jpg", "b.mov", "c.jpg", "d.mp4"});
   EXPECT_EQ(wall->countText(), "2 张照片 · 2 段视频");
@@ -96,7 +96,7 @@ TEST_F(PhotoWallTest, theFilterHidesWhatIsThenNoLongerSelected) {
   EXPECT_EQ(selected(), "b.mov d.mp4");
 }
 
-TEST_F(PhotoWallTest, keysGoAroundInRowsAndColumns) {
+TEST_F(PhotoWallTest, movesFocusByRowsAndColumns) {
   fill({"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg", "f.jpg", "g.jpg", "h.jpg"}); // three rows of 3, 3 and 2
   struct Step {
     Qt::Key key;
@@ -139,7 +139,7 @@ TEST_F(PhotoWallTest, keysGoAroundInRowsAndColumns) {
   EXPECT_FALSE(press(Qt::Key_C, Qt::ControlModifier, "c"));
 }
 
-TEST_F(PhotoWallTest, aRubberBandCoversTheTilesThatItTouches) {
+TEST_F(PhotoWallTest, selectsTilesUnderTheRubberBand) {
   fill({"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"});
   const auto band = [&](const QRectF &area) {
     wall->stretchBand(area, QSizeF(100, 120), 3, 8);
@@ -151,7 +151,7 @@ TEST_F(PhotoWallTest, aRubberBandCoversTheTilesThatItTouches) {
   EXPECT_EQ(band({250, 50, 10, 300}), "c.jpg");
 }
 
-TEST_F(PhotoWallTest, aRenamedPhotoKeepsItsPlaceAndItsSelection) {
+TEST_F(PhotoWallTest, keepsPlaceAndSelectionOfARenamedPhoto) {
   fill({"a.jpg", "b.jpg", "c.jpg"});
   const QSignalSpy removed(wall->model(), &QAbstractItemModel::rowsRemoved);
   wall->click(1, Qt::NoModifier);
@@ -164,7 +164,7 @@ TEST_F(PhotoWallTest, aRenamedPhotoKeepsItsPlaceAndItsSelection) {
   EXPECT_TRUE(removed.isEmpty());
 }
 
-TEST_F(PhotoWallTest, draggedPhotosGoBeforeThePhotoTheyAreDroppedOn) {
+TEST_F(PhotoWallTest, movesDraggedPhotosBeforeTheDropTarget) {
   fill({"a.jpg", "b.mov", "c.jpg", "d.jpg", "e.mov", "f.jpg"});
   const auto take = [&](std::initializer_list<int> places) {
     wall->selectNone();
@@ -189,7 +189,7 @@ TEST_F(PhotoWallTest, draggedPhotosGoBeforeThePhotoTheyAreDroppedOn) {
   EXPECT_EQ(names(), "b.mov c.jpg e.mov d.jpg f.jpg a.jpg");
 }
 
-TEST_F(PhotoWallTest, theLimitIsSaid) {
+TEST_F(PhotoWallTest, reportsTheLimit) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < fennick::PhotoLibrary::kLimit - 1; ++i)
     names.push_back(fmt::format("{}.mov", i));
@@ -200,7 +200,7 @@ TEST_F(PhotoWallTest, theLimitIsSaid) {
   EXPECT_NE(wall->limitText(), "");
 }
 
-TEST_F(PhotoWallTest, aNewPhotoIsMarkedForAMoment) {
+TEST_F(PhotoWallTest, marksANewPhotoForAMoment) {
   fill({"a.jpg"});
   controller.library().noteAdded(disk.write("photos/new.jpg"));
   queue.runUntil([this] { return wall->count() == 2; });
@@ -212,7 +212,7 @@ TEST_F(PhotoWallTest, aNewPhotoIsMarkedForAMoment) {
   EXPECT_FALSE(isRecent());
 }
 
-TEST_F(PhotoWallTest, theSizeOfTheTilesIsKept) {
+TEST_F(PhotoWallTest, storesTheTileSize) {
   wall->setTileSize(240);
   wall->setTileSize(200);
   queue.advance(fennick::Seconds(1));
@@ -223,7 +223,7 @@ TEST_F(PhotoWallTest, theSizeOfTheTilesIsKept) {
   EXPECT_EQ(wall->tileSize(), PhotoWall::kLargestTile);
 }
 
-TEST_F(PhotoWallTest, picturesAndFilesArePasted) {
+TEST_F(PhotoWallTest, pastesPicturesAndFiles) {
   const auto paste = [&](const QString &format, const QByteArray &content) {
     auto data = std::make_unique<QMimeData>();
     data->setData(format, content);

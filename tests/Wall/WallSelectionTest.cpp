@@ -35,7 +35,7 @@ protected:
   WallSelection wall{selection};
 };
 
-TEST_F(WallSelectionTest, clicksSelectAsInFileManagers) {
+TEST_F(WallSelectionTest, selectsLikeAFileManager) {
   struct Step {
     int place;
     Reach reach;
@@ -55,7 +55,7 @@ TEST_F(WallSelectionTest, clicksSelectAsInFileManagers) {
   EXPECT_EQ(selected(), "bcd");
 }
 
-TEST_F(WallSelectionTest, aRubberBandBuildsOnWhatWasSelectedBeforeIt) {
+TEST_F(WallSelectionTest, addsTheRubberBandToThePreviousSelection) {
   for (const auto &[band, wide, narrow] :
        {std::tuple(Band::replace, "def", "d"), std::tuple(Band::add, "bcdef", "bcd"),
         std::tuple(Band::toggle, "bcef", "bc")}) {
@@ -69,7 +69,7 @@ TEST_F(WallSelectionTest, aRubberBandBuildsOnWhatWasSelectedBeforeIt) {
   }
 }
 
-TEST_F(WallSelectionTest, photosKeepTheirSelectionWhateverHappensAroundThem) {
+TEST_F(WallSelectionTest, keepsTheSelectionWhenOtherPhotosChange) {
   wall.pick(2, Reach::only);
   wall.pick(5, Reach::toggle);
   wall.setFiles(filesOf("XfYcab"));
@@ -79,7 +79,7 @@ TEST_F(WallSelectionTest, photosKeepTheirSelectionWhateverHappensAroundThem) {
   EXPECT_EQ(selected(), "Yacf");
 }
 
-TEST_F(WallSelectionTest, theKeyboardGoesToTheNeighbourOfAPhotoThatIsGone) {
+TEST_F(WallSelectionTest, movesFocusToTheNeighbourOfALostPhoto) {
   wall.pick(2, Reach::only);
   wall.setFiles(filesOf("abefgh"));
   EXPECT_EQ(wall.current(), 2);
@@ -92,7 +92,7 @@ TEST_F(WallSelectionTest, theKeyboardGoesToTheNeighbourOfAPhotoThatIsGone) {
   EXPECT_EQ(wall.current(), -1);
 }
 
-TEST_F(WallSelectionTest, renamedPhotosStaySelected) {
+TEST_F(WallSelectionTest, keepsRenamedPhotosSelected) {
   wall.pick(1, Reach::only);
   wall.pick(2, Reach::range);
   wall.rename({{.from = "b", .to = "B"}, {.from = "g", .to = "G"}});
@@ -101,7 +101,7 @@ TEST_F(WallSelectionTest, renamedPhotosStaySelected) {
   EXPECT_EQ(wall.current(), 2);
 }
 
-TEST(TypeAheadTest, namesAreFoundByTheirBeginningUntilAPause) {
+TEST(TypeAheadTest, findsNamesByTheirBeginningUntilAPause) {
   fennick::test::FakeClock clock;
   TypeAhead typeAhead(clock);
   const std::vector<QString> names{"IMG_1", "Birthday", "beach", "IMG_20", "image"};

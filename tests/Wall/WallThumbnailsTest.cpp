@@ -52,7 +52,7 @@ private:
   const QSize size_;
 };
 
-TEST(WallThumbnailsTest, aTileIsTheMiddleOfThePictureFromARenditionThatIsSharpEnough) {
+TEST(WallThumbnailsTest, cutsTilesFromASharpEnoughThumbnail) {
   struct Case {
     QSize size;
     int side;
@@ -77,7 +77,7 @@ TEST(WallThumbnailsTest, aTileIsTheMiddleOfThePictureFromARenditionThatIsSharpEn
   }
 }
 
-TEST(WallThumbnailsTest, whatCannotBeReadHasNoTile) {
+TEST(WallThumbnailsTest, hasNoTileForUnreadablePictures) {
   const fennick::test::TemporaryFolder disk;
   fennick::test::FaultyFileSystem files;
   fennick::test::FakeDecoder decoder;

@@ -4,8 +4,8 @@
 
 #include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/View.h"
-#include "tests/Views/Stage.h"
 #include "tools/Screenshots/Shots.h"
+#include "tools/Stage/Stage.h"
 
 #include <QDir>
 #include <QGuiApplication>

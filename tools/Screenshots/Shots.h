@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/Views/Stage.h"
+#include "tools/Stage/Stage.h"
 
 #include <QObject>
 #include <QSize>

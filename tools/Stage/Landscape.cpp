@@ -1,4 +1,4 @@
-#include "tests/Views/Landscape.h"
+#include "tools/Stage/Landscape.h"
 
 #include <QBuffer>
 #include <QColor>

@@ -1,10 +1,10 @@
-#include "tests/Views/Stage.h"
+#include "tools/Stage/Stage.h"
 
 #include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/PhotoOrigin.h"
 #include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/Registration.h"
-#include "tests/Views/Landscape.h"
+#include "tools/Stage/Landscape.h"
 
 #include <QDir>
 

@@ -8,7 +8,7 @@
 #include "Quarrow/SettingsForm/SettingsForm.h"
 #include "Quarrow/Wall/PhotoWall.h"
 #include "tests/App/Surroundings.h"
-#include "tests/Views/MadeUpPhotos.h"
+#include "tools/Stage/MadeUpPhotos.h"
 
 #include <QObject>
 #include <QSize>

@@ -1,6 +1,6 @@
-#include "tests/Views/MadeUpPhotos.h"
+#include "tools/Stage/MadeUpPhotos.h"
 
-#include "tests/Views/Landscape.h"
+#include "tools/Stage/Landscape.h"
 
 #include <QSize>
 #include <QString>
