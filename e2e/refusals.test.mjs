@@ -124,5 +124,22 @@ for (const Browser of [WebKit, Chromium]) {
       await page.waitFor(() => document.querySelector('.row[data-state=saved], .row[data-state=known]'), 'the photo to be known', undefined, 60_000);
       assert.deepEqual(program.saved().map(digest), [digest(file)]);
     });
+
+    test('another tab of the phone does not make it forget a photo whose answer was lost', { skip: !Browser.hasTabs && 'one tab only' }, async (t) => {
+      const { program, proxy, page } = await connect(t);
+      const other = await page.newTab();
+      await other.ready(proxy.url);
+      const [file, another] = [make(scratch(), 'first.jpg', 3e6), make(scratch(), 'second.jpg', 9000)];
+      const held = proxy.holdNextAnswer();
+      await page.choose([file]);
+      await held;
+      await other.choose([another]);
+      await other.count('saved', 1);
+      await page.reload();
+      await page.link('ok');
+      await page.choose([file]);
+      await page.waitFor(() => document.querySelector('.row[data-state=saved], .row[data-state=known]'), 'the photo to be known', undefined, 60_000);
+      assert.deepEqual(digests(program.saved()), digests([file, another]));
+    });
   });
 }

@@ -47,6 +47,7 @@ class ChromiumPage extends PhonePage {
 
 export class Chromium {
   static name = 'Chromium';
+  static hasTabs = true;
 
   // `through` are words before the browser's command line.
   static async launch({ through = [] } = {}) {

@@ -152,17 +152,23 @@ const outbox = (function () {
   const store = 'tevrin.outbox.' + fingerprint(key);
   const sent = new Map(memory.read(store).map((entry) => entry.split(' ')));  // identity to mark
   const earlier = new Set(sent.keys());  // sent by a page before this one
-  const keep = () => memory.write(store, Array.from(sent, (entry) => entry.join(' ')).slice(-200));
+  const resolved = new Set();
+
+  // Another tab may have written in the meantime, so its uploads are kept unless this tab knows their outcome.
+  function keep() {
+    const others = memory.read(store).map((entry) => entry.split(' ')).filter(([id]) => !sent.has(id) && !resolved.has(id));
+    memory.write(store, others.concat(Array.from(sent)).map((entry) => entry.join(' ')).slice(-200));
+  }
 
   function forget(id) {
     earlier.delete(id);
+    resolved.add(id);
     if (sent.delete(id)) keep();
   }
 
   return {
     earlier, forget,
     add(id, mark) {
-      if (sent.has(id)) return;
       sent.set(id, mark);
       keep();
     },
