@@ -49,7 +49,7 @@ void sendAll(int socket, const char *data, std::size_t size) {
   }
 }
 
-// Until the server has closed the connection.
+// Reads until the server has closed the connection.
 std::string readAll(const fennick::FileDescriptor &socket) {
   std::string answer;
   std::array<char, 65536> buffer{};

@@ -23,13 +23,13 @@ struct Contender {
 
 enum class WarmUp { yes, no }; // whether there is a round that does not count
 
-// Runs all contenders in turn, `rounds` times after a warm-up, so that each meets the same weather; gives the
-// median seconds of each.
+// Runs all contenders in turn, `rounds` times after a warm-up, so that all meet the same load of the machine.
+// Returns the median seconds of each.
 [[nodiscard]] std::vector<double> compare(const std::vector<Contender> &contenders, int rounds,
                                           WarmUp warmUp = WarmUp::yes);
 
-// Prints a line for each contender: its time, and that of the first one as a multiple of it. `perRun` is how
-// often a contender does in one run what its time is stated for.
+// Prints the time of each contender, and that of the first one as a multiple of it. `perRun` is how many
+// units of work one run contains.
 void printTimes(const std::vector<Contender> &contenders, const std::vector<double> &seconds, int perRun = 1);
 
 // A new, empty folder below `parent`, removed with its content at the end of the program's scope.

@@ -20,7 +20,7 @@ using fennick::IOResult;
 
 namespace {
 
-// Writes and nothing else: neither the sync at the end nor the early writing that makes it short.
+// Writes without the final sync and without starting writeback early.
 class UnsyncedFile final : public fennick::WritableFile {
 public:
   explicit UnsyncedFile(fennick::FileDescriptor file) : file_(std::move(file)) {}
@@ -152,7 +152,7 @@ void Floor::serve(const fennick::FileDescriptor &socket, int number) const {
 }
 
 std::unique_ptr<Nginx> Nginx::start(const fs::path &folder) {
-  const std::uint16_t port = listenAnywhere().port(); // free a moment ago
+  const std::uint16_t port = listenAnywhere().port(); // free a moment before
   const fs::path base = fs::absolute(folder) / "nginx";
   fs::create_directories(base / "files");
   const fs::path configuration = base / "nginx.conf";

@@ -40,7 +40,7 @@ private:
   fennick::SystemFileSystem system_;
 };
 
-// A clock on which a minute passes with every look, so that a benchmark is not throttled like a guest.
+// A clock that advances a minute at every reading, so that no benchmark is throttled.
 class HastyClock final : public fennick::Clock {
 public:
   [[nodiscard]] fennick::Instant now() const override { return system_.now(); }
@@ -50,7 +50,7 @@ private:
   fennick::SystemClock system_;
 };
 
-// Our upload router with everything behind it, saving into one folder.
+// The upload router with everything behind it, saving into one folder.
 class Service {
 public:
   struct Options {
@@ -78,7 +78,7 @@ private:
   fennick::HTTPServer server_;
 };
 
-// The least that receiving can cost: a thread a connection that reads 256 KiB at a time and writes it to a
+// The minimal cost of receiving: one thread per connection that reads 256 KiB at a time and writes them to a
 // file.
 class Floor {
 public:

@@ -25,16 +25,16 @@ using Encoded = std::unique_ptr<unsigned char, decltype(&::tjFree)>;
 
 void startVips() {
   static const bool started = [] {
-    ::setenv("VIPS_WARNING", "0", 1); // what it has to say about each picture is no part of a table
+    ::setenv("VIPS_WARNING", "0", 1); // suppresses libvips's warnings in the tables
     if (VIPS_INIT("bench") != 0)
       fail("libvips does not start");
-    ::vips_cache_set_max(0); // the same picture comes again and again and is to be done again and again
+    ::vips_cache_set_max(0); // prevents caching of the repeated picture
     return true;
   }();
   std::ignore = started;
 }
 
-// -1 to 1, the same for the same place.
+// Returns a pseudo-random value from -1 to 1 for a place.
 float scatter(std::uint32_t x, std::uint32_t y, std::uint32_t seed) {
   std::uint32_t mixed = x * 0x9E3779B1U ^ y * 0x85EBCA77U ^ seed * 0xC2B2AE3DU;
   mixed = (mixed ^ (mixed >> 15U)) * 0x2C1B3C6DU;
@@ -72,7 +72,7 @@ constexpr std::array kLight{Octave{1024, 45, 1}, Octave{256, 24, 2}, Octave{64, 
 constexpr std::array kShapes{Octave{700, 1, 6}, Octave{90, 0.5F, 7}};
 constexpr std::array kRedness{Octave{800, 30, 8}, Octave{70, 10, 9}};
 constexpr std::array kBlueness{Octave{600, 30, 10}, Octave{110, 10, 11}};
-constexpr float kEdge = 45; // how much brighter a shape is than what it lies on
+constexpr float kEdge = 45; // how much brighter a shape is than its background
 constexpr float kGrain = 9;
 
 unsigned char sample(float value) { return static_cast<unsigned char>(std::clamp(value, 0.0F, 255.0F)); }

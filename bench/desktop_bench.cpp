@@ -1,6 +1,6 @@
-// What the program with windows takes of the computer when it waits in the tray and when its main window is
-// open: start to the icon in the tray, memory, and wake-ups when idle. This program is the tray itself; it
-// needs an X server and a session bus of its own, which script/bench gives it.
+// Measures the program with windows while it waits in the tray and with its main window open: time from start
+// to the tray icon, memory, and wake-ups when idle. This program implements the tray; it needs an X server
+// and a session bus of its own, which script/bench provides.
 //
 //   desktop_bench FOLDER
 
@@ -32,7 +32,7 @@ using Event = std::unique_ptr<xcb_generic_event_t, decltype(&std::free)>;
   std::exit(EXIT_FAILURE);
 }
 
-// A tray that takes whatever asks to be in it.
+// A tray that accepts every icon.
 class Tray {
 public:
   Tray() : connection_(xcb_connect(nullptr, nullptr), &xcb_disconnect) {
@@ -48,7 +48,7 @@ public:
     request_ = atom("_NET_SYSTEM_TRAY_OPCODE");
   }
 
-  // Returns when an icon that came after this call stands in the tray.
+  // Returns when a new icon has appeared in the tray.
   void awaitIcon() {
     for (icon_ = 0;;) {
       const Event event(xcb_wait_for_event(connection_.get()), &std::free);
@@ -84,10 +84,10 @@ private:
   std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection_;
   xcb_window_t window_ = 0;
   xcb_atom_t request_ = 0;
-  xcb_window_t icon_ = 0; // that asked last
+  xcb_window_t icon_ = 0; // the latest request
 };
 
-// The program as a process of its own, until this object is gone.
+// The program as a separate process for the lifetime of the object.
 class Program {
 public:
   Program(const std::filesystem::path &folder, const std::vector<std::string> &more) {
@@ -115,7 +115,7 @@ public:
         return std::stod(line.substr(field.size() + 1)) / 1024;
     fail("the program has ended");
   }
-  // Times that any of its threads was put to sleep and woken, or taken off the processor.
+  // Returns how often its threads were switched, voluntarily or not.
   [[nodiscard]] long switches() const {
     long all = 0;
     for (const auto &task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process_))) {
@@ -150,7 +150,7 @@ void idle(Tray &tray, const std::filesystem::path &folder, const char *what,
   constexpr int kSeconds = 30;
   const Program program(folder, arguments);
   tray.awaitIcon();
-  std::this_thread::sleep_for(std::chrono::seconds(5)); // the start and the self-check are over
+  std::this_thread::sleep_for(std::chrono::seconds(5)); // until the start and the self-check are over
   const long before = program.switches();
   std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
   fmt::print("  idle memory               {:>6.1f} MiB  ({}; {:.1f} of it not shared; aim: below 150)\n",

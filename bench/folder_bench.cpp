@@ -1,6 +1,6 @@
-// What admitting, naming and placing one photo costs in folders that already hold 0 to 100,000 files, with a
-// folder limit set so that the files are counted, and with rising numbers so that the highest is looked for.
-// Beside it, what one plain listing of the folder costs.
+// Measures admitting, naming and placing one photo in folders with 0 to 100,000 files, with a folder limit,
+// so that files are counted, and with sequence names, so that the highest number is searched. For comparison,
+// one plain listing of the folder.
 //
 //   folder_bench MEMORY_FOLDER
 

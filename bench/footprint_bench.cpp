@@ -1,5 +1,5 @@
-// What the terminal receiver takes of the computer: start to listening, memory and wake-ups when idle, from
-// an upload's last byte to its event, memory with 64 uploads under way and after 10,000.
+// Measures the terminal receiver: start to listening, memory and wake-ups when idle, the time from an
+// upload's last byte to its event, memory during 64 uploads and after 10,000.
 //
 //   footprint_bench MEMORY_FOLDER DISK_FOLDER
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-// The receiver as a process of its own, its standard output read line by line.
+// The receiver as a separate process with its standard output read line by line.
 class Receiver {
 public:
   explicit Receiver(const std::filesystem::path &scratch) {
@@ -58,7 +58,7 @@ public:
   [[nodiscard]] std::string target() const {
     return "/upload?k=" + listening_["accessKey"].get<std::string>();
   }
-  // The next event of this kind; others are passed over.
+  // Returns the next event of this kind and skips others.
   nlohmann::json awaitEvent(const std::string &kind) {
     std::array<char, 4096> line{};
     while (std::fgets(line.data(), line.size(), output_) != nullptr)
@@ -75,7 +75,7 @@ public:
         return std::stol(line.substr(field.size() + 1));
     return -1;
   }
-  // Times that any of its threads was put to sleep and woken, or taken off the processor.
+  // Returns how often its threads were switched, voluntarily or not.
   [[nodiscard]] long switches() const {
     long all = 0;
     for (const auto &task : std::filesystem::directory_iterator(fmt::format("/proc/{}/task", process_))) {
@@ -93,7 +93,7 @@ private:
   nlohmann::json listening_;
 };
 
-// Each from one of a hundred phones: an address is admitted 120 uploads a minute.
+// Uses a hundred addresses, since each is limited to 120 uploads a minute.
 fennick::FileDescriptor beginUpload(const Receiver &receiver, int number, std::int64_t bytes) {
   auto socket = bench::connectAs(1 + number % 100, receiver.port());
   bench::sendText(socket,
@@ -112,7 +112,7 @@ void startUp(const std::filesystem::path &scratch) {
 
 void idle(const Receiver &receiver) {
   constexpr int kSeconds = 60;
-  std::this_thread::sleep_for(std::chrono::seconds(1)); // the start has settled
+  std::this_thread::sleep_for(std::chrono::seconds(1)); // until the start is over
   const long before = receiver.switches();
   std::this_thread::sleep_for(std::chrono::seconds(kSeconds));
   fmt::print("  idle memory               {:>6.1f} MiB  (aim: below 20)\n",
@@ -120,7 +120,7 @@ void idle(const Receiver &receiver) {
   fmt::print("  wake-ups in {} s idle     {:>6}      (aim: none)\n", kSeconds, receiver.switches() - before);
 }
 
-// One photo after another: from its last byte to the answer, which waits for the disk, and on to the event.
+// Measures from a photo's last byte to the response, which waits for the disk, and to the event.
 void latency(Receiver &receiver, const char *where) {
   constexpr int kPhotos = 100;
   constexpr std::int64_t kBytes = 2'000'000;
@@ -160,7 +160,7 @@ void manyUploads(const Receiver &receiver) {
   std::vector<fennick::FileDescriptor> sockets;
   for (int i = 0; i < kUploads; ++i)
     sockets.push_back(beginUpload(receiver, i, kBytes));
-  // All of them half-way at the same time, then all of them to the end.
+  // Sends the first half of all, then the rest of all.
   bench::runMany(kUploads, kUploads,
                  [&](int i) { bench::sendBody(sockets[static_cast<std::size_t>(i)], kBytes / 2); });
   const long threads = receiver.status("Threads");

@@ -1,5 +1,5 @@
-// What phones wait for when they look into the gallery: its list, beside nginx listing the same folder as
-// JSON, and thumbnails that were made before, beside nginx serving files of the same content.
+// Measures the gallery: its list, compared with nginx listing the same folder as JSON, and existing
+// thumbnails, compared with nginx serving files of the same content.
 //
 //   gallery_bench MEMORY_FOLDER [ROUNDS]
 

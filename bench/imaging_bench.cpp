@@ -1,5 +1,5 @@
-// Pictures through the locked-down imaging process, beside libjpeg-turbo, libvips and ImageMagick doing the
-// same work: thumbnails, several at once, memory.
+// Measures pictures in the sandboxed imaging process, compared with libjpeg-turbo, libvips and ImageMagick
+// doing the same: thumbnails, several at once, memory.
 //
 //   imaging_bench MEMORY_FOLDER [ROUNDS]
 
@@ -43,7 +43,7 @@ void makePictures(const Stand &stand) {
   fmt::print("\n");
 }
 
-// ImageMagick, which reads the whole picture unless it is told beforehand what it is for.
+// ImageMagick, with a size hint for the JPEG decoder or without.
 Contender magick(const char *name, const Stand &stand, const fs::path &file, int pixels, const char *hint) {
   const std::string command =
       fmt::format("{} {} {} -auto-orient -thumbnail {}x{} -quality {} {}", bench::kConvert,
@@ -70,7 +70,7 @@ void thumbnails(const Stand &stand, const std::string &picture, int pixels) {
   bench::printTimes(contenders, bench::compare(contenders, stand.rounds));
 }
 
-// What a second processor can do for anyone at the moment shows in the bare loop beside it.
+// The bare loop shows how much a second processor can help at the moment.
 void severalAtOnce(const Stand &stand) {
   constexpr int kPictures = 8;
   constexpr int kPixels = 1600;
@@ -89,7 +89,7 @@ void severalAtOnce(const Stand &stand) {
   bench::printTimes(contenders, bench::compare(contenders, stand.rounds));
 }
 
-// What `work` took at most in any process that it started, in MiB.
+// Returns the peak memory of any process that `work` started, in MiB.
 double peakOf(const std::function<void(fennick::DecoderPool &)> &work) {
   std::array<int, 2> ends{};
   if (::pipe(ends.data()) != 0)
@@ -127,7 +127,7 @@ void memories(const fs::path &folder) {
                                  kTimeout));
            });
   };
-  // The system counts what this program held when it started them as well: smaller figures do not show.
+  // The system includes the memory of this program at the fork, so smaller values do not appear.
   fmt::print("\n  Most memory of the imaging process, a picture of 100 million pixels\n");
   memory("thumbnail of 100.jpg at 400 pixels", [&](fennick::DecoderPool &decoder) {
     need(decoder.thumbnail(folder / "100.jpg", 400, kPercent / 100.0));

@@ -1,5 +1,5 @@
-// What happens to received pictures on request (smaller, within a size, another format), file to file, beside
-// the command lines of vips and ImageMagick that do the same.
+// Measures the processing of received pictures (smaller, within a size, another format), file to file,
+// compared with the command lines of vips and ImageMagick.
 //
 //   pipeline_bench MEMORY_FOLDER [ROUNDS]
 
@@ -22,14 +22,14 @@ using bench::Stand;
 
 constexpr fennick::Seconds kTimeout{240};
 
-// One way of processing, and the command lines that do the same; {0} is the picture, {1} the result without
-// its extension.
+// A kind of processing, and the equivalent command lines; {0} is the picture, {1} the result without its
+// extension.
 struct Job {
   const char *name;
   const char *picture;
   fennick::ImagingOptions options;
   std::function<void(const fs::path &picture, const fs::path &result)> vips; // none: it takes minutes
-  std::string magick; // for ImageMagick; empty: it does the same as vips
+  std::string magick; // for ImageMagick; empty: the same as for vips
   int rounds = 0;     // 0: as many as asked for; 1: just once, without a warm-up
 };
 
@@ -39,7 +39,7 @@ auto vipsCommand(const char *command) {
   };
 }
 
-// The search for the largest quality, then size, within a megabyte, a command a try.
+// Searches the largest quality, then size, within a megabyte, with one command for each attempt.
 auto vipsWithinMegabyte(int longEdge) {
   return [longEdge](const fs::path &picture, const fs::path &result) {
     constexpr double kMost = 1e6;
@@ -98,7 +98,7 @@ void pipelines(const Stand &stand) {
       " -define jpeg:size=2048x2048 {0} -auto-orient -resize 2048x2048 -quality 85 {1}.jpg";
   const std::string magickCapped = " {0} -auto-orient -quality 85 -define jpeg:extent=1000000B {1}.jpg";
   const auto toJpeg = vipsCommand("vips copy {0} {1}.jpg[Q=85]");
-  // What quality 0.85 is on the encoder's own scale.
+  // Quality 0.85 on the encoder's own scale.
   const auto toHeic = vipsCommand("vips copy {0} {1}.heic[Q=78]");
   for (const Job &job : std::initializer_list<Job>{
            {"12.jpg to 2048 pixels", "12.jpg", {.maxPixels = 2048}, smaller, magickSmaller},

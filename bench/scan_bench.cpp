@@ -1,6 +1,6 @@
-// How long the photo library takes to look through a folder of 10,000 and 100,000 files, of which it shows
-// 500: nothing known of it, again, and again after one new file. Beside it, listing the folder and asking for
-// the status of each file, which is the least that sorting by date can cost.
+// Measures scans of the photo library in folders of 10,000 and 100,000 files, of which it shows 500: the
+// first scan, another one, and one after a new file. For comparison, listing the folder and reading the
+// status of each file, the minimum for sorting by date.
 //
 //   scan_bench DISK_FOLDER [ROUNDS]
 
@@ -28,7 +28,7 @@ using bench::Contender;
 using fennick::Locked;
 using fennick::PhotoLibrary;
 
-// The main thread's queue. What is meant for later never comes: the only scans are those that are measured.
+// A main queue without delayed tasks: only the measured scans run.
 class BenchQueue final : public fennick::MainQueue {
 public:
   void post(std::function<void()> task) override {
@@ -76,7 +76,7 @@ struct Stand {
     queue.runUntil([&] { return !library->items().empty(); });
   }
 
-  // One photo is left out of the list, so that it can be seen when the scan has found it again.
+  // Removes one photo from the list, to see when a scan has found it again.
   void forgetOne() const { library->remove(std::array{library->items().back().url}); }
   void scanAgain() {
     library->scan();
@@ -90,7 +90,7 @@ struct Stand {
   }
 };
 
-// Those that are shown are pictures, all older ones are only names.
+// Only the files that are shown are pictures; older ones are empty.
 void fill(const Stand &stand, int files) {
   const int pictures = static_cast<int>(PhotoLibrary::kLimit);
   for (int i = 0; i < files - pictures; ++i)
@@ -105,7 +105,7 @@ void plainListing(const fs::path &folder) {
     bench::fail("the folder cannot be read");
 }
 
-// Whether the kernel could be made to forget what it knows of files.
+// Returns whether the kernel's caches of files could be dropped.
 bool dropCaches() {
   ::sync();
   return static_cast<bool>(std::ofstream("/proc/sys/vm/drop_caches") << "3" << std::flush);

@@ -1,7 +1,6 @@
-// What people notice of the photo wall on a folder of ten thousand photos: how long its window takes to show
-// the first screen, how smoothly it scrolls through everything it lists, and how much memory it takes when
-// all of that is on the screen at once. Thumbnails were made before and lie on the disk; the window is
-// painted by the processor, on no screen.
+// Measures the photo wall with ten thousand photos: the time until its window shows the first screen, the
+// frame rate while scrolling through all it lists, and its memory with all of that visible. Thumbnails are on
+// the disk; the window is rendered in software, off-screen.
 //
 //   wall_bench [ROUNDS]
 
@@ -32,9 +31,9 @@ Q_IMPORT_QML_PLUGIN(TevrinPlugin)
 namespace {
 
 constexpr int kPhotos = 10'000;
-constexpr int kStep = 30; // how far the wall moves from one picture to the next, a quick scroll
+constexpr int kStep = 30; // distance between frames in a quick scroll
 constexpr QSize kScreen(1280, 800);
-constexpr QSize kWall(2640, 2200); // on which five hundred of the smallest tiles have room
+constexpr QSize kWall(2640, 2200); // room for five hundred of the smallest tiles
 
 using quarrow::PhotoWall;
 
@@ -55,7 +54,7 @@ void paint(QQuickWindow &window) {
   QCoreApplication::sendEvent(&window, &update);
 }
 
-// The program's main window in an engine of its own, as after the tray.
+// The program's main window in an engine of its own.
 class Window {
 public:
   explicit Window(QSize size) {
@@ -67,7 +66,7 @@ public:
     window_->show();
     paint(*window_);
   }
-  // Until every tile in sight and around it has its picture, and they are painted.
+  // Waits until every tile in and near the view has its picture, and they are painted.
   void awaitPictures() {
     do
       QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
@@ -84,7 +83,7 @@ private:
 
 double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
-// A wall without anything in memory, over the thumbnails on the disk.
+// A wall with empty caches in memory, using the thumbnails on the disk.
 class FreshWall {
 public:
   explicit FreshWall(quarrow::test::Stage &stage)

@@ -6,7 +6,7 @@
 
 namespace fennick::fuzz {
 
-// What must hold for every input; a violation is a finding.
+// Reports a finding if the property does not hold.
 inline void require(bool property) {
   if (!property)
     std::abort();

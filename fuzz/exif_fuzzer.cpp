@@ -1,5 +1,5 @@
-// An EXIF block: asked everything, edited in every way. What was set is there afterwards, and nothing else
-// grew.
+// Parses an EXIF block, reads all values and makes all edits. Changes must be readable afterwards, and
+// nothing else may grow.
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/ExifDetails.h"
 #include "FennickCore/Support/Text.h"

@@ -1,4 +1,4 @@
-// A request head from the network: parsed, asked everything a connection asks of it, and echoed.
+// Parses a request head, makes all queries of a connection, and echoes it.
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/HTTP/HTTPResponse.h"
 #include "FennickCore/Support/Text.h"
@@ -14,7 +14,7 @@ namespace {
 
 std::ptrdiff_t linesOf(const std::string &text) { return std::ranges::count(text, '\n'); }
 
-// However a value came in, it leaves in the one line of its header.
+// Every value must leave in one line of its header.
 void requireOneLineEach(const HTTPRequestHead &head) {
   HTTPResponse response = HTTPResponse::text(200, "");
   const std::ptrdiff_t alone = linesOf(response.serialise(true));
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   (void)head->isChunked();
   (void)head->expectsContinue();
   requireOneLineEach(*head);
-  // The blank line makes no difference.
+  // The final blank line must make no difference.
   if (bytes.find("\r\n") != std::string::npos)
     require(HTTPRequestHead::parse(bytes + "\r\n\r\n") == head);
   return 0;

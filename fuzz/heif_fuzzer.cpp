@@ -1,4 +1,4 @@
-// The boxes of a HEIC, HEIF or AVIF file: described, and turned all eight ways.
+// Parses the boxes of a HEIC, HEIF or AVIF file and rotates it to all orientations.
 #include "FennickCore/Imaging/Picture/Heif.h"
 #include "fuzz/Property.h"
 

@@ -1,8 +1,10 @@
-// A picture file of any kind: what it says is read, cleaned, written into files of ours and read again.
+// Reads and cleans the metadata of a picture file, writes it into other files and reads it again.
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/JpegCompanions.h"
 #include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataProof.h"
+#include "FennickCore/Imaging/Picture/MetadataWriter.h"
 #include "FennickCore/Imaging/Picture/Orientation.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
 #include "fuzz/Property.h"
@@ -15,7 +17,7 @@ using fennick::fuzz::require;
 
 namespace {
 
-// A picture of nothing but a table, which blocks can go before.
+// A JPEG with only a table, before which blocks can be inserted.
 const std::string kJpeg("\xFF\xD8\xFF\xDB\x00\x02\xFF\xD9", 8);
 
 std::string smallPng() {
@@ -28,7 +30,7 @@ void requireRoundTrip(const std::string &file, PictureType type, const Metadata 
   const auto written = writeInto(bytesOf(file), metadata);
   require(written.has_value());
   if (std::max({metadata.exif.size(), metadata.xmp.size(), metadata.iptc.size()}) > 65'000)
-    return; // may be left out
+    return; // it may be left out
   require(readMetadata(bytesOf(*written), type) == metadata);
   (void)proveRemoved(bytesOf(*written), type, true, false);
 }

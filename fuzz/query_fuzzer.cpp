@@ -1,4 +1,4 @@
-// The text behind the "?" of a request target, and percent escapes on their own.
+// Parses the query of a request target, and percent escapes on their own.
 #include "FennickCore/HTTP/HTTPRequestHead.h"
 #include "FennickCore/Support/Text.h"
 #include "fuzz/Property.h"

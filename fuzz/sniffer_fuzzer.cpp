@@ -1,4 +1,4 @@
-// The first bytes of an upload with what its sender calls it: up to 16 bytes, then "media type NUL file
+// Sniffs the first bytes of an upload with its declared names: up to 16 bytes, then "media type NUL file
 // name".
 #include "FennickCore/Upload/FileTypeSniffer.h"
 #include "fuzz/Property.h"
@@ -18,12 +18,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
   const std::string filename(rest.substr(std::min(rest.size(), mediaType.size() + 1)));
 
   const auto sniffed = FileTypeSniffer::sniff(header);
-  require(FileTypeSniffer::sniff(bytes) == sniffed); // what comes later does not matter
+  require(FileTypeSniffer::sniff(bytes) == sniffed); // later bytes must not matter
   for (std::size_t length = 0; length < header.size(); ++length) {
     const auto early = FileTypeSniffer::sniff(header.first(length));
-    require(!early || early == sniffed); // nor does it change a verdict
+    require(!early || early == sniffed); // more bytes must not change a result
   }
-  // A sender's word turns a TIFF into a DNG and nothing else into anything.
+  // The sender's declaration may only turn a TIFF into a DNG.
   for (const auto &type : {std::optional<std::string>(), std::optional(mediaType)})
     for (const auto &name : {std::optional<std::string>(), std::optional(filename)}) {
       const auto resolved = FileTypeSniffer::resolve(header, type, name);

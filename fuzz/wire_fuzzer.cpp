@@ -1,4 +1,4 @@
-// What the imaging process and the program say to each other: neither believes the other.
+// Decodes messages between the imaging process and the program, which do not trust each other.
 #include "FennickCore/Imaging/ImagingWire.h"
 #include "fuzz/Property.h"
 
@@ -7,7 +7,7 @@ using fennick::fuzz::require;
 
 namespace {
 
-// What was understood can be said again, fits into a message and is understood the same way.
+// A decoded message must be encodable, fit the size limit and decode to the same value.
 template <typename Decode>
 void roundTrip(std::string_view message, Decode decode) {
   const auto understood = decode(message);

@@ -1,5 +1,6 @@
+#include "FennickCore/Storage/BatchRename.h"
+
 #include "FennickCore/Storage/Leftovers.h"
-#include "FennickCore/Storage/PhotoFileOps.h"
 
 #include <fmt/format.h>
 

@@ -1,8 +1,9 @@
+#include "FennickCore/Storage/PhotoRotation.h"
+
 #include "FennickCore/Platform/Files/AsideFile.h"
 #include "FennickCore/Platform/Files/FileAttributes.h"
 #include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Storage/Leftovers.h"
-#include "FennickCore/Storage/PhotoFileOps.h"
 
 #include <array>
 #include <tuple>

@@ -1,6 +1,8 @@
 #include "Quarrow/Actions/PhotoActions.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Storage/BatchRename.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 
 #include <QFile>
 

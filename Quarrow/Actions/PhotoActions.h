@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Storage/BatchRename.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
 #include "Quarrow/Actions/ExportForm.h"

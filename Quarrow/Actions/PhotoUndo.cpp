@@ -1,6 +1,8 @@
 #include "Quarrow/Actions/PhotoUndo.h"
 
 #include "FennickCore/Platform/Files/FileStatus.h"
+#include "FennickCore/Storage/BatchRename.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 
 #include <algorithm>
 #include <utility>

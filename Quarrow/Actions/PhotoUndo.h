@@ -1,9 +1,11 @@
 #pragma once
 
 #include "FennickCore/Platform/Files/Trash.h"
+#include "FennickCore/Storage/BatchRename.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoItem.h"
 #include "FennickCore/Storage/PhotoLibrary.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 #include "Quarrow/Actions/Failures.h"
 #include "Quarrow/Actions/FileJobs.h"
 #include "Quarrow/Actions/FileTools.h"

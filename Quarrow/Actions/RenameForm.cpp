@@ -1,5 +1,6 @@
 #include "Quarrow/Actions/RenameForm.h"
 
+#include "FennickCore/Storage/BatchRename.h"
 #include "Quarrow/Actions/Failures.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Platform/Threads/Lifetime.h"
+#include "FennickCore/Storage/BatchRename.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "Quarrow/Actions/FileJobs.h"
 #include "Quarrow/Actions/RenamePreview.h"

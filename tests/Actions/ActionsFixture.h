@@ -12,14 +12,14 @@
 
 namespace quarrow::test {
 
-// Photos on a wall, in a real folder, and what can be done to them; time and threads wait for the test.
+// Actions on photos in a real folder; the test controls time and threads.
 class ActionsTest : public ::testing::Test, public IdleController<> {
 protected:
   using Names = std::vector<std::string>;
 
   ActionsTest() { controller.server().setSaveFolder(disk / "photos"); }
 
-  // The wall shows these, in this order.
+  // Creates these files and waits until the wall shows them in this order.
   void hang(const Names &names) {
     int age = 0;
     for (const auto &name : names)
@@ -32,14 +32,14 @@ protected:
   void awaitWall(const Names &names) {
     queue.runUntil([&] { return listed() == names; });
   }
-  // Until what was entered has been looked at.
+  // Waits until the current input was evaluated.
   void awaitAnswers() {
     queue.advance(fennick::Seconds(0.2));
-    bool answered = false; // after everything that was asked before
+    bool answered = false; // comes after all earlier queries
     actions.jobs()->ask([] { return true; }, [&answered](bool) { answered = true; });
     queue.runUntil([&] { return answered; });
   }
-  // Until everything that was asked for is done.
+  // Waits until all jobs are done.
   void awaitJobs() {
     queue.runUntil([this] { return !actions.jobs()->running(); });
   }

@@ -20,7 +20,6 @@ protected:
                                            .hasMetadata = true});
     decoder.setRendering(fennick::Rendering{.bytes = "small", .longEdge = 2048, .quality = 0.8});
   }
-  // What the copy of the first photo will be, once it is known.
   std::string example() {
     awaitAnswers();
     return form.exampleCopy().toStdString();

@@ -95,7 +95,7 @@ TEST_F(PhotoActionsTest, UndoesDeletionsOneByOne) {
   EXPECT_THAT(selected(), ElementsAre("a.jpg", "d_2.jpg"));
   queue.runUntil([this] { return listed().size() == 5; });
   EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 6");
-  actions.undo(); // of the turn: it is found under its new name
+  actions.undo(); // of the rotation, under the new name
   awaitJobs();
   EXPECT_FALSE(actions.canUndo());
   EXPECT_EQ(disk.read("photos/d_2.jpg"), "turned 8");
@@ -117,7 +117,7 @@ TEST_F(PhotoActionsTest, ReportsAFailedUndoAndAllowsAnother) {
   awaitWall({"a.jpg", "b.jpg"});
   EXPECT_EQ(actions.note(), "已放回 2 项");
 
-  select({"b.jpg"}); // a name that is taken meanwhile
+  select({"b.jpg"}); // the old name is taken meanwhile
   actions.rename("c");
   disk.write("photos/b.jpg", "another");
   actions.undo();
@@ -128,7 +128,7 @@ TEST_F(PhotoActionsTest, ReportsAFailedUndoAndAllowsAnother) {
   awaitJobs();
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
 
-  select({"a.jpg", "b.jpg"}); // a picture that cannot be written, and one that is gone
+  select({"a.jpg", "b.jpg"}); // an unwritable picture and a missing one
   actions.rotate(true);
   awaitJobs();
   std::filesystem::remove(disk / "photos/b.jpg");
@@ -168,7 +168,7 @@ TEST_F(PhotoActionsTest, ContinuesAStoppedUndo) {
 
 TEST_F(PhotoActionsTest, UndoesAnotherOrder) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
-  actions.sortByDate(); // without a custom order there is nothing to do
+  actions.sortByDate(); // does nothing without a custom order
   EXPECT_FALSE(actions.canUndo());
   controller.library().reorder({disk / "photos/c.jpg"});
   EXPECT_TRUE(actions.canSortByDate());
@@ -197,7 +197,7 @@ TEST_F(PhotoActionsTest, KeepsTheNoteForAWhileOrWhileHeld) {
   };
   deleteOne("a.jpg");
   queue.advance(fennick::Seconds(5));
-  deleteOne("b.jpg"); // begins its own time
+  deleteOne("b.jpg"); // restarts the note's time
   queue.advance(fennick::Seconds(5));
   EXPECT_EQ(actions.note(), "已将 1 项移到废纸篓");
   queue.advance(fennick::Seconds(4));
@@ -246,7 +246,7 @@ TEST_F(PhotoActionsTest, ReportsProgressAndStopsAfterTheCurrentFile) {
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 6");
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
   EXPECT_EQ(actions.jobs()->total(), 0);
-  actions.undo(); // of the one
+  actions.undo(); // of the single file
   awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
 }

@@ -15,7 +15,6 @@ using Operation = fennick::test::FaultyFileSystem::Operation;
 
 class RenameFormTest : public test::ActionsTest {
 protected:
-  // The new names, once they are those of what is entered.
   Names preview() {
     awaitAnswers();
     Names names;
@@ -43,7 +42,7 @@ TEST_F(RenameFormTest, PreviewsRenamesAndUndoes) {
   form.setDigits(1);
   EXPECT_FALSE(form.ready());
   EXPECT_THAT(preview(), ElementsAre("x-1.jpg", "x-3.png"));
-  form.setStart(9); // and at once, before the names are there:
+  form.setStart(9); // applied before the preview is ready:
   QSignalSpy finished(&form, &RenameForm::finished);
   form.apply();
   EXPECT_THAT(preview(), ElementsAre("x-9.jpg", "x-10.png"));

@@ -121,7 +121,7 @@ TEST_F(ControllerTest, ReplacesTheKeyAtOnceAndLiftsBans) {
   controller->settings().resetAccessKey();
   queue.run();
   EXPECT_NE(controller->server().phoneURL(), before);
-  for (int i = 0; i < 20; ++i) // an open page with the old key, which counts as one failure
+  for (int i = 0; i < 20; ++i) // an open page with the old key counts as one failure
     EXPECT_THAT(ask("/?k=" + oldKey), StartsWith("HTTP/1.1 403"));
   EXPECT_THAT(ask("/?k=" + controller->server().accessKey()), StartsWith("HTTP/1.1 200"));
 }
@@ -209,7 +209,7 @@ TEST_F(ControllerTest, ChecksAfterEachNetworkChangeAndIgnoresOutdatedResults) {
   EXPECT_FALSE(network.answer);
   EXPECT_EQ(server.property("checkAdvice").toString(), "请把电脑连上 Wi-Fi 或网线，然后再检查一次。");
 
-  network.change({wifi()}); // a check of the old server says nothing of the new one
+  network.change({wifi()}); // a check of the old server is ignored
   controller->settings().update([](auto &settings) { settings.preferredPort = freePort(); });
   queue.runUntil(
       [&] { return !network.answer || server.port() == controller->settings().settings().preferredPort; });

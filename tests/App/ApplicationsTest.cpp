@@ -18,8 +18,7 @@ using ::testing::HasSubstr;
 
 class ApplicationsTest : public ::testing::Test {
 protected:
-  // A desktop entry whose program tells which file it got, which signals it blocks and whether it leads a
-  // session of its own.
+  // Makes a desktop entry whose program reports its file, its blocked signals and whether it leads a session.
   std::filesystem::path makeEntry() {
     const auto program = disk.write(
         "program", fmt::format("#!/bin/sh\n"
@@ -32,7 +31,7 @@ protected:
         "entry.desktop",
         fmt::format("[Desktop Entry]\nType=Application\nName=Test\nExec={} %f\n", program.string()));
   }
-  // Waits until the program has ended its report.
+  // Waits for the report of the program.
   std::string heard() const {
     std::ostringstream text;
     text << std::ifstream(pipe).rdbuf();
@@ -75,8 +74,8 @@ protected:
     disk.write(fmt::format("share/applications/{}.desktop", name),
                fmt::format("[Desktop Entry]\nType=Application\nName={}\n{}\n", name, more));
   }
-  // What the applications are that open photo.jpg, one a line: the desktop is read once in a process, so that
-  // this needs one of its own.
+  // Prints the applications for photo.jpg. The desktop is read once per process, so this runs in a process of
+  // its own.
   void list() const {
     const auto at = [this](const char *variable, const char *folder) {
       ::setenv(variable, (disk / folder).c_str(), 1);

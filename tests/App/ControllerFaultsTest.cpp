@@ -20,7 +20,6 @@ fennick::BookmarkData bookmarkOf(const std::filesystem::path &folder) {
 class ControllerFaults : public ControllerTest {
 protected:
   [[nodiscard]] std::string error() { return controller->server().error().value_or("none"); }
-  // What the next start would find.
   [[nodiscard]] fennick::AppSettings stored() {
     fennick::FilePreferences fresh(disk / "state/preferences.json");
     return fennick::SettingsStore(fresh).settings();
@@ -39,7 +38,7 @@ TEST_F(ControllerFaults, FallsBackToTheDefaultFolderAndReportsAMissingOne) {
   controller.reset();
   std::filesystem::remove_all(chosen);
   start();
-  EXPECT_EQ(error(), kGoneNotice); // still there though the server has started since
+  EXPECT_EQ(error(), kGoneNotice); // still shown although the server has started since
   EXPECT_EQ(controller->server().saveFolder(), options.defaultFolder);
   EXPECT_EQ(stored().saveFolderBookmark, std::nullopt);
   EXPECT_THAT(upload(), StartsWith("HTTP/1.1 200"));
@@ -66,8 +65,8 @@ TEST_F(ControllerFaults, ReportsAFolderThatCannotBeCreatedAndRecoversWithoutARes
   queue.runUntil([&] { return !controller->server().error(); });
 }
 
-// A drive is a link to a folder of another file system here: without it the way leads to the system's disk,
-// as with the empty folder of a mount point.
+// The drive is a link to a folder of another file system: without it the path leads to the system's disk, as
+// with the empty folder of a mount point.
 TEST_F(ControllerFaults, ReportsAnUnpluggedDriveAndUsesItAgainWhenItReturns) {
   const std::filesystem::path drive = std::filesystem::path("/dev/shm") / disk.path().filename();
   std::filesystem::create_directories(drive / "photos");
@@ -86,10 +85,10 @@ TEST_F(ControllerFaults, ReportsAnUnpluggedDriveAndUsesItAgainWhenItReturns) {
   queue.runUntil([&] { return controller->library().items().size() == 1; });
 
   std::filesystem::remove(disk / "media/drive");
-  EXPECT_THAT(upload(), StartsWith("HTTP/1.1 500")); // at once, whether it was noticed or not
+  EXPECT_THAT(upload(), StartsWith("HTTP/1.1 500")); // even before it was noticed
   queue.runUntil([&] { return controller->server().error().has_value(); });
   EXPECT_THAT(error(), HasSubstr("磁盘不见了"));
-  change([](auto &settings) { settings.maxUploadBytes = 1000; }); // forgets nothing and makes nothing
+  change([](auto &settings) { settings.maxUploadBytes = 1000; }); // must not create anything
   EXPECT_THAT(upload(), StartsWith("HTTP/1.1 500"));
   EXPECT_THAT(disk.names("media"), IsEmpty());
   EXPECT_TRUE(stored().saveFolderBookmark);
@@ -133,7 +132,7 @@ TEST_F(ControllerFaults, EndsABanAfterItsTimeEvenIfTheClockIsSet) {
   EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 429"));
   queue.clock().setCalendar(queue.clock().now() + std::chrono::hours(1));
   EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 429"));
-  queue.clock().advance(fennick::Seconds(301)); // asleep or awake
+  queue.clock().advance(fennick::Seconds(301)); // suspended time counts
   EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 200"));
 }
 

@@ -21,8 +21,8 @@ inline fennick::LANAddress wired(const std::string &address = "10.0.0.5") {
   return {.interface = "eth0", .address = address, .kind = fennick::LANAddress::Kind::wired};
 }
 
-// A controller with a real server on this computer and a real save folder; everything else is in the test's
-// hands. Nothing happens on the main thread until the queue runs.
+// A controller with a real server and a real save folder; the test controls everything else. Nothing runs on
+// the main thread until the queue runs.
 class ControllerTest : public ::testing::Test, public Surroundings<> {
 protected:
   ControllerTest() {
@@ -43,7 +43,6 @@ protected:
     QObject::connect(&*controller, &AppController::received,
                      [this](const ReceivedFile &file) { received.push_back(file); });
   }
-  // Made, started, and the server listens.
   void start() {
     make();
     controller->start();
@@ -79,7 +78,7 @@ protected:
                          [&](const auto &line) { return line.contains(containing); });
     return found;
   }
-  // Ports that were free a moment ago.
+  // Returns ports that were free a moment ago.
   static std::uint16_t freePort() { return twoFreePorts().first; }
   static std::pair<std::uint16_t, std::uint16_t> twoFreePorts() {
     const auto first = fennick::ListeningSocket::open(0);
@@ -87,7 +86,7 @@ protected:
     return {first->port(), second->port()};
   }
 
-  fennick::SettingsStore store{preferences}; // for what is stored before the start
+  fennick::SettingsStore store{preferences}; // stores settings before the start
   AppController::Options options{.cacheDirectory = disk / "cache", .saveFolder = disk / "photos"};
   std::vector<ReceivedFile> received;
   std::optional<AppController> controller;

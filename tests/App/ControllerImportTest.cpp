@@ -45,7 +45,7 @@ protected:
   }
 
   const std::string jpeg{kJPEG};
-  std::vector<std::string> finished; // what was said at the end of each
+  std::vector<std::string> finished; // the problems of each finished import
 };
 
 TEST_F(ControllerImportTest, CopiesDroppedFilesAndNamesThoseThatAreNotPhotos) {
@@ -60,7 +60,7 @@ TEST_F(ControllerImportTest, CopiesDroppedFilesAndNamesThoseThatAreNotPhotos) {
   bringIn(
       {harbour, inside, disk.write("text.jpg", "no photo at all"), disk / "gone.jpg", disk / "day", kept});
   EXPECT_THAT(photos(), ElementsAre("IMG_001.jpg", "IMG_002.jpg", "IMG_003.jpg", "IMG_004.jpg", "originals",
-                                    "trip")); // of the folder what lies directly in it
+                                    "trip")); // only files directly in the folder
   EXPECT_EQ(disk.read("photos/IMG_001.jpg"), kJPEG);
   EXPECT_TRUE(fs::exists(harbour));
   EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
@@ -70,7 +70,7 @@ TEST_F(ControllerImportTest, CopiesDroppedFilesAndNamesThoseThatAreNotPhotos) {
 
   bringIn({inside});
   EXPECT_EQ(finished.back(), "");
-  EXPECT_EQ(controller->server().error(), std::nullopt); // what was said is over
+  EXPECT_EQ(controller->server().error(), std::nullopt); // a success clears the error
 }
 
 TEST_F(ControllerImportTest, ProcessesAnImportWithoutNotifications) {
@@ -128,7 +128,7 @@ TEST_F(ControllerImportTest, StopsTheCurrentAndTheWaitingImports) {
   EXPECT_THAT(finished, ElementsAre(""));
   EXPECT_THAT(this->photos(), ElementsAre("IMG_001.jpg"));
   EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
-  bringIn(photos); // the next ones are not meant
+  bringIn(photos); // the following ones are not imported
   EXPECT_THAT(this->photos(), ElementsAre("IMG_001.jpg", "IMG_002.jpg", "IMG_003.jpg", "IMG_004.jpg"));
 }
 

@@ -31,7 +31,7 @@ protected:
     std::erase(names, ".fennick-incoming");
     return names;
   }
-  // Whatever phones can get just now has no location.
+  // No photo that phones can get now contains a location.
   void expectNothingLeaks() {
     const auto key = controller->settings().accessKey();
     EXPECT_THAT(ask("/gallery?k=" + key), StartsWith("HTTP/1.1 200"));
@@ -53,7 +53,7 @@ protected:
   }
 
   std::string folder;
-  // Whether phones can be served: not while the controller is being made or destroyed.
+  // Locked while the controller is created or destroyed, so that phones are not served.
   fennick::Mutex servingLock;
   bool serves GUARDED_BY(servingLock) = false;
 };
@@ -78,7 +78,7 @@ TEST_F(ControllerKillTest, NeitherLosesAPhotoNorShowsItsLocationAfterACrash) {
       runUntilReceived(1);
     expectNothingLeaks();
     setServing(false);
-    controller.reset(); // the dead disk keeps what it would still do from happening
+    controller.reset(); // the dead disk ignores further changes
 
     fileSystem = &files;
     start();

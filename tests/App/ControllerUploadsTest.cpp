@@ -44,7 +44,7 @@ TEST_F(ControllerTest, RunsTheConsequencesOfAnUploadInOrder) {
   queue.runUntil([&] { return !controller->library().recentlyAdded().empty(); });
   EXPECT_THAT(controller->library().items(), SizeIs(1));
 
-  std::filesystem::remove(application); // an application that is gone is passed over
+  std::filesystem::remove(application); // a missing application is skipped
   change([](auto &settings) { settings.workflow.playSound = false; });
   desktop.take();
   upload();
@@ -120,7 +120,7 @@ TEST_F(ControllerTest, PutsAReceivedPhotoFirstInACustomOrder) {
     upload();
     runUntilReceived(2);
     received.clear();
-    controller.reset(); // waits for the order
+    controller.reset(); // waits for the order to be stored
     EXPECT_THAT(fennick::PhotoOrder::load(*options.saveFolder),
                 ElementsAre("IMG_003.jpeg", "IMG_002.jpeg", "IMG_001.jpg"));
   }
@@ -131,7 +131,7 @@ TEST_F(ControllerTest, ReceivesUploadsWhileAPictureIsProcessed) {
     settings.naming = fennick::PrefixSequenceNaming{};
     settings.imaging.maxPixels = 100;
   });
-  options.hasPhotoWall = false; // nobody else asks the decoder
+  options.hasPhotoWall = false; // keeps others from using the decoder
   decoder.setFacts(kLargePicture);
   start();
   decoder.hold();

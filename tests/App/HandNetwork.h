@@ -10,7 +10,7 @@
 
 namespace quarrow::test {
 
-// A network that the test moves by hand: it answers when told to.
+// A network that the test controls.
 class HandNetwork final : public LocalNetwork {
 public:
   void watch(std::function<void(std::vector<fennick::LANAddress>)> changed) override {
@@ -30,7 +30,7 @@ public:
   void cancel() override { answer = {}; }
 
   std::function<void(std::vector<fennick::LANAddress>)> change;    // none: nobody watches
-  std::function<void(fennick::LocalNetworkProbe::Outcome)> answer; // none: no probe is under way
+  std::function<void(fennick::LocalNetworkProbe::Outcome)> answer; // empty: no probe is running
   std::vector<std::string> probes;
   std::string asked; // the interface of the latest search
   fennick::FirewallFinding firewall{.port = fennick::FirewallFinding::Port::open};

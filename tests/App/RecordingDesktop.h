@@ -10,7 +10,7 @@
 
 namespace quarrow::test {
 
-// A desktop that writes down what is asked of it, in words.
+// Records what is asked of the desktop as text.
 class RecordingDesktop final : public Desktop {
 public:
   void makeTrayItem() override { asked.emplace_back("tray item"); }
@@ -40,7 +40,6 @@ public:
   }
   [[nodiscard]] bool launchedAsLoginItem() const override { return isLoginItem; }
 
-  // What was asked since the last time.
   std::vector<std::string> take() { return std::exchange(asked, {}); }
 
   static std::string namesOf(const Paths &files) {

@@ -51,8 +51,7 @@ TEST(ServerModel, EncodesThePhoneURLInTheQRCode) {
   EXPECT_EQ(model.qrImage(), std::nullopt);
 }
 
-// What QML relies on: a value that is the same again wakes no binding, one that differs wakes each that
-// depends on it.
+// QML relies on this: an unchanged value updates no binding, a changed one every binding that depends on it.
 TEST(ServerModel, AnnouncesEachChangeOnce) {
   ServerModel model;
   std::map<std::string, int> announced;

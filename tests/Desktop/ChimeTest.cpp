@@ -28,7 +28,7 @@ double loudness(std::span<const std::int16_t> samples) {
   return std::sqrt(sum / static_cast<double>(samples.size()));
 }
 
-// How much of a frequency there is.
+// Returns the amplitude of a frequency.
 double amount(std::span<const std::int16_t> samples, double frequency) {
   std::complex<double> sum;
   for (std::size_t i = 0; i < samples.size(); ++i)
@@ -46,7 +46,7 @@ TEST(ChimeTest, StartsSoftlyAndFadesToSilence) {
   EXPECT_LT(loudness(all.first(kMillisecond)), 0.2 * loudness(all.subspan(5 * kMillisecond, kMillisecond)));
   EXPECT_LT(loudness(all.last(100 * kMillisecond)), 0.05 * loudness(all.first(100 * kMillisecond)));
   EXPECT_EQ(sound.back(), 0);
-  // Its second tone is no octave: that is what makes it glass.
+  // Its second partial is not an octave, as for glass.
   EXPECT_GT(amount(all, 1318.5 * 2.32), 5 * amount(all, 1318.5 * 2));
 }
 

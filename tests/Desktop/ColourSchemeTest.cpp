@@ -34,7 +34,7 @@ TEST(ColourSchemeTest, FollowsTheColourSchemeOfTheSession) {
   test::FakeService portal(QStringLiteral("org.freedesktop.portal.Desktop"), [](const QDBusMessage &call) {
     if (call.arguments() != QVariantList{kGroup, kKey})
       return call.createErrorReply(QDBusError::InvalidArgs, QString());
-    return call.createReply(wrapped(wrapped(kDark))); // twice, as older portals do
+    return call.createReply(wrapped(wrapped(kDark))); // wrapped twice, as by older portals
   });
   const auto tell = [&](const QString &group, const QString &key, uint wish) {
     portal.tell(QStringLiteral("/org/freedesktop/portal/desktop"),
@@ -52,7 +52,7 @@ TEST(ColourSchemeTest, FollowsTheColourSchemeOfTheSession) {
   tell(QStringLiteral("org.example"), kKey, kLight);
   tell(kGroup, QStringLiteral("contrast"), kLight);
   tell(kGroup, kKey, kNone);
-  tell(kGroup, kKey, 7); // of a time to come
+  tell(kGroup, kKey, 7); // an unknown value
   tell(kGroup, kKey, kDark);
   tell(kGroup, kKey, kLight);
   test::runUntil([] { return !isDarkScheme(); });

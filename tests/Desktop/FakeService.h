@@ -14,10 +14,10 @@
 
 namespace quarrow::test {
 
-// A service on the session bus, with a connection of its own, for as long as it lives.
+// A service on the session bus with a connection of its own.
 class FakeService final : public QDBusVirtualObject {
 public:
-  // The message to send back: a reply or an error.
+  // Returns the reply or error to send.
   using Answer = std::function<QDBusMessage(const QDBusMessage &call)>;
 
   FakeService(QString name, Answer answer)
@@ -54,8 +54,8 @@ private:
   QDBusConnection bus_;
 };
 
-// Runs the event loop until all that was asked on the session bus so far, of services that are not there, has
-// been answered: errors of the bus come in the order of the calls.
+// Runs the event loop until all requests to missing services have failed: errors arrive in the order of the
+// calls.
 inline void awaitErrors() {
   bool answered = false;
   QObject context;

@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// Gives every key but those that somebody else has, and writes down what it was asked.
+// Grants every key except taken ones, and records requests.
 class FakeBackend final : public HotKeyBackend {
 public:
   bool take(const HotKeyPreset &preset) override {

@@ -24,12 +24,12 @@ const QString kShortcuts = QStringLiteral("org.freedesktop.portal.GlobalShortcut
 // A desktop portal that grants shortcuts, or does what the test wants of it.
 class FakePortal {
 public:
-  uint creation = 0; // its response to CreateSession; 0 is yes
+  uint creation = 0; // its response to CreateSession; 0 is success
   uint binding = 0;
   bool knowsShortcuts = true;
-  bool assigns = true; // whether a shortcut that is granted is among the results
+  bool assigns = true; // whether the results contain the granted shortcut
   std::vector<std::string> asked;
-  std::set<QString> sessions; // that are open
+  std::set<QString> sessions; // the open ones
 
   [[nodiscard]] QString session() const { return kDesktop + QStringLiteral("/session/") + token_; }
   void activate(const QString &path, const QString &shortcut, const QVariantMap &options = {}) {

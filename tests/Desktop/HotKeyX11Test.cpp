@@ -13,7 +13,7 @@
 namespace quarrow {
 namespace {
 
-// Another program that wants keys for itself.
+// Another program that grabs keys.
 class OtherClient {
 public:
   OtherClient() : connection_(::xcb_connect(nullptr, nullptr)) {}
@@ -32,7 +32,6 @@ public:
     std::free(
         ::xcb_request_check(connection_, ::xcb_ungrab_key_checked(connection_, key, root(), modifiers)));
   }
-  // Whether somebody else has the key.
   [[nodiscard]] bool isTaken(std::uint16_t modifiers, xcb_keycode_t key) const {
     if (!grab(modifiers, key))
       return true;
@@ -76,7 +75,7 @@ TEST_F(HotKeyX11Test, ReportsEveryPresetWithAnyLockState) {
                                                          {1, "ctrl+alt+p"},
                                                          {2, "super+shift+2"},
                                                          {3, "ctrl+alt+space"},
-                                                         {4, "197"}}; // no key types F19 here
+                                                         {4, "197"}}; // no key types F19 in this layout
   int expected = 0;
   for (const auto &[id, keys] : cases) {
     ASSERT_TRUE(take(id)) << keys;
@@ -107,7 +106,7 @@ TEST_F(HotKeyX11Test, ReportsAHeldKeyOnce) {
   const std::tuple<std::uint8_t, xcb_timestamp_t, int> story[] = {
       {XCB_KEY_PRESS, kWrapped, 1}, {XCB_KEY_PRESS, 500, 1},
       {XCB_KEY_PRESS, 530, 1},      {XCB_KEY_RELEASE, 540, 1},
-      {XCB_KEY_PRESS, 550, 2},      {XCB_KEY_PRESS, 2000, 3}, // that it was let go went elsewhere
+      {XCB_KEY_PRESS, 550, 2},      {XCB_KEY_PRESS, 2000, 3}, // the release went to another client
   };
   for (const auto &[kind, time, presses] : story) {
     xcb_key_press_event_t event{};

@@ -48,7 +48,7 @@ TEST_F(LoginItemTest, ReportsAnUnwritableEntry) {
   EXPECT_FALSE(item.isEnabled());
 }
 
-// The desktop's own reader of entries starts it.
+// The entry is started by GLib's own reader.
 TEST_F(LoginItemTest, QuotesAnyProgramPath) {
   const auto heard = disk / "heard";
   for (const char *name : {"tevrin", "a b", R"(quote"d `x` $HOME \back)", "照片's"}) {
@@ -66,7 +66,7 @@ TEST_F(LoginItemTest, QuotesAnyProgramPath) {
     EXPECT_EQ(said.str(), "1 --login-item\n") << name;
     std::filesystem::remove(heard);
   }
-  // GLib looks for a program with a percent sign under the wrong name.
+  // GLib resolves a program with a percent sign under the wrong name.
   ASSERT_TRUE(LoginItem(disk.path(), "/opt/100%f/tevrin").setEnabled(true));
   EXPECT_THAT(disk.read("tevrin.desktop"),
               ::testing::HasSubstr("Exec=\"/opt/100%%f/tevrin\" --login-item\n"));

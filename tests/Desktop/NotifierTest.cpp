@@ -28,7 +28,7 @@ std::string jpegOf(int width, int height) {
   return bytes.toStdString();
 }
 
-// A notification service; what it shows is written down in words.
+// A notification service that records notifications as text.
 class FakeNotifications {
 public:
   explicit FakeNotifications(QStringList capabilities) : capabilities_(std::move(capabilities)) {}
@@ -106,7 +106,7 @@ TEST_F(NotifierTest, ShowsAPictureAndOpensTheFile) {
   FakeNotifications service(kEverything);
   decoder.setThumbnail(jpegOf(101, 50));
   notifier.post("one", "1", "/photos/1.jpg");
-  notifier.post("two", "2", "/photos/2.mp4"); // of videos there are no pictures
+  notifier.post("two", "2", "/photos/2.mp4"); // videos have no picture
   EXPECT_THAT(service.take(2),
               ::testing::UnorderedElementsAre("one|1|default,打开,folder,在文件夹中显示|101x50 red",
                                               "two|2|default,打开,folder,在文件夹中显示|"));

@@ -7,8 +7,7 @@
 
 namespace quarrow::test {
 
-// Runs the event loop until `condition` holds, which is looked at after each event. A test that waits in vain
-// is ended by its time limit.
+// Runs the event loop until `condition` holds. A test that waits in vain is ended by its time limit.
 inline void runUntil(const std::function<bool()> &condition) {
   while (!condition())
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);

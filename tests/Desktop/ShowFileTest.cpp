@@ -14,7 +14,7 @@
 namespace quarrow {
 namespace {
 
-// Makes a program that writes what it is given to `pipe` the person's choice for photos and folders.
+// Makes a program that writes its arguments to `pipe` the default for photos and folders.
 void choosePrograms(const fennick::test::TemporaryFolder &disk, const std::filesystem::path &pipe) {
   const auto program = disk.write("program", fmt::format("#!/bin/sh\necho \"$1\" > '{}'\n", pipe.string()));
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);

@@ -30,8 +30,8 @@ std::string post(std::size_t length, std::string_view headers = "") {
          "\r\n";
 }
 
-// One connection with a peer to script, a clock to move and a handler to instruct. `serve` plays the script
-// and gives what the peer was sent.
+// One connection with a scripted peer, a fake clock and a handler. `serve` runs the script and returns what
+// the peer received.
 struct Exchange {
   test::FakeClock clock;
   HTTPLimits limits = kServiceLimits;
@@ -129,7 +129,7 @@ TEST(HTTPConnectionTimeouts, LimitsTheTimeOfEveryStage) {
       {"G", 16, kServiceLimits.headerTimeout},
       {"G", 1, kServiceLimits.headerTimeout},
       {post(3) + "x", 60, kServiceLimits.bodyIdleTimeout},
-      {post(100), 59, kServiceLimits.maxConnectionDuration}, // every byte begins the idle time anew
+      {post(100), 59, kServiceLimits.maxConnectionDuration}, // every byte restarts the idle time
   };
   for (const auto &[start, pause, end] : cases) {
     Exchange exchange;
@@ -175,7 +175,7 @@ TEST(HTTPConnectionReject, DrainsTheBodyOfARejectedRequestWithinLimits) {
     for (int i = 0; i < 50; ++i)
       exchange.peer.pauses(Seconds(slow ? 0.3 : 0)).sends(std::string(400, 'x'));
     exchange.serve();
-    EXPECT_EQ(exchange.peer.unread(), 47U * 400); // the third passes the budget, the fourth comes too late
+    EXPECT_EQ(exchange.peer.unread(), 47U * 400); // the third exceeds the budget, the fourth the time
     EXPECT_EQ(exchange.elapsed(), slow ? kServiceLimits.rejectDrainTimeout : Seconds(0));
   }
 }
@@ -234,7 +234,7 @@ TEST(HTTPConnectionShared, SendsSharedBodiesCompletely) {
 
 TEST(HTTPConnectionDownload, KeepsTheAnnouncedLengthOfADownload) {
   const test::TemporaryFolder folder;
-  std::string content(600'000, '\0'); // two steps of the file and a half
+  std::string content(600'000, '\0'); // two and a half chunks of the file
   for (std::size_t i = 0; i < content.size(); ++i)
     content[i] = static_cast<char>(i * 31 >> 3);
   for (const std::string_view what : {"grown", "cut", "gone", "no reader"}) {

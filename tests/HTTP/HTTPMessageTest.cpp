@@ -29,7 +29,7 @@ TEST(HTTPRequestHead, RequiresExactlyThreeWordsInTheRequestLine) {
   const std::pair<std::string_view, HTTPParseError> refused[]{
       {"\r\nGET /x HTTP/1.1", malformedRequestLine},       {"GET /x", malformedRequestLine},
       {"GET /a b HTTP/1.1", malformedRequestLine},         {"GET /x HTTP/2", unsupportedVersion},
-      {"GET /x HTTP/1.1\nHost:a\r\n", unsupportedVersion}, // one CRLF, and a bare LF ends no line any more
+      {"GET /x HTTP/1.1\nHost:a\r\n", unsupportedVersion}, // with one CRLF, a bare LF no longer ends lines
       {"GET /x HTTP/1.1\r\nno colon", malformedHeader},    {"GET /x HTTP/1.1\r\n \t: value", malformedHeader},
   };
   for (const auto &[text, error] : refused)
@@ -55,7 +55,7 @@ TEST(HTTPRequestHead, TrimsHeadersAndKeepsTheLastOfAName) {
       headWith("X-Key:  abc  \r\nhost: a:8080\r\n\r\nCookie: 1\r\nCOOKIE :\t2\r\nempty:").headers,
       ElementsAre(Pair("cookie", "2"), Pair("empty", ""), Pair("host", "a:8080"), Pair("x-key", "abc")));
   EXPECT_EQ(headWith("X-Name: 照片").header("x-NAME"), "照片");
-  // Latin-1 is all or nothing: one stray byte and every other is read so, too.
+  // One byte that is not UTF-8 makes the whole head Latin-1.
   EXPECT_EQ(headWith("A: \xFF\r\nB: \xC3\xA9").header("b"), "Ã©");
   EXPECT_EQ(headWith("X-\x01Na\0me: a\nb\0c"s).header("x-\x01na\0me"sv), "a\nb\0c"s);
 }

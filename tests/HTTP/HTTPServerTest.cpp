@@ -48,7 +48,7 @@ TEST_F(HTTPServerTest, SkipsTakenPortsUpToTheLast) {
     return std::expected<std::uint16_t, HTTPServerError>(std::unexpected(NoFreePort{std::move(tried)}));
   };
   EXPECT_EQ(server.start(port, 1), taken({port}));
-  const auto last = ListeningSocket::open(65535); // ours now or another's
+  const auto last = ListeningSocket::open(65535); // taken by this test or another program
   EXPECT_EQ(server.start(65535, 5), taken({65535}));
   const auto bound = server.start(port, 20).value();
   EXPECT_GT(bound, port);
@@ -60,7 +60,7 @@ TEST_F(HTTPServerTest, RefusesConnectionsWhenFullAndAdmitsAgain) {
   auto first = std::make_unique<LoopbackClient>("127.0.0.1", port);
   const LoopbackClient second("127.0.0.1", port);
   const LoopbackClient third("127.0.0.1", port);
-  EXPECT_EQ(ask(port, kGet), ""); // accepted in order: the three are in by now
+  EXPECT_EQ(ask(port, kGet), ""); // connections are accepted in order, so the three are admitted by now
   first.reset();
   std::string answer;
   while (answer.empty()) // until the server has noticed

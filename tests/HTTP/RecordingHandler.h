@@ -11,11 +11,11 @@
 
 namespace fennick::test {
 
-// Takes the body of a POST and answers everything else, unless told otherwise; remembers who asked for what
-// and what became of the bodies. Any thread.
+// Receives the body of a POST and answers everything else by default; records requests and bodies. Any
+// thread.
 class RecordingHandler final : public HTTPRequestHandler {
 public:
-  using Request = std::pair<HTTPRequestHead, std::string>; // with the peer's address
+  using Request = std::pair<HTTPRequestHead, std::string>; // and the peer's address
 
   std::function<HTTPRouteDecision(const HTTPRequestHead &)> decide; // instead of the ordinary decision
   std::function<IOResult<void>()> onWrite;                          // before each write; may fail it

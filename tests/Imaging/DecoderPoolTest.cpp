@@ -28,7 +28,7 @@ protected:
   static DecoderPool::Options misbehaving(const std::string &way) {
     return {.program = MISBEHAVING_PROGRAM,
             .arguments = {way},
-            .thumbnailTimeout = Seconds(way == "hang" ? 1.5 : 60)}; // long enough for a busy computer
+            .thumbnailTimeout = Seconds(way == "hang" ? 1.5 : 60)}; // sufficient on a busy computer
   }
   std::string processServing(DecoderPool &pool) { return pool.thumbnail(good, 400, 0.7).value_or("none"); }
 
@@ -98,7 +98,7 @@ TEST_F(DecoderPoolTest, LimitsTheProcessesAndEndsIdleOnes) {
   options.idleTime = Seconds(0);
   DecoderPool impatient(options);
   EXPECT_NE(processServing(impatient), "none");
-  while (impatient.processCount() > 0) // ends when the idle process has been retired
+  while (impatient.processCount() > 0) // until the idle process has been ended
     std::this_thread::yield();
 }
 
@@ -115,9 +115,9 @@ TEST_F(DecoderPoolTest, ReservesProcessesForFactsAndEncodings) {
   EXPECT_EQ(pool.thumbnail(good, 400, 0.7).error().fault, PictureFault::busy);
   EXPECT_TRUE(pool.facts(good));
   auto rendering = std::async(std::launch::async, [&] { return pool.render(bad, {}, Seconds(90)); });
-  while (pool.processCount() < 3) // the hanging ones, and one that has read facts and is idle
+  while (pool.processCount() < 3) // the hanging ones, and an idle one
     std::this_thread::yield();
-  EXPECT_TRUE(pool.withOrientation(good, 6)); // the idle process gives way
+  EXPECT_TRUE(pool.withOrientation(good, 6)); // the idle process is replaced
   EXPECT_EQ(pool.facts(good).error().fault, PictureFault::busy);
   pool.stop();
   EXPECT_EQ(hanging.get().error().fault, PictureFault::stopped);

@@ -1,4 +1,4 @@
-// Real pictures through the real, locked-down process.
+// Real pictures in the real sandboxed process.
 
 #include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Imaging/ImageLimits.h"
@@ -27,9 +27,9 @@ const Colour kRed{200, 40, 40};
 const Colour kGreen{40, 160, 40};
 const Colour kBlue{40, 40, 200};
 const Colour kGray{128, 128, 128};
-constexpr double kTolerance = 14; // what lossy encoding at the qualities used here does to an even field
+constexpr double kTolerance = 14; // the error of lossy encoding in an even field
 
-// Red, green / blue, gray: every way of turning or mirroring it can be told from the others.
+// Red, green / blue, gray: distinguishes all orientations.
 VImage quarters(int width, int height) {
   const auto field = [&](const Colour &colour) {
     return VImage::black(width / 2, height / 2).new_from_image(colour).cast(VIPS_FORMAT_UCHAR);
@@ -39,7 +39,7 @@ VImage quarters(int width, int height) {
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
-// Stored so that a viewer who obeys `orientation` sees quarters().
+// Returns the pixels to store so that a viewer sees `seen` after applying `orientation`.
 VImage storedFor(int orientation, const VImage &seen) {
   switch (orientation) {
   case 2:
@@ -77,7 +77,7 @@ void expectQuarters(const VImage &image, const std::string &where) {
   expectColour(image, 3 * w / 4, 3 * h / 4, kGray, where);
 }
 
-// The bytes decoded as a viewer would, by the libraries directly.
+// Decodes the bytes directly with the libraries, as a viewer would.
 VImage seen(const std::string &bytes) {
   if (bytes.compare(4, 4, "ftyp") == 0) {
     const auto raster = picture::decodeHeif(picture::bytesOf(bytes), picture::Damage::refuse);
@@ -95,7 +95,7 @@ protected:
   }
   ~DecodingTest() override { logTo({}); }
 
-  // A file saved by libvips in the format of the name's extension.
+  // Saves with libvips in the format of the name's extension.
   fs::path save(const std::string &name, const VImage &image, int orientation = 1) {
     VImage marked = image.copy();
     if (orientation != 1)
@@ -215,7 +215,7 @@ TEST_F(DecodingTest, ConvertsDeepCMYKAndGrayPictures) {
 
 TEST_F(DecodingTest, KeepsAWideGamutInPhotosAndConvertsItInThumbnails) {
   auto wide = quarters(100, 60).icc_transform("p3", VImage::option()->set("input_profile", "srgb"));
-  // As phones name theirs "Display P3 Gamut with sRGB Transfer".
+  // Phones name theirs "Display P3 Gamut with sRGB Transfer".
   std::string profile = picture::colourProfile(wide);
   const auto description = profile.find("sP3C");
   ASSERT_NE(description, std::string::npos);
@@ -235,7 +235,7 @@ TEST_F(DecodingTest, KeepsAWideGamutInPhotosAndConvertsItInThumbnails) {
 }
 
 TEST_F(DecodingTest, MeetsTheSizeLimitOrUsesTheSmallestInTime) {
-  // Noise, which does not get small.
+  // Noise does not compress well.
   const auto noise = VImage::gaussnoise(1400, 900, VImage::option()->set("mean", 128)->set("sigma", 60));
   const auto file = save("noise.png", noise.cast(VIPS_FORMAT_UCHAR));
   RenderRequest request{.output = PictureType::jpeg, .longEdge = 1400};
@@ -257,7 +257,7 @@ TEST_F(DecodingTest, RejectsDamagedAndOversizedFilesAndServesTheNext) {
   EXPECT_EQ(pool.render(cut, {.longEdge = 400}, Seconds(9)).error().fault, PictureFault::undecodable);
   EXPECT_THAT(pool.thumbnail(cut, 100, 0.7).value(), StartsWith("\xFF\xD8")) << "what there is can be shown";
 
-  // A PNG of a few bytes that claims the largest picture there is.
+  // A PNG of a few bytes that claims the largest dimensions.
   std::string bomb = readFile(save("bomb.png", quarters(8, 8))).value();
   bomb.replace(16, 8, std::string("\x7F\xFF\xFF\xFF\x7F\xFF\xFF\xFF", 8));
   folder.write("bomb.png", bomb);

@@ -1,5 +1,5 @@
-// Files from other programs and devices through the pipeline and the real, locked-down process: what becomes
-// of each under four sets of options. A row is cheap; add one for a kind of file that is treated differently.
+// Files from other programs and devices in the pipeline and the real sandboxed process under four sets of
+// options. Add a row for a kind of file that is treated differently.
 
 #include "FennickCore/Imaging/DecoderPool.h"
 #include "FennickCore/Imaging/ImagePipeline.h"
@@ -41,8 +41,8 @@ const std::array<ImagingOptions, kOptionSets> kOptions{
     ImagingOptions{.format = OutputFormat::heic, .stripAllMetadata = true},
     ImagingOptions{.maxBytes = 300'000, .format = OutputFormat::jpeg}};
 
-// What becomes of a file. What holds for every file that is processed with an option (its type, its size, no
-// location, ...) is checked for each.
+// The expected result for a file. Properties of every processed file (type, size, no location, ...) are
+// checked for each.
 struct Fate {
   bool processed = false;
   std::string note{};                      // a part of it
@@ -66,10 +66,10 @@ struct Row {
   std::string name; // of the file
   std::string bytes;
   Fates fates;
-  std::optional<Colour> shown{}; // in the middle of the thumbnail; absent: there is no thumbnail
+  std::optional<Colour> shown{}; // colour in the middle of the thumbnail; absent: no thumbnail
 };
 
-// What the builders paint with: an even field of this colour, unless they are told otherwise.
+// The default colour of the field.
 constexpr Colour kOrange{220, 130, 40};
 constexpr Colour kGreen{40, 160, 40}; // of the small picture in sampleRaw
 
@@ -80,7 +80,7 @@ VImage field(int width = 400, int height = 300, const Colour &colour = kOrange) 
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
-// `suffix` names the format, with options of libvips: ".tif[compression=lzw]".
+// `suffix` is the extension with options of libvips: ".tif[compression=lzw]".
 std::string saved(const VImage &image, const std::string &suffix) {
   const test::TemporaryFolder folder;
   const auto name = "saved" + suffix.substr(0, suffix.find('['));
@@ -88,7 +88,7 @@ std::string saved(const VImage &image, const std::string &suffix) {
   return folder.read(name);
 }
 
-// An EXIF block with a location goes behind the start of the file.
+// Inserts an EXIF block with a location after the start of the file.
 std::string jpegWithLocation(const VImage &image = field()) {
   return saved(image, ".jpg")
       .insert(2, *jpegSegment(picture::kAPP1, std::string(picture::kExifPrefix) +
@@ -114,11 +114,9 @@ std::string replaced(std::string text, const std::string &old, const std::string
   return text.replace(text.find(old), old.size(), by);
 }
 
-// A colour profile of one tag, which states BT.2020 and PQ by number, as the only part of the one in a JPEG.
+// A colour profile with one tag that states BT.2020 and PQ by number, as the only part in a JPEG.
 const std::string kPQProfile = "ICC_PROFILE\0\1\1"s + std::string(128, '\0') +
                                "\0\0\0\1cicp\0\0\0\x90\0\0\0\x0C"s + "cicp\0\0\0\0\x09\x10\0\1"s;
-
-// Each subject has a function of its own, so that rows are found and added where they belong.
 
 std::vector<Row> ordinaryRows() {
   const auto exif = pngChunk("eXIf", sampleExif({.orientation = 1, .hasPreview = false}));
@@ -137,7 +135,7 @@ std::vector<Row> ordinaryRows() {
   };
 }
 
-// Camera raw files: only their maker's programs can develop them.
+// Camera raw files can only be developed by their maker's programs.
 std::vector<Row> rawRows() {
   const std::string preview = saved(field(), ".jpg");
   return {
@@ -162,7 +160,7 @@ VImage twoPages() {
   return pages;
 }
 
-// More than one picture in a file.
+// Files with more than one picture.
 std::vector<Row> sequenceRows() {
   const std::string control = pngChunk("acTL", "\0\0\0\2\0\0\0\0"s);
   const std::string photo = saved(field(), ".jpg[strip]");
@@ -207,13 +205,13 @@ std::vector<Row> sampleRows() {
        kOrange},
       {"pq.heic",
        replaced(heic("\0\x09\0\x10\0\x06\x80"s), "colrprof",
-                "colrnclx"), // a profile's place for four numbers
+                "colrnclx"), // the place of a profile for four numbers
        {kept(), kept(), kept(), kept("kept as is (heic, HDR)")},
        Colour{255, 0, 0}},
   };
 }
 
-// JPEG files that do not follow the standard to the letter.
+// JPEG files that deviate from the standard.
 std::vector<Row> irregularJpegRows() {
   const std::string photo = jpegWithLocation();
   const auto behind = [&](const std::string &marker, std::size_t bytes) {
@@ -248,7 +246,7 @@ std::vector<Row> irregularJpegRows() {
   };
 }
 
-// A photo of the full size with a gain map of a quarter of it and a video that knows where it was taken.
+// A photo with a gain map of a quarter of its size and a video with a location.
 std::string motionPhotoInHDR() {
   const auto with = [](std::string jpeg, const std::string &xmp) {
     return jpeg.insert(2, *jpegSegment(picture::kAPP1, std::string(picture::kXMPPrefix) + xmp));
@@ -274,14 +272,14 @@ void expectCompanions(const std::string &file) {
   EXPECT_EQ(found.video->at + found.video->length, file.size());
   EXPECT_THAT(file, testing::AllOf(HasSubstr("frames"), testing::Not(HasSubstr("43.4"))));
   EXPECT_THAT(file, HasSubstr("Item:Length=\"" + std::to_string(gainMap.size()) + '"'));
-  // The directory's second entry: its length, and its place from the directory's header on.
+  // The directory's second entry: its length, and its position from the directory's header.
   const auto header = file.find("MPF\0"s) + 4;
   EXPECT_EQ(picture::readNumber(file, header + 70, 4), gainMap.size());
   EXPECT_EQ(header + picture::readNumber(file, header + 74, 4).value_or(0), found.gainMap->at);
   EXPECT_EQ(picture::readNumber(file, header + 54, 4), found.gainMap->at);
 }
 
-// What JPEG files carry beside the picture: motion videos, gain maps, further pictures, trailers.
+// Additional parts of JPEG files: motion videos, gain maps, further pictures, trailers.
 std::vector<Row> companionRows() {
   const std::string lost = "motion video not kept；HDR 增益图未保留 / gain map not kept";
   const std::string plain = saved(field(), ".jpg[strip]");

@@ -35,7 +35,7 @@ PictureFacts photo(PictureType type = PictureType::jpeg) {
           .hasMetadata = true};
 }
 
-// What is to be done with a picture, in short: the note, or the output with the longer side.
+// Returns the note, or the output with the longer side.
 std::string planned(const PictureFacts &facts, const ImagingOptions &options, bool heic = true,
                     std::int64_t bytes = 3'000'000) {
   const auto plan = ImagePipeline::plan(facts, bytes, options, [&] { return heic; });
@@ -60,7 +60,7 @@ TEST(ProcessingPlanTest, EncodesOnlyWhatMustChange) {
   EXPECT_EQ(planned(photo(), {.maxPixels = 0, .maxBytes = -5}), kNothing) << "no limits at all";
   auto bare = photo();
   bare.hasLocation = bare.hasMetadata = false;
-  bare.orientation = 6; // not upright is no reason by itself
+  bare.orientation = 6; // a rotation alone is no reason
   EXPECT_EQ(planned(bare, {.stripLocation = true, .stripAllMetadata = true}), kNothing);
   EXPECT_EQ(planned(photo(PictureType::heif), {}), kNothing);
 }
@@ -98,7 +98,7 @@ protected:
   ProcessResult process() {
     return ImagePipeline::process(source, options, Seconds(90), {.decoder = decoder, .files = files});
   }
-  // Every content in the folder and its sub-folders that is whole, temporaries apart.
+  // Returns the content of every complete file in the folder and its sub-folders.
   [[nodiscard]] std::vector<std::string> contents() const {
     std::vector<std::string> found;
     for (const auto &entry : fs::recursive_directory_iterator(folder.path()))
@@ -201,8 +201,8 @@ TEST_F(ImagePipelineTest, NotesEachFailureOfTheDecoder) {
                "已到最小尺寸/质量，仍超出体积上限 / at minimum, still over the size limit"));
 }
 
-// What a user finds after processing was interrupted and completed: the photo's name in the save folder, and
-// the folder that has the original, if any.
+// The result after processing was interrupted and completed: the photo's name, and the folder of the
+// original, if any.
 struct InterruptedCase {
   std::string name;
   PictureType type;
@@ -224,7 +224,7 @@ protected:
       return photo(readFile(file) == "encoded" ? PictureType::jpeg : GetParam().type);
     }
   };
-  // The trash, the journal and the photos of one disk, whose program may die at any change and start again.
+  // The trash, the journal and the photos of one disk, whose program may crash at any change and start again.
   class Disk : public ImagePipeline::CommitJournal, public Trash {
   public:
     Disk() { decoder_.setRendering(Rendering{.bytes = "encoded", .longEdge = 2048, .quality = 0.77}); }
@@ -254,7 +254,7 @@ protected:
       const auto moved = files_->moveNoReplace(file, folder_ / "trash" / file.filename());
       return moved ? IOResult<Trashed>(Trashed{}) : std::unexpected(moved.error());
     }
-    // Path and content of every file, temporaries apart.
+    // Returns path and content of every complete file.
     std::map<std::string, std::string> contents() const {
       std::map<std::string, std::string> found;
       for (const auto &entry : fs::recursive_directory_iterator(folder_.path()))

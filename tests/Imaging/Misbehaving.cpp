@@ -1,5 +1,5 @@
-// Stands in for the imaging process and goes wrong in the way that its argument names, each time it is asked.
-// A picture that begins with "good" is answered properly.
+// Replaces the imaging process and misbehaves as its argument says at each request. A picture that begins
+// with "good" is answered properly.
 
 #include "FennickCore/Imaging/ImagingWire.h"
 #include "FennickCore/Platform/Files/MemoryFile.h"
@@ -45,7 +45,7 @@ void misbehave(const std::string &way, MessageSocket &socket) {
   if (way == "hang")
     while (true)
       ::pause();
-  if (way == "eat") { // as much memory as it gets
+  if (way == "eat") { // allocates all memory it can get
     const rlimit limit{.rlim_cur = rlim_t{64} << 20, .rlim_max = rlim_t{64} << 20};
     ::setrlimit(RLIMIT_AS, &limit);
     for (std::list<std::string> eaten;;)

@@ -48,7 +48,7 @@ TEST(PictureExif, AppendsAMissingOrientation) {
 
 struct Shot {
   std::string make{}, model{}, lens{}, taken{}, offset{};
-  std::vector<std::uint32_t> time{}, aperture{}, focal{}; // above and below the line
+  std::vector<std::uint32_t> time{}, aperture{}, focal{}; // numerator and denominator
   std::uint16_t iso = 0, film = 0;
 };
 PictureDetails detailsOf(const Shot &shot, ByteOrder order = ByteOrder::little) {

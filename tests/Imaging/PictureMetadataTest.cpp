@@ -4,6 +4,8 @@
 #include "FennickCore/Imaging/Picture/Leftovers.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
 #include "FennickCore/Imaging/Picture/MetadataIptc.h"
+#include "FennickCore/Imaging/Picture/MetadataProof.h"
+#include "FennickCore/Imaging/Picture/MetadataWriter.h"
 #include "tests/Imaging/PictureSamples.h"
 
 #include <gmock/gmock.h>

@@ -29,7 +29,7 @@ TEST(PictureOrientation, KeepsTheLengthOfAJpegWithOrientation) {
   }
 }
 
-// A directory of two pictures, the second at `offset` from the directory's own header.
+// Builds a directory of two pictures, the second at `offset` from the directory's own header.
 std::string multiPicture(std::uint64_t firstBytes, std::uint64_t offset) {
   TiffWriter mpf(ByteOrder::big);
   const std::string entries = numberText(0, 4) + numberText(firstBytes, 4) + numberText(0, 8) +
@@ -37,7 +37,7 @@ std::string multiPicture(std::uint64_t firstBytes, std::uint64_t offset) {
   return *jpegSegment(kAPP2, "MPF\0"s + mpf.finish(mpf.directory({TiffWriter::text(0xB002, entries, 7)})));
 }
 
-// The file that the directory of `jpeg` gives the second picture's place in.
+// Returns the second picture according to the directory of `jpeg`.
 std::string secondPicture(const std::string &jpeg) {
   const std::size_t header = jpeg.find("MPF\0"s) + 4;
   const std::size_t entries = header + 8; // the writer puts values first
@@ -62,7 +62,7 @@ TEST(PictureOrientation, CorrectsPositionsOfFurtherJpegPictures) {
 
 TEST(PictureOrientation, AddsAndChangesTheChunkInPngAndWebp) {
   const std::string png = turned(samplePng(), PictureType::png, 6);
-  EXPECT_EQ(png, samplePng(pngChunk("eXIf", ExifBlock::minimal(6)))); // its sum included
+  EXPECT_EQ(png, samplePng(pngChunk("eXIf", ExifBlock::minimal(6)))); // including its checksum
   EXPECT_EQ(turned(png, PictureType::png, 3), samplePng(pngChunk("eXIf", ExifBlock::minimal(3))));
   const auto packed = [](const std::string &digit) {
     return packedXmp(sampleXmp("tiff:Orientation=\"" + digit + "\""));
@@ -107,7 +107,7 @@ void expectSamePixels(const std::string &file) {
     return file.substr(place.at, place.length);
   };
   EXPECT_EQ(data(kPrimary) + data(kThumbnail) + data(kOther), "primarythumbnailother");
-  // The stored size stands after four bytes of version and flags.
+  // The dimensions follow four bytes of version and flags.
   const HeifBox *extent = heif->propertyOf(kPrimary, "ispe");
   ASSERT_NE(extent, nullptr);
   EXPECT_EQ(readNumber(file, extent->payloadAt + 4, 4), 400U);

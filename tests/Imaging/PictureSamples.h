@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// Small picture files made for the cases: real structure, no real pixels.
+// Small picture files with real structure but without real pixels.
 namespace fennick::picture::test {
 
 struct TiffValue {
@@ -17,7 +17,7 @@ struct TiffValue {
   std::string bytes; // as they stand in the file
 };
 
-// Lays out directories from the innermost to the first.
+// Writes directories from the innermost to the first.
 class TiffWriter {
 public:
   explicit TiffWriter(ByteOrder byteOrder, bool isBigTiff = false);
@@ -45,10 +45,10 @@ struct SampleExif {
   bool hasPreview = true;
   std::string makerNote = kMakerNote;
 };
-// A maker's note, pixel dimensions 4000 × 3000, a description; a TIFF structure.
+// With a maker's note, pixel dimensions 4000 × 3000 and a description; a TIFF structure.
 std::string sampleExif(const SampleExif &sample = {});
 
-// A JPEG of nothing but `segments` and a scan.
+// A JPEG with only `segments` and a scan.
 std::string sampleJpeg(const std::string &segments = "");
 inline const std::string kJpegScan{"\xFF\xDA\x00\x02"
                                    "scan\xFF\x00\xFF\xD0more\xFF\xD9",
@@ -57,7 +57,7 @@ std::string samplePng(const std::string &chunks = "");
 std::string sampleWebp(); // lossless, 300 × 200, without an extended header
 std::string sampleTiff(bool isBigTiff, std::optional<std::uint16_t> orientation, bool isDNG = false);
 
-// A small even green picture of 16 x 12 in the first directory, what it stands for in a sub-directory.
+// A small even green picture of 16 x 12 in the first directory, the large one in a sub-directory.
 struct SampleRaw {
   std::string make = "NIKON CORPORATION";
   std::string model = "NIKON D90";
@@ -85,7 +85,7 @@ std::string sampleVideo(const SampleVideo &sample = {});
 
 // An XMP packet with the given attributes of its description.
 std::string sampleXmp(const std::string &attributes);
-// One that claims companions of these lengths, as phones write it.
+// A packet that declares companions of these lengths, like a phone's.
 std::string companionXmp(std::size_t gainMapBytes, std::size_t videoBytes);
 std::string packedXmp(const std::string &packet); // as a PNG's compressed text
 std::string iptcSet(unsigned number, const std::string &value);

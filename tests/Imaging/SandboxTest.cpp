@@ -27,7 +27,8 @@ constexpr int kSurvived = 0;
 constexpr int kRefused = 7;
 constexpr int kNoSandbox = 8;
 
-// What became of a process that locked itself down and then did `entry`, which gives true when it worked.
+// Returns the exit status of a process that locked itself down and then called `entry`, which returns whether
+// it worked.
 int statusAfter(const std::function<bool()> &entry) {
   const pid_t child = ::fork();
   if (child == 0) {
@@ -44,7 +45,7 @@ bool wasKilled(int status) { return WIFSIGNALED(status) && WTERMSIG(status) == S
 bool wasRefused(int status) { return WIFEXITED(status) && WEXITSTATUS(status) == kRefused; }
 
 TEST(SandboxTest, DeniesAccessToFiles) {
-  // By the calls themselves: the C library's own would do the same.
+  // Uses the calls directly.
   EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/etc/passwd", O_RDONLY | O_CLOEXEC) >= 0; })));
   EXPECT_TRUE(wasRefused(statusAfter([] { return ::open("/tmp", O_TMPFILE | O_WRONLY, 0600) >= 0; })));
   EXPECT_TRUE(wasRefused(statusAfter([] { return ::access("/etc/passwd", F_OK) == 0; })));
@@ -58,7 +59,7 @@ TEST(SandboxTest, DeniesNetworkAndOtherProcesses) {
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::socket(AF_UNIX, SOCK_STREAM, 0) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::syscall(SYS_fork) >= 0; })));
   EXPECT_TRUE(wasKilled(statusAfter([] { return ::kill(::getppid(), 0) == 0; })));
-  // Limits and signals by other doors.
+  // Limits and signals through other calls.
   EXPECT_TRUE(wasKilled(statusAfter([] {
     const rlimit none{};
     return ::prlimit(::getppid(), RLIMIT_NOFILE, &none, nullptr) == 0;

@@ -29,7 +29,7 @@ TEST(SizeSearch, LowersQualityThenSizeAndStopsAtTheSmallestOrInTime) {
       {{.output = jpeg, .maxBytes = 1}, 640, 0.53, false, 10},
       {{.output = png, .maxBytes = 700, .quality = 1}, 652, 1, true, 3},
       {within(1000), 874, 0.53, true, 10},
-      // The fourth encoding would end at 40 seconds, or at 45 on a busier computer.
+      // The fourth encoding would end at 40 seconds, or at 45 on a busy computer.
       {within(44), 1000, 0.69, false, 3},
       {within(0), 1000, 0.85, false, 1},
   };

@@ -32,7 +32,7 @@ PictureFacts factsOf(std::int64_t width, std::int64_t height) {
       .type = fennick::PictureType::jpeg, .frames = 1, .width = width, .height = height, .orientation = {}};
 }
 
-// A folder of photos, the last written first on the wall, and a quick look over it.
+// A folder of photos, the last written first on the wall, and a quick look.
 class QuickLookTest : public ControllerTest {
 protected:
   QuickLookTest() {
@@ -67,7 +67,6 @@ protected:
         return row.toMap()["text"].toString();
     return {};
   }
-  // Pictures were decoded so often in all.
   int decodings() const { return decoder.calls(); }
 
   std::optional<QuickLook> look;
@@ -94,9 +93,9 @@ TEST_F(QuickLookTest, LoadsFullSizeOnlyWhenEnlarged) {
   look->setShownPixels(4000);
   queue.advance(fennick::Seconds(0.25));
   queue.runUntil([&] { return look->picture().width() == 4000; });
-  EXPECT_EQ(decodings(), calls + 1); // once, however it got there
+  EXPECT_EQ(decodings(), calls + 1); // once, whichever request came first
   look->setShownPixels(100);
-  EXPECT_EQ(look->picture().width(), 160); // which looks better when it is small
+  EXPECT_EQ(look->picture().width(), 160); // better at small sizes
 
   see({});
   EXPECT_EQ(look->kind(), QuickLook::Nothing);
@@ -109,7 +108,7 @@ TEST_F(QuickLookTest, PreparesNeighbouringPictures) {
   const auto middle = add("middle.jpg");
   const auto last = add("last.jpg");
   begin();
-  // Waits in vain if they never are: each round gives them a little more time.
+  // Each round gives the neighbours a little more time.
   const auto isThereAtOnce = [&](const fs::path &file) {
     see(middle);
     await(QuickLook::Picture);
@@ -127,7 +126,7 @@ TEST_F(QuickLookTest, DescribesFilesWithoutAPicture) {
   see(film);
   EXPECT_EQ(look->kind(), QuickLook::Video);
   awaitDetails();
-  EXPECT_EQ(decodings(), 0); // a video is nobody's to decode
+  EXPECT_EQ(decodings(), 0); // videos are not decoded
   EXPECT_THAT(look->line().toStdString(), Not(HasSubstr("×")));
 
   decoder.setFacts(factsOf(30'000, 30'000));
@@ -159,7 +158,7 @@ TEST_F(QuickLookTest, ReloadsARotatedPhoto) {
   decoder.setThumbnail(jpegOf(120, 160));
   std::vector<QSize> seen;
   QObject::connect(&*look, &QuickLook::pictureChanged, [&] { seen.push_back(look->picture().size()); });
-  disk.write("photos/a.jpg", "turned around"); // later than it was
+  disk.write("photos/a.jpg", "turned around"); // with a later time
   controller->library().scan();
   queue.runUntil([&] { return look->picture().size() == QSize(120, 160); });
   EXPECT_THAT(seen, Not(::testing::Contains(QSize())));
@@ -187,7 +186,7 @@ TEST_F(QuickLookTest, ShowsDetailsAndTheOriginal) {
   EXPECT_EQ(detail("原名"), "IMG_7.HEIC");
   EXPECT_EQ(detail("处理"), "3.2 MB → 1600px");
   EXPECT_EQ(detail("像素"), "4000 × 3000 · 1200 万像素");
-  EXPECT_EQ(detail("镜头"), ""); // not said
+  EXPECT_EQ(detail("镜头"), ""); // not stated
 
   ASSERT_TRUE(look->hasOriginal());
   decoder.setFacts(factsOf(8000, 6000));

@@ -14,7 +14,6 @@ using Port = FirewallFinding::Port;
 
 class FirewallFinderTest : public ::testing::Test {
 protected:
-  // Phones come to port 8000 by wlan0.
   FirewallFinding found() const {
     return FirewallFinder({.root = disk.path(), .firewalld = [&](auto, const auto &) { return firewalld; }})
         .find(8000, "wlan0");

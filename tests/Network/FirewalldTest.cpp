@@ -27,7 +27,6 @@ struct Unref {
 template <typename T>
 using Owned = std::unique_ptr<T, Unref>;
 
-// A bus of the test's own.
 class PrivateBus {
 public:
   PrivateBus() { ::g_test_dbus_up(bus_.get()); }
@@ -40,9 +39,8 @@ private:
   const Owned<GTestDBus> bus_{::g_test_dbus_new(G_TEST_DBUS_NONE)};
 };
 
-// Speaks as firewalld does. wlan0 is in the zone "home", which lists port 8000; eth0 is in "guarded", of
-// which nothing is told; tun0 in "silent", where questions stay unanswered. The default zone accepts
-// everything.
+// Answers like firewalld. wlan0 is in the zone "home", which lists port 8000; eth0 in "guarded", which
+// refuses questions; tun0 in "silent", which does not answer. The default zone accepts everything.
 class FakeFirewalld {
 public:
   explicit FakeFirewalld(const std::string &bus) : thread_([this, bus] { run(bus); }) {

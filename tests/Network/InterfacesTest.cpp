@@ -26,7 +26,7 @@
 #include <string>
 #include <vector>
 
-// Real interfaces, in a network of its own that the script in-namespace makes.
+// Real interfaces in a network namespace that the script in-namespace makes.
 namespace fennick {
 namespace {
 
@@ -41,7 +41,7 @@ struct Answer {
   std::string text;
 };
 
-// Carries out the lines, each what follows "ip" on a command line, at one go.
+// Runs each line as arguments of "ip", in one batch.
 Answer ask(const std::string &lines) {
   const std::string command = "ip -batch - 2>&1 <<'END'\n" + lines + "\nEND\n";
   FILE *output = ::popen(command.c_str(), "re");
@@ -66,7 +66,7 @@ void awaitRunning(const std::string &name) {
     ASSERT_EQ(monitor.awaitChanges(), Woken::changes);
 }
 
-// A tunnel that lasts as long as the descriptor, which is not open where the system refuses.
+// Opens a tunnel that exists as long as the descriptor, which is closed if the system refuses.
 FileDescriptor openTunnel(const std::string &name, int kind) {
   FileDescriptor tunnel(::open("/dev/net/tun", O_RDWR | O_CLOEXEC));
   ifreq request{};
@@ -77,7 +77,7 @@ FileDescriptor openTunnel(const std::string &name, int kind) {
   return tunnel;
 }
 
-// Tells when a file is read, from the making of the object on.
+// Reports when a file is read.
 class ReadNotice {
 public:
   explicit ReadNotice(const fs::path &file) {
@@ -92,7 +92,7 @@ private:
   FileDescriptor inotify_{::inotify_init1(IN_CLOEXEC)};
 };
 
-// The main thread's queue of these cases; it tells when something was posted.
+// The main thread's queue; reports when something was posted.
 class Main final : public MainQueue {
 public:
   void post(std::function<void()> task) override {
@@ -102,7 +102,7 @@ public:
   void postAfter(Seconds delay, std::function<void()> task) override {
     queue_.postAfter(delay, std::move(task));
   }
-  // A case that waits in vain is ended by the time limit of the suite.
+  // A test that waits in vain is ended by its time limit.
   void awaitPost() { posted_.acquire(); }
   void run() { queue_.run(); }
 
@@ -121,13 +121,13 @@ protected:
     main.run();
     EXPECT_TRUE(reports.empty()) << reports.size() << " reports too many";
     for (const std::string &name : made) {
-      ask("link del " + name); // a case may have done so
+      ask("link del " + name); // in case the test has not done so
       fs::remove_all(kInterfaces / name);
     }
   }
 
-  // Virtual cables whose other end is "far-NAME", described as what the case needs. A description's "x" is
-  // there for the sake of its folder.
+  // Virtual cables whose other end is "far-NAME", with the description of the required hardware. The "x" of a
+  // description only creates its folder.
   void wifiCard(const std::string &name) {
     describe(name, {{"type", "1\n"}, {"uevent", "DEVTYPE=wlan\n"}, {"device/x", ""}, {"wireless/x", ""}});
     cable(name);
@@ -161,12 +161,12 @@ protected:
       std::ofstream(kInterfaces / name / file) << content;
     }
   }
-  // In the kernel's own words.
+  // Prints the kernel's description.
   void describe(const std::string &name) {
     fs::create_directory_symlink("../../devices/virtual/net/" + name, kInterfaces / name);
   }
 
-  // The next report, which says this and nothing before it.
+  // Expects the next report to be this one.
   void expectReport(const Addresses &addresses) {
     main.awaitPost();
     main.run();
@@ -206,7 +206,7 @@ TEST_F(InterfacesTest, ReportsEachNetworkChangeOnce) {
   expectReport({wired});
   ip("link set wlan0 up");
   expectReport({wired, wifi});
-  ip("link set far-enp1s0 down"); // the cable is pulled
+  ip("link set far-enp1s0 down"); // simulates a pulled cable
   expectReport({wifi});
 }
 
@@ -247,7 +247,7 @@ TEST_F(InterfacesTest, RanksWifiBeforeAVPNWithTheDefaultRoute) {
   if (ask("link add nordlynx type wireguard").succeeded) {
     describe("nordlynx");
     bringUp("nordlynx");
-  } else { // a kernel without it
+  } else { // a kernel without that kind
     tunnel("nordlynx", IFF_TUN);
   }
   tunnel("ztabcdefgh", IFF_TAP);
@@ -296,7 +296,7 @@ TEST_F(InterfacesTest, ReportsAChangeWhenTheKernelDropsMessages) {
   RouteMonitor monitor;
   EXPECT_EQ(monitor.awaitChanges(Seconds(0)), Woken::timeout);
   std::string flood;
-  for (int i = 0; i < 2000; ++i) // ten times what the socket has room for
+  for (int i = 0; i < 2000; ++i) // ten times the capacity of the socket
     flood += "addr add 10.0.0.1/24 dev wlan0\naddr del 10.0.0.1/24 dev wlan0\n";
   ip(flood);
   EXPECT_EQ(monitor.awaitChanges(), Woken::changes);
@@ -311,7 +311,7 @@ TEST_F(InterfacesTest, TimesOutOrFailsAtOnceWithoutARoute) {
   using Outcome = LocalNetworkProbe::Outcome;
   wifiCard("wlan0");
   ip("addr add 192.168.7.20/24 dev wlan0\n"
-     "neigh add 192.168.7.1 lladdr 02:00:00:00:00:01 dev wlan0"); // it is never heard of again
+     "neigh add 192.168.7.1 lladdr 02:00:00:00:00:01 dev wlan0"); // the neighbour never answers
   const auto outcomeAt = [](const std::string &host, Seconds timeout) {
     std::promise<Outcome> outcome;
     const auto probe = LocalNetworkProbe::probe(host, 8000, timeout,

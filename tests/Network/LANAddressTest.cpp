@@ -45,7 +45,7 @@ TEST(LANAddressResolverTest, TakesKindsFromThePathThenFromTheName) {
 constexpr int kEthernet = 1;
 constexpr int kNoLinkLayer = 65534; // ARPHRD_NONE: TUN, WireGuard
 
-// The computers of these cases are put together from these pieces.
+// Pieces of which the computers in these cases consist.
 InterfaceFacts card(std::string name, std::string type = "") {
   return {.name = std::move(name), .linkType = kEthernet, .deviceType = std::move(type), .hasDevice = true};
 }

@@ -20,10 +20,10 @@ namespace {
 using Outcome = LocalNetworkProbe::Outcome;
 using Kind = Outcome::Kind;
 
-constexpr Seconds kLong{100}; // no case waits for so long
+constexpr Seconds kLong{100}; // never waited for
 const std::string kHost = "127.0.0.1";
 
-// A server that does to its one connection what the case says, and closes it.
+// A server that runs a function on its one connection and closes it.
 class Server {
 public:
   explicit Server(std::function<void(SocketStream &)> act)
@@ -49,7 +49,7 @@ private:
   std::jthread thread_; // last: it uses all of the above
 };
 
-// The request, or `most` bytes of it.
+// Reads the request, or `most` bytes of it.
 std::string hear(SocketStream &stream, std::size_t most = 256) {
   std::array<std::byte, 256> piece{};
   std::string heard;
@@ -133,7 +133,7 @@ TEST(LocalNetworkProbeTest, RejectsPortZeroAtOnce) {
   EXPECT_EQ(outcome, (Outcome{Kind::unreachable, "bad port"}));
 }
 
-// Were the time-out waited for, the time limit of the suite would end it.
+// Waiting for the time-out would exceed the suite's time limit.
 TEST(LocalNetworkProbeTest, ReportsNothingAfterACancellation) {
   std::latch heard(1);
   Server server([&](SocketStream &stream) {

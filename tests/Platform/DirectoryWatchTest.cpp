@@ -16,7 +16,8 @@ using ::testing::IsEmpty;
 
 class DirectoryWatchTest : public ::testing::Test {
 protected:
-  // "+name" for what appeared, "-name" for what vanished, "lost" and "overflow", in order; repeats once.
+  // Returns "+name" for new entries, "-name" for removed ones, "lost" and "overflow", in order without
+  // repetitions.
   std::vector<std::string> changes() {
     constexpr auto textOf = [](const DirectoryChange &change) -> std::string {
       using enum DirectoryChange::Kind;

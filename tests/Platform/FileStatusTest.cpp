@@ -14,8 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The library that is asked for the trash reads this once in a program's life, for whichever test comes
-// first.
+// GLib reads this once per process, so all tests share it.
 const test::TemporaryFolder kDataHome;
 const int kDataHomeIsSet = ::setenv("XDG_DATA_HOME", kDataHome.path().c_str(), 1);
 
@@ -38,8 +37,7 @@ TEST_F(FileStatusTest, UsesTheEarlierOfBirthAndModification) {
   EXPECT_EQ(fileStatus(file)->created(), fresh.born.value_or(fileStatus(file)->modified));
 }
 
-// No file system here changes the permissions of a link, so a link stands in for a file on one that refuses
-// to change those of files.
+// No file system here refuses to change permissions of files, but all refuse it for links, so a link is used.
 TEST_F(FileStatusTest, ToleratesRefusedPermissionsAndCopiesTheTime) {
   FileStatus like;
   like.modified = Instant(std::chrono::seconds(5));
@@ -57,7 +55,7 @@ TEST_F(FileStatusTest, RestoresAFileFromTheTrash) {
   SystemTrash trash;
   SystemFileSystem files;
   std::vector<Trashed> trashed;
-  for (const char *content : {"first", "second"}) { // of the same name: the trash finds another one
+  for (const char *content : {"first", "second"}) { // with equal names: the trash chooses another one
     const auto photo = folder.write("photos/a.jpg", content);
     const auto moved = trash.moveToTrash(photo);
     if (!moved && moved.error() == std::errc::not_supported)
@@ -72,12 +70,12 @@ TEST_F(FileStatusTest, RestoresAFileFromTheTrash) {
   EXPECT_THAT(kDataHome.names("Trash/files"), ::testing::SizeIs(3));
   EXPECT_EQ(trash.moveToTrash(folder / "photos/a.jpg").error(), std::errc::no_such_file_or_directory);
 
-  fs::remove_all(folder / "photos"); // what else was in it is gone for good
+  fs::remove_all(folder / "photos"); // other files in it are gone
   EXPECT_EQ(restoreFromTrash(trashed[1], files).value(), folder / "photos/a.jpg");
   EXPECT_EQ(restoreFromTrash(trashed[0], files).value(), folder / "photos/a_2.jpg");
   EXPECT_EQ(folder.read("photos/a.jpg"), "second");
   EXPECT_EQ(folder.read("photos/a_2.jpg"), "first");
-  EXPECT_THAT(kDataHome.names("Trash/info"), ::testing::SizeIs(1)); // of what was discarded
+  EXPECT_THAT(kDataHome.names("Trash/info"), ::testing::SizeIs(1)); // of the discarded one
   EXPECT_EQ(restoreFromTrash(trashed[0], files).error(), std::errc::no_such_file_or_directory);
 }
 

@@ -29,12 +29,12 @@ protected:
     EXPECT_TRUE(guard) << guard.error().message();
     return guard ? std::move(*guard) : std::nullopt;
   }
-  // "delivered", or why not.
+  // Returns "delivered", or the error.
   [[nodiscard]] std::string handOver(const Arguments &arguments) const {
     const auto done = InstanceGuard::handOver(state, "tevrin", arguments);
     return done ? "delivered" : done.error().message();
   }
-  // A socket that talks to the running program as any other program could.
+  // Returns a socket connected to the running instance, as any program could make one.
   [[nodiscard]] FileDescriptor connected() const {
     FileDescriptor fd(::socket(AF_UNIX, SOCK_DGRAM, 0));
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
@@ -132,7 +132,7 @@ TEST_F(InstanceGuardTest, IgnoresInstancesOfOtherUsers) {
   constexpr uid_t kNobody = 65534;
   const auto guard = claim();
   ASSERT_TRUE(guard);
-  const auto stranger = connected(); // before the directory is closed to it
+  const auto stranger = connected(); // connected before access to the directory is withdrawn
   const pid_t child = ::fork();
   if (child == 0) {
     const std::string_view text = R"(["evil"])";

@@ -46,7 +46,7 @@ TEST(LatestTask, DeliversOnlyTheLatestRequest) {
     return compute(1);
   });
   started.wait();
-  task.request([&] { return compute(2); }); // overtaken before its turn comes
+  task.request([&] { return compute(2); }); // overtaken before it starts
   task.request([&] { return compute(3); });
   goOn.count_down();
   mainQueue.runUntil([&] { return !delivered.empty(); });
@@ -69,7 +69,7 @@ TEST(LatestTask, DeliversNothingAfterCancelOrDestruction) {
       task.reset();
     else
       task->cancel();
-    task.reset(); // the thread has posted its result by now
+    task.reset(); // the thread has posted its result already
     mainQueue.run();
     EXPECT_EQ(delivered, 0);
   }

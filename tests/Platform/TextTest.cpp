@@ -13,7 +13,7 @@ using namespace std::literals;
 TEST(Text, ValidatesUTF8) {
   for (const auto valid : {""sv, "a\0b"sv, "照片 é 😀"sv, "\xF4\x8F\xBF\xBF"sv})
     EXPECT_TRUE(isValidUTF8(valid)) << valid;
-  // Cut short, overlong, a surrogate, past the last character, a lone continuation, after a NUL.
+  // Truncated, overlong, a surrogate, past the last character, a lone continuation, after a NUL.
   for (const auto invalid :
        {"\xE7\x85"sv, "\xC0\xAF"sv, "\xED\xA0\x80"sv, "\xF4\x90\x80\x80"sv, "\x80"sv, "a\0\xFF"sv})
     EXPECT_FALSE(isValidUTF8(invalid));

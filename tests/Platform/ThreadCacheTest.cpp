@@ -11,7 +11,7 @@ namespace fennick {
 namespace {
 
 TEST(ThreadCache, RunsEveryTaskAtOnce) {
-  std::latch together(32); // passed only when all of them run at the same time
+  std::latch together(32); // passed only if all run at the same time
   std::atomic<int> done = 0;
   {
     ThreadCache threads(2);

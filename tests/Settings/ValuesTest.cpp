@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint64_t kGreatest = std::numeric_limits<std::uint64_t>::max();
 
-// A source that gives these words and then nothing more.
+// A source that returns these words.
 class Words {
 public:
   explicit Words(std::vector<std::uint64_t> words) : words_(std::move(words)) {}
@@ -28,8 +28,8 @@ private:
 };
 
 TEST(AccessKeyTest, RejectsRandomWordsThatWouldFavourACharacter) {
-  // One 56th of the words for each character: the second begins at 2^64 / 56. 2^64 modulo 56 is 16: a product
-  // whose low half is below that is rejected, as those of 0 and 2^61 are.
+  // Each character has 1/56 of the words: the second begins at 2^64 / 56. 2^64 modulo 56 is 16: products
+  // whose low half is below that are rejected, such as those of 0 and 2^61.
   EXPECT_EQ(AccessKey::generate(3, Words({kGreatest / 56, kGreatest / 56 + 1, kGreatest})), "ab9");
   EXPECT_EQ(AccessKey::generate(2, Words({0, std::uint64_t{1} << 61, kGreatest, 1})), "9a");
 }
@@ -48,7 +48,7 @@ TEST(AccessKeyTest, DrawsAllCharactersEquallyOften) {
 
 TEST(FolderBookmarkTest, ResolvesABookmarkUntilItsFolderIsGone) {
   const test::TemporaryFolder disk;
-  const auto target = disk.makeFolder("旅行 \xFF"); // file names are bytes, not text
+  const auto target = disk.makeFolder("旅行 \xFF"); // file names are bytes
   const BookmarkData bookmark = FolderBookmark::make(target).value();
   EXPECT_EQ(FolderBookmark::resolve(bookmark).value().url, target);
   std::filesystem::remove(target);

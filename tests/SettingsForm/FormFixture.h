@@ -10,20 +10,17 @@
 
 namespace quarrow::test {
 
-// A form over a real coordinator and a real save folder, "photos", that nobody has started to serve.
+// A form with a real save folder, "photos", and a coordinator that was never started.
 class FormTest : public ::testing::Test, public IdleController<> {
 protected:
   FormTest() { controller.server().setSaveFolder(disk.makeFolder("photos")); }
 
   [[nodiscard]] const fennick::AppSettings &settings() { return controller.settings().settings(); }
-  // What a program finds that starts next.
   [[nodiscard]] fennick::AppSettings stored() { return fennick::SettingsStore(preferences).settings(); }
   void change(const std::function<void(fennick::AppSettings &)> &change) {
     controller.settings().update(change);
   }
-  // Until the window would show this.
   void runUntil(const std::function<bool()> &condition) { queue.runUntil(condition); }
-  // A photo arrives, and the library knows it.
   void receive(const std::string &name) {
     disk.write("photos/" + name, "a photo of 24 bytes long");
     controller.library().setFolder(disk / "photos");

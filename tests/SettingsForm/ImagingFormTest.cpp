@@ -12,7 +12,7 @@ std::string utf8(const QString &text) { return text.toStdString(); }
 
 TEST_F(FormTest, LeavesThePresetWhenAFieldChanges) {
   EXPECT_EQ(imaging.preset(), "asIs");
-  imaging.setKeepOriginal(true); // a question of its own
+  imaging.setKeepOriginal(true); // independent of the preset
   for (const auto &each : ImagingForm::presets()) {
     const QString value = each.toMap().value("value").toString();
     imaging.setPreset(value);
@@ -60,7 +60,7 @@ TEST_F(FormTest, EncodesTheLatestPhotoAndUsesTheLatestAnswer) {
   form.setWatched(true);
   EXPECT_TRUE(imaging.exampleBusy());
   decoder.awaitHeld(1);
-  imaging.setStripLocation(true); // asks again while the first answer is under way
+  imaging.setStripLocation(true); // requests again before the first answer
   decoder.release();
   runUntil([&] { return !imaging.exampleBusy(); });
   EXPECT_TRUE(decoder.request().stripLocation);

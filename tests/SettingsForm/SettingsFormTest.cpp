@@ -14,7 +14,7 @@ using ::testing::UnorderedElementsAre;
 
 std::string utf8(const QString &text) { return text.toStdString(); }
 
-// The fields, also those of the records inside, in which two records are the same.
+// Collects the fields, including nested ones, that are equal in both records.
 void collectSame(const auto &one, const auto &other, const std::string &prefix, std::set<std::string> &same) {
   forEachField(one, [&]<typename Field>(std::string_view key, const Field &value) {
     forEachField(other, [&]<typename Other>(std::string_view otherKey, const Other &otherValue) {
@@ -72,8 +72,7 @@ TEST_F(FormTest, SetsEveryField) {
   EXPECT_EQ(stored(), expected);
   std::set<std::string> untouched;
   collectSame(AppSettings(), stored(), "", untouched);
-  // These are set through Shell, which the panel shares. A field that has no control anywhere is one too
-  // many.
+  // These are set through Shell. Every other field needs a control.
   EXPECT_THAT(untouched, UnorderedElementsAre("saveFolderBookmark", "preferredInterface", "hotKeyPreset",
                                               "galleryEnabled"));
 }
@@ -114,7 +113,7 @@ TEST_F(FormTest, ExplainsAndDoesNotStoreInvalidInput) {
   form.setGalleryFolder("../outside");
   EXPECT_EQ(stored(), before);
 
-  form.setPort(8000); // what holds is always taken
+  form.setPort(8000); // the current value is always accepted
   form.setSessionSubfolder({});
   change([](auto &now) { now.naming = PrefixSequenceNaming{.prefix = "DSC", .separator = ""}; });
   for (const auto &error : {form.portError(), form.sessionError(), form.prefixError(), form.separatorError()})
@@ -139,7 +138,7 @@ TEST_F(FormTest, ClampsNumbersToTheirBounds) {
   imaging.setQuality(60);
   imaging.setQualityFloor(90);
   EXPECT_EQ(settings().imaging.qualityFloor, 0.6);
-  form.setUploadLimit(315); // what 300 MiB are shown as
+  form.setUploadLimit(315); // how 300 MiB are displayed
   EXPECT_EQ(settings().maxUploadBytes, AppSettings().maxUploadBytes);
   form.setUploadLimit(0);
   EXPECT_EQ(settings().maxUploadBytes, 1'000'000);
@@ -170,7 +169,7 @@ TEST_F(FormTest, PredictsNameAndFolderOfTheNextPhoto) {
   const auto second = fennick::localSecondText(queue.clock().now());
   disk.write("photos/IMG_041.jpg"), disk.write("photos/note.txt"), disk.write("photos/.hidden.jpg");
   form.setNumbered(true);
-  EXPECT_EQ(utf8(form.nextName()), ""); // nobody looks
+  EXPECT_EQ(utf8(form.nextName()), ""); // the form is not watched
   form.setWatched(true);
   runUntil([&] { return !form.nextName().isEmpty(); });
   EXPECT_EQ(utf8(form.nextName()), "IMG_042.jpg");
@@ -181,7 +180,7 @@ TEST_F(FormTest, PredictsNameAndFolderOfTheNextPhoto) {
 
   disk.write("photos/trip/IMG_7.jpg");
   form.setSessionSubfolder("trip");
-  imaging.setFormat("png"); // which changes the name's end
+  imaging.setFormat("png"); // changes the extension
   runUntil([&] { return form.nextName() == "IMG_008.png"; });
   EXPECT_EQ(form.nextFolder().toStdString(), (disk / "photos/trip").string());
   form.setDateSubfolders(true);

@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Takes everything but files of one name.
 class FolderTrash final : public Trash {
 public:
   IOResult<Trashed> moveToTrash(const fs::path &file) override {
@@ -52,7 +51,7 @@ TEST_F(FolderPrunerTest, PrunesTheOldestPhotosAndVideosOnly) {
   EXPECT_THAT(prune(10), ElementsAre(disk / "11.MOV", disk / "10.jpg"));
   EXPECT_THAT(prune(10), IsEmpty());
   EXPECT_EQ(disk.names().size(),
-            16U); // ten of twelve, three files, a folder, a link, a folder named like one
+            16U); // ten of twelve, three files, a folder, a link, a folder with a photo's name
   EXPECT_THAT(FolderPruner::prune(disk / "gone", 1, trash), IsEmpty());
 }
 

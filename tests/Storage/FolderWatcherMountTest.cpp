@@ -14,7 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Its drives are seen by this program alone; see in-own-mounts.
+// The mounts are visible to this program only; see in-own-mounts.
 class FolderWatcherMountTest : public test::WatchedFolder {
 protected:
   ~FolderWatcherMountTest() override {
@@ -29,7 +29,7 @@ protected:
     EXPECT_EQ(::umount2(folder.c_str(), MNT_DETACH), 0) << std::strerror(errno);
     std::erase(plugged, folder);
   }
-  // A drive of its own keeps what arrives from being moved in from another.
+  // A file cannot be moved from another drive, so it is created there.
   void arriveOnDrive(const fs::path &file) {
     const fs::path aside = file.parent_path() / ".aside";
     std::ofstream(aside) << "content";
@@ -62,7 +62,7 @@ TEST_F(FolderWatcherMountTest, NoticesDrivesAndChangesOnThem) {
   };
   for (const auto &[name, turn] : turns)
     expectNoticed(name, turn);
-  EXPECT_EQ(callsSoFar(), 1 + std::ssize(turns)); // nothing is told twice
+  EXPECT_EQ(callsSoFar(), 1 + std::ssize(turns)); // nothing is reported twice
 }
 
 TEST_F(FolderWatcherMountTest, IgnoresMountsElsewhere) {

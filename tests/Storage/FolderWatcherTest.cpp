@@ -32,7 +32,7 @@ TEST_F(FolderWatcherTest, IgnoresFilesThatAreNotShown) {
   watch();
   for (const char *name : {".rotate-1.tmp", "notes.txt", "originals/a.jpg", "export/a.jpg",
                            ".fennick-incoming/X.part", "1/2/3/a.jpg", "link/a.jpg"})
-    for (int i = 0; i < 200; ++i) // time for a watcher that tells of one
+    for (int i = 0; i < 200; ++i) // gives an incorrect watcher time to call
       arrive(name);
   disk.write("home/other/a.jpg");
   expectNothingNoticedSoFar();
@@ -56,7 +56,7 @@ TEST_F(FolderWatcherTest, FollowsThePathWhenTheFolderIsReplaced) {
 TEST_F(FolderWatcherTest, CombinesThousandsOfChangesIntoAFewCalls) {
   watch();
   arrive("a.jpg");
-  for (int i = 0; i < 10'000; ++i) { // more than the kernel keeps
+  for (int i = 0; i < 10'000; ++i) { // exceeds the kernel's queue
     fs::rename(photos / "a.jpg", photos / "b.jpg");
     fs::rename(photos / "b.jpg", photos / "a.jpg");
   }

@@ -1,4 +1,6 @@
 #include "FennickCore/Storage/Leftovers.h"
+#include "FennickCore/Storage/BatchRename.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Platform/System/Random.h"
@@ -131,8 +133,7 @@ TEST_F(LeftoversIn, ClearsOnlyOurOwnTemporaryNames) {
   EXPECT_EQ(disk.read("a.jpg") + disk.read("a_2.jpg"), "keptrestored");
 }
 
-// Whoever works in the folder looks, in the middle of it, whether somebody else's start would clear its
-// files.
+// During each action, checks whether another start would clear its files.
 TEST_F(LeftoversIn, ClearsNothingInAFolderInUse) {
   const fs::path one = disk.write("1.jpg", "one");
   test::FakeDecoder decoder;

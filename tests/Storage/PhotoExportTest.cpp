@@ -32,7 +32,7 @@ protected:
             .hasLocation = true,
             .hasMetadata = true};
   }
-  // The name and the content of the copy, or what a person reads.
+  // Returns the name and the content of the copy, or the message for the user.
   std::string exported(const fs::path &source) {
     const auto result = PhotoExport::exportFile(source, disk / "export", options, Seconds(90),
                                                 {.decoder = decoder, .files = files});

@@ -1,4 +1,6 @@
 #include "FennickCore/Storage/PhotoFileOps.h"
+#include "FennickCore/Storage/BatchRename.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 
 #include "FennickCore/Platform/Files/FileStatus.h"
 #include "tests/Support/FakeDecoder.h"
@@ -24,20 +26,20 @@ using PhotoFileOps::QuarterTurn;
 
 class PhotoFileOpsTest : public ::testing::Test {
 protected:
-  // The new name, or what a person reads.
+  // Returns the new name, or the message for the user.
   std::string rename(const fs::path &file, std::string_view name) {
     const auto renamed = PhotoFileOps::rename(file, name, files);
     return renamed ? renamed->filename().string() : renamed.error().description();
   }
-  // From the nth move on, so many fail. Before each, every photo is there under its old or its new name, or
-  // its old one behind a UUID.
+  // Lets `count` moves fail from the nth on. Before each, every photo exists under its old or new name, or
+  // its old one after a UUID.
   void breakMoves(int first, int count, const fs::path &folder) {
     call = 0;
     files.mend(Operation::moveNoReplace);
     if (first == 1)
       files.failAlways(Operation::moveNoReplace, EIO);
     files.before(Operation::moveNoReplace, [this, first, count, folder] {
-      ++call; // the switches decide about the next one
+      ++call; // the next call decides
       if (call + 1 == first)
         files.failAlways(Operation::moveNoReplace, EIO);
       if (call + 1 == first + count)
@@ -123,7 +125,7 @@ TEST_F(PhotoFileOpsTest, PredictsNamesAndRestoresThemAfterAStop) {
   EXPECT_THAT(renamed.value(), ElementsAre((*names)[0].to, (*names)[1].to));
 }
 
-// Names are exchanged, and from each step on a number of moves fails: the batch's own, then those back.
+// Exchanges names and lets moves fail from each step on: the batch's own, then the undo.
 TEST_F(PhotoFileOpsTest, UndoesAFailedBatchOrReportsTheNames) {
   const std::vector<std::string> names{"1.jpg", "2.jpg", "3.jpg", "4.jpg"};
   for (int step = 1; step <= 9; ++step)
@@ -135,7 +137,7 @@ TEST_F(PhotoFileOpsTest, UndoesAFailedBatchOrReportsTheNames) {
       breakMoves(step, count, selection.front().parent_path());
       const auto renamed =
           PhotoFileOps::batchRename(selection, {.prefix = "", .digits = 1, .start = 1}, files);
-      std::map<std::string, std::string> expected; // what each photo is called
+      std::map<std::string, std::string> expected; // the name of each photo
       for (const auto &name : names)
         expected[name] = name;
       if (step == 9) {

@@ -18,7 +18,7 @@ using ::testing::IsEmpty;
 
 class PhotoLibraryTest : public ::testing::Test {
 protected:
-  // Photos are as old as the test says: "a.jpg" of second 5.
+  // Writes a photo whose time is the given second.
   fs::path write(const std::string &name, int second) {
     fs::path file = disk.write("photos/" + name);
     EXPECT_TRUE(setModificationTime(file, Instant(std::chrono::seconds(second))));
@@ -28,7 +28,7 @@ protected:
     library->setFolder(photos);
     queue.runUntil([&] { return !library->items().empty(); });
   }
-  // Everything that was asked of the library before has been done when this returns.
+  // Waits until all earlier requests to the library are done.
   void awaitRequests() {
     ++awaited;
     const auto last = write(fmt::format("awaited{}.jpg", awaited), -awaited);
@@ -45,7 +45,7 @@ protected:
     return names;
   }
   std::vector<std::string> shown() { return namesOf(library->items()); }
-  // What a library shows that knows nothing but the folder.
+  // Returns the list of a new library.
   std::vector<std::string> shownAfresh() {
     library = std::make_unique<PhotoLibrary>(files, decoder, queue);
     open();
@@ -75,7 +75,7 @@ TEST_F(PhotoLibraryTest, ListsPhotosAndVideosNewestFirst) {
   EXPECT_THAT(shown(), ElementsAre("new.MOV", "deep.heic", "middle.png", "\xFF.jpg", "old.jpg"));
   const auto &video = library->items().front();
   EXPECT_TRUE(video.isVideo && !video.isImage && !video.pixelWidth);
-  EXPECT_EQ(decoder.calls(), 4); // nothing looks into videos
+  EXPECT_EQ(decoder.calls(), 4); // videos are not read
 }
 
 TEST_F(PhotoLibraryTest, ReadsOnlyTheNewestPhotosWithinTheLimit) {
@@ -85,7 +85,7 @@ TEST_F(PhotoLibraryTest, ReadsOnlyTheNewestPhotosWithinTheLimit) {
   ASSERT_EQ(library->items().size(), 500U);
   EXPECT_EQ(shown().front() + shown().back(), "599.jpg100.jpg");
   EXPECT_EQ(decoder.calls(), 500);
-  awaitRequests(); // looks through the folder again: one new file is one to read
+  awaitRequests(); // scans again: one new file is read
   EXPECT_EQ(decoder.calls(), 501);
 }
 
@@ -113,18 +113,18 @@ TEST_F(PhotoLibraryTest, ShowsArrangedPhotosFirstWithinEachFolder) {
 }
 
 TEST_F(PhotoLibraryTest, ScansOnceForABurstOfChanges) {
-  decoder.setFacts(decoder.kFault(PictureFault::unreadable)); // asked for anew by every scan
+  decoder.setFacts(decoder.kFault(PictureFault::unreadable)); // requested again by every scan
   write("a.jpg", 1);
   open();
   int told = 0;
   const auto subscription = library->observeItems([&](const auto &) { ++told; });
-  queue.runUntil([&] { return queue.pending() >= 1; }); // the watching has begun
+  queue.runUntil([&] { return queue.pending() >= 1; }); // watching has begun
   for (int i = 0; i < 50; ++i)
     write("a.jpg", i % 2);
-  queue.runUntil([&] { return queue.pending() >= 3; }); // the watcher tells of the first and of the rest
+  queue.runUntil([&] { return queue.pending() >= 3; }); // the watcher reports the first change and the others
   EXPECT_EQ(decoder.calls(), 1);
   queue.advance(Seconds(0.3));
-  library->noteAdded(photos / "a.jpg"); // another look at it, after the scan
+  library->noteAdded(photos / "a.jpg"); // reads it again after the scan
   queue.runUntil([&] { return !library->recentlyAdded().empty(); });
   EXPECT_EQ(decoder.calls(), 3);
   EXPECT_EQ(told, 0);
@@ -168,7 +168,7 @@ TEST_F(PhotoLibraryTest, PutsAnAddedFileFirstAndHighlightsIt) {
     library->noteAdded(other);
   queue.runUntil([&] { return library->recentlyAdded().size() == 1; });
   EXPECT_THAT(shown(), ElementsAre("b.jpg", "a.jpg"));
-  EXPECT_EQ(decoder.calls(), 2); // nothing looks into what lies elsewhere
+  EXPECT_EQ(decoder.calls(), 2); // files elsewhere are not read
   queue.advance(Seconds(1));
   library->noteAdded(added); // processed, and saved again
   awaitRequests();
@@ -212,7 +212,7 @@ TEST_F(PhotoLibraryTest, RemovesAndRestoresACustomOrder) {
   };
   open();
   EXPECT_FALSE(library->isArranged());
-  library->reorder({photos / "a.jpg"}); // which changes nothing
+  library->reorder({photos / "a.jpg"}); // changes nothing
   library->reorder({photos / "c.jpg", photos / "day/y.jpg"});
   ASSERT_EQ(made.size(), 1U);
   EXPECT_TRUE(library->isArranged());

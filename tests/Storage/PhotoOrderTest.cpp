@@ -42,7 +42,7 @@ TEST_F(PhotoOrderTest, IgnoresFilesThatAreNotAnOrder) {
     disk.write(kFile, content);
     EXPECT_THAT(load(), IsEmpty()) << content;
   }
-  disk.write(kFile, std::string(100'000, '[')); // deeper than any stack
+  disk.write(kFile, std::string(100'000, '[')); // deeper than the stack allows
   EXPECT_THAT(load(), IsEmpty());
   fs::remove(disk / kFile);
   EXPECT_THAT(load(), IsEmpty());

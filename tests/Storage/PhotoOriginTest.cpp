@@ -1,4 +1,5 @@
 #include "FennickCore/Storage/PhotoOrigin.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 
 #include "FennickCore/Platform/Files/FileAttributes.h"
 #include "FennickCore/Platform/System/Log.h"
@@ -48,7 +49,7 @@ TEST_F(PhotoOriginTest, KeepsTheRecordThroughRenamingAndRotation) {
   ASSERT_TRUE(PhotoFileOps::rotate(renamed, PhotoFileOps::QuarterTurn::clockwise, decoder, files));
   EXPECT_EQ(folder.read("b.jpg"), "turned 6");
   EXPECT_EQ(readOrigin(renamed), origin);
-  EXPECT_EQ(fileAttribute(renamed, "user.test"), "1"); // and what other programs keep there
+  EXPECT_EQ(fileAttribute(renamed, "user.test"), "1"); // attributes of other programs stay
 }
 
 TEST_F(PhotoOriginTest, CleansOrIgnoresForeignRecords) {

@@ -39,7 +39,7 @@ protected:
     FolderListings fresh(files);
     EXPECT_EQ(described(listings, folder), described(fresh, folder));
   }
-  // Receives a photo; the path it got below the save folder, or the error's message.
+  // Receives a photo. Returns its path below the save folder, or the error's message.
   std::string place(std::string_view content = "ours") {
     const auto part = disk.write(fmt::format("parts/{}", ++parts), content);
     const auto placed = allocator.place(part, destination, "jpg", kNoon);
@@ -93,7 +93,7 @@ TEST_F(SaveFolderTest, NoticesReplacedFolders) {
   EXPECT_EQ(listings.at(photos).error(), std::errc::no_such_file_or_directory);
 }
 
-// Five folders, one more than are kept, and links to them, worked on by others at random.
+// Five folders, one more than are kept, and links to them, changed at random.
 TEST_F(SaveFolderTest, KeepsTheListingEqualToAFreshOne) {
   std::mt19937 random(20'240'501);
   const auto below = [&](std::size_t end) {

@@ -21,7 +21,7 @@ using Operation = test::FaultyFileSystem::Operation;
 
 class ThumbnailServiceTest : public ::testing::Test {
 protected:
-  // The thumbnail as text, from another service than the last one where nothing is to come from memory.
+  // Returns the thumbnail as text; uses another service to bypass the memory.
   std::string ask(const fs::path &file) { return textOf(service.thumbnail(file)); }
   std::string askAnother(const fs::path &file) {
     return textOf(ThumbnailService(files, disk / "cache", 400, 4, decoder).thumbnail(file));
@@ -111,7 +111,7 @@ TEST_F(ThumbnailServiceTest, TriesAnUnreadablePictureOnceOrTwice) {
     decoder.setThumbnail(test::FakeDecoder::kFault(fault));
     EXPECT_EQ(ask(file), "none");
   }
-  EXPECT_EQ(decoder.calls(), 7); // an ended decoder twice
+  EXPECT_EQ(decoder.calls(), 7); // twice if the decoder ended
 }
 
 TEST_F(ThumbnailServiceTest, KeepsLongPathsAndBinaryNamesApart) {
@@ -134,7 +134,7 @@ TEST_F(ThumbnailServiceTest, SharesOneRenderAndLimitsOthers) {
     std::vector<std::jthread> phones;
     for (int i = 0; i < 12; ++i)
       phones.emplace_back([&, i] { EXPECT_EQ(ask(photos.at(static_cast<std::size_t>(i % 4))), small); });
-    decoder.awaitHeld(2); // all there are places for
+    decoder.awaitHeld(2); // all slots are in use
     decoder.release();
   }
   EXPECT_EQ(decoder.mostAtOnce(), 2);
@@ -178,7 +178,7 @@ TEST_F(ThumbnailServiceTest, WarmsOnlyWhileNobodyWaits) {
   EXPECT_EQ(textOf(*ThumbnailService(files, disk / "cache", 400, 4, decoder).known(photo)),
             small); // on the disk
 
-  // Phones are not kept from any of their places by what nobody waits for.
+  // Renders that nobody waits for take no slot from phones.
   decoder.hold();
   const std::array more{disk.write("4.jpg"), disk.write("5.jpg"), disk.write("6.jpg")};
   {
@@ -192,18 +192,18 @@ TEST_F(ThumbnailServiceTest, WarmsOnlyWhileNobodyWaits) {
   }
 }
 
-// What is stored of photos of the folder "photos", in both sizes.
+// The stored thumbnails of the folder "photos" in both sizes.
 class ThumbnailsTest : public ThumbnailServiceTest {
 protected:
   void make(const fs::path &file) {
     EXPECT_TRUE(thumbnails->small().thumbnail(file));
     EXPECT_TRUE(thumbnails->large().thumbnail(file));
   }
-  // Runs `upkeep` and returns how many there are afterwards.
+  // Runs `upkeep` and returns the number of remaining thumbnails.
   template <typename Upkeep>
   std::size_t storedAfter(Upkeep upkeep) {
     upkeep(*thumbnails);
-    thumbnails.emplace(files, disk / "thumbs", decoder, kMostBytes); // waits for what was asked for
+    thumbnails.emplace(files, disk / "thumbs", decoder, kMostBytes); // waits for the upkeep
     return disk.names("thumbs/s").size() + disk.names("thumbs/l").size();
   }
 
@@ -261,7 +261,7 @@ TEST_F(ThumbnailsTest, EvictsTheLeastRecentlyUsedThumbnails) {
 
 TEST(MemoryCacheTest, EvictsTheLeastRecentlyUsed) {
   const auto data = [](std::size_t bytes) { return std::make_shared<const std::string>(bytes, 'x'); };
-  MemoryCache cache(2 * (MemoryCache::kEntryBytes + 1) + 10); // two entries with ten bytes
+  MemoryCache cache(2 * (MemoryCache::kEntryBytes + 1) + 10); // two entries and ten bytes
   cache.put("a", data(4));
   cache.put("b", data(4));
   const auto held = cache.get("b");
@@ -275,7 +275,7 @@ TEST(MemoryCacheTest, EvictsTheLeastRecentlyUsed) {
   cache.put("d", data(MemoryCache::kEntryBytes + 12));
   EXPECT_FALSE(cache.get("d"));
   EXPECT_TRUE(cache.get("a"));
-  cache.put("e", data(0)), cache.put("f", data(0)); // empty ones take room as well
+  cache.put("e", data(0)), cache.put("f", data(0)); // empty data takes space as well
   EXPECT_FALSE(cache.get("a"));
 }
 

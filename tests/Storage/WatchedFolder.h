@@ -14,7 +14,7 @@
 
 namespace fennick::test {
 
-// A save folder that is watched, and a watcher whose calls are counted.
+// A watched save folder, and the number of the watcher's calls.
 class WatchedFolder : public ::testing::Test {
 protected:
   void watch() {
@@ -36,14 +36,13 @@ protected:
     const Locked locked(lock);
     return calls;
   }
-  // Each action is one event, so that nothing of it is left for the next.
+  // Each action causes one event, so that none is left for the next.
   void expectNoticed(const std::string &name, const std::function<void()> &action) {
     SCOPED_TRACE(name);
     const int before = callsSoFar();
     action();
     await(before + 1);
   }
-  // That nothing since `watch` was told.
   void expectNothingNoticedSoFar() {
     arrive(kLast);
     await(2);
@@ -62,7 +61,7 @@ protected:
   Mutex lock;
   std::condition_variable called;
   int calls GUARDED_BY(lock) = 0;
-  int early GUARDED_BY(lock) = 0; // of them those before `kLast` arrived
+  int early GUARDED_BY(lock) = 0; // calls before `kLast` arrived
   std::optional<FolderWatcher> watcher;
 };
 

@@ -10,11 +10,10 @@
 
 namespace fennick::test {
 
-// A JPEG as far as anyone looks who does not decode it.
+// Bytes that begin and end like a JPEG.
 inline std::string smallJPEG(const std::string &content) { return "\xFF\xD8" + content + "\xFF\xD9"; }
 
-// A decoder that answers what it is told, the same for every file, and counts how often it is asked. Any
-// thread.
+// A decoder with configured answers for all files that counts its calls. Any thread.
 class FakeDecoder : public PictureDecoder {
 public:
   static constexpr auto kFault = [](PictureFault fault) {
@@ -25,30 +24,29 @@ public:
   void setDetails(PictureResult<PictureDetails> details) { set(details_, std::move(details)); }
   void setThumbnail(PictureResult<std::string> bytes) { set(thumbnail_, std::move(bytes)); }
   void setRendering(PictureResult<Rendering> rendering) { set(rendering_, std::move(rendering)); }
-  // What was asked for last.
   [[nodiscard]] RenderRequest request() const {
     const Locked locked(lock_);
     return request_;
   }
-  // What a file is after its orientation was changed, the orientation appended.
+  // The answer of `withOrientation`, to which the orientation is appended.
   void setOriented(PictureResult<std::string> bytes) { set(oriented_, std::move(bytes)); }
-  // Runs `action` at the start of every coming call, with no lock held.
+  // Runs `action` at the start of every later call, without a lock held.
   void before(std::function<void()> action) { set(before_, std::move(action)); }
 
-  // Every call waits from now on, until `release`.
+  // Blocks every later call until `release`.
   void hold() { set(held_, true); }
   void release() {
     set(held_, false);
     changed_.notify_all();
   }
-  // Returns once so many calls wait.
+  // Returns once so many calls are blocked.
   void awaitHeld(int callers) {
     Locked locked(lock_);
     while (waiting_ < callers)
       locked.wait(changed_);
   }
 
-  // Calls so far, and the most that were under way at once.
+  // The number of calls, and the most at the same time.
   [[nodiscard]] int calls() const {
     const Locked locked(lock_);
     return calls_;

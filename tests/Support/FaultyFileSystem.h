@@ -9,7 +9,7 @@
 
 namespace fennick::test {
 
-// The system's file system with a switch for every operation that can go wrong. Any thread.
+// The system's file system with injected failures. Any thread.
 class FaultyFileSystem final : public FileSystem {
 public:
   enum class Operation {
@@ -27,23 +27,20 @@ public:
     availableBytes,
   };
 
-  // The next call of `operation` fails with `error` and does nothing else; a failing close closes all the
-  // same.
+  // Lets the next call of `operation` fail with `error` and do nothing else; a failing close still closes.
   void failNext(Operation operation, int error);
-  // Every coming call fails, until `mend`.
+  // Lets every later call fail until `mend`.
   void failAlways(Operation operation, int error);
   void mend(Operation operation);
-  // Runs `action` at the start of every coming call, with no lock held: whatever another program does just
-  // then.
+  // Runs `action` at the start of every later call, without a lock held, to simulate another program.
   void before(Operation operation, std::function<void()> action);
-  // From the `change`-th changing call on, counted from 1, every changing call fails with EIO and has no
-  // effect: the disk stays as if the program had been killed just before that call. Changing calls are all
-  // but `list` and `availableBytes`. A close still closes the descriptor.
+  // Simulates a crash: from the `change`-th changing call on, counted from 1, every changing call fails with
+  // EIO and has no effect. Changing calls are all but `list` and `availableBytes`. A close still closes the
+  // descriptor.
   void dieAt(int change);
-  // Whether the change given to `dieAt` was reached.
   [[nodiscard]] bool died() const;
   void setAvailableBytes(std::optional<std::int64_t> bytes);
-  // Calls so far, failed ones included.
+  // The number of calls, including failed ones.
   [[nodiscard]] int calls(Operation operation) const;
 
   IOResult<std::unique_ptr<WritableFile>> createFile(const std::filesystem::path &file) override;
@@ -66,7 +63,7 @@ private:
     std::function<void()> before;
   };
 
-  // Counts a call; the error when this one is to fail.
+  // Counts a call and returns the error if it has to fail.
   IOResult<void> enter(Operation operation);
   bool isDead(Operation operation) REQUIRES(lock_);
   template <typename Call>

@@ -10,8 +10,7 @@
 
 namespace fennick::test {
 
-// A trash in a folder of the test's own. It takes everything but files of one name, without writing anything
-// down. One thread at a time.
+// A trash in a folder that refuses files of one name. One thread at a time.
 class KeepingTrash final : public Trash {
 public:
   explicit KeepingTrash(std::filesystem::path folder) : folder_(std::move(folder)) {}

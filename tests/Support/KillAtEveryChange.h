@@ -7,13 +7,12 @@
 
 namespace fennick::test {
 
-// Runs `round` with a file system that dies at the first change, at the second, and so on, until a round
-// completes without reaching the change at which it would have died. Each round prepares a folder of its own,
-// acts through the given file system, and checks with another one what a new start of the program makes of
-// the folder.
+// Runs `round` with a file system that crashes at the first change, the second, and so on, until a round
+// completes. Each round prepares a folder, acts through the given file system, and checks with another one
+// what a new start makes of the folder.
 template <typename Round>
 void killAtEveryChange(Round round) {
-  constexpr int kMostChanges = 1000; // far more than any action under test makes
+  constexpr int kMostChanges = 1000; // more than any action makes
   for (int change = 1; change <= kMostChanges; ++change) {
     SCOPED_TRACE(fmt::format("killed at change {}", change));
     FaultyFileSystem files;

@@ -9,15 +9,15 @@
 namespace fennick::test {
 
 // A client on this computer; `address` may be IPv4, IPv6 or IPv4 mapped into IPv6. A server that hangs fails
-// the test instead of holding it for ever.
+// the test.
 class LoopbackClient {
 public:
   LoopbackClient(const std::string &address, std::uint16_t port);
 
   [[nodiscard]] bool isConnected() const { return connected_; }
-  // Whether the whole text could be handed over.
+  // Returns whether the whole text could be sent.
   bool send(std::string_view text);
-  // Everything until the server ends the connection.
+  // Reads until the server closes the connection.
   std::string readToEnd();
   std::string ask(std::string_view request) { return send(request) ? readToEnd() : std::string(); }
   void disconnect() { socket_.reset(); }

@@ -13,7 +13,7 @@
 
 namespace fennick::test {
 
-// A main queue whose tasks run when the test says so; its timers follow a clock that the test moves.
+// A main queue whose tasks run when the test calls it; its timers follow a fake clock.
 class ManualQueue final : public MainQueue {
 public:
   void post(std::function<void()> task) override { postAfter(Seconds(0), std::move(task)); }
@@ -23,18 +23,18 @@ public:
     changed_.notify_all();
   }
 
-  // Runs what is due, and what becomes due thereby.
+  // Runs all due tasks and those that become due meanwhile.
   void run() {
     while (const auto task = takeDue())
       task();
   }
-  // Runs what is due and what other threads post, until `condition` holds. A test that waits in vain is ended
-  // by its time limit.
+  // Runs due tasks and those of other threads until `condition` holds. A test that waits in vain is ended by
+  // its time limit.
   void runUntil(const std::function<bool()> &condition) {
     for (run(); !condition(); runNext())
       ;
   }
-  // Waits for a task that another thread posts, if none is due, and runs what is due then.
+  // Waits for a task of another thread if none is due, and runs the due ones.
   void runNext() {
     {
       Locked locked(lock_);
@@ -43,7 +43,7 @@ public:
     }
     run();
   }
-  // Tasks that are not due yet.
+  // The number of tasks that are not due.
   std::size_t pending() {
     const Locked locked(lock_);
     return static_cast<std::size_t>(std::distance(tasks_.upper_bound(clock_.uptime()), tasks_.end()));
@@ -52,7 +52,6 @@ public:
     clock_.advance(length);
     run();
   }
-  // The clock that the timers follow.
   [[nodiscard]] FakeClock &clock() { return clock_; }
 
 private:

@@ -6,8 +6,8 @@
 
 namespace fennick::test {
 
-// What an independent program (zbarimg) reads from a picture of `side` × `side` pixels, of which `isDark(x,
-// y)` are black; "" when it finds no code in it, or is not installed.
+// Returns the text that an independent program (zbarimg) reads from a picture of `side` × `side` pixels, of
+// which `isDark(x, y)` are black; empty if it finds no code or is not installed.
 [[nodiscard]] std::string readQRCode(std::int64_t side,
                                      const std::function<bool(std::int64_t x, std::int64_t y)> &isDark);
 

@@ -14,24 +14,23 @@
 
 namespace fennick::test {
 
-// A peer that follows a script: `stream.sends("GET / ").pauses(Seconds(3)).sends("HTTP/1.1\r\n\r\n")`.
-// Each `sends` is one piece: a `receive` never gives bytes of two. When the script is over the peer is
-// silent: time passes to the deadline. The script is written before the stream is used.
+// A peer that follows a script: `stream.sends("GET / ").pauses(Seconds(3)).sends("HTTP/1.1\r\n\r\n")`. A
+// `receive` never returns bytes of two `sends`. After the script the peer is silent until the deadline. Write
+// the script before using the stream.
 class ScriptedStream final : public ByteStream {
 public:
   explicit ScriptedStream(FakeClock &clock) : clock_(clock) {}
 
   ScriptedStream &sends(std::string_view bytes);
-  ScriptedStream &pauses(Seconds length); // times the caller out when its deadline comes first
+  ScriptedStream &pauses(Seconds length);                  // times out if the deadline comes first
   ScriptedStream &meanwhile(std::function<void()> action); // runs on the caller's thread
   ScriptedStream &waitsForCancel();                        // sleeps until another thread cancels
 
-  // How the peer reads: so many bytes a `send` at most, each after so long; nothing after `sends` calls.
+  // How the peer reads: at most so many bytes per `send`, each after a delay; nothing after `sends` calls.
   ScriptedStream &takesAtMost(std::size_t bytes);
   ScriptedStream &readsAfter(Seconds length);
   ScriptedStream &stopsReadingAfter(int sends);
-  // The nth call of `receive` or `send`, counted together from 1, finds the connection broken; so do all
-  // later.
+  // Breaks the connection at the nth call of `receive` or `send`, counted together from 1.
   ScriptedStream &breaksAtCall(int nth);
 
   std::expected<std::size_t, StreamError> receive(std::span<std::byte> into, Uptime deadline) override;
@@ -43,7 +42,7 @@ public:
   [[nodiscard]] bool outputFinished() const { return outputFinished_; }
   [[nodiscard]] int calls() const { return calls_; }
   [[nodiscard]] std::size_t unread() const; // bytes of the script that were never received
-  // Returns once somebody sleeps in a `waitsForCancel`.
+  // Returns once a thread waits in `waitsForCancel`.
   void awaitWaiter();
 
 private:
@@ -60,7 +59,7 @@ private:
   using Step = std::variant<Piece, Pause, Meanwhile, WaitForCancel>;
   using Outcome = std::expected<std::size_t, StreamError>;
 
-  // The error that every call meets just now, if any.
+  // Returns the error of the current call, if any.
   std::expected<void, StreamError> enter(Uptime deadline);
   std::expected<void, StreamError> pass(Seconds length, Uptime deadline);
   Outcome timeOut(Uptime deadline);

@@ -7,7 +7,7 @@
 
 namespace fennick::test {
 
-// An empty folder of a test's own, gone with everything in it when the object goes.
+// An empty folder that is removed with its content on destruction.
 class TemporaryFolder {
 public:
   TemporaryFolder();
@@ -18,11 +18,11 @@ public:
   [[nodiscard]] const std::filesystem::path &path() const { return path_; }
   [[nodiscard]] std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
 
-  // Writes a file under `name` ("sub/name" makes the folders as well); gives its path.
+  // Writes a file under `name` and creates missing folders ("sub/name"). Returns its path.
   std::filesystem::path write(std::string_view name, std::string_view content = "content") const;
   [[nodiscard]] std::string read(std::string_view name) const;
   std::filesystem::path makeFolder(std::string_view name) const;
-  // The names directly inside, or inside the folder `below`, sorted.
+  // Returns the sorted names directly inside, or inside the folder `below`.
   [[nodiscard]] std::vector<std::string> names(std::string_view below = "") const;
 
 private:

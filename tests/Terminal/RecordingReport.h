@@ -11,7 +11,7 @@
 
 namespace quarrow::test {
 
-// Writes down what it is told, a line each.
+// Records reports as lines of text.
 class RecordingReport final : public Report {
 public:
   void listening(const Listening &state, Reason reason) override {
@@ -36,7 +36,6 @@ public:
     add(fmt::format("progress {} of {}", activity.receivedBytes, activity.expectedBytes));
   }
 
-  // The lines since the last call.
   std::vector<std::string> take() { return std::exchange(lines_, {}); }
 
 private:

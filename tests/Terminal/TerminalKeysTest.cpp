@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 
 class TerminalKeysTest : public ::testing::Test {
 protected:
-  // What was done for these keys, each string as it comes from the terminal at once.
+  // Returns the commands that the keys caused; each string arrives at once.
   std::string done(const std::vector<std::string> &typed) {
     std::string result;
     const auto note = [&](const char *what) { return [&result, what] { result += what; }; };

@@ -15,8 +15,7 @@ constexpr std::string_view kURL = "http://192.168.1.20:8000/?k=aB3dE5gH7j";
 
 enum class Ink { dark, light };
 
-// The pixels that a terminal with a cell of one by two pixels would show. `ink` is what it draws characters
-// with.
+// Returns the pixels of a terminal with cells of one by two pixels. `ink` is its text colour.
 std::vector<std::vector<bool>> darkPixels(const std::string &screen, Ink ink) {
   std::vector<std::vector<bool>> rows;
   std::string_view rest = screen;
@@ -51,7 +50,7 @@ std::string readByPhone(const std::string &screen, Ink ink) {
 
 TEST(TerminalQRTest, DrawsACodeThatPhonesReadInAnyTheme) {
   const std::string code = *terminalQR(kURL, Colour::explicitBlackOnWhite);
-  // Every row sets its own colours and gives them back, so the theme has no say: the ink is black.
+  // Every row sets and resets its colours, so the theme has no effect.
   const std::regex row("\x1b\\[38;5;16;48;5;231m([^\x1b]*)\x1b\\[0m\n");
   EXPECT_TRUE(std::regex_match(code, std::regex("(\x1b\\[38;5;16;48;5;231m[^\x1b]*\x1b\\[0m\n)+")));
   EXPECT_EQ(readByPhone(std::regex_replace(code, row, "$1\n"), Ink::dark), kURL) << "is zbarimg installed?";

@@ -43,7 +43,7 @@ TEST_F(TerminalViewTest, WaitsForPortAndAddressesBeforeTheFirstReport) {
   server.setPort(8001);
   EXPECT_TRUE(view.hasListened());
   server.setFirewall(kClosed);
-  server.setLocalNetworkStatus(kFailed); // for want of an address
+  server.setLocalNetworkStatus(kFailed); // without an address
   EXPECT_THAT(report.take(), IsEmpty());
   server.setAddresses({});
   EXPECT_THAT(report.take(), ElementsAre("started: nowhere of 8000 in /photos", "firewall: ufw allow"));
@@ -54,7 +54,7 @@ TEST_F(TerminalViewTest, WaitsForPortAndAddressesBeforeTheFirstReport) {
 TEST_F(TerminalViewTest, ReportsEachChangeOfTheAddressOnce) {
   listen();
   server.setPreferredInterface("eth0");
-  server.setAddresses({kCable}); // the one that is used stays
+  server.setAddresses({kCable}); // the address in use stays
   server.setAccessKey("two");
   server.setPort(std::nullopt); // another server is about to take over
   server.setPort(8001);

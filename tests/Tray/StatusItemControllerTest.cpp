@@ -36,13 +36,13 @@ TEST_F(StatusItemControllerTest, KeepsTheCheckMarkAfterTheLastArrival) {
   EXPECT_EQ(item.face, TrayFace::received);
   queue.advance(Seconds(1));
   controller->flash();
-  queue.advance(Seconds(1.19)); // the first one's time is over, and nothing flickers
+  queue.advance(Seconds(1.19)); // the first flash has ended without an effect
   EXPECT_EQ(item.face, TrayFace::received);
   queue.advance(Seconds(0.01));
   EXPECT_EQ(item.face, TrayFace::normal);
 
   controller->flash();
-  controller.reset(); // at the end of the program the way back leads nowhere
+  controller.reset(); // nothing happens after the destruction
   queue.advance(Seconds(2));
   EXPECT_EQ(item.face, TrayFace::received);
 }
@@ -50,18 +50,18 @@ TEST_F(StatusItemControllerTest, KeepsTheCheckMarkAfterTheLastArrival) {
 TEST_F(StatusItemControllerTest, TogglesThePanelWhicheverEventComesFirst) {
   controller->togglePopover();
   EXPECT_TRUE(panel.isOpen());
-  controller->togglePopover(); // the bar leaves the keyboard where it is
+  controller->togglePopover(); // the bar does not take focus
   EXPECT_FALSE(panel.isOpen());
 
   controller->togglePopover();
-  controller->panelLeft(); // the bar takes the keyboard as the button goes down
+  controller->panelLeft(); // the bar takes focus at the press
   queue.advance(Seconds(0.3));
   controller->togglePopover();
   EXPECT_FALSE(panel.isOpen());
-  controller->togglePopover(); // that click is over
+  controller->togglePopover(); // the click is over
   EXPECT_TRUE(panel.isOpen());
 
-  controller->panelLeft(); // a click elsewhere, and on the icon later
+  controller->panelLeft(); // a click elsewhere, and later on the icon
   queue.advance(Seconds(0.5));
   controller->togglePopover();
   EXPECT_TRUE(panel.isOpen());

@@ -15,7 +15,7 @@
 namespace quarrow {
 namespace {
 
-// Views that have what the keeper relies on, and nothing else.
+// Minimal views for the keeper.
 class WindowKeeperTest : public ::testing::Test {
 protected:
   static QByteArray source(const QString &name) {
@@ -35,7 +35,6 @@ protected:
     keeper.closeAll();
     deleteClosedWindows();
   }
-  // What closing leaves for later.
   static void deleteClosedWindows() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 
   QQmlEngine engine;
@@ -69,7 +68,7 @@ TEST_F(WindowKeeperTest, AsksBeforeTheLastWindowCloses) {
   keeper.window(Desktop::Window::main)->close();
   ASSERT_NE(keeper.question(), nullptr);
   EXPECT_TRUE(keeper.window(Desktop::Window::main)->isVisible());
-  keeper.question()->close(); // no answer: all is as before
+  keeper.question()->close(); // without an answer nothing changes
   EXPECT_EQ(keeper.question(), nullptr);
   EXPECT_NE(keeper.window(Desktop::Window::main), nullptr);
 

@@ -18,7 +18,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// A desktop whose views are painted in two colours, unless a test says otherwise.
+// A desktop whose views are painted in two colours by default.
 class WindowSelfTestTest : public ::testing::Test {
 protected:
   [[nodiscard]] QByteArray source(const QString &name) const {
@@ -34,7 +34,7 @@ protected:
     component.setData(source(name), QUrl::fromLocalFile("/nowhere/" + name + ".qml"));
     return std::unique_ptr<QObject>(component.create());
   }
-  // What the self-test says; empty when it is content.
+  // Returns the error of the self-test; empty on success.
   std::string problem() {
     AppDesktop desktop({.mainQueue = queue,
                         .clock = queue.clock(),
@@ -56,7 +56,7 @@ TEST_F(WindowSelfTestTest, FailsForViewsThatDoNotOpenOrWarn) {
   EXPECT_EQ(problem(), "");
   const std::pair<const char *, const char *> faults[] = {
       {"SettingsWindow", "import QtQuick\nNothing {}"},
-      {"HelpWindow", "import QtQuick\nWindow { width: 50; height: 50 }"}, // one colour all over
+      {"HelpWindow", "import QtQuick\nWindow { width: 50; height: 50 }"}, // a single colour
       {"Panel", "import QtQuick\nRectangle { signal dismissed; Text { text: 'a' + missing } }"},
   };
   for (const auto &[name, broken] : faults) {

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// The bytes in a buffer of exactly their length, so that reading past them is noticed.
+// A buffer of exactly this length, so that reading past its end is detected.
 std::vector<std::byte> header(std::string_view bytes) {
   const auto view = std::as_bytes(std::span(bytes));
   return {view.begin(), view.end()};

@@ -42,7 +42,7 @@ protected:
   HTTPResponse get(const std::string &path) {
     return std::get<HTTPRespond>(decide(fmt::format("GET {}", path))).response;
   }
-  // The photo that a request is answered with, or "404".
+  // Returns the photo in the response, or "404".
   std::string served(const std::string &path) {
     const auto answer = get("/file/" + path + "?k=secret");
     return answer.bodyFile ? answer.bodyFile->filename().string() : std::to_string(answer.status);
@@ -174,7 +174,7 @@ TEST_F(GalleryTest, ServesThumbnailsOfPicturesInTwoSizes) {
 
 TEST_F(GalleryTest, CachesVersionedURLsForeverAndServesNewPhotosAtOnce) {
   write("a.jpg", 1, "one");
-  write("b.jpg", 1, "two"); // of the same size and date
+  write("b.jpg", 1, "two"); // with equal size and date
   const auto versions = [&] {
     const std::string answer = ask("GET /gallery?k=secret&versions=1").substr(12);
     const auto listing = nlohmann::json::parse(answer);
@@ -209,7 +209,7 @@ TEST_F(GalleryTest, LimitsConnectionsThatWaitForThumbnails) {
   decoder.hold();
   std::atomic<int> served = 0;
   {
-    std::latch turnedAway(1); // the phone that comes last
+    std::latch turnedAway(1); // the phone beyond the limit
     std::vector<std::jthread> phones;
     for (int i = 0; i < kPhones; ++i)
       phones.emplace_back([&, i] {

@@ -57,11 +57,11 @@ TEST_F(IncomingFolderTest, ClearsNothingWhileAnotherProgramReceives) {
   auto part = std::optional(other.createPart(photos).value());
   IncomingFolder(files).adopt(photos);
   EXPECT_EQ(lying().size(), 1U);
-  other.adopt(
-      disk.makeFolder("another/.fennick-incoming").parent_path()); // it moves on, its upload still runs
+  other.adopt(disk.makeFolder("another/.fennick-incoming")
+                  .parent_path()); // another folder while its upload is running
   IncomingFolder(files).adopt(photos);
   EXPECT_EQ(lying().size(), 1U);
-  part.reset(); // its upload ends without tidying up
+  part.reset(); // the upload ends without cleaning up
   IncomingFolder(files).adopt(photos);
   EXPECT_THAT(lying(), IsEmpty());
 }

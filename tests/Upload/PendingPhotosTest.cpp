@@ -27,7 +27,7 @@ protected:
     pending.setFolder(destination.folder);
     pending.setOptions(kStrip);
   }
-  // What phones get of each photo in the folder: its list entry, its file and its thumbnail must agree.
+  // Returns what phones get of each photo: its list entry, its file and its thumbnail must agree.
   std::vector<std::string> shown() {
     const std::string list = ask("GET /gallery?k=secret");
     std::vector<std::string> names;
@@ -41,10 +41,10 @@ protected:
       if (isListed)
         names.push_back(name);
     }
-    EXPECT_GE(galleryCount(*gallery, &pending), std::ssize(names)); // may overlook a rename
+    EXPECT_GE(galleryCount(*gallery, &pending), std::ssize(names)); // may miss a rename
     return names;
   }
-  // The photo that was received last turned out to keep its location.
+  // Records that the last received photo keeps its location.
   void keepLast() {
     const auto last = reported().back();
     ASSERT_TRUE(pending.begin(last.pending));
@@ -100,7 +100,7 @@ TEST_F(PendingPhotosTest, HidesAPhotoWithLocationUnderAnyName) {
   pending.follow();
   rename("c.jpg", "b.jpg");
 
-  PendingPhotos next(files); // of the next run, or of another program
+  PendingPhotos next(files); // another run or program
   next.setFolder(destination.folder);
   next.setOptions(kStrip);
   EXPECT_THAT(galleryList(*gallery, &next), IsEmpty());
@@ -140,7 +140,7 @@ TEST_F(PendingPhotosTest, RefusesUnrecordableUploadsOnlyIfDataMustBeRemoved) {
 TEST_F(PendingPhotosTest, HidesEverythingWhileRecordsCannotBeListed) {
   upload(kJPEG);
   keepLast();
-  pending.setFolder({}); // forgets what is recorded
+  pending.setFolder({}); // forgets the records
   pending.setFolder(destination.folder);
   disk.write("photos/own.jpg", kJPEG);
   const auto status = fileStatus(*gallery / "IMG_001.jpg");

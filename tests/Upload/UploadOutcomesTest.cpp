@@ -44,11 +44,11 @@ TEST_F(UploadOutcomesTest, TracksAnUploadAndSavesItOnce) {
   ASSERT_TRUE(sink->write(std::as_bytes(std::span(kJPEG).first(7))));
   EXPECT_EQ(query(1), answer(1, R"({"state":"receiving","bytes":7})"));
   EXPECT_TRUE(offer(1).starts_with("respond 409 "));
-  EXPECT_EQ(query(1), answer(1, R"({"state":"receiving","bytes":7})")); // the repetition changed nothing
+  EXPECT_EQ(query(1), answer(1, R"({"state":"receiving","bytes":7})")); // the repeated upload changed nothing
   EXPECT_EQ(finish(std::move(sink), std::string_view(kJPEG).substr(7)), "200 IMG_001.jpg");
   EXPECT_EQ(query(1), answer(1, R"({"state":"saved","name":"IMG_001.jpg"})"));
 
-  policy = {.folderLimit = 1, .autoPrune = false}; // which would refuse a new photo
+  policy = {.folderLimit = 1, .autoPrune = false}; // would refuse a new photo
   remote = "192.168.1.99";
   EXPECT_EQ(offer(1), "respond 200 IMG_001.jpg");
   EXPECT_EQ(photos().size(), 1);
@@ -155,7 +155,7 @@ TEST_F(UploadOutcomesTest, KnowsSavedUploadsInTheNextRun) {
     EXPECT_EQ(run.at(idOf(many - UploadOutcomes::kMost)), saved(many - UploadOutcomes::kMost));
   }
   EXPECT_LT(std::filesystem::file_size(file), 4 * UploadOutcomes::kMost * 70);
-  std::ofstream(file, std::ios::app) << R"({"id":"0000)"; // a program was killed while it wrote
+  std::ofstream(file, std::ios::app) << R"({"id":"0000)"; // as after a crash while writing
   {
     UploadOutcomes run(file);
     EXPECT_EQ(run.at(idOf(many - 1)), saved(many - 1));

@@ -73,7 +73,7 @@ TEST_F(UploadRouterTest, AcceptsOnlyTheExactKey) {
   EXPECT_TRUE(ask("GET /?k=").starts_with("reject 403"));
 }
 
-// Everything is wrong at once and is put right one thing after the other.
+// All checks fail at first and are fixed one after another.
 TEST_F(UploadRouterTest, AnswersTheFirstOfSeveralErrors) {
   for (int i = 0; i < 120; ++i)
     EXPECT_EQ(offer(0), "reject 400 空请求 / empty body");
@@ -115,7 +115,7 @@ TEST_F(UploadRouterTest, LimitsUploadsPerMinuteAndAddress) {
     EXPECT_EQ(offer(10), "receive 10");
     remote = "192.168.1.20";
     clock.advance(Seconds(59.5));
-    EXPECT_EQ(offer(10), kThrottled); // and those refused here do not lengthen the wait
+    EXPECT_EQ(offer(10), kThrottled); // refused attempts do not extend the wait
     clock.advance(Seconds(0.5));
   }
   EXPECT_EQ(offer(10), "receive 10");
@@ -130,7 +130,7 @@ TEST_F(UploadRouterTest, KeepsAGigabyteFree) {
   EXPECT_TRUE(ask("GET /quota?k=secret").ends_with(R"("diskLow":true})"));
   maxBytes = INT64_MAX;
   EXPECT_EQ(offer(INT64_MAX), kDiskFull);
-  files.failAlways(Operation::availableBytes, EIO); // what cannot be told refuses nobody
+  files.failAlways(Operation::availableBytes, EIO); // an unknown value refuses nothing
   EXPECT_EQ(offer(10), "receive 10");
   EXPECT_TRUE(ask("GET /quota?k=secret").ends_with(R"("diskLow":false})"));
 }

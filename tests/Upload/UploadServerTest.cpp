@@ -23,7 +23,7 @@ std::string offer(std::size_t length) {
   return fmt::format("POST /upload?k=secret HTTP/1.1\r\nContent-Length: {}\r\n\r\n", length);
 }
 
-// Lets a test wait until an operation is reached for the first time.
+// Waits until an operation is reached for the first time.
 class Reached {
 public:
   Reached(test::FaultyFileSystem &files, Operation operation) {

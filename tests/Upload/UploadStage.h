@@ -23,8 +23,8 @@ using Operation = FaultyFileSystem::Operation;
 inline const std::string kJPEG = "\xFF\xD8\xFF\xE0 a photo of the harbour";
 inline const std::string kTIFF = std::string("II*\0", 4) + "a scan or a raw file";
 
-// The upload service with a save folder, a disk whose faults can be switched on and a clock to move.
-// Questions and answers are text: `ask("GET /quota?k=wrong")` gives "reject 403 invalid key".
+// The upload service with a save folder, a faulty disk and a fake clock. Requests and answers are text:
+// `ask("GET /quota?k=wrong")` returns "reject 403 invalid key".
 class UploadStage : public ::testing::Test {
 protected:
   UploadStage() { files.setAvailableBytes(100'000'000'000); }
@@ -42,7 +42,7 @@ protected:
     return fmt::format("receive {}", std::get<HTTPReceive>(decision).expectedBytes);
   }
 
-  // A phone sends a file: `finish(admit(kJPEG.size()), kJPEG)`, or in one word `upload(kJPEG)`.
+  // Sends a file: `finish(admit(kJPEG.size()), kJPEG)`, or at once `upload(kJPEG)`.
   std::unique_ptr<HTTPBodySink> admit(std::size_t length, std::string_view headers = "") {
     auto decision = decide("POST /upload?k=secret", fmt::format("Content-Length: {}\r\n{}", length, headers));
     return std::move(std::get<HTTPReceive>(decision).sink);
@@ -57,7 +57,7 @@ protected:
     return finish(admit(body.size(), headers), body);
   }
 
-  // What lies in the save folder, and what of uploads that are not saved.
+  // The files in the save folder, and the part files.
   [[nodiscard]] std::vector<std::string> photos() const {
     auto names = disk.names("photos");
     std::erase(names, ".fennick-incoming");
@@ -80,7 +80,7 @@ protected:
   UploadActivity activity;
   std::string remote = "192.168.1.20";
 
-  // What the providers say from now on.
+  // The values of the providers.
   std::string key = "secret";
   std::string formerKey = "former";
   SaveDestination destination{.folder = disk.makeFolder("photos"),

@@ -48,7 +48,7 @@ bool Hands::drag(QQuickWindow *window, const QVariantMap &data, const QVariantLi
   QMimeData content;
   for (auto each = data.begin(); each != data.end(); ++each)
     content.setData(each.key(), each.value().toString().toUtf8());
-  QDragLeaveEvent leave; // an earlier one is over
+  QDragLeaveEvent leave; // ends an earlier drag
   QCoreApplication::sendEvent(window, &leave);
   const auto first = points.first().toPointF().toPoint();
   QDragEnterEvent enter(first, Qt::CopyAction, &content, Qt::LeftButton, Qt::NoModifier);
@@ -89,7 +89,7 @@ QStringList Hands::unreached(QQuickWindow *window) {
   for (qsizetype i = 0; i <= stops.size(); ++i) {
     press(window, Qt::Key_Tab);
     for (auto *item = window->activeFocusItem(); item != nullptr; item = item->parentItem())
-      met.insert(item); // a list that gives the keyboard to one of its items has been come to
+      met.insert(item); // focus on an item counts for its list
   }
   QStringList missed;
   for (const auto *each : stops - met)

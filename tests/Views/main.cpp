@@ -11,7 +11,7 @@
 
 Q_IMPORT_QML_PLUGIN(TevrinPlugin)
 
-// Lends the stage and the hands to the suites.
+// Provides the stage and the input to the suites.
 class Setup : public QObject {
   Q_OBJECT
 
@@ -24,7 +24,7 @@ public slots:
     });
     qmlRegisterSingletonInstance("TevrinTest", 1, 0, "Hands", &hands_);
   }
-  // Each file has an engine of its own, and gets a stage of its own.
+  // Each file has an engine and a stage of its own.
   void qmlEngineAvailable(QQmlEngine *engine) {
     stage_.reset();
     stage_ = std::make_unique<quarrow::test::Stage>();

@@ -62,7 +62,7 @@ TestCase {
         tryVerify(() => found.opened);
         return found;
     }
-    // The words of the entry that the arrow keys have reached.
+    // Returns the text of the highlighted entry.
     function highlighted(menu) {
         return menu.itemAt(menu.currentIndex)?.text;
     }
@@ -163,7 +163,7 @@ TestCase {
         const apply = findChild(sheet.contentItem, "apply");
         apply.clicked();
         Stage.awaitActions();
-        verify(Hands.speaks(window, "导出了 1 项，1 项没能导出")); // this decoder renders nothing
+        verify(Hands.speaks(window, "导出了 1 项，1 项没能导出")); // this decoder cannot encode
         verify(Hands.speaks(window, "a.jpg：无法编码为 public.jpeg"));
         verify(apply.activeFocus);
         findChild(sheet.contentItem, "showCopies").clicked();

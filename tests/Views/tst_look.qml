@@ -75,11 +75,11 @@ TestCase {
         compare(zoom.view, Qt.size(1000, 600));
         compare(zoom.frame, Qt.rect(100, 0, 800, 600));
         compare(zoom.percent, 20);
-        zoom.zoomBy(2, Qt.point(300, 150)); // a quarter into the photo, both ways
+        zoom.zoomBy(2, Qt.point(300, 150)); // a quarter into the photo in both directions
         compare(zoom.frame, Qt.rect(-100, -150, 1600, 1200));
         zoom.pan(Qt.point(5000, -5000));
         compare(zoom.frame, Qt.rect(0, -600, 1600, 1200));
-        zoom.pan(Qt.point(-10, 0)); // at once: the bounds have swallowed the rest
+        zoom.pan(Qt.point(-10, 0)); // at once, since the bounds limited the previous movement
         compare(zoom.frame.x, -10);
         zoom.zoomBy(1000, Qt.point(0, 0));
         compare(zoom.percent, 800);
@@ -99,7 +99,7 @@ TestCase {
         compare(zoom.frame, Qt.rect(400, 250, 200, 100));
         compare(zoom.percent, 100);
         Hands.press(window, Qt.Key_1);
-        compare(zoom.percent, 200); // what fits as it is gets larger all the same
+        compare(zoom.percent, 200); // a photo that fits is enlarged
         compare(zoom.frame, Qt.rect(300, 200, 400, 200));
     }
 

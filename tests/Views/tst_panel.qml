@@ -101,7 +101,7 @@ TestCase {
         Shell.dismissError();
         Stage.receive("a.jpg：2 MB");
         verify(!Hands.speaks(window, "无法创建保存目录：只读"));
-        verify(!Hands.speaks(window, Server.firewallAdvice)); // a photo came through it
+        verify(!Hands.speaks(window, Server.firewallAdvice)); // a photo has arrived
         verify(Hands.speaks(window, "a.jpg：2 MB"));
     }
 

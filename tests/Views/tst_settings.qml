@@ -31,7 +31,7 @@ TestCase {
         for (const key of keys)
             Hands.press(window, key);
     }
-    // Goes to a field, and enters something else.
+    // Focuses a field and enters a text.
     function enter(name, text) {
         const field = find(name);
         field.forceActiveFocus(Qt.TabFocusReason);
@@ -88,7 +88,7 @@ TestCase {
         enter("sessionSubfolder", "trip");
         compare(session.error, "");
         compare(Settings.sessionSubfolder, "trip");
-        Settings.sessionSubfolder = "elsewhere"; // by something else than this field
+        Settings.sessionSubfolder = "elsewhere"; // by another control
         compare(session.text, "elsewhere");
         enter("sessionSubfolder", "");
         compare(Settings.sessionSubfolder, "");

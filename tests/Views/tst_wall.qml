@@ -55,7 +55,7 @@ TestCase {
         compare(selected(), "bcde");
         click(2, Qt.ControlModifier);
         compare(selected(), "bde");
-        click(3); // of several that are selected: alone, once the button is let go
+        click(3); // one of several selected photos: alone after the release
         compare(selected(), "d");
         Hands.press(window, Qt.Key_Right, Qt.ShiftModifier);
         compare(selected(), "de");
@@ -120,7 +120,7 @@ TestCase {
         Hands.press(window, Qt.Key_F2);
         const input = findChild(window, "renameInput");
         tryVerify(() => input.activeFocus);
-        compare(input.text, "d"); // what kind of file it is cannot be typed away
+        compare(input.text, "d"); // the extension cannot be edited
         keyClick("b");
         Hands.press(window, Qt.Key_Return);
         const box = findChild(window, "renameBox");
@@ -141,7 +141,7 @@ TestCase {
         Hands.press(window, Qt.Key_Delete);
         Stage.awaitActions();
         compare(Stage.wallNames()[1], "c.MOV");
-        compare(selected(), "c"); // the neighbour, for the next one
+        compare(selected(), "c"); // the neighbour
         Hands.press(window, Qt.Key_Z, Qt.ControlModifier);
         Stage.awaitActions();
         Stage.awaitOnWall("b.jpg");
@@ -184,7 +184,7 @@ TestCase {
         grid.positionViewAtBeginning();
         Stage.arrive("new.jpg");
         compare(Wall.currentIndex, 201);
-        verify(grid.contentY - grid.originY < 300); // the wall does not follow what only made room
+        verify(grid.contentY - grid.originY < 300); // the wall does not scroll when a photo only moved
     }
 
     function test_whatIsNotThereIsExplained() {

@@ -113,7 +113,7 @@ TestCase {
     }
 
     function test_theLastStepTurnsIntoACheckMarkWithTheFirstPhoto() {
-        Stage.receive("earlier.jpg：2 MB"); // before the window was there
+        Stage.receive("earlier.jpg：2 MB"); // before the window existed
         const window = open(onboarding);
         Hands.press(window, Qt.Key_Return);
         Hands.press(window, Qt.Key_Return);
@@ -125,7 +125,7 @@ TestCase {
         verify(!Hands.speaks(window, "手机要扫的二维码") && Hands.speaks(window, "first.jpg：2 MB"));
         compare(Stage.asked(), []);
         Hands.press(window, Qt.Key_Return);
-        compare(Stage.asked(), ["close panel", "main"]); // the onboarding is over: no longer itself
+        compare(Stage.asked(), ["close panel", "main"]); // the onboarding is done
         verify(!window.visible);
     }
 }

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A wall over a real folder; the main thread's time is in the test's hands.
+// A wall with a real folder; the test controls the main thread's time.
 class PhotoWallTest : public ::testing::Test, public IdleController<> {
 protected:
   PhotoWallTest() { open(); }
@@ -32,7 +32,7 @@ protected:
                                   .mainQueue = queue,
                                   .clock = queue.clock()});
   }
-  // Files of the save folder, the first one the newest.
+  // Writes the files, the first one the newest, and waits for the scan.
   void fill(const std::vector<std::string> &names) {
     for (std::size_t age = 0; age < names.size(); ++age) {
       const auto file = disk.write("photos/" + names[age], std::string(1000 * (age + 1), 'x'));
@@ -123,7 +123,7 @@ TEST_F(PhotoWallTest, movesFocusByRowsAndColumns) {
         Step{Qt::Key_Escape, 0, 3, ""},
         Step{Qt::Key_Right, 0, 4, "e.jpg"},
         Step{Qt::Key_Right, 0, 5, "f.jpg"},
-        Step{Qt::Key_Down, 0, 7, "h.jpg"}, // where the row below is shorter
+        Step{Qt::Key_Down, 0, 7, "h.jpg"}, // the next row is shorter
         Step{Qt::Key_Down, 0, 7, "h.jpg"}}) {
     EXPECT_TRUE(press(key, modifiers));
     EXPECT_EQ(wall->currentIndex(), current);
@@ -184,7 +184,7 @@ TEST_F(PhotoWallTest, movesDraggedPhotosBeforeTheDropTarget) {
   wall->setFilter(PhotoWall::Photos);
   EXPECT_EQ(names(), "c.jpg f.jpg a.jpg d.jpg");
   take({3});
-  wall->moveSelectionTo(1); // what is hidden keeps its place among the others
+  wall->moveSelectionTo(1); // hidden photos keep their places
   wall->setFilter(PhotoWall::All);
   EXPECT_EQ(names(), "b.mov c.jpg e.mov d.jpg f.jpg a.jpg");
 }
@@ -219,7 +219,7 @@ TEST_F(PhotoWallTest, storesTheTileSize) {
   open();
   EXPECT_EQ(wall->tileSize(), 200);
   wall->setTileSize(10'000);
-  open(); // before it was stored otherwise
+  open(); // before it was stored
   EXPECT_EQ(wall->tileSize(), PhotoWall::kLargestTile);
 }
 

@@ -51,7 +51,7 @@ TEST_F(WallSelectionTest, selectsLikeAFileManager) {
   }
   wall.moveTo(3);
   EXPECT_EQ(selected(), "b");
-  wall.pick(3, Reach::range); // from where the last click was, not from where the keyboard went
+  wall.pick(3, Reach::range); // from the last click, not from the focused photo
   EXPECT_EQ(selected(), "bcd");
 }
 
@@ -75,7 +75,7 @@ TEST_F(WallSelectionTest, keepsTheSelectionWhenOtherPhotosChange) {
   wall.setFiles(filesOf("XfYcab"));
   EXPECT_EQ(selected(), "cf");
   EXPECT_EQ(wall.current(), 1);
-  wall.pick(4, Reach::range); // the anchor went along
+  wall.pick(4, Reach::range); // the anchor was renamed as well
   EXPECT_EQ(selected(), "Yacf");
 }
 
@@ -83,11 +83,11 @@ TEST_F(WallSelectionTest, movesFocusToTheNeighbourOfALostPhoto) {
   wall.pick(2, Reach::only);
   wall.setFiles(filesOf("abefgh"));
   EXPECT_EQ(wall.current(), 2);
-  EXPECT_EQ(selected(), "e"); // so that the next one can go as well
+  EXPECT_EQ(selected(), "e"); // so that the next one can be deleted as well
   wall.pick(5, Reach::toggle);
   wall.setFiles(filesOf("ab"));
   EXPECT_EQ(wall.current(), 1);
-  EXPECT_EQ(selected(), ""); // of several that go none has an heir
+  EXPECT_EQ(selected(), ""); // several lost photos select no neighbour
   wall.setFiles({});
   EXPECT_EQ(wall.current(), -1);
 }
@@ -115,7 +115,7 @@ TEST(TypeAheadTest, findsNamesByTheirBeginningUntilAPause) {
   EXPECT_EQ(type("E"), 2);
   clock.advance(TypeAhead::kPause);
   EXPECT_EQ(type("i"), 3);
-  EXPECT_EQ(type("i"), 4); // the same letter goes on to the next
+  EXPECT_EQ(type("i"), 4); // the same letter finds the next name
   EXPECT_EQ(type("i"), 0);
   clock.advance(TypeAhead::kPause);
   EXPECT_EQ(type("im"), 0);

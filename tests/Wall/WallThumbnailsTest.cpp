@@ -36,7 +36,7 @@ fennick::PhotoItem pictureIn(const std::filesystem::path &file) {
   return item;
 }
 
-// Gives the thumbnails of a picture of some size, and remembers which were asked for.
+// Returns thumbnails of a picture, and records which were requested.
 class Decoder final : public fennick::test::FakeDecoder {
 public:
   explicit Decoder(QSize size) : size_(size) {}
@@ -71,7 +71,7 @@ TEST(WallThumbnailsTest, cutsTilesFromASharpEnoughThumbnail) {
     const QImage tile = thumbnails.tile(id, side).value();
     EXPECT_EQ(tile.size(), QSize(side, side));
     EXPECT_EQ(decoder.asked, asked) << size.width();
-    EXPECT_EQ(qAlpha(tile.pixel(0, 0)), 0); // round
+    EXPECT_EQ(qAlpha(tile.pixel(0, 0)), 0); // rounded
     for (const QPoint at : {QPoint(side / 2, 3), QPoint(3, side / 2), QPoint(side - 4, side / 2)})
       EXPECT_GT(qGreen(tile.pixel(at)), 200) << size.width();
   }

@@ -37,7 +37,7 @@ Touch invoke(const char *object, const char *method) {
   };
 }
 
-// A sheet, then what is done in it, until it is done.
+// Opens a dialog and waits until the action in it is complete.
 Touch in(const char *object, std::function<void()> act) {
   return [=](QObject &root) {
     invoke(object, "open")(root);
@@ -81,7 +81,7 @@ std::vector<Shot> actionsShots() {
            [](QObject &root) {
              in("exportSheet", [] {})(root);
              onStage->saveWithPhotos();
-             actions().exporting()->apply(); // whose end nobody hears of
+             actions().exporting()->apply(); // its end is not awaited
            }),
       shot("export-done", several,
            in("exportSheet",

@@ -1,6 +1,5 @@
-// Shows every window in made-up states and writes what it looks like, light and dark, into a folder:
-// `tevrin-screenshots FOLDER`. The scale is QT_SCALE_FACTOR's. With a second argument only the pictures whose
-// name contains it.
+// Saves screenshots of every window in several states, light and dark: `tevrin-screenshots FOLDER`.
+// QT_SCALE_FACTOR sets the scale. With a second argument only the pictures whose name contains it.
 
 #include "Quarrow/Views/Appearance.h"
 #include "Quarrow/Views/View.h"
@@ -56,13 +55,13 @@ bool isLoading(const QQuickItem &item) {
   return std::ranges::any_of(item.childItems(), [](const auto *child) { return isLoading(*child); });
 }
 
-// Until the layouts have found their sizes, the changes of colour are over and the pictures are there.
+// Waits for layouts, colour changes and pictures.
 void awaitRendering(const QQuickWindow &window) {
   for (int turn = 0; turn < 20 || isLoading(*window.contentItem()); ++turn)
     QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
 }
 
-// The panel's window takes the height that its content wants.
+// Gives the panel's window the height of its content.
 void fit(QQuickWindow &window, const Shot &shot) {
   auto *item = window.contentItem()->childItems().value(0);
   if (QByteArrayView(shot.view) != "Panel" || !shot.size.isEmpty())

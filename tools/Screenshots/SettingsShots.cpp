@@ -29,7 +29,7 @@ void openChoice(QObject &window, const char *name) {
   QMetaObject::invokeMethod(choice->property("popup").value<QObject *>(), "open");
 }
 
-// The keyboard is in the field, which holds what cannot be taken.
+// Enters an invalid value into the field, which keeps focus.
 void type(QObject &window, const char *name, const QString &text) {
   auto *field = window.findChild<QQuickItem *>(name);
   field->forceActiveFocus(Qt::TabFocusReason);

@@ -8,7 +8,7 @@
 #include <functional>
 #include <vector>
 
-// The pictures that the program's views are judged by, an area each.
+// The screenshots of the program's views, by area.
 namespace quarrow::test {
 
 struct Shot {
@@ -16,10 +16,10 @@ struct Shot {
   const char *state;
   std::function<void(Stage &)> arrange = [](Stage &) {};
   std::function<void(QObject &)> touch = [](QObject &) {};
-  QSize size{}; // in place of the view's own
+  QSize size{}; // instead of the view's own size
 };
 
-// States that several views show.
+// States for several views.
 void trouble(Stage &stage);
 void plenty(Stage &stage);
 

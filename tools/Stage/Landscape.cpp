@@ -15,12 +15,12 @@ namespace quarrow::test {
 namespace {
 
 struct Light {
-  const char *sky[3]; // from above down to the hills
+  const char *sky[3]; // from the top down to the hills
   const char *sun;
   const char *hills[4]; // from the farthest
 };
 
-// Times of the day and of the year.
+// Times of day and seasons.
 constexpr Light kLights[] = {
     {{"#3E6C8F", "#E3A26F", "#F6D9A8"}, "#FFF2CF", {"#8C7F93", "#5B6C80", "#33495A", "#1C2B33"}},
     {{"#4E9BD1", "#A9D3EA", "#E6F2F2"}, "#FFFBE8", {"#9DBFB4", "#6FA287", "#457F5C", "#2B5A40"}},
@@ -33,7 +33,7 @@ constexpr Light kLights[] = {
     {{"#93506B", "#E58B77", "#FAD3A0"}, "#FFEFC9", {"#A3667A", "#7A4A68", "#523552", "#33233B"}},
 };
 
-// A range of hills whose crest lies around `height`, as a share of the picture.
+// A range of hills whose crest is around `height`, relative to the picture.
 QPainterPath hills(const QSize &size, double height, double swing, double phase) {
   const double width = size.width();
   const double below = size.height();

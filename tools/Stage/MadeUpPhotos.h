@@ -6,8 +6,8 @@
 
 namespace quarrow::test {
 
-// Once it is told to, it reads every file as a made-up photo whose form follows from its name: "pano" is very
-// wide, "tall" very tall, "huge" beyond all limits, and "broken" cannot be read. Any thread.
+// If enabled, reads every file as a picture whose shape depends on its name: "pano" is very wide, "tall" very
+// tall, "huge" beyond all limits, and "broken" unreadable. Any thread.
 class MadeUpPhotos final : public fennick::test::FakeDecoder {
 public:
   void makeUp(bool all) { all_ = all; }

@@ -110,7 +110,7 @@ void Stage::hangFiles(const QStringList &names) {
   auto &library = controller.library();
   library.setFolder(std::nullopt);
   std::filesystem::remove_all(disk / "photos");
-  // On a day of its own: what is remembered of files of the same names is of others.
+  // On a separate day, so that caches do not confuse files of equal names.
   const auto day = std::chrono::sys_days(std::chrono::May / 1 / 2024) + std::chrono::days(hangings_++);
   fennick::Instant taken = day + std::chrono::hours(2);
   for (const QString &name : names) {
@@ -249,7 +249,7 @@ void Stage::select(const QStringList &names) {
 
 void Stage::awaitActions() {
   queue.advance(fennick::Seconds(0.2));
-  bool answered = false; // after everything that was asked before
+  bool answered = false; // comes after all earlier queries
   actions_.jobs()->ask([] { return true; }, [&answered](bool) { answered = true; });
   queue.runUntil([&] { return answered; });
 }

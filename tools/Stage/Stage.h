@@ -19,9 +19,8 @@
 
 namespace quarrow::test {
 
-// A real coordinator that was never started, with everything around it in hand: views show what it is told to
-// hold, and what they ask for is asked of it. There is one at a time; it is what QML's Server, Progress and
-// Shell are. Main thread.
+// A coordinator that was never started, with controlled surroundings: views show the state that it is given,
+// and commands are recorded. One object at a time; it provides QML's singletons. Main thread.
 class Stage : public QObject, private IdleController<MadeUpPhotos> {
   Q_OBJECT
 
@@ -29,7 +28,7 @@ public:
   Stage();
   ~Stage() override;
 
-  // Everything is fine: two networks, a port, nothing in the way, nothing received yet.
+  // Resets to a working state: two networks, a port, nothing received.
   Q_INVOKABLE void reset();
   Q_INVOKABLE void setAddresses(const QStringList &interfaces);
   Q_INVOKABLE void setPort(int port); // 0: no server listens
@@ -45,62 +44,60 @@ public:
     server().setShared(name.toStdString(), count);
   }
 
-  // The wall shows these files, of the size `photo`; the first one has focus. Every picture is a
-  // made-up landscape.
+  // Shows these files on the wall, of the size `photo`; the first one has focus. Every picture is a
+  // landscape.
   Q_INVOKABLE void hang(const QStringList &names, const QSize &photo = {4032, 3024});
-  // The same for one file that is no picture inside.
+  // Shows one file on the wall that is not a picture.
   Q_INVOKABLE void hangBroken(const QString &name);
-  // The quick look has its picture, if there is one, and knows all it can know.
+  // Waits until the quick look has its picture and its details.
   Q_INVOKABLE void awaitLook();
-  // The first file on the wall was sent by a phone, processed, and its original kept.
+  // Gives the first file on the wall the record of a processed upload with a kept original.
   void rememberOrigin();
   using IdleController<MadeUpPhotos>::decoder;
 
-  // The settings' examples are those of the folder.
+  // Updates the settings' examples from the folder.
   Q_INVOKABLE void lookAhead();
-  // These applications are installed, and were found.
+  // Pretends that these applications are installed.
   Q_INVOKABLE void offerApplications(const QStringList &names);
   [[nodiscard]] SettingsForm &form() { return form_; }
 
-  // Files are saved where the photos on the wall lie.
+  // Uses the folder of the wall as save folder.
   Q_INVOKABLE void saveWithPhotos() { server().setSaveFolder(disk / "photos"); }
-  // Selects these of the photos on the wall.
+  // Selects these photos.
   Q_INVOKABLE void select(const QStringList &names);
-  // What was asked of the photo actions is done, and what was typed has been looked at.
+  // Waits until actions and input are done.
   Q_INVOKABLE void awaitActions();
-  // The names in the folder that the wall shows, sorted.
+  // Returns the sorted names in the folder of the wall.
   Q_INVOKABLE QStringList photoNames();
 
-  // The save folder holds made-up files of these names, the first one the newest, and the wall shows them.
+  // Fills the save folder with files of these names, the first one the newest, and shows them.
   Q_INVOKABLE void fillWall(const QStringList &names);
-  Q_INVOKABLE void arrive(const QString &name); // one more
+  Q_INVOKABLE void arrive(const QString &name); // adds one file
   Q_INVOKABLE void losePhotos();                // with their folder
   Q_INVOKABLE void clearWall();
-  // The names on the wall, in its order.
+  // Returns the names on the wall in its order.
   Q_INVOKABLE static QStringList wallNames();
-  // Runs until the wall shows these, in this order.
+  // Waits until the wall shows these in this order.
   Q_INVOKABLE void awaitWall(const QStringList &names);
-  // Thumbnails that are on the disk but not in memory, and a second wall over the same folder that shows
-  // them.
+  // Thumbnails on the disk without those in memory, and a second wall with them.
   [[nodiscard]] std::unique_ptr<fennick::Thumbnails> anotherThumbnails() {
     return std::make_unique<fennick::Thumbnails>(files, disk / "cache" / "thumbs", decoder);
   }
   [[nodiscard]] std::unique_ptr<PhotoWall> anotherWall(fennick::Thumbnails &thumbnails) {
     return std::make_unique<PhotoWall>(wallParts(thumbnails));
   }
-  // Lets time pass.
+  // Moves the clock.
   Q_INVOKABLE void pass(double seconds) { queue.advance(fennick::Seconds(seconds)); }
-  // Runs what other threads hand over until a photo of this name is on the wall.
+  // Waits until a photo of this name is on the wall.
   Q_INVOKABLE void awaitOnWall(const QString &name);
 
   [[nodiscard]] ServerModel &server() { return controller.server(); }
   [[nodiscard]] Shell &shell() { return shell_; }
 
-  // What was asked of the desktop since the last time.
+  // Returns the commands to the desktop since the last call.
   Q_INVOKABLE QStringList asked();
-  // Whether nothing moves after the desktop's portal has said this.
+  // Returns whether motion is reduced after this signal of the desktop's portal.
   Q_INVOKABLE static bool isStillAfter(const QString &group, const QString &key, const QVariant &value);
-  // What is stored.
   Q_INVOKABLE QString accessKey() { return QString::fromStdString(controller.settings().accessKey()); }
 
 private:

@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/EmbeddedVideo.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
+#include "FennickCore/Imaging/Picture/MetadataWriter.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
 
 #include <algorithm>

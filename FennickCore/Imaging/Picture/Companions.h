@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/Picture/JpegCompanions.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataXmp.h"
 #include "FennickCore/Imaging/PictureDecoder.h"
 
 #include <cstdint>

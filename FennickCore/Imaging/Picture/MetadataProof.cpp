@@ -1,3 +1,5 @@
+#include "FennickCore/Imaging/Picture/MetadataProof.h"
+
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/Exiv2Versions.h"

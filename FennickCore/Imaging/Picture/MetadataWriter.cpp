@@ -1,3 +1,5 @@
+#include "FennickCore/Imaging/Picture/MetadataWriter.h"
+
 #include "FennickCore/Imaging/Picture/Containers.h"
 #include "FennickCore/Imaging/Picture/ExifBlock.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"

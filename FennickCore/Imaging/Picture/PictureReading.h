@@ -24,8 +24,4 @@ enum class Depth { header, file }; // `header`: without leftovers, which only th
 [[nodiscard]] PictureResult<PictureFacts> readFacts(Bytes file, Depth depth);
 [[nodiscard]] PictureResult<PictureDetails> readDetails(Bytes file);
 
-// See PictureDecoder for both.
-[[nodiscard]] PictureResult<std::string> makeThumbnail(Bytes file, std::int64_t maxPixel, double quality);
-[[nodiscard]] PictureResult<Rendering> render(Bytes file, const RenderRequest &request);
-
 } // namespace fennick::picture

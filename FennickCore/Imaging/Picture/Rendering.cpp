@@ -1,8 +1,12 @@
+#include "FennickCore/Imaging/Picture/Rendering.h"
+
 #include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/Companions.h"
 #include "FennickCore/Imaging/Picture/HeifCodec.h"
 #include "FennickCore/Imaging/Picture/JpegCodec.h"
 #include "FennickCore/Imaging/Picture/Metadata.h"
+#include "FennickCore/Imaging/Picture/MetadataProof.h"
+#include "FennickCore/Imaging/Picture/MetadataWriter.h"
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 #include "FennickCore/Imaging/Picture/Raster.h"
 #include "FennickCore/Imaging/Picture/SizeSearch.h"

@@ -1,3 +1,5 @@
+#include "FennickCore/Imaging/Picture/Thumbnail.h"
+
 #include "FennickCore/Imaging/ImageLimits.h"
 #include "FennickCore/Imaging/Picture/ColourCoding.h"
 #include "FennickCore/Imaging/Picture/Heif.h"

@@ -6,7 +6,9 @@
 #include "FennickCore/Imaging/Picture/Orientation.h"
 #include "FennickCore/Imaging/Picture/PictureReading.h"
 #include "FennickCore/Imaging/Picture/PictureSniffer.h"
+#include "FennickCore/Imaging/Picture/Rendering.h"
 #include "FennickCore/Imaging/Picture/Sandbox.h"
+#include "FennickCore/Imaging/Picture/Thumbnail.h"
 #include "FennickCore/Platform/Files/MemoryFile.h"
 
 #include <sys/time.h>

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "FennickCore/Imaging/Picture/Bytes.h"
+#include "FennickCore/Imaging/PictureTypes.h"
+
+namespace fennick::picture {
+
+// Returns whether a written file is free of what had to be removed, according to two readers: Exiv2 and the
+// one in this folder. Any doubt, such as a file that one of them cannot read or bytes behind its end, returns
+// false.
+[[nodiscard]] bool proveRemoved(Bytes written, PictureType type, bool stripLocation, bool stripAll);
+
+} // namespace fennick::picture
