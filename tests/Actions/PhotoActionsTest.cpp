@@ -166,6 +166,18 @@ TEST_F(PhotoActionsTest, ContinuesAStoppedUndo) {
   EXPECT_FALSE(actions.canUndo());
 }
 
+TEST_F(PhotoActionsTest, ForgetsADeletionAfterTheTrashWasEmptied) {
+  hang({"a.jpg"});
+  select({"a.jpg"});
+  actions.trash();
+  awaitJobs();
+  std::filesystem::remove_all(disk / "trash");
+  actions.undo();
+  awaitJobs();
+  EXPECT_FALSE(actions.failure().isEmpty());
+  EXPECT_FALSE(actions.canUndo());
+}
+
 TEST_F(PhotoActionsTest, UndoesAnotherOrder) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   actions.sortByDate(); // does nothing without a custom order

@@ -134,6 +134,12 @@ TEST_F(ImagePipelineTest, ReplacesAFileAtomicallyIfTheNameStays) {
   decoder.setFacts(photo(PictureType::png));
   source = folder.write("day/b.png", "original");
   folder.makeFolder(".fennick-incoming");
+  options.keepOriginal = true;
+  files.failNext(Operation::replace, ENOSPC);
+  EXPECT_FALSE(process().processed);
+  EXPECT_THAT(folder.names("day/originals"), IsEmpty()) << "the copy is removed again";
+  fs::remove(folder / "day/originals");
+  options.keepOriginal = false;
   EXPECT_EQ(process().finalURL, source);
   EXPECT_EQ(folder.read("day/b.png"), "encoded");
   EXPECT_THAT(folder.names("day"), ElementsAre("b.png")) << "the save folder's own work folder is used";

@@ -119,6 +119,10 @@ TEST_F(FormTest, ExplainsAndDoesNotStoreInvalidInput) {
   for (const auto &error : {form.portError(), form.sessionError(), form.prefixError(), form.separatorError()})
     EXPECT_EQ(utf8(error), "");
   EXPECT_EQ(utf8(form.prefix()), "DSC");
+
+  form.setPort(80);
+  change([](auto &now) { now.preferredPort = 8123; });
+  EXPECT_EQ(utf8(form.portError()), "");
 }
 
 TEST_F(FormTest, ClampsNumbersToTheirBounds) {

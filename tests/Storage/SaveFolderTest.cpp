@@ -144,6 +144,13 @@ TEST_F(SaveFolderTest, NeverReusesNumbers) {
   EXPECT_EQ(place(), "IMG_003.jpg");
 }
 
+TEST_F(SaveFolderTest, ReusesTheNameOfAPhotoThatCouldNotBeMoved) {
+  destination.naming = TimestampNaming{};
+  files.failNext(Operation::moveNoReplace, EIO);
+  EXPECT_EQ(place(), std::make_error_code(std::errc::io_error).message());
+  EXPECT_EQ(place(), localSecondText(kNoon) + ".jpg");
+}
+
 TEST_F(SaveFolderTest, GivesDistinctNamesToSimultaneousPhotos) {
   constexpr std::size_t kThreads = 8;
   for (const NamingPolicy &naming : {NamingPolicy(PrefixSequenceNaming{}), NamingPolicy(TimestampNaming{})}) {
