@@ -161,14 +161,14 @@ void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &number
       });
 }
 
-void PhotoActions::rotate(bool clockwise) {
+void PhotoActions::rotate(Rotation rotation) {
   Paths files;
   std::ranges::copy_if(selected_, std::back_inserter(files),
                        [](const fs::path &file) { return !fennick::isVideoName(file.filename().native()); });
   if (files.empty())
     return;
   dismissNote();
-  const auto direction = clockwise ? ops::QuarterTurn::clockwise : ops::QuarterTurn::anticlockwise;
+  const auto direction = rotation == Clockwise ? ops::QuarterTurn::clockwise : ops::QuarterTurn::anticlockwise;
   jobs_.run(
       static_cast<int>(files.size()),
       [files, direction, tools = tools_](FileJobs::Ticket &ticket) {

@@ -57,6 +57,9 @@ public:
   using Paths = std::vector<std::filesystem::path>;
   static constexpr int kManyToOpen = 10; // opening more photos needs a confirmation
 
+  enum Rotation { Clockwise, Anticlockwise };
+  Q_ENUM(Rotation)
+
   // What the actions act on and with. All outlive the object.
   struct Parts {
     fennick::PhotoLibrary &library;
@@ -94,7 +97,8 @@ public:
   // Renames the single selected photo and keeps its extension. Returns what is wrong with the name, or an
   // empty text. Waits for the disk.
   Q_INVOKABLE QString rename(const QString &name);
-  Q_INVOKABLE void rotate(bool clockwise);
+  // Rotates the selected pictures by a quarter turn; videos are skipped.
+  Q_INVOKABLE void rotate(quarrow::PhotoActions::Rotation rotation);
   Q_INVOKABLE void trash();
   // Removes the custom order of the folders that the wall shows.
   Q_INVOKABLE void sortByDate();

@@ -69,7 +69,7 @@ TEST_F(PhotoActionsTest, RenamesUndoesAndReportsConflicts) {
 TEST_F(PhotoActionsTest, UndoesDeletionsOneByOne) {
   hang({"a.jpg", "b.jpg", "c.jpg", "d.jpg"});
   select({"d.jpg"});
-  actions.rotate(true);
+  actions.rotate(PhotoActions::Clockwise);
   awaitJobs();
   trash.refused = "c.jpg";
   select({"a.jpg", "c.jpg", "d.jpg"});
@@ -127,9 +127,10 @@ TEST_F(PhotoActionsTest, ReportsAFailedUndoAndAllowsAnother) {
   actions.undo();
   awaitJobs();
   EXPECT_EQ(disk.read("photos/b.jpg"), "content of b.jpg");
+  awaitWall({"a.jpg", "b.jpg"}); // a scan may have missed the file while it got its name back
 
   select({"a.jpg", "b.jpg"}); // an unwritable picture and a missing one
-  actions.rotate(true);
+  actions.rotate(PhotoActions::Clockwise);
   awaitJobs();
   std::filesystem::remove(disk / "photos/b.jpg");
   decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::timedOut));
@@ -146,7 +147,7 @@ TEST_F(PhotoActionsTest, ReportsAFailedUndoAndAllowsAnother) {
 TEST_F(PhotoActionsTest, ContinuesAStoppedUndo) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
-  actions.rotate(true);
+  actions.rotate(PhotoActions::Clockwise);
   awaitJobs();
   std::binary_semaphore reached{0};
   std::binary_semaphore stopped{0};
@@ -227,7 +228,7 @@ TEST_F(PhotoActionsTest, KeepsTheNoteForAWhileOrWhileHeld) {
 TEST_F(PhotoActionsTest, RotatesPicturesButNotVideos) {
   hang({"a.jpg", "b.jpg", "c.mov"});
   select({"a.jpg", "b.jpg", "c.mov"});
-  actions.rotate(true);
+  actions.rotate(PhotoActions::Clockwise);
   awaitJobs();
   EXPECT_EQ(disk.read("photos/a.jpg") + disk.read("photos/b.jpg"), "turned 6turned 6");
   EXPECT_EQ(disk.read("photos/c.mov"), "content of c.mov");
@@ -236,7 +237,7 @@ TEST_F(PhotoActionsTest, RotatesPicturesButNotVideos) {
   EXPECT_EQ(disk.read("photos/a.jpg"), "turned 8");
   EXPECT_FALSE(actions.canUndo());
   decoder.setOriented(FakeDecoder::kFault(fennick::PictureFault::unsupported));
-  actions.rotate(false);
+  actions.rotate(PhotoActions::Anticlockwise);
   awaitJobs();
   EXPECT_EQ(actions.failure(), "2 张没能旋转");
   EXPECT_EQ(actions.failureLines(), (QStringList{"a.jpg：写入失败", "b.jpg：写入失败"}));
@@ -247,8 +248,8 @@ TEST_F(PhotoActionsTest, ReportsProgressAndStopsAfterTheCurrentFile) {
   hang({"a.jpg", "b.jpg", "c.jpg"});
   select({"a.jpg", "b.jpg", "c.jpg"});
   decoder.hold();
-  actions.rotate(true);
-  actions.rotate(true);
+  actions.rotate(PhotoActions::Clockwise);
+  actions.rotate(PhotoActions::Clockwise);
   decoder.awaitHeld(1);
   EXPECT_EQ(actions.jobs()->total(), 6);
   actions.jobs()->stop();

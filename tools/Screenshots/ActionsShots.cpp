@@ -98,7 +98,7 @@ std::vector<Shot> actionsShots() {
            [](QObject &) {
              onStage->decoder.setOriented(
                  fennick::test::FakeDecoder::kFault(fennick::PictureFault::unsupported));
-             actions().rotate(true);
+             actions().rotate(PhotoActions::Clockwise);
              onStage->awaitActions();
            }),
       shot("many", several,

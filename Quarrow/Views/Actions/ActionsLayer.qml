@@ -36,9 +36,9 @@ Item {
         else if (key === Qt.Key_Z)
             Actions.undo();
         else if (key === Qt.Key_L)
-            Actions.rotate(false);
+            Actions.rotate(Actions.Anticlockwise);
         else if (key === Qt.Key_R)
-            Actions.rotate(true);
+            Actions.rotate(Actions.Clockwise);
         else if (key === Qt.Key_T)
             Actions.sortByDate();
         else if (key === Qt.Key_E)

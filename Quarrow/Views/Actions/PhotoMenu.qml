@@ -79,7 +79,7 @@ PopupMenu {
         icon.name: "rotate-left"
         keys: "Ctrl+L"
         enabled: Actions.pictures > 0
-        onTriggered: Actions.rotate(false)
+        onTriggered: Actions.rotate(Actions.Anticlockwise)
     }
     PopupMenuItem {
         objectName: "rotateRight"
@@ -87,7 +87,7 @@ PopupMenu {
         icon.name: "rotate-right"
         keys: "Ctrl+R"
         enabled: Actions.pictures > 0
-        onTriggered: Actions.rotate(true)
+        onTriggered: Actions.rotate(Actions.Clockwise)
     }
     PopupMenuItem {
         objectName: "export"

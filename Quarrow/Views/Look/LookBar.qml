@@ -83,13 +83,13 @@ Rectangle {
             icon.name: "rotate-left"
             enabled: bar.shows && !Look.showsOriginal
             Layout.leftMargin: 8
-            onClicked: Actions.rotate(false)
+            onClicked: Actions.rotate(Actions.Anticlockwise)
         }
         LookButton {
             text: qsTr("向右旋转")
             icon.name: "rotate-right"
             enabled: bar.shows && !Look.showsOriginal
-            onClicked: Actions.rotate(true)
+            onClicked: Actions.rotate(Actions.Clockwise)
         }
         LookButton {
             text: qsTr("用其他程序打开")

@@ -27,8 +27,8 @@ QtObject {
             [Qt.Key_0]: () => stage.zoom.fit(),
             [Qt.Key_1]: () => stage.toggle(),
             [Qt.Key_I]: () => togglesDetails(),
-            [Qt.Key_L]: () => rotate(false),
-            [Qt.Key_R]: () => rotate(true),
+            [Qt.Key_L]: () => rotate(Actions.Anticlockwise),
+            [Qt.Key_R]: () => rotate(Actions.Clockwise),
             [Qt.Key_Delete]: () => Actions.trash(),
             [Qt.Key_Return]: () => Actions.open(),
             [Qt.Key_Enter]: () => Actions.open()
@@ -41,9 +41,9 @@ QtObject {
             [Qt.Key_Plus]: () => stage.zoom.step(1)
         })
 
-    function rotate(clockwise) {
+    function rotate(rotation) {
         if (Look.kind === Look.Picture && !Look.showsOriginal)
-            Actions.rotate(clockwise);
+            Actions.rotate(rotation);
     }
 
     // Returns false for other keys.
