@@ -168,7 +168,8 @@ void PhotoActions::rotate(Rotation rotation) {
   if (files.empty())
     return;
   dismissNote();
-  const auto direction = rotation == Clockwise ? ops::QuarterTurn::clockwise : ops::QuarterTurn::anticlockwise;
+  const auto direction =
+      rotation == Clockwise ? ops::QuarterTurn::clockwise : ops::QuarterTurn::anticlockwise;
   jobs_.run(
       static_cast<int>(files.size()),
       [files, direction, tools = tools_](FileJobs::Ticket &ticket) {
