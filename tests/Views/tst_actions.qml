@@ -67,7 +67,7 @@ TestCase {
         return menu.itemAt(menu.currentIndex)?.text;
     }
 
-    function test_theMenuIsWalkedWithArrowsAndOffersWhatFitsTheSelection() {
+    function test_arrowKeysMoveThroughTheMenuOfTheSelection() {
         Stage.select([]);
         layer.popup();
         verify(!find("photoMenu").visible); // nothing is selected
@@ -92,7 +92,7 @@ TestCase {
         compare(Stage.asked(), ["show a.jpg c.mov"]);
     }
 
-    function test_keysDoWhatTheMenuDoes() {
+    function test_shortcutsTriggerTheMenuActions() {
         Stage.select(["a.jpg", "b.jpg"]);
         Hands.press(window, Qt.Key_C, Qt.ControlModifier);
         Hands.press(window, Qt.Key_Return);
@@ -106,7 +106,7 @@ TestCase {
         compare(renames.count, 1);
     }
 
-    function test_aDeletionIsSaidAndItsButtonTakesItBack() {
+    function test_theDeletionNoteOffersUndo() {
         Stage.select(["a.jpg", "b.jpg"]);
         Hands.press(window, Qt.Key_Delete);
         Stage.awaitActions();
@@ -126,7 +126,7 @@ TestCase {
         verify(wall.activeFocus && !Actions.noteHeld);
     }
 
-    function test_newNamesAreSeenWhileTheyAreTypedAndGivenWithReturn() {
+    function test_theRenameFormPreviewsNamesAndAppliesThemOnReturn() {
         Stage.select(["a.jpg", "b.jpg"]);
         layer.rename();
         const sheet = opened("renameSheet");
@@ -152,7 +152,7 @@ TestCase {
         compare(Stage.photoNames(), ["a.jpg", "b.jpg", "c.mov"]);
     }
 
-    function test_anExportSaysWhatItWillDoAndWhatItDid() {
+    function test_theExportFormShowsTheEstimateAndTheResult() {
         Stage.saveWithPhotos();
         Stage.select(["a.jpg", "c.mov"]);
         layer.exportPhotos();
@@ -172,7 +172,7 @@ TestCase {
         tryVerify(() => !sheet.visible);
     }
 
-    function test_manyAreOpenedAfterAQuestionAndFailuresAreListed() {
+    function test_openingManyPhotosAsksFirstAndFailuresAreListed() {
         const names = Array.from({length: 11}, (_, i) => `${i + 10}.jpg`);
         Stage.hang(names);
         Stage.select(names);

@@ -39,7 +39,7 @@ TestCase {
         return window;
     }
 
-    function test_theKeysWalkZoomAndClose() {
+    function test_keysNavigateZoomAndClose() {
         const window = look(["a.jpg", "b.jpg", "c.mov"]);
         const zoom = findChild(window, "zoom");
         const walk = (key, name) => {
@@ -69,7 +69,7 @@ TestCase {
         tryVerify(() => !window.look.visible);
     }
 
-    function test_zoomingKeepsWhatIsUnderThePointerAndPanningLeavesNoGap() {
+    function test_zoomingKeepsThePointUnderThePointerAndPanningStopsAtTheEdges() {
         const window = look(["a.jpg"], Qt.size(4000, 3000));
         const zoom = findChild(window, "zoom");
         compare(zoom.view, Qt.size(1000, 600));
@@ -93,7 +93,7 @@ TestCase {
         compare(zoom.percent, 24);
     }
 
-    function test_aSmallPhotoStandsInTheMiddleAsItIs() {
+    function test_aSmallPhotoIsCentredAtItsOwnSize() {
         const window = look(["a.jpg"], Qt.size(200, 100));
         const zoom = findChild(window, "zoom");
         compare(zoom.frame, Qt.rect(400, 250, 200, 100));
@@ -103,7 +103,7 @@ TestCase {
         compare(zoom.frame, Qt.rect(300, 200, 400, 200));
     }
 
-    function test_aDragMovesALargePhotoAndTheWheelZooms() {
+    function test_draggingPansALargePhotoAndTheWheelZooms() {
         const window = look(["a.jpg"], Qt.size(4000, 3000));
         const zoom = findChild(window, "zoom");
         const photo = findChild(window, "photo");
@@ -115,7 +115,7 @@ TestCase {
         compare(zoom.frame, Qt.rect(-240, -260, 1600, 1200));
     }
 
-    function test_whatHappensOnTheWallIsFollowed() {
+    function test_theViewerFollowsChangesOnTheWall() {
         const window = look(["a.jpg", "b.jpg"]);
         Wall.moveCurrent(1);
         Stage.awaitLook();
@@ -125,10 +125,10 @@ TestCase {
         verify(!Look.open, "there is nothing left to look at");
     }
 
-    function test_everythingHasANameAndTheKeyboardReachesIt_data() {
+    function test_allControlsAreNamedAndReachableByKeyboard_data() {
         return [{tag: "photo", name: "a.jpg"}, {tag: "details", name: "a.jpg", detailed: true}, {tag: "video", name: "a.mov"}];
     }
-    function test_everythingHasANameAndTheKeyboardReachesIt(data) {
+    function test_allControlsAreNamedAndReachableByKeyboard(data) {
         const window = look(["first.jpg", data.name, "last.jpg"]);
         Hands.press(window, Qt.Key_Right);
         Stage.awaitLook();

@@ -42,7 +42,7 @@ TestCase {
         return findChild(panel, name);
     }
 
-    function test_theAddressPickerIsThereOnlyWithAChoiceAndSetsThePreference() {
+    function test_theAddressPickerAppearsForSeveralAddressesAndStoresTheChoice() {
         const picker = find("addressPicker");
         verify(!picker.visible);
         Stage.setAddresses(["wlan0", "enp3s0"]);
@@ -58,7 +58,7 @@ TestCase {
         verify(!picker.visible);
     }
 
-    function test_theCodeOnTheScreenIsTheAddress() {
+    function test_theDisplayedCodeContainsTheAddress() {
         waitForRendering(panel);
         compare(Hands.readCode(window), "http://192.168.1.20:8000/?k=7GQ2M4XK9P");
         Stage.setAddresses(["eth0"]);
@@ -66,7 +66,7 @@ TestCase {
         compare(Hands.readCode(window), "http://10.0.0.105:8000/?k=7GQ2M4XK9P");
     }
 
-    function test_nothingScrollsAtTheFittingHeightAndBelowItTheKeyboardReachesEverything() {
+    function test_allControlsStayReachableInASmallPanel() {
         const page = find("page");
         for (const arrange of [() => {}, () => Stage.beginUpload(), () => Stage.setAddresses([])]) {
             Stage.reset();
@@ -86,13 +86,13 @@ TestCase {
         window.height = 660;
     }
 
-    function test_escapeIsTheWayOut() {
+    function test_escapeClosesThePanel() {
         dismissals.clear();
         Hands.press(window, Qt.Key_Escape);
         compare(dismissals.count, 1);
     }
 
-    function test_whatIsWrongIsSaidUntilItIsNot() {
+    function test_problemsAreShownWhileTheyLast() {
         Stage.setError("无法创建保存目录：只读");
         Stage.blockByFirewall();
         verify(Hands.speaks(window, "无法创建保存目录：只读"));
@@ -105,7 +105,7 @@ TestCase {
         verify(Hands.speaks(window, "a.jpg：2 MB"));
     }
 
-    function test_progressIsThereWhileSomethingArrives() {
+    function test_progressIsShownDuringUploads() {
         verify(!Hands.speaks(window, "接收进度"));
         Stage.beginUpload();
         verify(Hands.speaks(window, "正在接收 1 个文件"));

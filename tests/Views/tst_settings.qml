@@ -43,10 +43,10 @@ TestCase {
         return field;
     }
 
-    function test_everyPageHasNamesAndTheKeyboardReachesIt_data() {
+    function test_allControlsOfEachPageAreNamedAndReachableByKeyboard_data() {
         return [{tag: "general", page: 0}, {tag: "imaging", page: 1}, {tag: "workflow", page: 2}];
     }
-    function test_everyPageHasNamesAndTheKeyboardReachesIt(data) {
+    function test_allControlsOfEachPageAreNamedAndReachableByKeyboard(data) {
         Stage.setAddresses(["wlan0", "eth0"]);
         Shell.galleryEnabled = true;
         Settings.numbered = true;
@@ -59,7 +59,7 @@ TestCase {
         compare(Hands.unreached(window), []);
     }
 
-    function test_theArrowKeysTurnThePages() {
+    function test_arrowKeysTurnThePages() {
         find("pages").forceActiveFocus(Qt.TabFocusReason);
         press(Qt.Key_Right);
         compare(window.page, 1);
@@ -71,7 +71,7 @@ TestCase {
         verify(find("copy"));
     }
 
-    function test_whatCannotBeTakenIsSaidBesideTheFieldAndEscapeBringsBackWhatHolds() {
+    function test_invalidInputIsExplainedBesideTheFieldAndEscapeRestoresTheValue() {
         const port = enter("port", "80");
         compare(Settings.port, 8000);
         verify(port.error && Hands.speaks(window, port.error));
@@ -94,7 +94,7 @@ TestCase {
         compare(Settings.sessionSubfolder, "");
     }
 
-    function test_numbersStepWithTheArrowKeysAndKeepTheirBounds() {
+    function test_arrowKeysStepNumbersWithinTheirBounds() {
         Settings.numbered = true;
         const digits = enter("digits", "42");
         compare(Settings.digits, 9);
@@ -108,7 +108,7 @@ TestCase {
         compare(digits.text, "7");
     }
 
-    function test_theNextNameIsShownWhileThePrefixIsTyped() {
+    function test_theNamePreviewFollowsThePrefix() {
         Settings.numbered = true;
         Settings.digits = 3;
         Settings.imaging.preset = "asIs";
@@ -121,7 +121,7 @@ TestCase {
         verify(Hands.speaks(window, "下一张 Trip_001.jpg"));
     }
 
-    function test_aPresetSetsTheFieldsBelowIt() {
+    function test_aPresetSetsItsFields() {
         window.page = 1;
         const [asIs, , small] = [0, 1, 2].map(index => find("presets").itemAt(index));
         small.forceActiveFocus(Qt.TabFocusReason);
@@ -139,7 +139,7 @@ TestCase {
         verify(asIs.checked && !find("limitsPixels").checked && !find("maxPixels").visible);
     }
 
-    function test_anApplicationIsFoundChosenAndTried() {
+    function test_anApplicationCanBeFoundChosenAndTried() {
         window.page = 2;
         const workflow = Settings.workflow;
         workflow.chooseNoApplication();

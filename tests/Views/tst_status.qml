@@ -5,7 +5,7 @@ import TevrinTest
 TestCase {
     name: "Status"
 
-    function test_theSentenceSaysTheWorstThatIsKnown_data() {
+    function test_theStatusShowsTheMostSevereProblem_data() {
         return [
             {tag: "fine", arrange: () => {}, tone: Status.Good, says: "可以接收"},
             {tag: "no network", arrange: () => Stage.setAddresses([]), tone: Status.Warning, says: "没有连接到局域网"},
@@ -18,7 +18,7 @@ TestCase {
                 }, tone: Status.Bad, says: "照片暂时传不进来"}
         ];
     }
-    function test_nothingMovesWhereTheDesktopAsksForStillness() {
+    function test_animationsStopWithReducedMotion() {
         const gnome = "org.gnome.desktop.interface";
         const kde = "org.kde.kdeglobals.KDE";
         verify(Stage.isStillAfter(gnome, "enable-animations", false));
@@ -28,7 +28,7 @@ TestCase {
         verify(!Stage.isStillAfter(gnome, "clock-show-date", false));
     }
 
-    function test_theSentenceSaysTheWorstThatIsKnown(data) {
+    function test_theStatusShowsTheMostSevereProblem(data) {
         Stage.reset();
         data.arrange();
         compare(Status.tone, data.tone);

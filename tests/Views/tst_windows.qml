@@ -57,12 +57,12 @@ TestCase {
         return window;
     }
 
-    function test_everythingHasANameAndTheKeyboardReachesIt_data() {
+    function test_allControlsAreNamedAndReachableByKeyboard_data() {
         return [{tag: "panel", view: panel}, {tag: "main", view: main}, {tag: "settings", view: settings},
             {tag: "help", view: help}, {tag: "leave", view: leave}, {tag: "onboarding 1", view: onboarding, step: 0},
             {tag: "onboarding 2", view: onboarding, step: 1}, {tag: "onboarding 3", view: onboarding, step: 2}];
     }
-    function test_everythingHasANameAndTheKeyboardReachesIt(data) {
+    function test_allControlsAreNamedAndReachableByKeyboard(data) {
         Stage.setAddresses(["wlan0", "eth0"]);
         Stage.failCheck("连接超时");
         Stage.blockByFirewall();
@@ -74,7 +74,7 @@ TestCase {
         compare(Hands.unreached(window), []);
     }
 
-    function test_theKeyIsResetOnlyWhenThePersonConfirms() {
+    function test_theKeyIsResetOnlyAfterConfirmation() {
         const window = open(settings);
         const sheet = findChild(window, "resetConfirmation");
         const before = Stage.accessKey();
@@ -97,7 +97,7 @@ TestCase {
         verify(Stage.accessKey() !== before);
     }
 
-    function test_settingsAreStoredAtOnce() {
+    function test_settingsAreStoredImmediately() {
         const window = open(settings);
         const choice = findChild(window, "hotKey");
         compare(choice.displayText, "不使用");
@@ -112,7 +112,7 @@ TestCase {
         verify(Hands.speaks(window, "首选端口被占用，实际使用 8003"));
     }
 
-    function test_theLastStepTurnsIntoACheckMarkWithTheFirstPhoto() {
+    function test_theLastStepShowsACheckMarkAfterTheFirstPhoto() {
         Stage.receive("earlier.jpg：2 MB"); // before the window existed
         const window = open(onboarding);
         Hands.press(window, Qt.Key_Return);
