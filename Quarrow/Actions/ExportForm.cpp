@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Storage/Leftovers.h"
 #include "FennickCore/Support/Text.h"
+#include "Quarrow/App/InputLimits.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,7 +21,7 @@ namespace {
 constexpr fennick::Seconds kTypingPause{0.12};
 constexpr fennick::Seconds kTimeout{90}; // for one picture, as for a received one
 constexpr std::int64_t kKilobyte = 1000;
-constexpr double kLowestQuality = 0.3;
+constexpr double kLowestQuality = static_cast<int>(InputLimits::LowestQuality) / 100.0;
 
 QString sizeText(std::int64_t bytes) { return QString::fromStdString(fennick::fileSizeText(bytes)); }
 
@@ -54,7 +55,9 @@ void ExportForm::edit(T &field, const T &value) {
 
 void ExportForm::setLongEdge(int pixels) { edit(longEdge_, std::max(pixels, 0)); }
 void ExportForm::setMostKilobytes(int kilobytes) { edit(mostKilobytes_, std::max(kilobytes, 0)); }
-void ExportForm::setQuality(double quality) { edit(quality_, std::clamp(quality, kLowestQuality, 1.0)); }
+void ExportForm::setQuality(double quality) {
+  edit(quality_, std::clamp(quality, kLowestQuality, 1.0));
+}
 void ExportForm::setMetadata(int metadata) {
   edit(metadata_, std::clamp<int>(metadata, KeepMetadata, WithoutMetadata));
 }

@@ -2,6 +2,7 @@
 
 #include "FennickCore/Storage/BatchRename.h"
 #include "Quarrow/Actions/Failures.h"
+#include "Quarrow/App/InputLimits.h"
 
 #include <algorithm>
 #include <utility>
@@ -33,13 +34,13 @@ void RenameForm::setPrefix(const QString &prefix) {
 }
 
 void RenameForm::setDigits(int digits) {
-  digits = std::clamp(digits, 1, kMostDigits);
+  digits = std::clamp<int>(digits, InputLimits::FewestDigits, InputLimits::MostDigits);
   if (std::exchange(digits_, digits) != digits)
     edited();
 }
 
 void RenameForm::setStart(int start) {
-  start = std::clamp(start, 0, kHighestStart);
+  start = std::clamp<int>(start, 0, InputLimits::HighestStart);
   if (std::exchange(start_, start) != start)
     edited();
 }

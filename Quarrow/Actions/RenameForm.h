@@ -32,8 +32,6 @@ class RenameForm : public QObject {
 public:
   using Paths = std::vector<std::filesystem::path>;
   using Renamings = std::vector<fennick::Renaming>;
-  static constexpr int kMostDigits = 9;
-  static constexpr int kHighestStart = 999'999'999;
 
   // The references outlive the form. `selected` returns the photos in their order; `rename` renames them and
   // calls its last argument with whether it did, and with the problem unless the user stopped it.

@@ -2,6 +2,7 @@
 
 #include "FennickCore/Imaging/PictureTypes.h"
 #include "FennickCore/Support/Text.h"
+#include "Quarrow/App/InputLimits.h"
 
 #include <QVariantMap>
 
@@ -19,15 +20,8 @@ using fennick::ImagingOptions;
 using fennick::OutputFormat;
 
 constexpr int kUsualPixels = 2048;
-constexpr int kFewestPixels = 16;
-constexpr int kMostPixels = 20'000;
 constexpr int kUsualKilobytes = 1000;
-constexpr int kFewestKilobytes = 10;
-constexpr int kMostKilobytes = 1'000'000;
 constexpr std::int64_t kKilobyte = 1000;
-constexpr int kLowestQuality = 30;
-constexpr int kLowestFloor = 10;
-constexpr int kHighestQuality = 100;
 constexpr int kHigh = 80;
 constexpr int kMiddling = 60;
 
@@ -206,11 +200,13 @@ void ImagingForm::setLimitsPixels(bool limits) {
 
 int ImagingForm::maxPixels() const {
   const auto limit = now().maxPixels.value_or(0);
-  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, kMostPixels)) : lastPixels_;
+  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, InputLimits::MostPixels)) : lastPixels_;
 }
 
 void ImagingForm::setMaxPixels(int pixels) {
-  store([&](auto &options) { options.maxPixels = std::clamp(pixels, kFewestPixels, kMostPixels); });
+  store([&](auto &options) {
+    options.maxPixels = std::clamp<int>(pixels, InputLimits::FewestPixels, InputLimits::MostPixels);
+  });
 }
 
 QString ImagingForm::pixelsMeaning() const {
@@ -233,14 +229,15 @@ void ImagingForm::setLimitsBytes(bool limits) {
 }
 
 int ImagingForm::maxKilobytes() const {
-  const auto limit = std::min(now().maxBytes.value_or(0), kMostKilobytes * kKilobyte);
+  const auto limit = std::min(now().maxBytes.value_or(0), InputLimits::MostKilobytes * kKilobyte);
   return limit > 0 ? static_cast<int>(std::max<std::int64_t>(1, (limit + kKilobyte / 2) / kKilobyte))
                    : lastKilobytes_;
 }
 
 void ImagingForm::setMaxKilobytes(int kilobytes) {
   store([&](auto &options) {
-    options.maxBytes = std::clamp(kilobytes, kFewestKilobytes, kMostKilobytes) * kKilobyte;
+    options.maxBytes =
+        std::clamp<int>(kilobytes, InputLimits::FewestKilobytes, InputLimits::MostKilobytes) * kKilobyte;
   });
 }
 
@@ -281,8 +278,10 @@ QString ImagingForm::formatMeaning() const {
 int ImagingForm::quality() const { return percent(now().qualityInUse()); }
 
 void ImagingForm::setQuality(int percent) {
-  store(
-      [&](auto &options) { options.quality = std::clamp(percent, kLowestQuality, kHighestQuality) / 100.0; });
+  store([&](auto &options) {
+    options.quality =
+        std::clamp<int>(percent, InputLimits::LowestQuality, InputLimits::HighestQuality) / 100.0;
+  });
 }
 
 QString ImagingForm::qualityWords() const { return wordsFor(quality()); }
@@ -290,7 +289,9 @@ QString ImagingForm::qualityWords() const { return wordsFor(quality()); }
 int ImagingForm::qualityFloor() const { return percent(now().floorInUse()); }
 
 void ImagingForm::setQualityFloor(int percent) {
-  store([&](auto &options) { options.qualityFloor = std::clamp(percent, kLowestFloor, quality()) / 100.0; });
+  store([&](auto &options) {
+    options.qualityFloor = std::clamp<int>(percent, InputLimits::LowestQualityFloor, quality()) / 100.0;
+  });
 }
 
 QString ImagingForm::qualityFloorWords() const { return wordsFor(qualityFloor()); }

@@ -3,6 +3,7 @@
 #include "FennickCore/Imaging/MediaTypes.h"
 #include "FennickCore/Settings/SettingsRules.h"
 #include "FennickCore/Support/Text.h"
+#include "Quarrow/App/InputLimits.h"
 
 #include <QFile>
 #include <QVariantMap>
@@ -19,13 +20,8 @@ namespace {
 using fennick::AppSettings;
 using fennick::PrefixSequenceNaming;
 
-constexpr int kLowestPort = 1024; // lower ports need privileges
-constexpr int kHighestPort = 65535;
 constexpr std::int64_t kMegabyte = 1'000'000;
-constexpr std::int64_t kMostMegabytes = 1'000'000;
 constexpr int kUsualFolderLimit = 500;
-constexpr int kMostPhotos = 1'000'000;
-constexpr std::int64_t kHighestStart = 999'999'999;
 constexpr std::int64_t kVideoBytesPerSecond =
     2'850'000; // of 4K video at 30 frames a second, as phones record it
 
@@ -44,9 +40,9 @@ PrefixSequenceNaming &numberingIn(AppSettings &settings, const PrefixSequenceNam
 }
 
 QString portProblem(int port) {
-  if (port >= 1 && port < kLowestPort)
+  if (port >= 1 && port < InputLimits::LowestPort)
     return SettingsForm::tr("1024 以下的端口要有管理员权限，请填 1024 到 65535 之间的数");
-  if (port < kLowestPort || port > kHighestPort)
+  if (port < InputLimits::LowestPort || port > InputLimits::HighestPort)
     return SettingsForm::tr("端口是 1024 到 65535 之间的数");
   return {};
 }
@@ -221,26 +217,28 @@ void SettingsForm::setSeparator(const QString &separator) {
 
 void SettingsForm::setDigits(int digits) {
   storeNumbering([&](auto &naming) {
-    naming.digits = std::clamp<std::int64_t>(digits, fennick::kFewestDigits, fennick::kMostDigits);
+    naming.digits = std::clamp<std::int64_t>(digits, InputLimits::FewestDigits, InputLimits::MostDigits);
   });
 }
 
 int SettingsForm::start() const {
-  return static_cast<int>(std::clamp<std::int64_t>(numbering().start, 0, kHighestStart));
+  return static_cast<int>(std::clamp<std::int64_t>(numbering().start, 0, InputLimits::HighestStart));
 }
 
 void SettingsForm::setStart(int start) {
-  storeNumbering([&](auto &naming) { naming.start = std::clamp<std::int64_t>(start, 0, kHighestStart); });
+  storeNumbering(
+      [&](auto &naming) { naming.start = std::clamp<std::int64_t>(start, 0, InputLimits::HighestStart); });
 }
 
 int SettingsForm::uploadLimit() const {
-  const auto bytes = std::clamp<std::int64_t>(now().maxUploadBytes, kMegabyte, kMostMegabytes * kMegabyte);
+  const auto bytes =
+      std::clamp<std::int64_t>(now().maxUploadBytes, kMegabyte, InputLimits::MostMegabytes * kMegabyte);
   return static_cast<int>((bytes + kMegabyte / 2) / kMegabyte);
 }
 
 // A limit that rounds to the same number stays unchanged.
 void SettingsForm::setUploadLimit(int megabytes) {
-  const std::int64_t wanted = std::clamp<std::int64_t>(megabytes, 1, kMostMegabytes);
+  const std::int64_t wanted = std::clamp<std::int64_t>(megabytes, 1, InputLimits::MostMegabytes);
   if (wanted != uploadLimit())
     store([&](auto &settings) { settings.maxUploadBytes = wanted * kMegabyte; });
 }
@@ -266,11 +264,11 @@ void SettingsForm::setLimitsFolder(bool limits) {
 
 int SettingsForm::folderLimit() const {
   const auto limit = now().folderLimit.value_or(0);
-  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, kMostPhotos)) : lastLimit_;
+  return limit > 0 ? static_cast<int>(std::min<std::int64_t>(limit, InputLimits::MostPhotos)) : lastLimit_;
 }
 
 void SettingsForm::setFolderLimit(int limit) {
-  store([&](auto &settings) { settings.folderLimit = std::clamp(limit, 1, kMostPhotos); });
+  store([&](auto &settings) { settings.folderLimit = std::clamp<int>(limit, 1, InputLimits::MostPhotos); });
 }
 
 void SettingsForm::setAutoPrune(bool wanted) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quarrow/Actions/PhotoActions.h"
+#include "Quarrow/App/InputLimits.h"
 #include "Quarrow/App/PhotoImport.h"
 #include "Quarrow/App/ServerModel.h"
 #include "Quarrow/App/UploadProgress.h"
@@ -98,6 +99,12 @@ public:
   static inline PhotoActions *instance = nullptr;
   static PhotoActions *create(QQmlEngine *, QJSEngine *) { return lentToQml(instance); }
 };
+
+namespace LimitsType {
+Q_NAMESPACE
+QML_FOREIGN_NAMESPACE(quarrow::InputLimits)
+QML_NAMED_ELEMENT(Limits)
+} // namespace LimitsType
 
 struct FileJobsType {
   Q_GADGET

@@ -18,8 +18,8 @@ ColumnLayout {
             objectName: "longEdge"
             name: qsTr("长边")
             unit: qsTr("像素")
-            least: 16
-            most: 20000
+            least: Limits.FewestPixels
+            most: Limits.MostPixels
             usual: 2048
             presets: [
                 {
@@ -51,8 +51,8 @@ ColumnLayout {
             objectName: "mostKilobytes"
             name: qsTr("文件大小上限")
             unit: "KB"
-            least: 10
-            most: 999999
+            least: Limits.FewestKilobytes
+            most: Limits.MostKilobytes
             usual: 1000
             presets: [
                 {
@@ -116,7 +116,7 @@ ColumnLayout {
             name: qsTr("画质")
             valueText: qsTr("%1%").arg(Math.round(value * 100))
             enabled: choices.form.format !== "png"
-            from: 0.3
+            from: Limits.LowestQuality / 100
             to: 1
             stepSize: 0.05
             value: choices.form.quality

@@ -8,8 +8,8 @@ RowLayout {
 
     property string name
     property string unit
-    property real least: 0
-    property real most: 999999
+    required property real least
+    required property real most
     property real usual: 0 // suggested to users who want to type one
     property var presets: []
     property real number

@@ -61,8 +61,8 @@ Sheet {
                 objectName: "digits"
                 name: qsTr("编号的位数")
                 implicitWidth: 72
-                from: 1
-                to: 9
+                from: Limits.FewestDigits
+                to: Limits.MostDigits
                 number: sheet.form.digits
                 onEntered: number => sheet.form.digits = number
             }

@@ -8,7 +8,7 @@ TextField {
 
     property real number
     property real from: 0
-    property real to: 999999999
+    property real to: Limits.HighestStart
     property real step: 1
     property bool explains: false
 

@@ -31,8 +31,8 @@ Section {
             name: qsTr("质量")
             enabled: section.imaging.format !== "png"
             implicitWidth: 240
-            from: 30
-            to: 100
+            from: Limits.LowestQuality
+            to: Limits.HighestQuality
             stepSize: 5
             value: section.imaging.quality
             valueText: section.imaging.qualityWords
@@ -50,7 +50,7 @@ Section {
             name: qsTr("最低质量")
             enabled: section.imaging.format !== "png"
             implicitWidth: 240
-            from: 10
+            from: Limits.LowestQualityFloor
             to: section.imaging.quality
             stepSize: 5
             value: section.imaging.qualityFloor

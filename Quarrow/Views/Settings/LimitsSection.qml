@@ -15,7 +15,7 @@ Section {
             detail: Settings.uploadLimitMeaning
             unit: qsTr("MB")
             from: 1
-            to: 1000000
+            to: Limits.MostMegabytes
             step: 50
             number: Settings.uploadLimit
             onEntered: number => Settings.uploadLimit = number
@@ -41,7 +41,7 @@ Section {
             detail: Settings.folderLimitMeaning
             unit: qsTr("张")
             from: 1
-            to: 1000000
+            to: Limits.MostPhotos
             step: 50
             number: Settings.folderLimit
             onEntered: number => Settings.folderLimit = number

@@ -61,8 +61,8 @@ Section {
             SpinBox {
                 objectName: "digits"
                 name: qsTr("号码至少几位")
-                from: 1
-                to: 9
+                from: Limits.FewestDigits
+                to: Limits.MostDigits
                 number: Settings.digits
                 Layout.fillWidth: true
                 onEntered: number => Settings.digits = number

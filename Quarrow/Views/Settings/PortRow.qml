@@ -10,8 +10,8 @@ SettingRow {
         name: qsTr("端口")
         implicitWidth: error ? 250 : 140
         explains: true
-        from: 1024
-        to: 65535
+        from: Limits.LowestPort
+        to: Limits.HighestPort
         maximumLength: 5
         number: Settings.port
         error: Settings.portError

@@ -27,8 +27,8 @@ Section {
             detail: section.imaging.pixelsMeaning
             implicitWidth: 128
             unit: qsTr("像素")
-            from: 16
-            to: 20000
+            from: Limits.FewestPixels
+            to: Limits.MostPixels
             step: 64
             number: section.imaging.maxPixels
             onEntered: number => section.imaging.maxPixels = number
@@ -52,8 +52,8 @@ Section {
             name: qsTr("每张最大，KB")
             implicitWidth: 128
             unit: qsTr("KB")
-            from: 10
-            to: 1000000
+            from: Limits.FewestKilobytes
+            to: Limits.MostKilobytes
             step: 100
             number: section.imaging.maxKilobytes
             onEntered: number => section.imaging.maxKilobytes = number
