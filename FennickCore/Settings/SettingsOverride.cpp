@@ -11,8 +11,9 @@
 
 #include <algorithm>
 #include <array>
+#include <concepts>
 #include <optional>
-#include <ranges>
+#include <vector>
 
 namespace fennick {
 
@@ -38,90 +39,114 @@ bool sequence(const AppSettings &settings, Check check) {
   return naming == nullptr || check(*naming);
 }
 
-bool anything(const AppSettings &) { return true; }
-
-// What a field accepts, in both languages, and a check of a record's value, whose type is right.
-struct Rule {
-  std::string_view key;
+// What a field accepts.
+struct Accepted {
   std::string_view chinese;
   std::string_view english;
-  bool (*holds)(const AppSettings &) = anything;
 };
 
-constexpr std::string_view kFlagZh = "true 或 false";
-constexpr std::string_view kFlag = "true or false";
-constexpr std::string_view kObjectZh = "一个 JSON 对象";
-constexpr std::string_view kObject = "a JSON object";
-constexpr std::string_view kBookmarkZh = "绝对路径的 base64 编码，或 null";
-constexpr std::string_view kBookmark = "an absolute path in base64, or null";
-constexpr std::string_view kShareZh = "0 到 1 之间的数";
-constexpr std::string_view kShare = "a number from 0 to 1";
-constexpr std::string_view kFromOneZh = "不小于 1 的整数，或 null";
-constexpr std::string_view kFromOne = "a whole number from 1, or null";
+constexpr Accepted kPath{"绝对路径的 base64 编码，或 null", "an absolute path in base64, or null"};
+
+// What the type of a field accepts.
+Accepted accepted(bool) { return {"true 或 false", "true or false"}; }
+Accepted accepted(std::uint16_t) { return {"0 到 65535 的整数", "a whole number from 0 to 65535"}; }
+Accepted accepted(std::int64_t) { return {"整数", "a whole number"}; }
+Accepted accepted(double) { return {"数", "a number"}; }
+Accepted accepted(const std::string &) { return {"文字", "text"}; }
+Accepted accepted(const std::optional<std::int64_t> &) {
+  return {"整数，或 null", "a whole number, or null"};
+}
+Accepted accepted(const std::optional<std::string> &) { return {"文字，或 null", "text, or null"}; }
+Accepted accepted(const std::optional<BookmarkData> &) { return kPath; }
+Accepted accepted(OutputFormat) { return {"keep、jpeg、heic 或 png", "keep, jpeg, heic or png"}; }
+Accepted accepted(const NamingPolicy &) {
+  return {"timestamp、prefixSequence 或其 JSON 形式", "timestamp, prefixSequence or its JSON form"};
+}
+Accepted accepted(const SettingsRecord auto &) { return {"一个 JSON 对象", "a JSON object"}; }
+
+// A field that accepts less than its type.
+struct Rule {
+  std::string_view key;
+  Accepted accepted;
+  bool (*holds)(const AppSettings &); // of a record whose types are right
+};
+
+constexpr Accepted kShare{"0 到 1 之间的数", "a number from 0 to 1"};
+constexpr Accepted kFromOne{"不小于 1 的整数，或 null", "a whole number from 1, or null"};
 
 using S = AppSettings;
 using N = PrefixSequenceNaming;
 
 constexpr std::array kRules{
-    Rule{"preferredPort", "0 到 65535 的整数", "a whole number from 0 to 65535"},
-    Rule{"saveFolderBookmark", kBookmarkZh, kBookmark,
-         [](const S &s) { return isPath(s.saveFolderBookmark); }},
-    Rule{"dateSubfolders", kFlagZh, kFlag},
-    Rule{"naming", "timestamp、prefixSequence 或其 JSON 形式", "timestamp, prefixSequence or its JSON form"},
-    Rule{"naming.prefixSequence", kObjectZh, kObject},
-    Rule{"naming.prefixSequence.prefix", "不以“.”开头、不含“/”和控制字符的文字，连同分隔符不超过 200 字节",
-         "text without \"/\" and control characters that does not begin with \".\", at most 200 bytes with "
-         "the "
-         "separator",
+    Rule{"saveFolderBookmark", kPath, [](const S &s) { return isPath(s.saveFolderBookmark); }},
+    Rule{"naming.prefixSequence.prefix",
+         {"不以“.”开头、不含“/”和控制字符的文字，连同分隔符不超过 200 字节",
+          "text without \"/\" and control characters that does not begin with \".\", at most 200 bytes with "
+          "the separator"},
          [](const S &s) {
            return sequence(s, [](const N &n) { return isNamePrefix(n.prefix) && fitsTogether(n); });
          }},
-    Rule{"naming.prefixSequence.separator", "不含“/”和控制字符的文字，连同前缀不超过 200 字节",
-         "text without \"/\" and control characters, at most 200 bytes with the prefix",
+    Rule{"naming.prefixSequence.separator",
+         {"不含“/”和控制字符的文字，连同前缀不超过 200 字节",
+          "text without \"/\" and control characters, at most 200 bytes with the prefix"},
          [](const S &s) {
            return sequence(s, [](const N &n) { return isNamePart(n.separator) && fitsTogether(n); });
          }},
-    Rule{"naming.prefixSequence.digits", "1 到 9 的整数", "a whole number from 1 to 9",
+    Rule{"naming.prefixSequence.digits",
+         {"1 到 9 的整数", "a whole number from 1 to 9"},
          [](const S &s) {
            return sequence(s,
                            [](const N &n) { return n.digits >= kFewestDigits && n.digits <= kMostDigits; });
          }},
-    Rule{"naming.prefixSequence.start", "不小于 0 的整数", "a whole number from 0",
+    Rule{"naming.prefixSequence.start",
+         {"不小于 0 的整数", "a whole number from 0"},
          [](const S &s) { return sequence(s, [](const N &n) { return n.start >= 0; }); }},
-    Rule{"maxUploadBytes", "不小于 1 的整数（字节）", "a whole number of bytes from 1",
+    Rule{"maxUploadBytes",
+         {"不小于 1 的整数（字节）", "a whole number of bytes from 1"},
          [](const S &s) { return s.maxUploadBytes >= 1; }},
-    Rule{"preferredInterface", "网络接口的名称，或 null", "the name of a network interface, or null"},
-    Rule{"imaging", kObjectZh, kObject},
-    Rule{"imaging.maxPixels", kFromOneZh, kFromOne,
+    Rule{"imaging.maxPixels", kFromOne,
          [](const S &s) { return atLeast<std::int64_t>(s.imaging.maxPixels, 1); }},
-    Rule{"imaging.maxBytes", kFromOneZh, kFromOne,
+    Rule{"imaging.maxBytes", kFromOne,
          [](const S &s) { return atLeast<std::int64_t>(s.imaging.maxBytes, 1); }},
-    Rule{"imaging.format", "keep、jpeg、heic 或 png", "keep, jpeg, heic or png"},
-    Rule{"imaging.quality", kShareZh, kShare, [](const S &s) { return isShare(s.imaging.quality); }},
-    Rule{"imaging.qualityFloor", kShareZh, kShare,
-         [](const S &s) { return isShare(s.imaging.qualityFloor); }},
-    Rule{"imaging.stripLocation", kFlagZh, kFlag},
-    Rule{"imaging.stripAllMetadata", kFlagZh, kFlag},
-    Rule{"imaging.keepOriginal", kFlagZh, kFlag},
-    Rule{"workflow", kObjectZh, kObject},
-    Rule{"workflow.copyToClipboard", kFlagZh, kFlag},
-    Rule{"workflow.openWithAppBookmark", kBookmarkZh, kBookmark,
+    Rule{"imaging.quality", kShare, [](const S &s) { return isShare(s.imaging.quality); }},
+    Rule{"imaging.qualityFloor", kShare, [](const S &s) { return isShare(s.imaging.qualityFloor); }},
+    Rule{"workflow.openWithAppBookmark", kPath,
          [](const S &s) { return isPath(s.workflow.openWithAppBookmark); }},
-    Rule{"workflow.openWithAppName", "应用的名称，或 null", "the name of an application, or null"},
-    Rule{"workflow.playSound", kFlagZh, kFlag},
-    Rule{"workflow.notify", kFlagZh, kFlag},
-    Rule{"hotKeyPreset", "整数，或 null", "a whole number, or null"},
-    Rule{"sessionSubfolder", "一个不以“.”开头、不是 originals 或 export 的文件夹名，或 null",
-         "one folder name that does not begin with \".\" and is not originals or export, or null",
+    Rule{"sessionSubfolder",
+         {"一个不以“.”开头、不是 originals 或 export 的文件夹名，或 null",
+          "one folder name that does not begin with \".\" and is not originals or export, or null"},
          [](const S &s) { return !s.sessionSubfolder || isSessionName(*s.sessionSubfolder); }},
-    Rule{"galleryEnabled", kFlagZh, kFlag},
-    Rule{"galleryFolder", "保存目录内不含“..”的相对路径，或 null",
-         "a relative path inside the save folder without \"..\", or null",
+    Rule{"galleryFolder",
+         {"保存目录内不含“..”的相对路径，或 null",
+          "a relative path inside the save folder without \"..\", or null"},
          [](const S &s) { return !s.galleryFolder || isGalleryPath(*s.galleryFolder); }},
-    Rule{"folderLimit", "不小于 0 的整数，或 null", "a whole number from 0, or null",
+    Rule{"folderLimit",
+         {"不小于 0 的整数，或 null", "a whole number from 0, or null"},
          [](const S &s) { return atLeast<std::int64_t>(s.folderLimit, 0); }},
-    Rule{"autoPrune", kFlagZh, kFlag},
 };
+
+// Calls `visit(key, field)` for this field and all fields inside it.
+void forEachKey(const auto &field, const std::string &key, auto &visit) {
+  visit(key, field);
+  if constexpr (requires { forEachField(field, visit); })
+    forEachField(field, [&](std::string_view name, const auto &inner) {
+      forEachKey(inner, dotted(key, name), visit);
+    });
+  if constexpr (std::same_as<decltype(field), const NamingPolicy &>)
+    forEachKey(PrefixSequenceNaming{}, dotted(key, "prefixSequence"), visit);
+}
+
+Accepted acceptedBy(std::string_view key) {
+  if (const auto *rule = std::ranges::find(kRules, key, &Rule::key); rule != kRules.end())
+    return rule->accepted;
+  Accepted found = accepted(NamingPolicy()); // only its JSON form has other keys inside
+  const auto compare = [&](const std::string &each, const auto &field) {
+    if (each == key)
+      found = accepted(field);
+  };
+  forEachKey(AppSettings(), {}, compare);
+  return found;
+}
 
 struct Value {
   std::string text;
@@ -214,15 +239,18 @@ std::string shown(std::string_view text) {
 }
 
 std::unexpected<std::string> refused(std::string_view key, std::string_view given) {
-  const auto *rule = std::ranges::find(kRules, key, &Rule::key);
-  if (rule == kRules.end())
-    rule = std::ranges::find(kRules, "naming", &Rule::key); // only its JSON form has other keys inside
+  const Accepted accepted = acceptedBy(key);
   return std::unexpected(fmt::format("{0} 不能设为“{1}”，应为{2} / {0} cannot be \"{1}\": it takes {3}", key,
-                                     shown(given), rule->chinese, rule->english));
+                                     shown(given), accepted.chinese, accepted.english));
 }
 
 std::unexpected<std::string> unknown(std::string_view key) {
-  const auto keys = kRules | std::views::transform(&Rule::key);
+  std::vector<std::string> keys;
+  const auto collect = [&](const std::string &each, const auto &) {
+    if (!each.empty())
+      keys.push_back(each);
+  };
+  forEachKey(AppSettings(), {}, collect);
   return std::unexpected(fmt::format("没有名为“{0}”的设置 / There is no setting \"{0}\"; there are {1}",
                                      shown(key), fmt::join(keys, ", ")));
 }
