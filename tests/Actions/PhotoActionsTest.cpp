@@ -35,20 +35,6 @@ TEST_F(PhotoActionsTest, HandsOverTheSelectionInTheOrderOfTheWall) {
   EXPECT_EQ(actions.failureLines(), QStringList("b.jpg：no such program"));
 }
 
-TEST_F(PhotoActionsTest, AsksBeforeOpeningMany) {
-  Names names;
-  for (int i = 0; i <= PhotoActions::kManyToOpen; ++i)
-    names.push_back(fmt::format("{:02}.jpg", i));
-  hang(names);
-  select(names);
-  QSignalSpy asked(&actions, &PhotoActions::askedToOpenMany);
-  actions.open();
-  EXPECT_EQ(asked.count(), 1);
-  EXPECT_THAT(desktop.take(), IsEmpty());
-  actions.open(true);
-  EXPECT_EQ(desktop.take().size(), 1U);
-}
-
 TEST_F(PhotoActionsTest, RenamesUndoesAndReportsConflicts) {
   hang({"a.jpg", "b.jpg"});
   select({"a.jpg"});

@@ -78,32 +78,5 @@ TEST_F(RenameFormTest, ReportsConflictsAndRenamesNothing) {
   EXPECT_FALSE(actions.canUndo());
 }
 
-TEST_F(RenameFormTest, KeepsTheOldNamesAfterAStop) {
-  hang({"a.jpg", "b.jpg", "c.jpg"});
-  select({"a.jpg", "b.jpg", "c.jpg"});
-  form.begin();
-  std::ignore = preview();
-  std::latch begun(1);
-  std::latch goesOn(1);
-  std::atomic<int> moves = 0;
-  files.before(Operation::moveNoReplace, [&] {
-    if (++moves != 4)
-      return;
-    begun.count_down();
-    goesOn.wait();
-  });
-  QSignalSpy finished(&form, &RenameForm::finished);
-  form.apply();
-  begun.wait();
-  actions.jobs()->stop();
-  goesOn.count_down();
-  queue.runUntil([&] { return finished.count() == 1; });
-  EXPECT_FALSE(finished[0][0].toBool());
-  EXPECT_TRUE(form.ready() && form.problem().isEmpty()) << "it can be tried again";
-  EXPECT_THAT(listed(), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
-  EXPECT_THAT(disk.names("photos"), ElementsAre("a.jpg", "b.jpg", "c.jpg"));
-  EXPECT_EQ(actions.note(), "");
-}
-
 } // namespace
 } // namespace quarrow

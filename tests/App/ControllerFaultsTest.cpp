@@ -125,17 +125,6 @@ TEST_F(ControllerFaults, KeepsNamesAndOrderWhenTheClockIsSetBack) {
   EXPECT_THAT(disk.names("photos"), SizeIs(5));
 }
 
-TEST_F(ControllerFaults, EndsABanAfterItsTimeEvenIfTheClockIsSet) {
-  start();
-  for (int i = 0; i < 10; ++i)
-    EXPECT_THAT(ask("/?k=guess"), StartsWith("HTTP/1.1 403"));
-  EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 429"));
-  queue.clock().setCalendar(queue.clock().now() + std::chrono::hours(1));
-  EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 429"));
-  queue.clock().advance(fennick::Seconds(301)); // suspended time counts
-  EXPECT_THAT(ask("/health"), StartsWith("HTTP/1.1 200"));
-}
-
 TEST_F(ControllerFaults, KeepsSettingsForTheRunAndReportsThatTheyCannotBeStored) {
   start();
   const auto file = disk / "state/preferences.json";
@@ -148,25 +137,6 @@ TEST_F(ControllerFaults, KeepsSettingsForTheRunAndReportsThatTheyCannotBeStored)
   std::filesystem::remove(disk / "state");
   change([](auto &settings) { settings.maxUploadBytes = 1000; });
   EXPECT_EQ(error(), "none");
-  EXPECT_EQ(stored().naming, fennick::NamingPolicy(fennick::PrefixSequenceNaming{}));
-}
-
-TEST_F(ControllerFaults, DoesNotStoreOverridesForTheRun) {
-  const auto chosen = disk.makeFolder("chosen");
-  store.update([&](auto &settings) { settings.saveFolderBookmark = bookmarkOf(chosen); });
-  options.saveFolder.reset();
-  options.defaultFolder = disk / "photos";
-  options.overrides = [gone = bookmarkOf(disk.makeFolder("gone"))](auto &settings) {
-    settings.maxUploadBytes = 20;
-    settings.saveFolderBookmark = gone;
-  };
-  std::filesystem::remove(disk / "gone");
-  start();
-  EXPECT_EQ(error(), kGoneNotice);
-  EXPECT_EQ(stored().saveFolderBookmark, bookmarkOf(chosen));
-  EXPECT_THAT(upload(std::string(kJPEG) + std::string(20, 'x')), StartsWith("HTTP/1.1 413"));
-  change([](auto &settings) { settings.naming = fennick::PrefixSequenceNaming{}; });
-  EXPECT_EQ(stored().maxUploadBytes, fennick::AppSettings().maxUploadBytes);
   EXPECT_EQ(stored().naming, fennick::NamingPolicy(fennick::PrefixSequenceNaming{}));
 }
 

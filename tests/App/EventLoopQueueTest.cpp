@@ -104,17 +104,5 @@ TEST_F(EventLoopQueueTest, DrainsDueTasksAndThoseTheyPost) {
   EXPECT_EQ(done, "1234");
 }
 
-TEST_F(EventLoopQueueTest, HandlesSignalsOnTheLoop) {
-  queue.onSignals({SIGUSR1, SIGUSR2}, [&](int signal) {
-    note(signal == SIGUSR1 ? '1' : '2')();
-    if (done.size() == 2)
-      quit();
-  });
-  ASSERT_EQ(std::raise(SIGUSR1), 0);
-  ASSERT_EQ(std::raise(SIGUSR2), 0);
-  QCoreApplication::exec();
-  EXPECT_EQ(done, "12");
-}
-
 } // namespace
 } // namespace quarrow

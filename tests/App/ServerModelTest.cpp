@@ -33,24 +33,6 @@ TEST(ServerModel, UsesThePreferredAddressOrTheFirst) {
   EXPECT_EQ(model.shortcutUploadURL(), std::nullopt);
 }
 
-TEST(ServerModel, EncodesThePhoneURLInTheQRCode) {
-  ServerModel model;
-  model.setAccessKey("secret");
-  model.setPort(8001);
-  model.setAddresses({kWifi});
-  model.refreshQR();
-  const auto code = model.qrImage();
-  ASSERT_TRUE(code);
-  const auto isDark = [&](std::int64_t x, std::int64_t y) {
-    return code->rgb[static_cast<std::size_t>((y * code->width + x) * 3)] == 0;
-  };
-  EXPECT_EQ(fennick::test::readQRCode(code->width, isDark), *model.phoneURL());
-
-  model.setAddresses({});
-  model.refreshQR();
-  EXPECT_EQ(model.qrImage(), std::nullopt);
-}
-
 // QML relies on this: an unchanged value updates no binding, a changed one every binding that depends on it.
 TEST(ServerModel, AnnouncesEachChangeOnce) {
   ServerModel model;

@@ -46,14 +46,6 @@ protected:
   std::vector<std::string> heard;
 };
 
-TEST_F(HotKeyManagerTest, KeepsPresetNumbersTitlesAndKeys) {
-  EXPECT_THAT(HotKeyManager::presets(),
-              ElementsAre(HotKeyPreset{0, "⌃⌥⌘P", 35, 0x1900}, HotKeyPreset{1, "⌃⌥P", 35, 0x1800},
-                          HotKeyPreset{2, "⌘⇧2", 19, 0x0300}, HotKeyPreset{3, "⌃⌥Space", 49, 0x1800},
-                          HotKeyPreset{4, "F19", 80, 0}));
-  EXPECT_EQ(HotKeyManager::preset(5), nullptr);
-}
-
 TEST_F(HotKeyManagerTest, ReleasesTheOldKeyBeforeTakingANewOne) {
   EXPECT_TRUE(choose(4));
   EXPECT_TRUE(choose(4));

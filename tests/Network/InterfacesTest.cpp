@@ -224,21 +224,6 @@ TEST_F(InterfacesTest, IgnoresAnAddressThatIsGoneForAMoment) {
   expectReport({});
 }
 
-TEST_F(InterfacesTest, RanksTheDefaultRouteFirstAndLinkLocalLast) {
-  wifiCard("wlan0");
-  wiredCard("enp1s0");
-  ip("addr add 169.254.8.21/16 dev enp1s0");
-  watcher.start();
-  const std::string linkLocal = "enp1s0 169.254.8.21 wired";
-  expectReport({linkLocal});
-  ip("addr add 192.168.8.21/24 dev enp1s0");
-  expectReport({wired, linkLocal});
-  ip(joinWifi);
-  expectReport({wifi, wired, linkLocal});
-  ip("route add default via 192.168.8.1 dev enp1s0 metric 100");
-  expectReport({wired, wifi, linkLocal});
-}
-
 TEST_F(InterfacesTest, RanksWifiBeforeAVPNWithTheDefaultRoute) {
   wifiCard("wlan0");
   ip(joinWifi);

@@ -127,12 +127,6 @@ TEST(LocalNetworkProbeTest, TimesOutOnASilentServer) {
   EXPECT_EQ(outcomeAt(kHost, server.port(), Seconds(0.05)), Outcome{Kind::timeout});
 }
 
-TEST(LocalNetworkProbeTest, RejectsPortZeroAtOnce) {
-  std::optional<Outcome> outcome;
-  const auto probe = LocalNetworkProbe::probe(kHost, 0, kLong, [&](Outcome told) { outcome = told; });
-  EXPECT_EQ(outcome, (Outcome{Kind::unreachable, "bad port"}));
-}
-
 // Waiting for the time-out would exceed the suite's time limit.
 TEST(LocalNetworkProbeTest, ReportsNothingAfterACancellation) {
   std::latch heard(1);

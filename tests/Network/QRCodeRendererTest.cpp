@@ -23,23 +23,6 @@ TEST(QRCodeRendererTest, IsReadByAnIndependentReader) {
   }
 }
 
-TEST(QRCodeRendererTest, DrawsModulesAsExactBlocks) {
-  constexpr std::int64_t kPixels = 3;
-  constexpr std::int64_t kQuiet = 2;
-  const auto modules = QRCodeRenderer::modules("tevrin");
-  const auto code = image("tevrin", kPixels, kQuiet);
-  ASSERT_TRUE(modules && code);
-  ASSERT_EQ(code->width, (21 + 2 * kQuiet) * kPixels);
-  ASSERT_EQ(code->rgb.size(), static_cast<std::size_t>(code->width * code->width * 3));
-  for (std::size_t i = 0; i < code->rgb.size(); ++i) {
-    const auto pixel = static_cast<std::int64_t>(i / 3);
-    const std::int64_t x = pixel % code->width / kPixels - kQuiet;
-    const std::int64_t y = pixel / code->width / kPixels - kQuiet;
-    const bool inside = x >= 0 && y >= 0 && x < modules->side && y < modules->side;
-    ASSERT_EQ(code->rgb[i], inside && modules->isDark(x, y) ? 0 : 255) << x << ", " << y;
-  }
-}
-
 TEST(QRCodeRendererTest, UsesTheSmallestVersionAtLevelM) {
   constexpr std::pair<std::size_t, int> kSides[] = {{0, 0}, {14, 21}, {15, 25}, {2331, 177}, {2332, 0}};
   for (const auto &[bytes, side] : kSides) { // digits too are stored as bytes

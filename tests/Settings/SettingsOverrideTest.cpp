@@ -2,6 +2,7 @@
 
 #include "FennickCore/Settings/SettingsCodec.h"
 #include "tests/Settings/FullSettings.h"
+#include "tests/Support/Words.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -91,34 +92,19 @@ TEST(SettingsOverrideTest, SetsTheNamingByNameFieldOrStoredForm) {
 
 TEST(SettingsOverrideTest, RejectsHarmfulValues) {
   const std::string tooLong = "naming.prefixSequence.prefix=" + std::string(200, 'x');
-  const std::string_view cases[] = {"maxUploadBytes=0",
-                                    "folderLimit=-1",
-                                    "imaging.maxPixels=0",
-                                    "imaging.quality=1.01",
-                                    "imaging.qualityFloor=-0.1",
-                                    "naming.prefixSequence.prefix=a/b",
-                                    "naming.prefixSequence.prefix=.hidden",
-                                    "naming.prefixSequence.prefix=a\nb",
-                                    "naming.prefixSequence.separator=/",
-                                    "naming.prefixSequence.digits=0",
-                                    "naming.prefixSequence.start=-1",
-                                    tooLong,
-                                    "sessionSubfolder=",
-                                    "sessionSubfolder=a/b",
-                                    "sessionSubfolder=..",
-                                    "sessionSubfolder=originals",
-                                    "sessionSubfolder=export",
-                                    "galleryFolder=../x",
-                                    "galleryFolder=/etc",
-                                    R"(galleryFolder="a\u0000")",
-                                    "saveFolderBookmark=/srv",
-                                    "preferredPort=65536",
-                                    "preferredPort=8000.0",
-                                    "galleryEnabled=yes",
-                                    "imaging.format=gif",
-                                    R"(imaging={"maxPixels":0})",
-                                    R"(workflow={"notify":1})"};
-  for (const std::string_view keyValue : cases)
+  auto cases = test::words("maxUploadBytes=0 folderLimit=-1 imaging.maxPixels=0 imaging.quality=1.01 "
+                           "imaging.qualityFloor=-0.1 naming.prefixSequence.prefix=a/b "
+                           "naming.prefixSequence.prefix=.hidden naming.prefixSequence.separator=/ "
+                           "naming.prefixSequence.digits=0 naming.prefixSequence.start=-1 "
+                           "sessionSubfolder= sessionSubfolder=a/b sessionSubfolder=.. "
+                           "sessionSubfolder=originals sessionSubfolder=export galleryFolder=../x "
+                           "galleryFolder=/etc saveFolderBookmark=/srv preferredPort=65536 "
+                           "preferredPort=8000.0 galleryEnabled=yes imaging.format=gif");
+  for (const auto &more :
+       {tooLong, std::string("naming.prefixSequence.prefix=a\nb"), std::string(R"(galleryFolder="a\u0000")"),
+        std::string(R"(imaging={"maxPixels":0})"), std::string(R"(workflow={"notify":1})")})
+    cases.push_back(more);
+  for (const auto &keyValue : cases)
     EXPECT_THAT(refusal(keyValue), HasSubstr(" / ")) << keyValue;
 }
 

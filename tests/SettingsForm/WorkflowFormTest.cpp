@@ -61,20 +61,5 @@ TEST_F(FormTest, RemembersTheApplicationAndReportsAMissingOne) {
   EXPECT_EQ(stored(), fennick::AppSettings());
 }
 
-TEST(ApplicationListTest, ShowsOnlyNamesThatContainTheSearch) {
-  ApplicationList list;
-  const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
-  list.setApplications(
-      {{.entry = "/a/gimp.desktop", .name = "GIMP 图像处理", .icon = "gimp", .isMadeForIt = true},
-       {.entry = "/a/eye.desktop", .name = "看图", .icon = "/opt/eye.png"}});
-  list.setSearch(" gimp ");
-  ASSERT_EQ(list.count(), 1);
-  EXPECT_EQ(list.data(list.index(0), ApplicationList::EntryRole).toString(), "/a/gimp.desktop");
-  list.setSearch("没有");
-  EXPECT_EQ(list.count(), 0);
-  list.setSearch({});
-  EXPECT_EQ(list.count(), 2);
-}
-
 } // namespace
 } // namespace quarrow::test

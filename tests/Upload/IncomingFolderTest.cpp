@@ -108,14 +108,5 @@ TEST_F(IncomingFolderTest, WaitsWhileTheFolderIsBeingCleared) {
   EXPECT_THAT(lying(), IsEmpty());
 }
 
-TEST_F(IncomingFolderTest, RecreatesADeletedFolder) {
-  IncomingFolder folder(files);
-  const auto first = folder.createPart(photos).value();
-  fs::remove_all(photos);
-  const auto second = folder.createPart(photos).value();
-  IncomingFolder(files).adopt(photos);
-  EXPECT_THAT(lying(), ElementsAre(second.file.filename().string()));
-}
-
 } // namespace
 } // namespace fennick

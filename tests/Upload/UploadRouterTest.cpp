@@ -187,13 +187,5 @@ TEST_F(UploadRouterTest, RendersTheLimitAndAFreshNonce) {
   EXPECT_EQ(nonces.size(), 2U);
 }
 
-TEST_F(UploadRouterTest, UsesTheFallbackForAMissingTemplate) {
-  const char *fallback = "<!doctype html><p>fennick page missing</p>";
-  EXPECT_EQ(ask("GET /?k=secret"), fmt::format("respond 200 {}", fallback));
-  disk.write("bundle/PhonePage.html", "caf\xE9");
-  EXPECT_EQ(ask("GET /?k=secret"), fmt::format("respond 200 {}", fallback));
-  EXPECT_EQ(PhonePage(disk / "bundle").html(), fallback);
-}
-
 } // namespace
 } // namespace fennick

@@ -64,22 +64,6 @@ protected:
   std::optional<PhotoWall> wall;
 };
 
-TEST_F(PhotoWallTest, reportsWhyTheWallIsEmpty) {
-  EXPECT_EQ(wall->state(), PhotoWall::Empty);
-  disk.makeFolder("photos");
-  controller.library().setFolder(disk / "photos");
-  EXPECT_EQ(wall->state(), PhotoWall::Loading);
-  awaitScan();
-  EXPECT_EQ(wall->state(), PhotoWall::Empty);
-  controller.library().setFolder(disk / "gone");
-  awaitScan();
-  EXPECT_EQ(wall->state(), PhotoWall::Missing);
-  fill({"a.jpg"});
-  EXPECT_EQ(wall->state(), PhotoWall::Filled);
-  wall->setFilter(PhotoWall::Videos);
-  EXPECT_EQ(wall->state(), PhotoWall::NoMatch);
-}
-
 TEST_F(PhotoWallTest, deselectsPhotosThatTheFilterHides) {
   const QAbstractItemModelTester tester(wall->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
   fill({"a.jpg", "b.mov", "c.jpg", "d.mp4"});
@@ -137,18 +121,6 @@ TEST_F(PhotoWallTest, movesFocusByRowsAndColumns) {
   EXPECT_FALSE(press(Qt::Key_Escape));
   EXPECT_FALSE(press(Qt::Key_F5));
   EXPECT_FALSE(press(Qt::Key_C, Qt::ControlModifier, "c"));
-}
-
-TEST_F(PhotoWallTest, selectsTilesUnderTheRubberBand) {
-  fill({"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"});
-  const auto band = [&](const QRectF &area) {
-    wall->stretchBand(area, QSizeF(100, 120), 3, 8);
-    return selected();
-  };
-  wall->beginBand(Qt::NoModifier);
-  EXPECT_EQ(band({97, 0, 6, 200}), ""); // between two columns
-  EXPECT_EQ(band({90, 110, 30, 20}), "a.jpg b.jpg d.jpg e.jpg");
-  EXPECT_EQ(band({250, 50, 10, 300}), "c.jpg");
 }
 
 TEST_F(PhotoWallTest, keepsPlaceAndSelectionOfARenamedPhoto) {
