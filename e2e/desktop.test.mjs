@@ -1,31 +1,10 @@
-// What only one browser can be made to show: dropping and pasting, the keyboard, the clock, a full disk.
+// What only one browser can be made to show: dropping and pasting, the keyboard, the clock.
 
 import assert from 'node:assert/strict';
-import { execFileSync } from 'node:child_process';
-import fs from 'node:fs';
-import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import { Chromium } from './lib/chromium.mjs';
 import { make, makeMany } from './lib/files.mjs';
-import { Program, digests, scratch, until } from './lib/program.mjs';
-
-// A small disk of its own in memory. Only root may make one.
-function smallDisk(t, size) {
-  const home = scratch();
-  const disk = path.join(home, 'disk');
-  fs.mkdirSync(disk);
-  try {
-    execFileSync('mount', ['-t', 'tmpfs', '-o', `size=${size}`, 'tmpfs', disk], { stdio: 'pipe' });
-  } catch {
-    return null;
-  }
-  t.after(() => execFileSync('umount', ['--lazy', disk]));
-  return {
-    home,
-    folder: path.join(disk, 'photos'),
-    resize: (size) => execFileSync('mount', ['-o', `remount,size=${size}`, disk]),
-  };
-}
+import { Program, digests, scratch } from './lib/program.mjs';
 
 describe('Chromium alone', () => {
   let browser;
@@ -78,23 +57,6 @@ describe('Chromium alone', () => {
     program.thaw();
     await page.done();
     assert.equal(await page.evaluate(() => document.querySelector('#live').textContent.includes('全部完成')), true);
-  });
-
-  test('a disk that is low is said beforehand, nothing is sent, and room sets it going', async (t) => {
-    const disk = smallDisk(t, '500m');
-    if (!disk) return t.skip('only root can mount a small disk');
-    const program = await Program.start(t, { home: disk.home, folder: disk.folder });
-    const page = await browser.visitor(t);
-    const files = makeMany(scratch(), 4);
-    await page.ready(program.url);
-    await page.waitFor(() => /磁盘空间不足/.test(document.querySelector('#hint').innerText), 'the low disk');
-    await page.choose(files);
-    assert.match(await page.hold('disk'), /磁盘空间不足/);
-    assert.equal(await page.uploads(), 0);
-    disk.resize('3g');
-    await page.click('#holdButton');
-    await page.done();
-    assert.deepEqual(digests(program.saved()), digests(files));
   });
 
   test('500 files at once are all listed and none is refused; leaving them asks first', async (t) => {

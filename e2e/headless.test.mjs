@@ -4,7 +4,6 @@
 import assert from 'node:assert/strict';
 import { spawn, spawnSync } from 'node:child_process';
 import fs from 'node:fs';
-import http from 'node:http';
 import net from 'node:net';
 import path from 'node:path';
 import { test } from 'node:test';
@@ -12,17 +11,9 @@ import { make } from './lib/files.mjs';
 import { Program, binary, digests, scratch, until } from './lib/program.mjs';
 
 // What a shortcut or curl does: one file, one answer.
-function post(program, file, { host = '127.0.0.1', headers = {} } = {}) {
-  return new Promise((resolve, reject) => {
-    const request = http.request({ host, port: program.port, method: 'POST', path: `/upload?k=${program.key}`,
-      headers: { 'content-length': fs.statSync(file).size, ...headers } }, (response) => {
-      let text = '';
-      response.on('data', (data) => { text += data; });
-      response.on('end', () => resolve({ status: response.statusCode, text }));
-    });
-    request.on('error', reject);
-    fs.createReadStream(file).pipe(request);
-  });
+async function post({ port, key }, file) {
+  const answer = await fetch(`http://127.0.0.1:${port}/upload?k=${key}`, { method: 'POST', body: fs.readFileSync(file) });
+  return { status: answer.status, text: await answer.text() };
 }
 
 // An upload that has begun and does not go on.
@@ -97,56 +88,6 @@ test('a crash leaves a part file, and the next start in that folder removes it',
   assert.equal(next.parts().length, 1);
   socket.destroy();
   await until(() => next.parts().length === 0, 'the broken upload to be cleared');
-});
-
-test('IPv4 and IPv6 are served, and names follow the settings', async (t) => {
-  const program = await Program.start(t, { set: { naming: '{"prefixSequence":{"prefix":"Party","separator":"-","digits":4,"start":7}}', sessionSubfolder: 'night' } });
-  const files = [make(scratch(), 'a.jpg'), make(scratch(), 'b.png')];
-  assert.deepEqual(await post(program, files[0]), { status: 200, text: 'Party-0007.jpg' });
-  assert.deepEqual(await post(program, files[1], { host: '::1' }), { status: 200, text: 'Party-0008.png' });
-  assert.deepEqual(digests(program.saved()), digests(files));
-  await program.names(2);
-  assert.deepEqual(program.received.map(({ event, note, path: where, bytes, name }) => ({ event, note, where, bytes, name }))[0], {
-    event: 'received', note: 'Party-0007.jpg：4 KB', where: path.join(program.folder, 'night', 'Party-0007.jpg'), bytes: 4000, name: 'Party-0007.jpg',
-  });
-});
-
-test('a folder that is replaced by a file gives a clear answer and recovers without a restart', async (t) => {
-  const program = await Program.start(t);
-  const photo = make(scratch(), 'a.jpg');
-  assert.equal((await post(program, photo)).status, 200);
-  const aside = `${program.folder}.aside`;
-  fs.renameSync(program.folder, aside);
-  fs.writeFileSync(program.folder, 'in the way');
-  assert.deepEqual(await post(program, photo), { status: 500, text: '无法写入保存目录，请检查 Mac 端设置 / cannot write to the save folder' });
-  fs.rmSync(program.folder);
-  fs.renameSync(aside, program.folder);
-  assert.equal((await post(program, photo)).status, 200);
-  assert.equal(program.saved().length, 2);
-  assert.deepEqual(program.parts(), []);
-});
-
-test('the preferences are private, and damaged ones are kept aside', async (t) => {
-  const home = scratch();
-  const file = path.join(home, 'state', 'preferences.json');
-  const first = await Program.start(t, { home });
-  assert.equal(fs.statSync(file).mode & 0o777, 0o600);
-  await first.stop();
-  fs.writeFileSync(file, '{"accessKey":');
-  const second = await Program.start(t, { home });
-  assert.notEqual(second.key, first.key);
-  assert.equal(fs.readFileSync(`${file}.damaged`, 'utf8'), '{"accessKey":');
-  assert.equal(JSON.parse(fs.readFileSync(file, 'utf8')).accessKey, second.key);
-});
-
-test('ten wrong keys ban the address, and the page of a stranger is not served', async (t) => {
-  const program = await Program.start(t);
-  const ask = async (target) => {
-    const response = await fetch(`http://127.0.0.1:${program.port}${target}`);
-    return { status: response.status, text: await response.text() };
-  };
-  for (let i = 0; i < 10; i++) assert.equal((await ask('/?k=guess')).status, 403);
-  assert.deepEqual(await ask(`/?k=${program.key}`), { status: 429, text: 'too many requests' });
 });
 
 test('in words: the code, the address, and a line for every file', async (t) => {

@@ -8,7 +8,6 @@ namespace {
 
 using Operation = fennick::test::FaultyFileSystem::Operation;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 

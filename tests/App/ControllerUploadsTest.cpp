@@ -102,30 +102,6 @@ TEST_F(ControllerTest, PrunesTheFolderToItsLimitAndForgetsTheRemovedPhotos) {
   EXPECT_THAT(disk.names("photos"), SizeIs(4));
 }
 
-TEST_F(ControllerTest, PutsAReceivedPhotoFirstInACustomOrder) {
-  store.update([](auto &settings) {
-    settings.naming = fennick::PrefixSequenceNaming{};
-    settings.imaging.stripAllMetadata = true;
-  });
-  decoder.setFacts(kLargePicture);
-  decoder.setRendering(fennick::Rendering{.bytes = "smaller", .longEdge = 4000, .quality = 0.85});
-  for (const bool hasPhotoWall : {true, false}) {
-    options.hasPhotoWall = hasPhotoWall;
-    const std::string folder = hasPhotoWall ? "wall" : "terminal";
-    options.saveFolder = disk / folder;
-    disk.write(folder + "/IMG_001.jpg");
-    disk.write(folder + "/.fennick-order.json", R"({"order":["IMG_001.jpg"]})");
-    start();
-    upload();
-    upload();
-    runUntilReceived(2);
-    received.clear();
-    controller.reset(); // waits for the order to be stored
-    EXPECT_THAT(fennick::PhotoOrder::load(*options.saveFolder),
-                ElementsAre("IMG_003.jpeg", "IMG_002.jpeg", "IMG_001.jpg"));
-  }
-}
-
 TEST_F(ControllerTest, ReceivesUploadsWhileAPictureIsProcessed) {
   store.update([](auto &settings) {
     settings.naming = fennick::PrefixSequenceNaming{};
@@ -185,27 +161,6 @@ TEST_F(ControllerTest, ProcessesWaitingPhotosInTheNextRunWithItsSettings) {
   EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
   EXPECT_THAT(notes(), ElementsAre(StartsWith("IMG_001.png："), StartsWith("IMG_002.png：")));
   EXPECT_THAT(desktop.take(), Not(Contains(StartsWith("notify"))));
-}
-
-TEST_F(ControllerTest, RefreshesProgressOnlyDuringUploadsWhileWatched) {
-  start();
-  std::vector<qint64> shown;
-  QObject::connect(&controller->progress(), &UploadProgress::changed,
-                   [&] { shown.push_back(controller->progress().uploads()); });
-  upload();
-  runUntilReceived(1);
-  EXPECT_THAT(shown, IsEmpty());
-  controller->progress().setWatched(true);
-  fennick::test::LoopbackClient phone("127.0.0.1", *controller->server().port());
-  phone.send(fmt::format("POST /upload?k={} HTTP/1.1\r\nContent-Length: 12\r\n\r\n\xFF\xD8\xFF\xE0",
-                         controller->settings().accessKey()));
-  queue.runUntil([&] { return !shown.empty(); });
-  phone.send(" a photo");
-  EXPECT_THAT(phone.readToEnd(), StartsWith("HTTP/1.1 200"));
-  queue.advance(fennick::Seconds(0.25));
-  EXPECT_THAT(shown, ElementsAre(1, 0));
-  queue.advance(fennick::Seconds(60));
-  EXPECT_THAT(shown, SizeIs(2));
 }
 
 } // namespace

@@ -21,7 +21,6 @@ namespace fs = std::filesystem;
 using Operation = test::FaultyFileSystem::Operation;
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 

@@ -114,16 +114,6 @@ TEST(PictureExif, CleansOrSkipsHostileDetails) {
   EXPECT_EQ(exifDetails("no structure at all"), PictureDetails());
 }
 
-TEST(PictureExif, ErasesOnlyThePreviewIfItsLengthIsWrong) {
-  std::string tiff = sampleExif();
-  const std::string length = "\x02\x02\x04\0\1\0\0\0"s;
-  tiff.replace(tiff.find(length) + length.size(), 4, "\xFF\xFF\xFF\0"s);
-  ExifBlock block = parsed(tiff);
-  block.removeThumbnail();
-  EXPECT_EQ(block.orientation(), 6);
-  EXPECT_TRUE(block.hasGPS() && block.hasTIFF());
-}
-
 TEST(PictureExif, RemovesPlaceNamesFromPanasonicsNotes) {
   const std::string entry = "\x6D\0\x02\0\x04\0\0\0Kyo\0"s; // a city
   ExifBlock block = parsed(sampleExif({.makerNote = "Panasonic\0\0\0\1\0"s + entry + "\0\0\0\0"s}));

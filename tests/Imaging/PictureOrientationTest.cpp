@@ -88,18 +88,6 @@ TEST(PictureOrientation, KeepsThePixelsOfATiffInPlace) {
   }
 }
 
-TEST(PictureOrientation, RejectsUnsupportedAndDamagedFiles) {
-  const auto fault = [](const std::string &file, PictureType type, std::int64_t orientation) {
-    return withOrientation(bytesOf(file), type, orientation).error();
-  };
-  EXPECT_EQ(fault("GIF89a", PictureType::gif, 6), PictureFault::unsupported);
-  EXPECT_EQ(fault(sampleTiff(false, 1, true), PictureType::dng, 6), PictureFault::unsupported);
-  EXPECT_EQ(fault(sampleJpeg(), PictureType::jpeg, 9), PictureFault::unsupported);
-  for (const PictureType type : {PictureType::jpeg, PictureType::png, PictureType::webp, PictureType::tiff,
-                                 PictureType::heic, PictureType::avif})
-    EXPECT_EQ(fault("not a picture", type, 6), PictureFault::undecodable);
-}
-
 void expectSamePixels(const std::string &file) {
   const auto heif = HeifFile::parse(file);
   const auto data = [&](std::uint32_t item) {

@@ -109,17 +109,5 @@ TEST(SandboxTest, OffersItselfToTheOutOfMemoryKiller) {
   EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
 }
 
-TEST(SandboxTest, AllowsReadingMemoryAndThreads) {
-  const FileDescriptor file(::open("/proc/self/exe", O_RDONLY | O_CLOEXEC));
-  const int status = statusAfter([&] {
-    std::array<char, 4> start{};
-    bool joined = false;
-    std::thread([&] { joined = true; }).join();
-    const bool read = ::pread(file.get(), start.data(), start.size(), 0) == 4 && start[1] == 'E';
-    return joined && read && ::memfd_create("picture", MFD_ALLOW_SEALING) >= 0;
-  });
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
-}
-
 } // namespace
 } // namespace fennick::picture

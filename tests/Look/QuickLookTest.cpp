@@ -12,7 +12,6 @@ namespace {
 using fennick::PictureFacts;
 using fennick::PictureFault;
 using fennick::test::FakeDecoder;
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 

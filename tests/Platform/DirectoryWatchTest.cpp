@@ -12,7 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class DirectoryWatchTest : public ::testing::Test {
 protected:
@@ -36,33 +35,6 @@ protected:
   test::TemporaryFolder folder;
   DirectoryWatch watch;
 };
-
-TEST_F(DirectoryWatchTest, ReportsArrivalsAndDeparturesInOrderButNotWrites) {
-  const auto inbox = folder.makeFolder("inbox");
-  folder.write("outside");
-  ASSERT_TRUE(watch.add(inbox));
-  folder.write("inbox/a");
-  folder.write("inbox/a", "longer");
-  fs::rename(inbox / "a", inbox / "b");
-  fs::rename(folder / "outside", inbox / "c");
-  fs::create_hard_link(inbox / "c", inbox / "d");
-  fs::remove(inbox / "b");
-  fs::rename(inbox / "c", folder / "outside");
-  EXPECT_THAT(changes(), ElementsAre("+a", "-a", "+b", "+c", "+d", "-b", "-c"));
-  EXPECT_THAT(changes(), IsEmpty());
-}
-
-TEST_F(DirectoryWatchTest, ReportsAFolderThatIsGoneAsLost) {
-  const auto inbox = folder.makeFolder("inbox");
-  ASSERT_TRUE(watch.add(inbox));
-  fs::rename(inbox, folder / "moved");
-  EXPECT_THAT(changes(), ElementsAre("lost"));
-  ASSERT_TRUE(watch.add(folder / "moved"));
-  fs::remove(folder / "moved");
-  EXPECT_THAT(changes(), ElementsAre("lost"));
-  EXPECT_FALSE(watch.add(inbox));
-  EXPECT_FALSE(watch.add(folder.write("file")));
-}
 
 TEST_F(DirectoryWatchTest, ReportsDroppedEventsAsAnOverflow) {
   std::ifstream limit("/proc/sys/fs/inotify/max_queued_events");

@@ -40,15 +40,6 @@ TEST_F(FileSystemTest, NeverOverwritesAnotherFile) {
   EXPECT_THAT(folder.names(), ElementsAre("folder", "free", "link", "taken"));
 }
 
-TEST_F(FileSystemTest, CreatesAllMissingFoldersOrFails) {
-  EXPECT_TRUE(files.createDirectories(folder / "a/b/c"));
-  fs::create_directory_symlink(folder / "a", folder / "link");
-  EXPECT_TRUE(files.createDirectories(folder / "link/b/c"));
-  folder.write("file");
-  EXPECT_EQ(errorOf(files.createDirectories(folder / "file")), ENOTDIR);
-  EXPECT_EQ(errorOf(files.createDirectories(folder / "file/below/deep")), ENOTDIR);
-}
-
 TEST_F(FileSystemTest, ReplacesAFilePrivatelyAndLeavesNoTemporary) {
   const auto file = folder.write("settings", "old");
   fs::permissions(file, fs::perms(0644));

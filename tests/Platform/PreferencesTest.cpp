@@ -39,21 +39,6 @@ TEST_F(FilePreferencesTest, KeepsValuesAndUnknownKeysThroughALink) {
   EXPECT_THAT(folder.read("elsewhere.json"), HasSubstr("\"later\""));
 }
 
-TEST_F(FilePreferencesTest, KeepsValuesThatOtherProgramsStoredMeanwhile) {
-  auto one = reopened();
-  auto other = reopened();
-  ASSERT_TRUE(one.setText("mine", "1"));
-  ASSERT_TRUE(other.setText("yours", "2"));
-  ASSERT_TRUE(other.setText("mine", "3"));
-  ASSERT_TRUE(one.setFlag("seen", true));
-  const auto next = reopened();
-  for (const FilePreferences *preferences : {&std::as_const(one), &next}) {
-    EXPECT_EQ(preferences->text("mine"), "3");
-    EXPECT_EQ(preferences->text("yours"), "2");
-    EXPECT_TRUE(preferences->flag("seen"));
-  }
-}
-
 TEST_F(FilePreferencesTest, LosesNothingWhenProgramsWriteAtTheSameTime) {
   constexpr int kKeys = 20;
   const auto writeKeys = [this](const std::string &prefix) {
@@ -84,32 +69,6 @@ TEST_F(FilePreferencesTest, KeepsADamagedFileBeforeTheFirstWrite) {
     EXPECT_EQ(reopened().text("text"), "2");
     kept = "tevrin/preferences.json.damaged-" + std::to_string(++number);
   }
-}
-
-TEST_F(FilePreferencesTest, KeepsUnusableContentThatAppearsWhileInUse) {
-  folder.write("tevrin/preferences.json.damaged/file"); // a folder under the first name
-  folder.write("tevrin/preferences.json.damaged-2");
-  auto preferences = reopened();
-  ASSERT_TRUE(preferences.setText("text", "1"));
-  const std::function<void()> intruders[] = {
-      [&] { fs::create_directory(file); },
-      [&] { folder.write("tevrin/preferences.json/file", "theirs"); },
-      [&] { folder.write("tevrin/preferences.json", "cut sho"); },
-      [&] { ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); },
-      [&] { fs::create_symlink(file, file); },
-      [] {}, // nothing is there any more
-  };
-  for (const auto &intrude : intruders) {
-    fs::remove(file);
-    intrude();
-    ASSERT_TRUE(preferences.setFlag("on", true));
-    EXPECT_TRUE(reopened().flag("on"));
-    EXPECT_EQ(reopened().text("text"), "1");
-  }
-  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged-4/file"), "theirs");
-  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged-5"), "cut sho");
-  EXPECT_TRUE(fs::is_symlink(folder / "tevrin/preferences.json.damaged-7"));
-  EXPECT_EQ(folder.names("tevrin").size(), 8U);
 }
 
 TEST_F(FilePreferencesTest, StoresAFailedValueTogetherWithTheNext) {

@@ -140,23 +140,6 @@ TEST_F(SettingsStoreTest, StoresAnOverriddenFieldOnlyWhenItChanges) {
   expectBoth();
 }
 
-TEST_F(SettingsStoreTest, StoresAnOverriddenNamingByField) {
-  const auto change = [](auto with) {
-    return [with](AppSettings &s) {
-      if (auto *naming = std::get_if<PrefixSequenceNaming>(&s.naming))
-        with(*naming);
-    };
-  };
-  SettingsStore store(preferences);
-  store.overrideForRun([](AppSettings &s) { s.naming = PrefixSequenceNaming{.prefix = "run"}; });
-  store.update(change([](PrefixSequenceNaming &naming) { naming.digits = 5; }));
-  EXPECT_EQ(storedSettings().naming, NamingPolicy(PrefixSequenceNaming{.prefix = "run", .digits = 5}));
-  store.overrideForRun(change([](PrefixSequenceNaming &naming) { naming.prefix = "other"; }));
-  store.update(change([](PrefixSequenceNaming &naming) { naming.start = 7; }));
-  EXPECT_EQ(storedSettings().naming,
-            NamingPolicy(PrefixSequenceNaming{.prefix = "run", .digits = 5, .start = 7}));
-}
-
 TEST_F(SettingsStoreTest, ReportsAFailedStoreAfterTheObservers) {
   SettingsStore store(preferences);
   std::string told;

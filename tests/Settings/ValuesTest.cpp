@@ -70,15 +70,5 @@ TEST(ImagingOptionsTest, ClampsQualityAndFloorOnUse) {
   EXPECT_EQ(inUse(0.7, 0.9), std::pair(0.7, 0.7));
 }
 
-TEST(ImageLimitsTest, AcceptsPicturesUpToTheLimits) {
-  constexpr auto kHuge = std::numeric_limits<std::int64_t>::max();
-  for (const auto &[width, height] : {std::pair(1, 1), std::pair(20000, 5000), std::pair(10000, 10000)})
-    EXPECT_TRUE(ImageLimits::check(width, height)) << width;
-  for (const auto &[width, height] :
-       std::initializer_list<std::pair<std::optional<std::int64_t>, std::optional<std::int64_t>>>{
-           {10000, 10001}, {20001, 10}, {10, 0}, {-1, -1}, {kHuge, kHuge}, {{}, 10}, {10, {}}})
-    EXPECT_FALSE(ImageLimits::check(width, height)) << width.value_or(0);
-}
-
 } // namespace
 } // namespace fennick

@@ -44,18 +44,6 @@ TEST(NameGeneratorTest, ContinuesSequenceNamesAfterTheHighestNumber) {
   }
 }
 
-TEST(NameGeneratorTest, NumbersPhotosOfOneSecondFromTwo) {
-  const std::string second = localSecondText(kNoon);
-  TakenNames taken;
-  taken.insert(second + "_3.jpg", FileKind::regular);
-  for (const char *ending : {".jpg", "_2.jpg", "_4.jpg"}) {
-    const auto result = NameGenerator::generate(TimestampNaming{}, kNoon, "jpg", taken, {});
-    EXPECT_EQ(result.name, second + ending);
-    taken.insert(result.name, FileKind::regular);
-  }
-  EXPECT_EQ(NameGenerator::generate(TimestampNaming{}, kNoon, "png", taken, {}).name, second + ".png");
-}
-
 TEST(SaveDestinationTest, ChangesTheDayAtLocalMidnight) {
   constexpr Instant kLastSecondOfApril{std::chrono::seconds(1'714'521'599)}; // 2024-04-30 23:59:59 UTC
   const SaveDestination trip{.folder = "/p", .dateSubfolders = true, .naming = {}, .subfolder = "trip"};

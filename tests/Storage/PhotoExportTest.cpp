@@ -13,7 +13,6 @@ namespace fennick {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Operation = test::FaultyFileSystem::Operation;
 

@@ -105,13 +105,6 @@ TEST_F(PhotoLibraryTest, ReportsDimensionsAsShown) {
   EXPECT_EQ(shownAs(decoder.kFault(PictureFault::undecodable)), "0 x 0");
 }
 
-TEST_F(PhotoLibraryTest, ShowsArrangedPhotosFirstWithinEachFolder) {
-  write("a.jpg", 9), write("b.jpg", 1), write("c.jpg", 5), write("day/x.jpg", 7), write("day/y.jpg", 3);
-  PhotoOrder::save({"gone.jpg", "b.jpg", "a.jpg", "b.jpg"}, photos, files);
-  open();
-  EXPECT_THAT(shown(), ElementsAre("b.jpg", "x.jpg", "a.jpg", "y.jpg", "c.jpg"));
-}
-
 TEST_F(PhotoLibraryTest, ScansOnceForABurstOfChanges) {
   decoder.setFacts(decoder.kFault(PictureFault::unreadable)); // requested again by every scan
   write("a.jpg", 1);
@@ -229,23 +222,6 @@ TEST_F(PhotoLibraryTest, RemovesAndRestoresACustomOrder) {
   library->undo(made.at(0));
   await({"a.jpg", "b.jpg", "c.jpg", "x.jpg", "y.jpg", "new.jpg", "newer.jpg"});
   EXPECT_FALSE(library->isArranged());
-}
-
-TEST_F(PhotoLibraryTest, RepeatsAnUndoThatCouldNotBeStored) {
-  test::FaultyFileSystem faulty;
-  library = std::make_unique<PhotoLibrary>(faulty, decoder, queue);
-  write("a.jpg", 2), write("b.jpg", 1);
-  PhotoLibrary::RearrangementRef made;
-  const auto subscription = library->observeRearrangements([&](const auto &change) { made = change; });
-  open();
-  library->reorder({photos / "b.jpg"});
-  faulty.failNext(test::FaultyFileSystem::Operation::remove, EACCES);
-  std::vector<bool> stored;
-  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
-  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
-  queue.runUntil([&] { return stored.size() == 2; });
-  EXPECT_THAT(stored, ElementsAre(false, true));
-  EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg"));
 }
 
 } // namespace

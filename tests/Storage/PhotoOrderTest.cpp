@@ -59,17 +59,6 @@ TEST_F(PhotoOrderTest, DoesNotFollowLinks) {
   EXPECT_EQ(disk.read("outside"), R"({"order":["a.jpg"]})");
 }
 
-TEST_F(PhotoOrderTest, KeepsTheOldOrderUntilTheNewOneIsStored) {
-  save({"a.jpg"});
-  for (const auto operation :
-       {Operation::createFile, Operation::write, Operation::sync, Operation::close, Operation::replace}) {
-    files.failNext(operation, ENOSPC);
-    save({"b.jpg"});
-    EXPECT_THAT(load(), ElementsAre("a.jpg"));
-    EXPECT_THAT(disk.names(), ElementsAre(kFile));
-  }
-}
-
 TEST_F(PhotoOrderTest, AppliesEditsAndKeepsTheOtherNames) {
   using Names = PhotoOrder::Names;
   for (const char *name : {"a", "b", "new", "newer"})

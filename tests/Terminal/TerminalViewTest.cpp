@@ -11,7 +11,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 using Finding = fennick::FirewallFinding;
 using Kind = fennick::LANAddress::Kind;
 
@@ -67,20 +66,6 @@ TEST_F(TerminalViewTest, ReportsEachChangeOfTheAddressOnce) {
   report.take();
   server.setAccessKey("three");
   EXPECT_THAT(report.take(), ElementsAre("key: nowhere of 8000 in /other"));
-}
-
-TEST_F(TerminalViewTest, PrintsTheCodeForPanelAndWindows) {
-  TerminalDesktop desktop(report);
-  desktop.show(Desktop::Window::main);
-  desktop.setPanel([this] { view.showAgain(); });
-  desktop.show(Desktop::Window::onboarding);
-  EXPECT_THAT(report.take(), IsEmpty());
-  listen();
-  desktop.showPanel();
-  EXPECT_THAT(report.take(), ElementsAre("asked: http://192.168.1.20:8000/?k=one of 8000 in /photos"));
-  desktop.show(Desktop::Window::settings);
-  desktop.playSound();
-  EXPECT_THAT(report.take(), ElementsAre(StartsWith("notice "), "bell"));
 }
 
 TEST_F(TerminalViewTest, ReportsNewErrorsOnly) {

@@ -58,26 +58,6 @@ TEST_F(WindowKeeperTest, CreatesAWindowOnceAndDestroysItWhenClosed) {
   EXPECT_EQ(keeper.window(Desktop::Window::settings), nullptr);
 }
 
-TEST_F(WindowKeeperTest, AsksBeforeTheLastWindowCloses) {
-  keeper.setAsksBeforeLast(true);
-  keeper.show(Desktop::Window::main);
-  keeper.show(Desktop::Window::help);
-  keeper.window(Desktop::Window::help)->close();
-  EXPECT_EQ(keeper.question(), nullptr);
-
-  keeper.window(Desktop::Window::main)->close();
-  ASSERT_NE(keeper.question(), nullptr);
-  EXPECT_TRUE(keeper.window(Desktop::Window::main)->isVisible());
-  keeper.question()->close(); // without an answer nothing changes
-  EXPECT_EQ(keeper.question(), nullptr);
-  EXPECT_NE(keeper.window(Desktop::Window::main), nullptr);
-
-  keeper.window(Desktop::Window::main)->close();
-  QMetaObject::invokeMethod(keeper.question(), "stay");
-  EXPECT_EQ(keeper.question(), nullptr);
-  EXPECT_EQ(keeper.window(Desktop::Window::main), nullptr);
-}
-
 TEST_F(WindowKeeperTest, ResizesAndDestroysThePanel) {
   PanelWindow panel(maker, [] { return std::optional<QRect>(); });
   panel.open();

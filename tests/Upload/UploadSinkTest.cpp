@@ -10,7 +10,6 @@ namespace {
 using test::kJPEG;
 using test::kTIFF;
 using test::Operation;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class UploadSinkTest : public test::UploadStage {

@@ -95,15 +95,6 @@ TEST_F(PhotoListModelTest, givesAChangedFileAnotherThumbnail) {
   }
 }
 
-TEST_F(PhotoListModelTest, announcesOnlyRowsWhoseMarkChanged) {
-  model.setSelected({"/photos/b", "/photos/c"});
-  ASSERT_EQ(changes.size(), 1);
-  model.setSelected({"/photos/c", "/photos/h", "/photos/elsewhere"});
-  ASSERT_EQ(changes.size(), 3);
-  EXPECT_EQ(changes[1][0].toModelIndex().row(), 1);
-  EXPECT_EQ(changes[2][0].toModelIndex().row(), 7);
-}
-
 TEST_F(PhotoListModelTest, describesEachTile) {
   auto video = photo("看海.MOV", 20'000'000);
   video.isVideo = true;

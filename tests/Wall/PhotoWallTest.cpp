@@ -136,31 +136,6 @@ TEST_F(PhotoWallTest, keepsPlaceAndSelectionOfARenamedPhoto) {
   EXPECT_TRUE(removed.isEmpty());
 }
 
-TEST_F(PhotoWallTest, movesDraggedPhotosBeforeTheDropTarget) {
-  fill({"a.jpg", "b.mov", "c.jpg", "d.jpg", "e.mov", "f.jpg"});
-  const auto take = [&](std::initializer_list<int> places) {
-    wall->selectNone();
-    for (const int place : places)
-      wall->click(place, Qt::ControlModifier);
-  };
-  take({0, 3});
-  EXPECT_EQ(wall->dragData()["text/uri-list"].toString(),
-            QString::fromStdString(
-                fmt::format("file://{0}/a.jpg\r\nfile://{0}/d.jpg", (disk / "photos").string())));
-  wall->moveSelectionTo(2);
-  EXPECT_EQ(names(), "b.mov a.jpg d.jpg c.jpg e.mov f.jpg");
-  wall->moveSelectionTo(6);
-  EXPECT_EQ(names(), "b.mov c.jpg e.mov f.jpg a.jpg d.jpg");
-  wall->moveSelectionTo(5); // onto themselves
-  EXPECT_EQ(names(), "b.mov c.jpg e.mov f.jpg a.jpg d.jpg");
-  wall->setFilter(PhotoWall::Photos);
-  EXPECT_EQ(names(), "c.jpg f.jpg a.jpg d.jpg");
-  take({3});
-  wall->moveSelectionTo(1); // hidden photos keep their places
-  wall->setFilter(PhotoWall::All);
-  EXPECT_EQ(names(), "b.mov c.jpg e.mov d.jpg f.jpg a.jpg");
-}
-
 TEST_F(PhotoWallTest, reportsTheLimit) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < fennick::PhotoLibrary::kLimit - 1; ++i)

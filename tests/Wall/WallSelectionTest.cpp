@@ -72,27 +72,5 @@ TEST_F(WallSelectionTest, movesFocusToTheNeighbourOfALostPhoto) {
   EXPECT_EQ(wall.current(), -1);
 }
 
-TEST(TypeAheadTest, findsNamesByTheirBeginningUntilAPause) {
-  fennick::test::FakeClock clock;
-  TypeAhead typeAhead(clock);
-  const std::vector<QString> names{"IMG_1", "Birthday", "beach", "IMG_20", "image"};
-  int current = -1;
-  const auto type = [&](const QString &text) {
-    current = typeAhead.find(text, current, static_cast<int>(names.size()),
-                             [&](int place) { return names[static_cast<std::size_t>(place)]; });
-    return current;
-  };
-  EXPECT_EQ(type("b"), 1);
-  EXPECT_EQ(type("E"), 2);
-  clock.advance(TypeAhead::kPause);
-  EXPECT_EQ(type("i"), 3);
-  EXPECT_EQ(type("i"), 4); // the same letter finds the next name
-  EXPECT_EQ(type("i"), 0);
-  clock.advance(TypeAhead::kPause);
-  EXPECT_EQ(type("im"), 0);
-  EXPECT_EQ(type("g_2"), 3);
-  EXPECT_EQ(type("x"), -1);
-}
-
 } // namespace
 } // namespace quarrow::test
