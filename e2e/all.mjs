@@ -6,7 +6,7 @@ import { run } from 'node:test';
 import { spec } from 'node:test/reporters';
 
 const longest = ['throttle.test.mjs', 'refusals.test.mjs', 'unattended.test.mjs'];
-const files = fs.readdirSync('.').filter((file) => file.endsWith('.test.mjs'))
+const files = ['../tools/PageAudit/page.test.mjs', ...fs.readdirSync('.').filter((file) => file.endsWith('.test.mjs'))]
   .sort((a, b) => longest.includes(b) - longest.includes(a));
 
 run({ files: files.map((file) => fs.realpathSync(file)), concurrency: 3 })

@@ -55,9 +55,7 @@ void ExportForm::edit(T &field, const T &value) {
 
 void ExportForm::setLongEdge(int pixels) { edit(longEdge_, std::max(pixels, 0)); }
 void ExportForm::setMostKilobytes(int kilobytes) { edit(mostKilobytes_, std::max(kilobytes, 0)); }
-void ExportForm::setQuality(double quality) {
-  edit(quality_, std::clamp(quality, kLowestQuality, 1.0));
-}
+void ExportForm::setQuality(double quality) { edit(quality_, std::clamp(quality, kLowestQuality, 1.0)); }
 void ExportForm::setMetadata(int metadata) {
   edit(metadata_, std::clamp<int>(metadata, KeepMetadata, WithoutMetadata));
 }

@@ -1,11 +1,10 @@
-// What the gallery must do in every browser when pictures cannot be had, or are no longer the same.
+// What the gallery must do in every browser when pictures cannot be had.
 
 import assert from 'node:assert/strict';
-import fs from 'node:fs';
 import net from 'node:net';
 import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
-import { make, makeMany } from './files.mjs';
+import { makeMany } from './files.mjs';
 import { Program, scratch } from './program.mjs';
 
 const on = { set: { galleryEnabled: true } };
@@ -50,27 +49,6 @@ export function galleryScenarios(Browser) {
       await new Promise((resolve) => setTimeout(resolve, 4000));  // as long as guests hold them
       held.forEach((socket) => socket.destroy());
       await shown(page, 12);
-    });
-
-    test('two photos that swap their names on the computer are shown as they are', async (t) => {
-      const program = await Program.start(t, on);
-      const [one, two] = ['one', 'two'].map((name) => path.join(program.folder, `${name}.jpg`));
-      fs.copyFileSync(make(scratch(), 'a.jpg'), one);  // eight pixels wide
-      fs.copyFileSync(make(scratch(), 'b.png', 5000), two);  // one
-      const page = await browser.visitor(t);
-      await page.ready(program.url);
-      await page.click('#tabWall');
-      const widths = () => page.evaluate(() => Object.fromEntries(Array.from(document.querySelectorAll('#grid button'),
-        (button) => [button.ariaLabel, button.querySelector('img').naturalWidth])));
-      await shown(page, 2);
-      assert.deepEqual(await widths(), { 'one.jpg': 8, 'two.jpg': 1 });
-      fs.renameSync(one, path.join(program.folder, 'other.jpg'));
-      fs.renameSync(two, one);
-      fs.renameSync(path.join(program.folder, 'other.jpg'), two);
-      await page.evaluate(() => document.dispatchEvent(new Event('visibilitychange')));
-      await page.waitFor(() => document.querySelector('#grid [aria-label="one.jpg"] img').naturalWidth === 1, 'the other picture');
-      await shown(page, 2);
-      assert.deepEqual(await widths(), { 'one.jpg': 1, 'two.jpg': 8 });
     });
   });
 }

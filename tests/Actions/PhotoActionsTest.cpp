@@ -10,30 +10,9 @@ namespace {
 
 using fennick::test::FakeDecoder;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using Operation = fennick::test::FaultyFileSystem::Operation;
 
 class PhotoActionsTest : public test::ActionsTest {};
-
-TEST_F(PhotoActionsTest, HandsOverTheSelectionInTheOrderOfTheWall) {
-  hang({"b.jpg", "a.jpg", "c.mov"});
-  actions.open();
-  EXPECT_THAT(desktop.take(), IsEmpty());
-  select({"a.jpg", "b.jpg", "gone.jpg"});
-  EXPECT_EQ(actions.count(), 2);
-  select({"a.jpg", "b.jpg", "c.mov"});
-  EXPECT_EQ(actions.count(), 3);
-  EXPECT_EQ(actions.pictures(), 2);
-  actions.open();
-  actions.showInFolder();
-  actions.copy();
-  EXPECT_THAT(desktop.take(),
-              ElementsAre("open b.jpg a.jpg c.mov", "show b.jpg a.jpg c.mov", "copy b.jpg a.jpg c.mov"));
-  EXPECT_EQ(actions.note(), "已拷贝 3 项");
-  actions.openWith("/usr/share/applications/viewer.desktop");
-  EXPECT_THAT(desktop.take(), ElementsAre("open b.jpg a.jpg c.mov with viewer.desktop"));
-  EXPECT_EQ(actions.failureLines(), QStringList("b.jpg：no such program"));
-}
 
 TEST_F(PhotoActionsTest, RenamesUndoesAndReportsConflicts) {
   hang({"a.jpg", "b.jpg"});
@@ -163,28 +142,6 @@ TEST_F(PhotoActionsTest, ForgetsADeletionAfterTheTrashWasEmptied) {
   awaitJobs();
   EXPECT_FALSE(actions.failure().isEmpty());
   EXPECT_FALSE(actions.canUndo());
-}
-
-TEST_F(PhotoActionsTest, UndoesAnotherOrder) {
-  hang({"a.jpg", "b.jpg", "c.jpg"});
-  actions.sortByDate(); // does nothing without a custom order
-  EXPECT_FALSE(actions.canUndo());
-  controller.library().reorder({disk / "photos/c.jpg"});
-  EXPECT_TRUE(actions.canSortByDate());
-  select({"c.jpg"});
-  actions.trash();
-  awaitJobs();
-  actions.undo();
-  awaitWall({"c.jpg", "a.jpg", "b.jpg"}); // in the place that it had
-  actions.sortByDate();
-  awaitWall({"a.jpg", "b.jpg", "c.jpg"});
-  EXPECT_EQ(actions.note(), "已按时间排列");
-  EXPECT_TRUE(actions.noteCanBeUndone());
-  actions.undo();
-  awaitWall({"c.jpg", "a.jpg", "b.jpg"});
-  actions.undo();
-  awaitWall({"a.jpg", "b.jpg", "c.jpg"});
-  EXPECT_FALSE(actions.canUndo() || actions.canSortByDate());
 }
 
 TEST_F(PhotoActionsTest, KeepsTheNoteForAWhileOrWhileHeld) {

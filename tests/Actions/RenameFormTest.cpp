@@ -3,9 +3,7 @@
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
 
-#include <atomic>
 #include <cerrno>
-#include <latch>
 
 namespace quarrow {
 namespace {

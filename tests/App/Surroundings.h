@@ -51,11 +51,6 @@ struct Surroundings {
 // A coordinator that was never started. Its save folder is "photos".
 template <typename Decoder = fennick::test::FakeDecoder>
 struct IdleController : Surroundings<Decoder> {
-  // Shows the files of the save folder and waits until they are listed.
-  void listPhotos() {
-    library().setFolder(this->disk / "photos");
-    this->queue.runUntil([this] { return library().isListed(); });
-  }
   // The names in the library, in its order.
   [[nodiscard]] std::vector<std::string> listed() {
     std::vector<std::string> names;

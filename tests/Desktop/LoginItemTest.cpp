@@ -40,14 +40,6 @@ TEST_F(LoginItemTest, UsesTheEntryAsTheOnlyState) {
   EXPECT_TRUE(disk.names("config/autostart").empty());
 }
 
-TEST_F(LoginItemTest, ReportsAnUnwritableEntry) {
-  disk.write("config");
-  const auto result = item.setEnabled(true);
-  ASSERT_FALSE(result);
-  EXPECT_EQ(result.error(), std::make_error_code(std::errc::not_a_directory).message());
-  EXPECT_FALSE(item.isEnabled());
-}
-
 // The entry is started by GLib's own reader.
 TEST_F(LoginItemTest, QuotesAnyProgramPath) {
   const auto heard = disk / "heard";

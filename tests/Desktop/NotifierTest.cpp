@@ -129,17 +129,6 @@ TEST_F(NotifierTest, ShowsAPictureAndOpensTheFile) {
   EXPECT_THAT(done, ElementsAre("open /photos/3.jpg", "show /photos/3.jpg", "open /photos/3.jpg"));
 }
 
-TEST_F(NotifierTest, OmitsUnsupportedFeatures) {
-  for (const auto &[capabilities, expected] :
-       {std::pair(QStringList{"body"}, "title|<b>||"), std::pair(QStringList{}, "title · <b>|<b>||")}) {
-    FakeNotifications service(capabilities);
-    Notifier plain(QDBusConnection::sessionBus(), decoder, {});
-    plain.post("title", "<b>", "/photos/1.jpg");
-    EXPECT_THAT(service.take(1), ElementsAre(expected));
-  }
-  EXPECT_EQ(decoder.calls(), 0);
-}
-
 TEST_F(NotifierTest, ShowsNothingWithoutAService) {
   notifier.post("lost", "");
   test::awaitErrors();

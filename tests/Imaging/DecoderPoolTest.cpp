@@ -136,19 +136,6 @@ TEST_F(DecoderPoolTest, MakesReplacementsInAProcessThatReadsNoOtherPicture) {
   EXPECT_EQ(processServing(pool), warm);
 }
 
-TEST_F(DecoderPoolTest, StopsRunningRequestsAtTheEnd) {
-  auto options = misbehaving("hang");
-  options.thumbnailTimeout = Seconds(90);
-  DecoderPool pool(options);
-  auto hanging = std::async(std::launch::async, [&] { return pool.thumbnail(bad, 400, 0.7); });
-  while (pool.processCount() == 0)
-    std::this_thread::yield();
-  pool.stop();
-  EXPECT_EQ(hanging.get().error().fault, PictureFault::stopped);
-  EXPECT_EQ(pool.facts(good).error().fault, PictureFault::stopped);
-  EXPECT_EQ(pool.processCount(), 0U);
-}
-
 TEST_F(DecoderPoolTest, ReportsFilesThatCannotBeOpenedAsUnreadable) {
   DecoderPool pool(misbehaving("crash"));
   std::filesystem::create_symlink(good, folder / "link.jpg");

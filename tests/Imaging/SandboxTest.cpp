@@ -15,10 +15,8 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <functional>
-#include <thread>
 
 namespace fennick::picture {
 namespace {

@@ -213,12 +213,5 @@ TEST_F(QuickLookTest, DropsRequestsWhenClosed) {
   EXPECT_EQ(look->kind(), QuickLook::Nothing);
 }
 
-TEST(LookPictures, LimitsAFullPictureToItsMemory) {
-  EXPECT_EQ(LookPictures::fullEdge(4032, 3024), 4032);
-  EXPECT_EQ(LookPictures::fullEdge(3024, 4032), 4032);
-  EXPECT_EQ(LookPictures::fullEdge(16'000, 2'000), 8192); // a panorama
-  EXPECT_EQ(LookPictures::fullEdge(10'000, 10'000), 6928);
-}
-
 } // namespace
 } // namespace quarrow::test

@@ -243,27 +243,6 @@ TEST_F(InterfacesTest, RanksWifiBeforeAVPNWithTheDefaultRoute) {
   expectReport({wifi});
 }
 
-TEST_F(InterfacesTest, RanksContainerBridgesLast) {
-  wiredCard("enp1s0");
-  cable("eth0");
-  cable("veth12ab");
-  ip("link add docker0 type bridge\nlink set veth12ab master docker0");
-  bringUp("docker0");
-  for (const char *name : {"eth0", "veth12ab", "docker0"})
-    describe(name);
-  ip("addr add 192.168.8.21/24 dev enp1s0\n"
-     "addr add 172.18.0.5/16 dev eth0\n"
-     "addr add 172.17.0.1/16 dev docker0\nroute add default via 172.17.0.2 dev docker0 metric 1");
-  watcher.start();
-  const std::string inside = "eth0 172.18.0.5 other";
-  const std::string bridge = "docker0 172.17.0.1 other";
-  expectReport({wired, inside, bridge});
-  ip("link del enp1s0");
-  expectReport({inside, bridge});
-  ip("route add default via 172.18.0.1 dev eth0 metric 9\nlink del docker0");
-  expectReport({inside});
-}
-
 TEST_F(InterfacesTest, ReportsNothingAfterAStopAndEverythingAfterAStart) {
   wifiCard("wlan0");
   ip(joinWifi);

@@ -10,7 +10,6 @@
 #include <future>
 #include <latch>
 #include <memory>
-#include <optional>
 #include <thread>
 #include <tuple>
 

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <functional>
 
 namespace fennick {
 namespace {
@@ -75,18 +74,6 @@ TEST_F(InstanceGuardTest, ForwardsArgumentsToTheRunningInstance) {
   first.reset();
   EXPECT_THAT(moved.receive(), ElementsAre(odd, Arguments(), largest));
   EXPECT_TRUE(InstanceGuard::claim(state, "other").value()); // another name is another program
-}
-
-TEST_F(InstanceGuardTest, AcceptsLongDirectoriesButNotLongNames) {
-  for (int level = 0; level < 4; ++level)
-    state /= std::string(200, 'd');
-  state /= ""; // a path that ends in a slash
-  const auto guard = claim();
-  ASSERT_TRUE(guard);
-  EXPECT_EQ(modeOf(state), 0700U);
-  EXPECT_EQ(handOver({"far"}), "delivered");
-  EXPECT_THAT(guard->receive(), ElementsAre(Arguments{"far"}));
-  EXPECT_EQ(InstanceGuard::claim(state, std::string(101, 'n')).error(), std::errc::filename_too_long);
 }
 
 TEST_F(InstanceGuardTest, StartsAfterAKilledInstance) {

@@ -96,19 +96,6 @@ TEST_F(SettingsStoreTest, NotifiesObserversBeforeStoring) {
   EXPECT_EQ(heardKey, preferences.text("accessKey"));
 }
 
-TEST_F(SettingsStoreTest, NotifiesObserversOfNestedChangesLast) {
-  SettingsStore store(preferences);
-  std::uint16_t heard = 0;
-  const auto corrector = store.observeSettings([&](const AppSettings &value) {
-    if (value.preferredPort == 1)
-      store.update(portTo(8001));
-  });
-  const auto listener = store.observeSettings([&](const AppSettings &value) { heard = value.preferredPort; });
-  store.update(portTo(1));
-  EXPECT_EQ(heard, 8001);
-  EXPECT_EQ(storedSettings().preferredPort, 8001);
-}
-
 TEST_F(SettingsStoreTest, StoresAnOverriddenFieldOnlyWhenItChanges) {
   SettingsStore store(preferences);
   std::optional<AppSettings> heard;

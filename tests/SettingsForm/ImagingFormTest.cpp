@@ -40,15 +40,6 @@ TEST_F(FormTest, ReportsAFormatThatCannotBeWritten) {
   EXPECT_THAT(utf8(imaging.formatMeaning()), HasSubstr("写不了 HEIC"));
 }
 
-TEST_F(FormTest, UsesATypicalPhotoAsExampleWithoutPhotos) {
-  EXPECT_EQ(utf8(imaging.exampleBefore()), "4032 × 3024，3.1 MB");
-  EXPECT_EQ(utf8(imaging.exampleAfter()), "原样保存");
-  imaging.setPreset("share");
-  EXPECT_EQ(utf8(imaging.pixelsMeaning()), "一张 12 MP 的照片会缩到 2048 × 1536");
-  EXPECT_EQ(utf8(imaging.exampleAfter()), "2048 × 1536，约 880 KB");
-  EXPECT_EQ(utf8(imaging.exampleRemark()), "JPEG，不带位置");
-}
-
 TEST_F(FormTest, EncodesTheLatestPhotoAndUsesTheLatestAnswer) {
   decoder.setFacts(fennick::PictureFacts{
       .type = fennick::PictureType::jpeg, .width = 4000, .height = 2000, .orientation = 6});
@@ -72,21 +63,6 @@ TEST_F(FormTest, EncodesTheLatestPhotoAndUsesTheLatestAnswer) {
   imaging.setStripLocation(false);
   runUntil([&] { return !imaging.exampleBusy(); });
   EXPECT_THAT(utf8(imaging.exampleTitle()), HasSubstr("12 MP"));
-}
-
-TEST(PhotoExampleTest, EstimatesWithinTheLimitOrReportsFailure) {
-  for (const std::int64_t limit : {2'000'000, 500'000, 50'000}) {
-    for (const auto format : {OutputFormat::jpeg, OutputFormat::heic}) {
-      const auto example = PhotoExample::ofTypicalPhoto({.maxBytes = limit, .format = format}, true);
-      ASSERT_TRUE(example.after);
-      EXPECT_LE(example.after->bytes, limit);
-      EXPECT_TRUE(example.fits);
-    }
-  }
-  EXPECT_FALSE(PhotoExample::ofTypicalPhoto({.maxBytes = 100}, true).fits);
-  const auto small = PhotoExample::ofTypicalPhoto({.maxPixels = 1024, .quality = 0.5}, true);
-  const auto large = PhotoExample::ofTypicalPhoto({.maxPixels = 1024, .quality = 0.9}, true);
-  EXPECT_LT(small.after->bytes, large.after->bytes);
 }
 
 } // namespace

@@ -125,29 +125,6 @@ TEST_F(FormTest, ExplainsAndDoesNotStoreInvalidInput) {
   EXPECT_EQ(utf8(form.portError()), "");
 }
 
-TEST_F(FormTest, ClampsNumbersToTheirBounds) {
-  form.setNumbered(true);
-  form.setDigits(12);
-  form.setStart(-1);
-  form.setFolderLimit(0);
-  imaging.setQuality(150);
-  imaging.setQualityFloor(5);
-  imaging.setMaxPixels(0);
-  EXPECT_EQ(form.digits(), 9);
-  EXPECT_EQ(form.start(), 0);
-  EXPECT_EQ(settings().folderLimit, 1);
-  EXPECT_EQ(settings().imaging.quality, 1);
-  EXPECT_EQ(settings().imaging.qualityFloor, 0.1);
-  EXPECT_GE(settings().imaging.maxPixels, 1);
-  imaging.setQuality(60);
-  imaging.setQualityFloor(90);
-  EXPECT_EQ(settings().imaging.qualityFloor, 0.6);
-  form.setUploadLimit(315); // how 300 MiB are displayed
-  EXPECT_EQ(settings().maxUploadBytes, AppSettings().maxUploadBytes);
-  form.setUploadLimit(0);
-  EXPECT_EQ(settings().maxUploadBytes, 1'000'000);
-}
-
 TEST_F(FormTest, RestoresDisabledValues) {
   form.setNumbered(true);
   form.setPrefix("Trip");

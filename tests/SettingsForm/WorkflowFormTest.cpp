@@ -36,30 +36,5 @@ TEST_F(FormTest, UsesASamplePictureWithoutPhotos) {
   EXPECT_THAT(desktop.take(), IsEmpty());
 }
 
-TEST_F(FormTest, RemembersTheApplicationAndReportsAMissingOne) {
-  receive("a.jpg");
-  workflow.tryOut(WorkflowForm::Open);
-  EXPECT_TRUE(workflow.openingFailed());
-  const auto entry = disk.write("viewer.desktop");
-  workflow.chooseApplication(QString::fromStdString(entry.string()), "看图");
-  EXPECT_EQ(utf8(workflow.applicationName()), "看图");
-  EXPECT_EQ(workflow.applicationEntry().toStdString(), entry.string());
-  workflow.tryOut(WorkflowForm::Open); // this desktop has no programs
-  EXPECT_THAT(desktop.take(), ElementsAre("open a.jpg with viewer.desktop"));
-  EXPECT_THAT(utf8(workflow.outcomes()[WorkflowForm::Open]), HasSubstr("no such program"));
-  EXPECT_TRUE(workflow.openingFailed());
-
-  workflow.chooseApplication(QString::fromStdString((disk / "none.desktop").string()), "没有");
-  EXPECT_THAT(utf8(workflow.applicationError()), HasSubstr("没有"));
-  EXPECT_EQ(utf8(workflow.applicationName()), "看图");
-  workflow.chooseApplication(QString::fromStdString(entry.string()), "看图");
-  EXPECT_EQ(utf8(workflow.applicationError()), "");
-  std::filesystem::remove(entry);
-  EXPECT_THAT(utf8(workflow.applicationError()), HasSubstr("“看图”已经不在"));
-  workflow.chooseNoApplication();
-  EXPECT_EQ(utf8(workflow.applicationError()), "");
-  EXPECT_EQ(stored(), fennick::AppSettings());
-}
-
 } // namespace
 } // namespace quarrow::test

@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
-#include <tuple>
 
 namespace fennick {
 namespace {

@@ -6,8 +6,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <cerrno>
-
 namespace fennick {
 namespace {
 

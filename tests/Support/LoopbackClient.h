@@ -20,7 +20,6 @@ public:
   // Reads until the server closes the connection.
   std::string readToEnd();
   std::string ask(std::string_view request) { return send(request) ? readToEnd() : std::string(); }
-  void disconnect() { socket_.reset(); }
 
 private:
   FileDescriptor socket_;

@@ -7,21 +7,6 @@
 namespace quarrow {
 namespace {
 
-TEST(PanelGeometryTest, FitsTheHeightToContentAndScreen) {
-  struct Case {
-    int fitting;
-    std::optional<int> available;
-    int height;
-  };
-  for (const auto &[fitting, available, height] : {
-           Case{100, 1000, 240}, Case{241, 1000, 241},
-           Case{5000, 1000, 960}, // at least 240, and 40 less than the screen
-           Case{600, std::nullopt, 600}, Case{5000, std::nullopt, 660}, // no screen
-           Case{100, 200, 240}, Case{5000, 200, 240},                   // a screen that is too low
-       })
-    EXPECT_EQ(panelHeight(fitting, available), height) << fitting << " on " << available.value_or(-1);
-}
-
 TEST(PanelGeometryTest, PlacesThePanelAtTheIconOrTheBar) {
   const QRect screen(0, 0, 1000, 800);
   const QRect topBar(0, 30, 1000, 770);

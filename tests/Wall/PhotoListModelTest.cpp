@@ -95,19 +95,5 @@ TEST_F(PhotoListModelTest, givesAChangedFileAnotherThumbnail) {
   }
 }
 
-TEST_F(PhotoListModelTest, describesEachTile) {
-  auto video = photo("看海.MOV", 20'000'000);
-  video.isVideo = true;
-  video.pixelWidth.reset();
-  auto large = photo("IMG_1.jpg", 2'400'000);
-  large.pixelWidth = 4000;
-  large.pixelHeight = 3000;
-  model.setItems({large, video});
-  model.setSelected({large.url});
-  const auto spoken = [&](int row) { return model.data(model.index(row), PhotoListModel::spokenRole); };
-  EXPECT_EQ(spoken(0), "IMG_1.jpg，照片，4000 × 3000，2.4 MB，已选中");
-  EXPECT_EQ(spoken(1), "看海.MOV，视频，20 MB");
-}
-
 } // namespace
 } // namespace quarrow::test

@@ -136,29 +136,6 @@ TEST_F(PhotoWallTest, keepsPlaceAndSelectionOfARenamedPhoto) {
   EXPECT_TRUE(removed.isEmpty());
 }
 
-TEST_F(PhotoWallTest, reportsTheLimit) {
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < fennick::PhotoLibrary::kLimit - 1; ++i)
-    names.push_back(fmt::format("{}.mov", i));
-  fill(names);
-  EXPECT_EQ(wall->limitText(), "");
-  controller.library().noteAdded(disk.write("photos/one more.mov"));
-  queue.runUntil([this] { return wall->total() == static_cast<int>(fennick::PhotoLibrary::kLimit); });
-  EXPECT_NE(wall->limitText(), "");
-}
-
-TEST_F(PhotoWallTest, marksANewPhotoForAMoment) {
-  fill({"a.jpg"});
-  controller.library().noteAdded(disk.write("photos/new.jpg"));
-  queue.runUntil([this] { return wall->count() == 2; });
-  const auto isRecent = [&] {
-    return wall->model()->data(wall->model()->index(0), PhotoListModel::isRecentRole).toBool();
-  };
-  EXPECT_TRUE(isRecent());
-  queue.advance(fennick::Seconds(1.5));
-  EXPECT_FALSE(isRecent());
-}
-
 TEST_F(PhotoWallTest, storesTheTileSize) {
   wall->setTileSize(240);
   wall->setTileSize(200);

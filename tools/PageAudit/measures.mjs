@@ -1,6 +1,6 @@
-// Runs inside the page: reads what a person sees and what a screen reader is told.
+// Functions that run inside the page and measure what the user sees.
 
-// Every visible piece of text with less contrast than `least` against what is painted behind it.
+// Returns every visible text whose contrast with its background is below `least`.
 export function faintTexts(least) {
   const parse = (color) => {
     const [r, g, b, a = 1] = color.match(/[\d.]+/g).map(Number);
@@ -43,8 +43,8 @@ export function faintTexts(least) {
   return faint;
 }
 
-// Controls that are visible and too small for a thumb. A label that wraps its input is the target,
-// and a button's invisible margin counts.
+// Returns the visible controls that are smaller than `least` pixels. A label that contains its input is the target, and
+// the invisible margin of a button counts.
 export function smallTargets(least) {
   return Array.from(document.querySelectorAll('button, label'), (control) => {
     const box = control.getBoundingClientRect();

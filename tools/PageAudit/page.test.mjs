@@ -1,22 +1,23 @@
-// The page's looks: contrast, names, reach, and pictures of the main states for a person to judge.
+// Takes screenshots of the main states of the phone page into build/screenshots/page, and checks contrast, accessible
+// names, and the size of targets in each. script/test runs it with the browser tests.
 
 import assert from 'node:assert/strict';
 import fs from 'node:fs';
 import path from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
-import { Chromium } from './lib/chromium.mjs';
-import { faintTexts, smallTargets, widerThanTheScreen } from './lib/eye.mjs';
-import { make } from './lib/files.mjs';
-import { Program, scratch } from './lib/program.mjs';
+import { Chromium } from '../../e2e/lib/chromium.mjs';
+import { faintTexts, smallTargets, widerThanTheScreen } from './measures.mjs';
+import { make } from '../../e2e/lib/files.mjs';
+import { Program, scratch } from '../../e2e/lib/program.mjs';
 
-const album = fileURLToPath(new URL('screenshots', import.meta.url));
+const album = fileURLToPath(new URL('../../build/screenshots/page', import.meta.url));
 const screens = [
   { name: 'phone', width: 320, height: 568, scale: 2 },
   { name: 'tablet', width: 820, height: 1180, scale: 1 },
 ];
 
-// Plain colours of many hues, so that the pictures show what a person would see.
+// Draws plain colours of many hues, so that the screenshots resemble real use.
 async function pictures(page, folder, count) {
   const painted = await page.evaluate((many) => Array.from({ length: many }, (_, i) => {
     const canvas = document.createElement('canvas');
@@ -41,12 +42,12 @@ async function inspect(page, state) {
   assert.doesNotMatch(tree, /- (button|textbox|progressbar|link|heading)( \[.*\])?:?$/m, `a control without a name: ${state}`);
 }
 
-describe('looks', () => {
+describe('page audit', () => {
   let browser;
   before(async () => {
     browser = await Chromium.launch();
     fs.rmSync(album, { recursive: true, force: true });
-    fs.mkdirSync(album);
+    fs.mkdirSync(album, { recursive: true });
   });
   after(() => browser?.close());
 
