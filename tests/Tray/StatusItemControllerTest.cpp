@@ -31,6 +31,22 @@ protected:
       std::make_unique<StatusItemController>(item, panel, queue, queue.clock());
 };
 
+TEST_F(StatusItemControllerTest, KeepsTheCheckMarkAfterTheLastArrival) {
+  controller->flash();
+  EXPECT_EQ(item.face, TrayFace::received);
+  queue.advance(Seconds(1));
+  controller->flash();
+  queue.advance(Seconds(1.19)); // the first flash has ended without an effect
+  EXPECT_EQ(item.face, TrayFace::received);
+  queue.advance(Seconds(0.01));
+  EXPECT_EQ(item.face, TrayFace::normal);
+
+  controller->flash();
+  controller.reset(); // nothing happens after the destruction
+  queue.advance(Seconds(2));
+  EXPECT_EQ(item.face, TrayFace::received);
+}
+
 TEST_F(StatusItemControllerTest, TogglesThePanelWhicheverEventComesFirst) {
   controller->togglePopover();
   EXPECT_TRUE(panel.isOpen());
