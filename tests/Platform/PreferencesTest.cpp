@@ -2,6 +2,7 @@
 
 #include "tests/Support/TemporaryFolder.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -40,18 +41,26 @@ TEST_F(FilePreferencesTest, KeepsValuesAndUnknownKeysThroughALink) {
 
 TEST_F(FilePreferencesTest, LosesNothingWhenProgramsWriteAtTheSameTime) {
   constexpr int kKeys = 20;
-  const auto writeKeys = [this](const std::string &prefix) {
-    auto preferences = reopened();
+  auto one = reopened();
+  auto other = reopened();
+  const auto writeKeys = [](FilePreferences &preferences, const std::string &prefix) {
     for (int i = 0; i < kKeys; ++i)
       EXPECT_TRUE(preferences.setFlag(prefix + std::to_string(i), true));
   };
   {
-    const std::jthread one(writeKeys, "a");
-    const std::jthread other(writeKeys, "b");
+    const std::jthread first(writeKeys, std::ref(one), "a");
+    const std::jthread second(writeKeys, std::ref(other), "b");
   }
-  const auto all = reopened();
-  for (int i = 0; i < kKeys; ++i)
-    EXPECT_TRUE(all.flag("a" + std::to_string(i)) && all.flag("b" + std::to_string(i))) << i;
+  ASSERT_TRUE(one.setText("text", "1"));
+  ASSERT_TRUE(other.setText("text", "3"));
+  ASSERT_TRUE(one.setFlag("seen", true));
+  const auto next = reopened();
+  for (const FilePreferences *preferences : {&std::as_const(one), &next}) {
+    EXPECT_EQ(preferences->text("text"), "3");
+    EXPECT_TRUE(preferences->flag("seen"));
+    for (int i = 0; i < kKeys; ++i)
+      EXPECT_TRUE(preferences->flag(fmt::format("a{}", i)) && preferences->flag(fmt::format("b{}", i))) << i;
+  }
 }
 
 TEST_F(FilePreferencesTest, KeepsADamagedFileBeforeTheFirstWrite) {

@@ -1,17 +1,20 @@
 #include "FennickCore/Platform/Processes/InstanceGuard.h"
 
+#include "FennickCore/Platform/Processes/MessageSocket.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
+#include <cstring>
+#include <filesystem>
 
 namespace fennick {
 namespace {
@@ -33,22 +36,6 @@ protected:
     const auto done = InstanceGuard::handOver(state, "tevrin", arguments);
     return done ? "delivered" : done.error().message();
   }
-  // Returns a socket connected to the running instance, as any program could make one.
-  [[nodiscard]] FileDescriptor connected() const {
-    FileDescriptor fd(::socket(AF_UNIX, SOCK_DGRAM, 0));
-    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
-    std::ranges::copy((state / "tevrin.socket").string(), std::begin(address.sun_path));
-    EXPECT_EQ(::connect(fd.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
-    return fd;
-  }
-  static void send(const FileDescriptor &to, std::string_view text) {
-    EXPECT_EQ(::send(to.get(), text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
-  }
-  static mode_t modeOf(const fs::path &file) {
-    struct stat status{};
-    EXPECT_EQ(::lstat(file.c_str(), &status), 0) << file;
-    return status.st_mode & 07777;
-  }
 
   test::TemporaryFolder folder;
   fs::path state = folder / "share/state";
@@ -59,8 +46,8 @@ TEST_F(InstanceGuardTest, ForwardsArgumentsToTheRunningInstance) {
   std::optional<InstanceGuard> first = claim();
   ASSERT_TRUE(first);
   EXPECT_EQ(claim(), std::nullopt);
-  EXPECT_EQ(modeOf(state), 0700U);
-  EXPECT_EQ(modeOf(state / "tevrin.socket"), 0600U);
+  EXPECT_EQ(fs::status(state).permissions(), fs::perms(0700));
+  EXPECT_EQ(fs::status(state / "tevrin.socket").permissions(), fs::perms(0600));
   EXPECT_THAT(first->receive(), IsEmpty());
 
   const Arguments odd{"--set", "", "照片\n\"1\"", std::string("a\0b", 3)};
@@ -74,9 +61,13 @@ TEST_F(InstanceGuardTest, ForwardsArgumentsToTheRunningInstance) {
   first.reset();
   EXPECT_THAT(moved.receive(), ElementsAre(odd, Arguments(), largest));
   EXPECT_TRUE(InstanceGuard::claim(state, "other").value()); // another name is another program
+  EXPECT_EQ(InstanceGuard::claim(state, std::string(101, 'n')).error(), std::errc::filename_too_long);
 }
 
-TEST_F(InstanceGuardTest, StartsAfterAKilledInstance) {
+TEST_F(InstanceGuardTest, StartsAfterAKilledInstanceInALongDirectory) {
+  for (int level = 0; level < 4; ++level)
+    state /= std::string(200, 'd');
+  state /= ""; // a path that ends in a slash
   int ready[2];
   ASSERT_EQ(::pipe(ready), 0);
   const pid_t child = ::fork();
@@ -101,38 +92,59 @@ TEST_F(InstanceGuardTest, StartsAfterAKilledInstance) {
   EXPECT_THAT(next->receive(), ElementsAre(Arguments{"3"}));
 }
 
-TEST_F(InstanceGuardTest, DropsMalformedMessages) {
+TEST_F(InstanceGuardTest, DropsMalformedMessagesAndThoseOfOtherUsers) {
   const auto guard = claim();
   ASSERT_TRUE(guard);
-  const auto stranger = connected();
+  const FileDescriptor stranger(::socket(AF_UNIX, SOCK_DGRAM, 0)); // any program could make one
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  std::ranges::copy((state / "tevrin.socket").string(), std::begin(address.sun_path));
+  ASSERT_EQ(::connect(stranger.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+  const auto send = [&](std::string_view text) {
+    return ::send(stranger.get(), text.data(), text.size(), 0) == std::ssize(text);
+  };
   for (const std::string &garbage :
        {std::string(), std::string("[\"cut"), std::string(R"(["a", 1])"), std::string(R"({"a": "b"})"),
         std::string("[\"\xFF\"]"), std::string(50'000, '['), "[\"" + std::string(70'000, 'x') + "\"]"})
-    send(stranger, garbage);
+    EXPECT_TRUE(send(garbage));
   EXPECT_EQ(handOver({"after"}), "delivered");
   EXPECT_THAT(guard->receive(), ElementsAre(Arguments{"after"}));
-}
 
-TEST_F(InstanceGuardTest, IgnoresInstancesOfOtherUsers) {
   if (::geteuid() != 0)
     GTEST_SKIP() << "only the superuser can become somebody else";
   constexpr uid_t kNobody = 65534;
-  const auto guard = claim();
-  ASSERT_TRUE(guard);
-  const auto stranger = connected(); // connected before access to the directory is withdrawn
   const pid_t child = ::fork();
-  if (child == 0) {
-    const std::string_view text = R"(["evil"])";
-    const bool sent = ::setresuid(kNobody, kNobody, kNobody) == 0 &&
-                      ::send(stranger.get(), text.data(), text.size(), 0) > 0;
-    ::_exit(sent ? 0 : 1);
-  }
+  if (child == 0)
+    ::_exit(::setresuid(kNobody, kNobody, kNobody) == 0 && send(R"(["evil"])") ? 0 : 1);
   int status = 0;
   ::waitpid(child, &status, 0);
   ASSERT_EQ(status, 0);
   EXPECT_THAT(guard->receive(), IsEmpty());
   ASSERT_EQ(::chown((state / "tevrin.socket").c_str(), kNobody, kNobody), 0);
   EXPECT_EQ(handOver({"secret"}), "Permission denied");
+}
+
+TEST(MessageSocketTest, ClosesSurplusDescriptors) {
+  auto ends = MessageSocket::makePair().value();
+  const auto openDescriptors = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+  const auto before = openDescriptors();
+  const std::array<int, 2> two{0, 1};
+  alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof two)> control{};
+  char letter = 'x';
+  iovec piece{.iov_base = &letter, .iov_len = 1};
+  msghdr header{};
+  header.msg_iov = &piece;
+  header.msg_iovlen = 1;
+  header.msg_control = control.data();
+  header.msg_controllen = control.size();
+  *CMSG_FIRSTHDR(&header) = {
+      .cmsg_len = CMSG_LEN(sizeof two), .cmsg_level = SOL_SOCKET, .cmsg_type = SCM_RIGHTS};
+  std::memcpy(CMSG_DATA(CMSG_FIRSTHDR(&header)), two.data(), sizeof two);
+  for (int i = 0; i < 5; ++i) {
+    ASSERT_EQ(::sendmsg(ends.first.descriptor().get(), &header, 0), 1);
+    std::array<std::byte, 8> buffer{};
+    EXPECT_EQ(ends.second.receive(buffer)->bytes, 1U);
+  }
+  EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

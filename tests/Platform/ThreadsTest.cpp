@@ -1,8 +1,10 @@
 #include "FennickCore/Platform/Threads/LatestTask.h"
+#include "FennickCore/Platform/Threads/ThreadCache.h"
 #include "tests/Support/ManualQueue.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <latch>
 #include <memory>
 #include <thread>
@@ -73,6 +75,26 @@ TEST(LatestTask, DeliversNothingAfterCancelOrDestruction) {
     mainQueue.run();
     EXPECT_EQ(delivered, 0);
   }
+}
+
+TEST(ThreadCache, RunsEveryTaskAtOnce) {
+  std::latch together(32); // passed only if all run at the same time
+  std::atomic<int> done = 0;
+  {
+    ThreadCache threads(2);
+    for (int i = 0; i < 32; ++i)
+      threads.run([&] {
+        together.arrive_and_wait();
+        ++done;
+      });
+    std::vector<std::jthread> callers;
+    for (int caller = 0; caller < 4; ++caller)
+      callers.emplace_back([&] {
+        for (int i = 0; i < 200; ++i)
+          threads.run([&] { ++done; });
+      });
+  } // waits for them
+  EXPECT_EQ(done, 832);
 }
 
 } // namespace
