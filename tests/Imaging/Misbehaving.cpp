@@ -7,12 +7,10 @@
 #include "FennickCore/Platform/Processes/MessageSocket.h"
 
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
-#include <list>
 #include <span>
 #include <string>
 
@@ -45,12 +43,6 @@ void misbehave(const std::string &way, MessageSocket &socket) {
   if (way == "hang")
     while (true)
       ::pause();
-  if (way == "eat") { // allocates all memory it can get
-    const rlimit limit{.rlim_cur = rlim_t{64} << 20, .rlim_max = rlim_t{64} << 20};
-    ::setrlimit(RLIMIT_AS, &limit);
-    for (std::list<std::string> eaten;;)
-      eaten.emplace_back(std::size_t{4} << 20, 'x');
-  }
   if (way == "leave")
     ::_exit(0);
   if (way == "babble")

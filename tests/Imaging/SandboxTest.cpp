@@ -25,18 +25,23 @@ constexpr int kSurvived = 0;
 constexpr int kRefused = 7;
 constexpr int kNoSandbox = 8;
 
-// Returns the exit status of a process that locked itself down and then called `entry`, which returns whether
-// it worked.
-int statusAfter(const std::function<bool()> &entry) {
+// Returns the exit status of a process that called `entry`, which returns whether it worked.
+int statusOf(const std::function<bool()> &entry) {
   const pid_t child = ::fork();
-  if (child == 0) {
-    if (!limitResources() || !lockDown())
-      ::_exit(kNoSandbox);
+  if (child == 0)
     ::_exit(entry() ? kSurvived : kRefused);
-  }
   int status = 0;
   ::waitpid(child, &status, 0);
   return status;
+}
+
+// The same, in a process that locked itself down before.
+int statusAfter(const std::function<bool()> &entry) {
+  return statusOf([&] {
+    if (!limitResources() || !lockDown())
+      ::_exit(kNoSandbox);
+    return entry();
+  });
 }
 
 bool wasKilled(int status) { return WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS; }
@@ -96,15 +101,11 @@ TEST(SandboxTest, LimitsMemoryAndDescriptors) {
 }
 
 TEST(SandboxTest, OffersItselfToTheOutOfMemoryKiller) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    offerToOutOfMemoryKiller();
-    ::_exit(std::atoi(readFile("/proc/self/oom_score_adj").value_or("").c_str()) >= 500 ? kSurvived
-                                                                                        : kRefused);
-  }
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == kSurvived) << status;
+  EXPECT_EQ(statusOf([] {
+              offerToOutOfMemoryKiller();
+              return std::atoi(readFile("/proc/self/oom_score_adj").value_or("").c_str()) >= 500;
+            }),
+            kSurvived);
 }
 
 } // namespace
