@@ -1,7 +1,9 @@
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/BatchRename.h"
+#include "FennickCore/Storage/PhotoOrigin.h"
 #include "FennickCore/Storage/PhotoRotation.h"
 
+#include "FennickCore/Platform/Files/FileAttributes.h"
 #include "FennickCore/Platform/Files/FileStatus.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/FaultyFileSystem.h"
@@ -34,16 +36,15 @@ protected:
   // Lets `count` moves fail from the nth on. Before each, every photo exists under its old or new name, or
   // its old one after a UUID.
   void breakMoves(int first, int count, const fs::path &folder) {
+    const auto prepareNext = [this, first, count] {
+      if (++call >= first && call < first + count)
+        files.failNext(Operation::moveNoReplace, EIO);
+    };
     call = 0;
     files.mend(Operation::moveNoReplace);
-    if (first == 1)
-      files.failAlways(Operation::moveNoReplace, EIO);
-    files.before(Operation::moveNoReplace, [this, first, count, folder] {
-      ++call; // the next call decides
-      if (call + 1 == first)
-        files.failAlways(Operation::moveNoReplace, EIO);
-      if (call + 1 == first + count)
-        files.mend(Operation::moveNoReplace);
+    prepareNext();
+    files.before(Operation::moveNoReplace, [this, prepareNext, folder] {
+      prepareNext();
       std::set<std::string> photos;
       for (const auto &name : disk.names(folder.filename().string())) {
         const auto photo = *photos.insert(disk.read((folder.filename() / name).string())).first;
@@ -66,7 +67,7 @@ protected:
   test::TemporaryFolder disk;
   test::FaultyFileSystem files;
   test::FakeDecoder decoder;
-  int call = 0;
+  int call = 0; // of a move
 };
 
 TEST_F(PhotoFileOpsTest, RenamesWithATrimmedNameAndItsExtension) {
@@ -207,6 +208,66 @@ TEST_F(PhotoFileOpsTest, KeepsTheOldPictureIfRotationFails) {
   files.before(Operation::sync, [&] { disk.write("a.jpg", "edited meanwhile"); });
   EXPECT_EQ(rotate(photo), "写入失败");
   EXPECT_EQ(disk.read("a.jpg"), "edited meanwhile");
+}
+
+class PhotoOriginTest : public testing::Test {
+protected:
+  void SetUp() override {
+    if (!setFileAttribute(photo, "user.test", "1"))
+      GTEST_SKIP() << "the folder's file system has no extended attributes";
+  }
+
+  test::TemporaryFolder folder;
+  fs::path photo = folder.write("a.jpg");
+  const PhotoOrigin origin{.address = "192.168.1.5",
+                           .name = "IMG_7.HEIC",
+                           .receivedAt = Instant(std::chrono::seconds(1'714'527'000)),
+                           .note = "3.2 MB → 1600px · q85",
+                           .original = "20240501_093000.heic"};
+};
+
+TEST_F(PhotoOriginTest, KeepsTheRecordThroughRenamingAndRotation) {
+  EXPECT_EQ(readOrigin(photo), std::nullopt);
+  writeOrigin(photo, origin);
+  EXPECT_EQ(readOrigin(photo), origin);
+
+  SystemFileSystem files;
+  const auto renamed = PhotoFileOps::rename(photo, "b", files).value();
+  test::FakeDecoder decoder;
+  ASSERT_TRUE(PhotoFileOps::rotate(renamed, PhotoFileOps::QuarterTurn::clockwise, decoder, files));
+  EXPECT_EQ(folder.read("b.jpg"), "turned 6");
+  EXPECT_EQ(readOrigin(renamed), origin);
+  EXPECT_EQ(fileAttribute(renamed, "user.test"), "1"); // attributes of other programs stay
+}
+
+TEST_F(PhotoOriginTest, CleansOrIgnoresForeignRecords) {
+  const std::vector<std::string> none{"",
+                                      "no record",
+                                      "[]",
+                                      "{}",
+                                      R"({"received":-1})",
+                                      R"({"received":"1714527000"})",
+                                      "{\"note\"",
+                                      R"({"received":1e30})",
+                                      R"({"received":1714527000,"name":7})"};
+  for (const auto &text : none) {
+    ASSERT_TRUE(setFileAttribute(photo, "user.fennick.origin", text));
+    EXPECT_EQ(readOrigin(photo), std::nullopt) << text;
+  }
+  const std::string hostile = R"({"received":1,"name":"a\nb\u001b[2J)" + std::string(2'000, 'x') + "\"}";
+  ASSERT_TRUE(setFileAttribute(photo, "user.fennick.origin", hostile));
+  const auto read = readOrigin(photo);
+  ASSERT_TRUE(read);
+  EXPECT_THAT(read->name, testing::StartsWith("a b [2Jxxx"));
+  EXPECT_EQ(read->name.size(), kMostOriginText);
+}
+
+TEST_F(PhotoOriginTest, FindsOriginalsOnlyInTheirFolder) {
+  const auto kept = folder.write("originals/" + origin.original);
+  folder.write("secret");
+  EXPECT_EQ(keptOriginal(photo, origin), kept);
+  for (const char *name : {"../secret", "", ".", "gone.heic"})
+    EXPECT_EQ(keptOriginal(photo, {.original = name}), std::nullopt) << name;
 }
 
 } // namespace

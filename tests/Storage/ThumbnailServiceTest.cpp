@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
-#include <array>
 #include <cerrno>
 #include <thread>
 
@@ -17,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using Asker = ThumbnailService::Asker;
 using Operation = test::FaultyFileSystem::Operation;
 
 class ThumbnailServiceTest : public ::testing::Test {
@@ -32,12 +32,28 @@ protected:
     return result.error() == ThumbnailService::Missing::busy ? "busy" : "none";
   }
 
+  std::vector<fs::path> writePhotos(int count) {
+    std::vector<fs::path> photos;
+    for (int i = 0; i < count; ++i)
+      photos.push_back(disk.write(fmt::format("{}.jpg", i)));
+    return photos;
+  }
+  // Asks on another thread, until `finish`.
+  void askMeanwhile(const fs::path &file, Asker asker) {
+    askers.emplace_back([this, file, asker] { EXPECT_EQ(textOf(service.thumbnail(file, asker)), small); });
+  }
+  void finish() {
+    decoder.release();
+    askers.clear();
+  }
+
   test::TemporaryFolder disk;
   test::FaultyFileSystem files;
   test::FakeDecoder decoder;
   ThumbnailService service{files, disk / "cache", 400, 2, decoder};
   const fs::path photo = disk.write("a b/海.jpg", "12345");
   const std::string small = test::smallJPEG("small");
+  std::vector<std::jthread> askers;
 };
 
 TEST_F(ThumbnailServiceTest, MakesAThumbnailOnceAndStoresIt) {
@@ -128,51 +144,36 @@ TEST_F(ThumbnailServiceTest, KeepsLongPathsAndBinaryNamesApart) {
 }
 
 TEST_F(ThumbnailServiceTest, SharesOneRenderAndLimitsOthers) {
-  const std::array photos{photo, disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
+  const auto photos = writePhotos(4);
   decoder.hold();
-  {
-    std::vector<std::jthread> phones;
-    for (int i = 0; i < 12; ++i)
-      phones.emplace_back([&, i] { EXPECT_EQ(ask(photos.at(static_cast<std::size_t>(i % 4))), small); });
-    decoder.awaitHeld(2); // all slots are in use
-    decoder.release();
-  }
+  for (std::size_t i = 0; i < 12; ++i)
+    askMeanwhile(photos.at(i % 4), Asker::window);
+  decoder.awaitHeld(2); // all slots are in use
+  finish();
   EXPECT_EQ(decoder.mostAtOnce(), 2);
   EXPECT_EQ(decoder.calls(), 4);
 }
 
 TEST_F(ThumbnailServiceTest, ServesWindowsBesideManyPhoneRequests) {
-  using Asker = ThumbnailService::Asker;
-  std::vector<fs::path> photos;
-  for (int i = 0; i < 8; ++i)
-    photos.push_back(disk.write(fmt::format("{}.jpg", i)));
   decoder.hold();
-  {
-    std::vector<std::jthread> askers;
-    for (const auto &each : photos)
-      askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
-    decoder.awaitHeld(2);
-    askers.emplace_back([&] { EXPECT_EQ(ask(photo), small); });
-    decoder.awaitHeld(3);
-    decoder.release();
-  }
+  for (const auto &each : writePhotos(8))
+    askMeanwhile(each, Asker::phone);
+  decoder.awaitHeld(2);
+  askMeanwhile(photo, Asker::window);
+  decoder.awaitHeld(3);
+  finish();
   EXPECT_EQ(decoder.mostAtOnce(), 3);
 }
 
 TEST_F(ThumbnailServiceTest, WarmsOnlyWhileNobodyWaits) {
-  using Asker = ThumbnailService::Asker;
-  const std::array photos{disk.write("1.jpg"), disk.write("2.jpg"), disk.write("3.jpg")};
-  EXPECT_FALSE(service.known(photo));
+  const auto photos = writePhotos(6);
   decoder.hold();
-  {
-    std::vector<std::jthread> askers;
-    for (const auto &each : photos)
-      askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
-    decoder.awaitHeld(2); // the third one waits
-    askers.emplace_back([&] { EXPECT_EQ(textOf(service.thumbnail(photo, Asker::nobody)), small); });
-    EXPECT_FALSE(service.known(photo));
-    decoder.release();
-  }
+  for (std::size_t i = 0; i < 3; ++i)
+    askMeanwhile(photos[i], Asker::phone);
+  decoder.awaitHeld(2); // the third one waits
+  askMeanwhile(photo, Asker::nobody);
+  EXPECT_FALSE(service.known(photo));
+  finish();
   EXPECT_EQ(decoder.calls(), 4);
   EXPECT_EQ(textOf(*service.known(photo)), small);
   EXPECT_EQ(textOf(*ThumbnailService(files, disk / "cache", 400, 4, decoder).known(photo)),
@@ -180,16 +181,12 @@ TEST_F(ThumbnailServiceTest, WarmsOnlyWhileNobodyWaits) {
 
   // Renders that nobody waits for take no slot from phones.
   decoder.hold();
-  const std::array more{disk.write("4.jpg"), disk.write("5.jpg"), disk.write("6.jpg")};
-  {
-    std::jthread background([&] { std::ignore = service.thumbnail(more[0], Asker::nobody); });
-    decoder.awaitHeld(1);
-    std::vector<std::jthread> askers;
-    for (const auto &each : {more[1], more[2]})
-      askers.emplace_back([&, each] { EXPECT_EQ(textOf(service.thumbnail(each, Asker::phone)), small); });
-    decoder.awaitHeld(3);
-    decoder.release();
-  }
+  askMeanwhile(photos[3], Asker::nobody);
+  decoder.awaitHeld(1);
+  askMeanwhile(photos[4], Asker::phone);
+  askMeanwhile(photos[5], Asker::phone);
+  decoder.awaitHeld(3);
+  finish();
 }
 
 // The stored thumbnails of the folder "photos" in both sizes.

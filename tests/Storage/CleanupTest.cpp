@@ -1,16 +1,19 @@
+#include "FennickCore/Storage/FolderPruner.h"
 #include "FennickCore/Storage/Leftovers.h"
-#include "FennickCore/Storage/BatchRename.h"
-#include "FennickCore/Storage/PhotoRotation.h"
 
 #include "FennickCore/Imaging/MediaTypes.h"
+#include "FennickCore/Platform/Files/FileStatus.h"
 #include "FennickCore/Platform/System/Random.h"
+#include "FennickCore/Storage/BatchRename.h"
 #include "FennickCore/Storage/PhotoExport.h"
 #include "FennickCore/Storage/PhotoFileOps.h"
 #include "FennickCore/Storage/PhotoOrder.h"
+#include "FennickCore/Storage/PhotoRotation.h"
 #include "tests/Support/FakeDecoder.h"
 #include "tests/Support/KillAtEveryChange.h"
 #include "tests/Support/TemporaryFolder.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -23,6 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::AnyOf;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
 const auto kNever = [] { return false; };
@@ -137,13 +141,10 @@ TEST_F(LeftoversIn, ClearsNothingInAFolderInUse) {
   const fs::path one = disk.write("1.jpg", "one");
   test::FakeDecoder decoder;
   test::FaultyFileSystem faulty;
-  const auto clearInBetween = [&](test::FaultyFileSystem::Operation operation) {
-    faulty.before(operation, [this] { clear(); });
-  };
-  clearInBetween(test::FaultyFileSystem::Operation::replace);
+  faulty.before(test::FaultyFileSystem::Operation::replace, [this] { clear(); });
   EXPECT_TRUE(PhotoFileOps::rotate(one, PhotoFileOps::QuarterTurn::clockwise, decoder, faulty));
   EXPECT_TRUE(PhotoOrder::edit(disk.path(), [](const auto &) { return PhotoOrder::Names{"1.jpg"}; }, faulty));
-  clearInBetween(test::FaultyFileSystem::Operation::moveNoReplace);
+  faulty.before(test::FaultyFileSystem::Operation::moveNoReplace, [this] { clear(); });
   EXPECT_TRUE(PhotoFileOps::batchRename(std::vector{one}, {.prefix = "x", .digits = 1}, faulty));
   EXPECT_TRUE(PhotoExport::exportFile(disk / "x1.jpg", disk / "export", {}, Seconds(90),
                                       {.decoder = decoder, .files = faulty}));
@@ -160,6 +161,65 @@ TEST_F(LeftoversIn, ClearsOnlyTemporaryThumbnails) {
   use.reset();
   clearThumbnailLeftovers(disk.path(), files);
   EXPECT_THAT(disk.names(), ElementsAre("a-1-2-400.jpg"));
+}
+
+class FolderTrash final : public Trash {
+public:
+  IOResult<Trashed> moveToTrash(const fs::path &file) override {
+    if (file.filename() == refused)
+      return std::unexpected(std::make_error_code(std::errc::not_supported));
+    fs::remove(file);
+    if (before)
+      before();
+    return Trashed{};
+  }
+  std::string refused;
+  std::function<void()> before; // the next file
+};
+
+class FolderPrunerTest : public ::testing::Test {
+protected:
+  void write(const std::string &name, int second) {
+    const auto file = disk.write(name);
+    ASSERT_TRUE(setModificationTime(file, Instant(std::chrono::seconds(second))));
+  }
+  std::vector<fs::path> prune(std::int64_t limit) { return FolderPruner::prune(disk.path(), limit, trash); }
+
+  test::TemporaryFolder disk;
+  FolderTrash trash;
+};
+
+TEST_F(FolderPrunerTest, PrunesTheOldestPhotosAndVideosOnly) {
+  for (int i = 0; i < 12; ++i)
+    write(fmt::format("{:02}.{}", i, i % 2 == 0 ? "jpg" : "MOV"), 100 - i);
+  for (const char *other : {"a.txt", "b.txt", ".hidden.jpg", "sub/c.jpg"})
+    write(other, 1);
+  fs::create_symlink(disk / "00.jpg", disk / "link.jpg");
+  fs::create_directory(disk / "folder.jpg");
+  for (const std::int64_t limit : {0L, -1L, 12L, INT64_MAX})
+    EXPECT_THAT(prune(limit), IsEmpty()) << limit;
+  EXPECT_THAT(prune(10), ElementsAre(disk / "11.MOV", disk / "10.jpg"));
+  EXPECT_THAT(prune(10), IsEmpty());
+  EXPECT_EQ(disk.names().size(), 16U) << "ten of twelve, three files, two folders, a link";
+  EXPECT_THAT(FolderPruner::prune(disk / "gone", 1, trash), IsEmpty());
+}
+
+TEST_F(FolderPrunerTest, KeepsWhatTheTrashRefusesWithoutASubstitute) {
+  write("a.jpg", 1), write("b.jpg", 2), write("c.jpg", 3);
+  trash.refused = "a.jpg";
+  EXPECT_THAT(prune(1), ElementsAre(disk / "b.jpg"));
+  EXPECT_THAT(disk.names(), ElementsAre("a.jpg", "c.jpg"));
+}
+
+TEST_F(FolderPrunerTest, KeepsReplacedPhotosAndStopsWhenAsked) {
+  for (const char *name : {"a.jpg", "a_9.jpg", "a_10.jpg", "b.jpg"})
+    write(name, 1); // a file system that counts in seconds
+  trash.before = [&] { write("new", 9), fs::rename(disk / "new", disk / "a_9.jpg"); };
+  EXPECT_THAT(prune(1), ElementsAre(disk / "a.jpg", disk / "b.jpg"));
+  write("c.jpg", 10);
+  int files = 0;
+  EXPECT_THAT(FolderPruner::prune(disk.path(), 1, trash, [&] { return ++files == 1; }),
+              ElementsAre(disk / "a_10.jpg"));
 }
 
 } // namespace
