@@ -32,7 +32,7 @@ void requireRoundTrip(const std::string &file, PictureType type, const Metadata 
   if (std::max({metadata.exif.size(), metadata.xmp.size(), metadata.iptc.size()}) > 65'000)
     return; // it may be left out
   require(readMetadata(bytesOf(*written), type) == metadata);
-  (void)proveRemoved(bytesOf(*written), type, true, false);
+  (void)proveRemoved(bytesOf(*written), type, Removal::location);
 }
 
 } // namespace

@@ -48,14 +48,14 @@ std::optional<std::string_view> remarkOn(OriginalFate fate) {
 // Returns remarks about the original if its fate is unexpected for the user.
 std::vector<std::string> remarksOn(const Encode &encode, OriginalFate fate) {
   std::vector<std::string> remarks = encode.remarks;
-  if (const auto remark = remarkOn(fate); remark && encode.isUnasked)
+  if (const auto remark = remarkOn(fate); remark && encode.choice == FormatChoice::program)
     remarks.emplace_back(*remark);
   return remarks;
 }
 
 Outcome commit(const fs::path &url, const FileStatus &status, const ImagingOptions &options, Encode encode,
                const Rendering &rendering, const Services &services) {
-  PictureCommit commit(url, status, fateOf(options, encode.isUnasked), services);
+  PictureCommit commit(url, status, fateOf(options, encode.choice), services);
   if (const auto written = commit.write(rendering.bytes); !written)
     return fail(written.error());
   auto placed = commit.place(preferredExtension(encode.request.output));
@@ -78,7 +78,8 @@ OriginalFate fateAfterInterruption(const fs::path &source, const fs::path &targe
   const auto type = services.decoder.facts(source);
   const auto newType = services.decoder.facts(target);
   const bool isSure = before && after && before->modified == after->modified && type && newType;
-  return fateOf(options, !isSure || isUnaskedConversion(type->type, newType->type, options.format));
+  return fateOf(options,
+                isSure ? choiceOf(type->type, newType->type, options.format) : FormatChoice::program);
 }
 
 PrivateData without(PrivateData data, const PrivateData &removed) {

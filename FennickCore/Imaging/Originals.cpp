@@ -84,10 +84,10 @@ IOResult<KeptCopy> copyWhole(const fs::path &source, const FileStatus &status, c
 
 } // namespace
 
-OriginalFate fateOf(const ImagingOptions &options, bool isUnasked) {
+OriginalFate fateOf(const ImagingOptions &options, FormatChoice choice) {
   if (options.keepOriginal)
     return OriginalFate::keep;
-  return isUnasked ? OriginalFate::trash : OriginalFate::remove;
+  return choice == FormatChoice::program ? OriginalFate::trash : OriginalFate::remove;
 }
 
 IOResult<Original> disposeOfOriginal(const fs::path &source, OriginalFate fate, const Services &services) {

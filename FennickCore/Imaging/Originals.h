@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FennickCore/Imaging/ImagePipeline.h"
+#include "FennickCore/Imaging/ProcessingPlan.h"
 #include "FennickCore/Platform/Files/FileStatus.h"
 
 #include <cstdint>
@@ -16,8 +17,7 @@ enum class OriginalFate : std::uint8_t {
   keep,  // moved into "originals"
 };
 
-// `isUnasked`: the photo was converted to a format that the user did not choose.
-[[nodiscard]] OriginalFate fateOf(const ImagingOptions &options, bool isUnasked);
+[[nodiscard]] OriginalFate fateOf(const ImagingOptions &options, FormatChoice choice);
 
 struct Original {
   OriginalFate fate = OriginalFate::remove; // what was actually done

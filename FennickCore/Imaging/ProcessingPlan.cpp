@@ -95,8 +95,9 @@ bool keepsFormat(OutputFormat format, std::string_view extension) {
 
 } // namespace
 
-bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format) {
-  return !isOwnType(source, output) && output != chosenType(format);
+FormatChoice choiceOf(PictureType source, PictureType output, OutputFormat format) {
+  return isOwnType(source, output) || output == chosenType(format) ? FormatChoice::user
+                                                                   : FormatChoice::program;
 }
 
 bool mayChange(const ImagingOptions &options, std::string_view extension) {
@@ -147,7 +148,7 @@ Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &o
                             .stripAllMetadata = options.stripAllMetadata},
                 .turns = facts.orientation.value_or(kUpright) != kUpright,
                 .remarks = std::move(output.remarks),
-                .isUnasked = isUnaskedConversion(facts.type, output.type, options.format)};
+                .choice = choiceOf(facts.type, output.type, options.format)};
 }
 
 std::string noteOf(const Encode &encode, const Rendering &rendering) {

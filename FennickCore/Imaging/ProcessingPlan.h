@@ -18,12 +18,16 @@ struct LeaveAlone {
   std::string note;
 };
 
+// Who chose the format of a new encoding: the program does if the user wants photos to keep their format and
+// it cannot be written.
+enum class FormatChoice : std::uint8_t { user, program };
+
 // A new encoding.
 struct Encode {
   RenderRequest request;
   bool turns = false;                 // the stored picture does not stand upright
   std::vector<std::string> remarks{}; // on the choice of the format
-  bool isUnasked = false;             // converts to a format that the user did not choose
+  FormatChoice choice = FormatChoice::user;
 };
 
 // The size cannot be read.
@@ -35,10 +39,10 @@ using Plan = std::variant<LeaveAlone, Encode, Undecodable>;
 [[nodiscard]] Plan plan(const PictureFacts &facts, std::int64_t bytes, const ImagingOptions &options,
                         const std::function<bool()> &canEncodeHEIC);
 
-// Returns whether a picture of type `source` that is written as `output` gets a format that the user, who
-// chose `format`, did not request: for example a WebP that becomes a JPEG because no format was chosen, or
-// because this computer cannot write the chosen one.
-[[nodiscard]] bool isUnaskedConversion(PictureType source, PictureType output, OutputFormat format);
+// Returns who chose the format if the user chose `format` and a picture of type `source` is written as
+// `output`. The program did if, for example, a WebP becomes a JPEG because no format was chosen, or because
+// this computer cannot write the chosen one.
+[[nodiscard]] FormatChoice choiceOf(PictureType source, PictureType output, OutputFormat format);
 
 // Returns whether a received file with `extension` (lower case, no dot, by its content) can be changed with
 // these options, or can keep private data that they remove. False for every video.

@@ -66,8 +66,8 @@ Desktop::Failed PhotoActions::failedTo(const QString &what) {
   });
 }
 
-void PhotoActions::open(bool evenMany) {
-  if (count() > kManyToOpen && !evenMany)
+void PhotoActions::open(Confirmation confirmation) {
+  if (count() > kManyToOpen && confirmation == Unconfirmed)
     emit askedToOpenMany(count());
   else if (count() > 0)
     desktop_.open(selected_, failedTo(tr("没能打开")));
@@ -104,7 +104,7 @@ void PhotoActions::copy() {
   if (count() == 0)
     return;
   desktop_.copyToClipboard(selected_);
-  say(tr("已拷贝 %1 项").arg(count()), false);
+  say(tr("已拷贝 %1 项").arg(count()), UndoOffer::none);
 }
 
 QString PhotoActions::rename(const QString &name) {
@@ -155,7 +155,7 @@ void PhotoActions::renameBatch(const Paths &photos, const ops::Numbering &number
           adopt(renamed->files, Selecting::all);
         const bool worked = !isEmpty(outcome.done) && outcome.problem.isEmpty();
         if (worked)
-          say(tr("已重命名 %1 项").arg(countOf(outcome.done)), true);
+          say(tr("已重命名 %1 项").arg(countOf(outcome.done)), UndoOffer::undo);
         remember(std::move(outcome.done));
         finished(worked, outcome.problem);
       });
@@ -198,7 +198,7 @@ void PhotoActions::trash() {
 void PhotoActions::finishTrash(Outcome outcome) {
   commands_.forget(outcome.files);
   if (!isEmpty(outcome.done))
-    say(tr("已将 %1 项移到废纸篓").arg(countOf(outcome.done)), true);
+    say(tr("已将 %1 项移到废纸篓").arg(countOf(outcome.done)), UndoOffer::undo);
   remember(std::move(outcome.done));
   if (!outcome.failures.isEmpty())
     fail(tr("%1 项没能移到废纸篓").arg(outcome.failures.count()), std::move(outcome.failures));
@@ -218,7 +218,7 @@ void PhotoActions::sortByDate() {
     return;
   library_.sortByDate(lifetime_.guard([this](const auto &stored) {
     if (stored)
-      say(tr("已按时间排列"), true);
+      say(tr("已按时间排列"), UndoOffer::undo);
     else
       failOrder(tr("没能按时间排列"), stored.error());
   }));
@@ -277,14 +277,14 @@ void PhotoActions::noteRestored(const Outcome &outcome) {
   library_.noteRestored(restored);
   selection_.set({outcome.files.begin(), outcome.files.end()});
   if (outcome.renamed.empty())
-    say(tr("已放回 %1 项").arg(outcome.files.size()), false);
+    say(tr("已放回 %1 项").arg(outcome.files.size()), UndoOffer::none);
   else if (outcome.renamed.size() == 1)
-    say(tr("原来的名字已被占用，放回为 %1").arg(nameText(outcome.renamed.front().to)), false);
+    say(tr("原来的名字已被占用，放回为 %1").arg(nameText(outcome.renamed.front().to)), UndoOffer::none);
   else
     say(tr("已放回 %1 项，其中 %2 项原来的名字已被占用，换了名字")
             .arg(outcome.files.size())
             .arg(outcome.renamed.size()),
-        false);
+        UndoOffer::none);
 }
 
 // Reports how much of a stopped undo remains, and lists failures.
@@ -296,12 +296,12 @@ void PhotoActions::sayWhatIsLeft(Outcome &&outcome) {
   else if (!outcome.failures.isEmpty())
     fail(tr("%1 项没能撤销").arg(outcome.failures.count()) + again, std::move(outcome.failures));
   else if (left > 0)
-    say(tr("已停止，还有 %1 项没有撤销").arg(left), true);
+    say(tr("已停止，还有 %1 项没有撤销").arg(left), UndoOffer::undo);
 }
 
-void PhotoActions::say(const QString &note, bool canBeUndone) {
+void PhotoActions::say(const QString &note, UndoOffer offer) {
   note_ = note;
-  noteCanBeUndone_ = canBeUndone;
+  noteCanBeUndone_ = offer == UndoOffer::undo;
   hideNoteLater();
   emit noteChanged();
 }

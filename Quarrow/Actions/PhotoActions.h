@@ -59,6 +59,8 @@ public:
 
   enum Rotation { Clockwise, Anticlockwise };
   Q_ENUM(Rotation)
+  enum Confirmation { Unconfirmed, Confirmed };
+  Q_ENUM(Confirmation)
 
   // What the actions act on and with. All outlive the object.
   struct Parts {
@@ -87,9 +89,9 @@ public:
   [[nodiscard]] const QString &failure() const { return failure_; }
   [[nodiscard]] QStringList failureLines() const { return failures_.lines(); }
 
-  // Opens each photo in the default program for its kind. More than kManyToOpen only if `evenMany`; otherwise
-  // `askedToOpenMany` is emitted.
-  Q_INVOKABLE void open(bool evenMany = false);
+  // Opens each photo in the default program for its kind. More than kManyToOpen only if `Confirmed`;
+  // otherwise `askedToOpenMany` is emitted.
+  Q_INVOKABLE void open(quarrow::PhotoActions::Confirmation confirmation = Unconfirmed);
   Q_INVOKABLE void openWith(const QString &application); // the `id` of a program
   Q_INVOKABLE void lookForApplications();
   Q_INVOKABLE void showInFolder();
@@ -131,7 +133,8 @@ private:
   enum class Selecting { whatWas, all };
   void adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting = Selecting::whatWas);
   void remember(UndoEntry entry);
-  void say(const QString &note, bool canBeUndone);
+  enum class UndoOffer { none, undo };
+  void say(const QString &note, UndoOffer offer);
   void hideNoteLater();
   void fail(const QString &sentence, Failures &&failures);
   [[nodiscard]] Desktop::Failed failedTo(const QString &what);

@@ -91,11 +91,13 @@ TEST(PictureMetadata, FindsAndRemovesLocationInEveryPlace) {
     const Metadata prepared = prepare(metadata, kNoLocation);
     EXPECT_FALSE(hasLocation(prepared));
     EXPECT_TRUE(hasMetadata(prepared));
-    EXPECT_TRUE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, true, false));
-    EXPECT_FALSE(proveRemoved(bytesOf(written(sampleJpeg(), metadata)), PictureType::jpeg, true, false));
+    EXPECT_TRUE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, Removal::location));
     EXPECT_FALSE(
-        proveRemoved(bytesOf(written(samplePng(), withIptcInXmp(metadata))), PictureType::png, true, false));
-    EXPECT_FALSE(proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, false, true));
+        proveRemoved(bytesOf(written(sampleJpeg(), metadata)), PictureType::jpeg, Removal::location));
+    EXPECT_FALSE(proveRemoved(bytesOf(written(samplePng(), withIptcInXmp(metadata))), PictureType::png,
+                              Removal::location));
+    EXPECT_FALSE(
+        proveRemoved(bytesOf(written(sampleJpeg(), prepared)), PictureType::jpeg, Removal::allMetadata));
   }
   Metadata padded = everything();
   padded.icc += "padding";
@@ -129,19 +131,19 @@ TEST(PictureMetadata, FindsLocationInFurtherBlocksAndCompressedText) {
 }
 
 TEST(PictureMetadata, DetectsLeftoversThatReadersOverlook) {
-  const auto clean = [](const std::string &file, PictureType type, bool all) {
-    return proveRemoved(bytesOf(file), type, true, all);
+  const auto clean = [](const std::string &file, PictureType type, Removal removal) {
+    return proveRemoved(bytesOf(file), type, removal);
   };
   const std::string exif = *jpegSegment(kAPP1, "Exif\0\0"s + ExifBlock::minimal(1));
   const std::string hidden = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif());
   const std::string preview = *jpegSegment(kAPP1, "Exif\0\0"s + sampleExif({.hasGPS = false}));
-  EXPECT_TRUE(clean(sampleJpeg(exif), PictureType::jpeg, false));
-  EXPECT_FALSE(clean(sampleJpeg(exif + hidden), PictureType::jpeg, false));
-  EXPECT_FALSE(clean(sampleJpeg(preview), PictureType::jpeg, false));
-  EXPECT_FALSE(clean(sampleJpeg() + hidden, PictureType::jpeg, false));
-  EXPECT_FALSE(clean(sampleJpeg("stray" + exif), PictureType::jpeg, false));
-  EXPECT_FALSE(clean(sampleJpeg(*jpegSegment(0xFE, "a comment")), PictureType::jpeg, true));
-  EXPECT_FALSE(clean(sampleHeif(), PictureType::heic, false));
+  EXPECT_TRUE(clean(sampleJpeg(exif), PictureType::jpeg, Removal::location));
+  EXPECT_FALSE(clean(sampleJpeg(exif + hidden), PictureType::jpeg, Removal::location));
+  EXPECT_FALSE(clean(sampleJpeg(preview), PictureType::jpeg, Removal::location));
+  EXPECT_FALSE(clean(sampleJpeg() + hidden, PictureType::jpeg, Removal::location));
+  EXPECT_FALSE(clean(sampleJpeg("stray" + exif), PictureType::jpeg, Removal::location));
+  EXPECT_FALSE(clean(sampleJpeg(*jpegSegment(0xFE, "a comment")), PictureType::jpeg, Removal::allMetadata));
+  EXPECT_FALSE(clean(sampleHeif(), PictureType::heic, Removal::location));
 }
 
 TEST(PictureMetadata, DetectsDataOutsideOfBlocksAndItsLocation) {

@@ -128,9 +128,8 @@ bool hasPreview(const Metadata &metadata) {
 
 } // namespace
 
-bool proveRemoved(Bytes written, PictureType type, bool stripLocation, bool stripAll) {
-  if (!stripLocation && !stripAll)
-    return true;
+bool proveRemoved(Bytes written, PictureType type, Removal removal) {
+  const bool stripAll = removal == Removal::allMetadata;
   const Metadata found = readMetadata(written, type);
   const Leftovers others = leftovers(written, type);
   return !others.location && !(stripAll && others.any) && !hasLocation(found) && !hasPreview(found) &&

@@ -154,7 +154,9 @@ PictureResult<Rendering> rendered(Bytes file, PictureType type, const RenderRequ
   auto result = searchWithCompanions(encoding, companions, request, elapsed);
   if (!result)
     return fail(PictureFault::unencodable, "the encoder gave nothing");
-  if (!proveRemoved(bytesOf(result->bytes), request.output, request.stripLocation, request.stripAllMetadata))
+  const auto removal = request.stripAllMetadata ? Removal::allMetadata : Removal::location;
+  if ((request.stripLocation || request.stripAllMetadata) &&
+      !proveRemoved(bytesOf(result->bytes), request.output, removal))
     return fail(PictureFault::unencodable, "metadata that had to go is still there");
   return std::move(*result);
 }

@@ -35,7 +35,7 @@ Item {
         text: qsTr("每一项都可能打开一个窗口。")
         confirmText: qsTr("全部打开")
         confirmKind: PushButton.Primary
-        onAccepted: Actions.open(true)
+        onAccepted: Actions.open(Actions.Confirmed)
     }
     Connections {
         target: Actions
