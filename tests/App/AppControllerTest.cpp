@@ -220,6 +220,19 @@ TEST_F(ControllerTest, ReportsABlockingFirewallWithTheCommand) {
   EXPECT_EQ(controller->server().property("firewallAdvice").toString(), "");
 }
 
+TEST_F(ControllerTest, RemovesThePartFileOfAnUploadThatAPortChangeAborts) {
+  start();
+  fennick::test::LoopbackClient phone("127.0.0.1", *controller->server().port());
+  phone.send(fmt::format("POST /upload?k={} HTTP/1.1\r\nContent-Length: 1000\r\n\r\n{}",
+                         controller->settings().accessKey(), kJPEG));
+  queue.runUntil([&] { return controller->progress().counter().snapshot().uploads == 1; });
+  change([](auto &settings) { settings.preferredPort = freePort(); });
+  EXPECT_THAT(phone.readToEnd(), IsEmpty());
+  EXPECT_THAT(upload(), StartsWith("HTTP/1.1 200"));
+  controller->stop();
+  EXPECT_THAT(disk.names("photos/.fennick-incoming"), IsEmpty());
+}
+
 TEST_F(ControllerTest, ReportsATakenShortcutUntilAnotherWorks) {
   start();
   desktop.grantsHotKey = false;

@@ -105,6 +105,24 @@ TEST_F(ControllerFaults, ReportsAnUnpluggedDriveAndUsesItAgainWhenItReturns) {
   std::filesystem::remove_all(drive);
 }
 
+TEST_F(ControllerFaults, KeepsNamesAndOrderWhenTheClockIsSetBack) {
+  start();
+  upload();
+  runUntilReceived(1);
+  queue.clock().advance(fennick::Seconds(3600));
+  upload();
+  runUntilReceived(2);
+  queue.clock().setCalendar(queue.clock().now() - std::chrono::hours(1));
+  for (std::size_t i = 3; i <= 4; ++i) {
+    EXPECT_THAT(upload(), StartsWith("HTTP/1.1 200"));
+    runUntilReceived(i);
+  }
+  const auto nameOf = [&](std::size_t i) { return received[i].url.stem().string(); };
+  EXPECT_EQ(nameOf(2), nameOf(0) + "_2");
+  EXPECT_EQ(nameOf(3), nameOf(0) + "_3");
+  EXPECT_THAT(disk.names("photos"), SizeIs(5));
+}
+
 TEST_F(ControllerFaults, KeepsSettingsForTheRunAndReportsThatTheyCannotBeStored) {
   start();
   const auto file = disk / "state/preferences.json";

@@ -164,6 +164,27 @@ TEST_F(ControllerTest, ProcessesWaitingPhotosInTheNextRunWithItsSettings) {
 }
 
 } // namespace
+TEST_F(ControllerTest, RefreshesProgressOnlyDuringUploadsWhileWatched) {
+  start();
+  std::vector<qint64> shown;
+  QObject::connect(&controller->progress(), &UploadProgress::changed,
+                   [&] { shown.push_back(controller->progress().uploads()); });
+  upload();
+  runUntilReceived(1);
+  EXPECT_THAT(shown, IsEmpty());
+  controller->progress().setWatched(true);
+  fennick::test::LoopbackClient phone("127.0.0.1", *controller->server().port());
+  phone.send(fmt::format("POST /upload?k={} HTTP/1.1\r\nContent-Length: 12\r\n\r\n\xFF\xD8\xFF\xE0",
+                         controller->settings().accessKey()));
+  queue.runUntil([&] { return !shown.empty(); });
+  phone.send(" a photo");
+  EXPECT_THAT(phone.readToEnd(), StartsWith("HTTP/1.1 200"));
+  queue.advance(fennick::Seconds(0.25));
+  EXPECT_THAT(shown, ElementsAre(1, 0));
+  queue.advance(fennick::Seconds(60));
+  EXPECT_THAT(shown, SizeIs(2));
+}
+
 TEST_F(ControllerTest, MakesThumbnailsInAdvanceWhileTheGalleryIsOn) {
   decoder.setThumbnail(fennick::test::smallJPEG("thumbnail"));
   disk.write("photos/earlier.jpg", kJPEG);

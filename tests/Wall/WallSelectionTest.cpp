@@ -35,6 +35,26 @@ protected:
   WallSelection wall{selection};
 };
 
+TEST_F(WallSelectionTest, selectsLikeAFileManager) {
+  struct Step {
+    int place;
+    Reach reach;
+    const char *selected;
+  };
+  for (const auto &[place, reach, expected] :
+       {Step{2, Reach::only, "c"}, Step{5, Reach::only, "f"}, Step{2, Reach::range, "cdef"},
+        Step{6, Reach::range, "fg"}, Step{0, Reach::toggle, "afg"}, Step{6, Reach::toggle, "af"},
+        Step{7, Reach::addRange, "afgh"}, Step{4, Reach::addRange, "aefgh"}, Step{8, Reach::only, "aefgh"},
+        Step{-1, Reach::only, "aefgh"}, Step{1, Reach::only, "b"}}) {
+    wall.pick(place, reach);
+    EXPECT_EQ(selected(), expected) << place;
+  }
+  wall.moveTo(3);
+  EXPECT_EQ(selected(), "b");
+  wall.pick(3, Reach::range); // from the last click, not from the focused photo
+  EXPECT_EQ(selected(), "bcd");
+}
+
 TEST_F(WallSelectionTest, addsTheRubberBandToThePreviousSelection) {
   for (const auto &[band, wide, narrow] :
        {std::tuple(Band::replace, "def", "d"), std::tuple(Band::add, "bcdef", "bcd"),
