@@ -21,7 +21,7 @@ function darkDesktop(session) {
 }
 
 for (const [colours, prepare, background] of [['light', () => {}, 'f6f5f2'], ['dark', darkDesktop, '161716']]) {
-  test(`on a ${colours} desktop every window opens, is painted and warns of nothing, and the colours are the desktop's`, async (t) => {
+  test(`on a ${colours} desktop every window opens in the colours of the desktop without warnings`, async (t) => {
     const session = await Session.start(t);
     prepare(session);
     const { status, stderr } = session.run(tevrin, '--self-test');
@@ -76,7 +76,7 @@ test('icon, panel and notifications on a desktop with a tray', async (t) => {
   assert.equal(program.stderr, '');
 });
 
-test('started at login it opens nothing, and its icon comes with the tray, again and again', async (t) => {
+test('at login it opens no window and shows its icon whenever a tray appears', async (t) => {
   const session = await Session.start(t);
   const program = new Tevrin(session, { args: ['--login-item'] });
   await program.listens();
@@ -93,7 +93,7 @@ test('started at login it opens nothing, and its icon comes with the tray, again
   assert.deepEqual(await program.end(), { code: 0, signal: null });
 });
 
-test('a tray of the new kind shows the icon with its menu, and a click opens the panel at the bar', async (t) => {
+test('a StatusNotifierItem tray shows icon and menu, and a click opens the panel beside the bar', async (t) => {
   const session = await Session.start(t, { programs: [['xfce4-panel', '--disable-wm-check']] });
   const watcher = (property) => session.bus('org.kde.StatusNotifierWatcher', '/StatusNotifierWatcher',
     'org.freedesktop.DBus.Properties.Get', 'org.kde.StatusNotifierWatcher', property);
@@ -119,7 +119,7 @@ test('a tray of the new kind shows the icon with its menu, and a click opens the
   assert.deepEqual(await program.end(), { code: 0, signal: null });
 });
 
-test('without a tray closing the last window asks, and launching it again brings it back', async (t) => {
+test('without a tray, closing the last window asks first and a second launch reopens it', async (t) => {
   const session = await Session.start(t);
   const program = new Tevrin(session, { onboardingDone: false });
   const closeLast = async () => {

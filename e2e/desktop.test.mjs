@@ -11,7 +11,7 @@ describe('Chromium alone', () => {
   before(async () => { browser = await Chromium.launch(); });
   after(() => browser?.close());
 
-  test('dropped files and a pasted picture are uploaded, a dropped text is not taken', async (t) => {
+  test('dropped files and a pasted picture are uploaded, dropped text is ignored', async (t) => {
     const program = await Program.start(t);
     const page = await browser.visitor(t, { width: 1200, height: 800, scale: 1, phone: false });
     await page.ready(program.url);
@@ -31,7 +31,7 @@ describe('Chromium alone', () => {
     assert.deepEqual((await page.inState('saved')).map((row) => row.name).sort(), ['dropped.jpg', 'pasted.jpg']);
   });
 
-  test('the keyboard reaches everything in order, and the focus survives what it sets off', async (t) => {
+  test('the keyboard reaches all controls in order, and actions keep the focus', async (t) => {
     const program = await Program.start(t);
     const page = await browser.visitor(t, { width: 800, height: 900, scale: 1, phone: false });
     const focused = () => page.evaluate(() => document.activeElement.id || document.activeElement.getAttribute('aria-label') || document.activeElement.tagName);
@@ -59,7 +59,7 @@ describe('Chromium alone', () => {
     assert.equal(await page.evaluate(() => document.querySelector('#live').textContent.includes('全部完成')), true);
   });
 
-  test('500 files at once are all listed and none is refused; leaving them asks first', async (t) => {
+  test('500 files are listed without a refusal, and leaving the page asks first', async (t) => {
     const program = await Program.start(t);
     const page = await browser.visitor(t, { phone: false });
     await page.ready(program.url);
@@ -74,7 +74,7 @@ describe('Chromium alone', () => {
     await (await question).accept();
   });
 
-  test('an upload that stands still is given up and sent again', async (t) => {
+  test('an upload without progress is cancelled and sent again', async (t) => {
     const program = await Program.start(t);
     const page = await browser.visitor(t);
     const file = make(scratch(), 'long.mp4', 30e6);

@@ -40,7 +40,7 @@ describe('gallery', () => {
     await touch('touchEnd');
   }
 
-  test('the tab comes and goes with the setting, and an open gallery gives way to the upload', async (t) => {
+  test('the gallery tab follows the setting, and an open gallery is replaced by the upload view', async (t) => {
     const home = scratch();
     const { program, page } = await visit(t, 3, { home });
     await program.stop();
@@ -56,7 +56,7 @@ describe('gallery', () => {
     assert.equal(await page.page.isVisible('#wallOff'), false);
   });
 
-  test('a new photo appears in front without a reload and without moving what is looked at', async (t) => {
+  test('a new photo appears first without a reload and without moving the visible photos', async (t) => {
     const { program, page } = await visit(t, 60);
     const listed = await names(page);
     await page.evaluate(() => scrollTo(0, 1200));
@@ -70,7 +70,7 @@ describe('gallery', () => {
     assert.equal(await place(), before);
   });
 
-  test('the large view swipes, zooms, obeys the keyboard, and closes with the way back', async (t) => {
+  test('the large view swipes, zooms, handles keys, and closes with the back button', async (t) => {
     const { page } = await visit(t, 5);
     await page.click('#grid li:nth-child(2)');
     await seen(page, '2 / 5');
@@ -94,7 +94,7 @@ describe('gallery', () => {
     await page.waitFor(() => document.querySelector('#viewer').hidden && !document.querySelector('#gallery').hidden, 'the grid');
   });
 
-  test('chosen photos are saved byte for byte under their names, one that fails is said and stays chosen', async (t) => {
+  test('selected photos are downloaded unchanged under their names; a failed one is reported and stays selected', async (t) => {
     const { program, page } = await visit(t, 3);
     make(program.folder, strange, 90_000);
     await ask(page);
@@ -112,7 +112,7 @@ describe('gallery', () => {
     assert.equal(await page.evaluate(() => document.querySelector('[aria-pressed=true]').ariaLabel), 'IMG_0002.jpg');
   });
 
-  test('500 photos ask for the pictures that are near, and scroll', async (t) => {
+  test('500 photos load only the thumbnails near the viewport', async (t) => {
     const { program, page } = await visit(t, 501);
     const asked = () => page.evaluate(() => performance.getEntriesByType('resource').filter((entry) => entry.name.includes('/thumb/')).length);
     await page.page.waitForSelector('#grid li[data-state=shown]');

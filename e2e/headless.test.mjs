@@ -27,7 +27,7 @@ async function hangingUpload(program) {
 
 const run = (...args) => spawnSync(binary, ['--state-dir', path.join(scratch(), 'state'), ...args], { encoding: 'utf8', timeout: 20000 });
 
-test('a command line that makes no sense ends with 2 and a sentence on standard error', () => {
+test('an invalid command line exits with 2 and a message on standard error', () => {
   for (const args of [['--bogus'], ['photos'], ['--port', '70000'], ['--set', 'nothing=1'], ['--set', 'folderLimit=many'],
     ['--set', 'folderLimit=-1'], ['--set', 'imaging.maxPixels=1.5'], ['--set', 'naming=sideways'], ['--set', 'folderLimit']]) {
     const { status, stdout, stderr } = run(...args);
@@ -37,7 +37,7 @@ test('a command line that makes no sense ends with 2 and a sentence on standard 
   }
 });
 
-test('no free port ends with 1 and says so on both channels', async (t) => {
+test('without a free port it exits with 1 and reports the error on both channels', async (t) => {
   const taken = net.createServer().listen(65535, '::');
   t.after(() => taken.close());
   await new Promise((resolve, reject) => { taken.once('listening', resolve); taken.once('error', reject); });
@@ -47,7 +47,7 @@ test('no free port ends with 1 and says so on both channels', async (t) => {
   assert.match(stderr, /fennick: server failed /);
 });
 
-test('a photo is made smaller by the locked-down process, its original is kept and the note says so', async (t) => {
+test('the sandboxed process reduces a photo, the original is kept and the note describes it', async (t) => {
   const program = await Program.start(t, { set: { 'imaging.maxPixels': 4, 'imaging.keepOriginal': true } });
   const photo = make(scratch(), 'a.jpg');
   const { text } = await post(program, photo);
@@ -60,7 +60,7 @@ test('a photo is made smaller by the locked-down process, its original is kept a
   assert.deepEqual(program.parts(), []);
 });
 
-test('a signal in the middle of an upload ends with 0 and leaves no part file', async (t) => {
+test('a signal during an upload exits with 0 and leaves no part file', async (t) => {
   for (const signal of ['SIGINT', 'SIGTERM']) {
     const program = await Program.start(t);
     const socket = await hangingUpload(program);
@@ -90,7 +90,7 @@ test('a crash leaves a part file, and the next start in that folder removes it',
   await until(() => next.parts().length === 0, 'the broken upload to be cleared');
 });
 
-test('in words: the code, the address, and a line for every file', async (t) => {
+test('text output: the code, the address, and a line for each file', async (t) => {
   const home = scratch();
   const child = spawn(binary, ['--folder', path.join(home, 'photos'), '--state-dir', path.join(home, 'state'), '--port', String(20000 + Math.floor(Math.random() * 20000))]);
   t.after(() => child.kill());

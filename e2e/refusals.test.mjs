@@ -29,7 +29,7 @@ for (const Browser of [WebKit, Chromium]) {
 
     const admitted = async (program) => assert.equal((await fetch(program.url)).status, 200, 'this address is not banned');
 
-    test('a save folder that cannot be written is named as the reason, and both photos arrive once it can be', async (t) => {
+    test('an unwritable save folder is shown as the reason, and a retry saves both photos', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const files = makeMany(scratch(), 2, 8e6);
@@ -47,7 +47,7 @@ for (const Browser of [WebKit, Chromium]) {
       assert.deepEqual(digests(program.saved()), digests(files));
     });
 
-    test('a video for which there is no room pauses the queue with the reason until there is', async (t) => {
+    test('a video without enough disk space pauses the queue until there is room', async (t) => {
       const home = scratch();
       const folder = path.join(home, 'photos');
       fs.mkdirSync(folder);
@@ -66,7 +66,7 @@ for (const Browser of [WebKit, Chromium]) {
       assert.deepEqual(digests(program.saved()), digests([video]));
     });
 
-    test('a limit that is lowered while the page is open refuses with that limit, once for each file', async (t) => {
+    test('a limit that is lowered while the page is open is shown, and each file is sent once', async (t) => {
       const home = scratch();
       const first = await Program.start(t, { home });
       const page = await browser.visitor(t);
@@ -81,7 +81,7 @@ for (const Browser of [WebKit, Chromium]) {
       assert.deepEqual(program.saved(), []);
     });
 
-    test('a lost answer leaves one saved row and one file', async (t) => {
+    test('a lost answer results in one saved row and one file', async (t) => {
       const { program, proxy, page } = await connect(t);
       const file = make(scratch(), 'once.jpg', 3e6);
       const lost = proxy.loseNextAnswer();
@@ -93,7 +93,7 @@ for (const Browser of [WebKit, Chromium]) {
       assert.equal(proxy.uploads, 1, 'the computer was asked instead of sent the photo again');
     });
 
-    test('a stop while a photo is being saved shows it as saved, and the rest goes on without it', async (t) => {
+    test('a stop while a photo is being saved shows it as saved, and the queue can continue', async (t) => {
       const { program, proxy, page } = await connect(t);
       const from = scratch();
       const [first, second] = [make(from, 'first.jpg', 3e6), make(from, 'second.jpg', 3e6)];
@@ -112,7 +112,7 @@ for (const Browser of [WebKit, Chromium]) {
       assert.equal(proxy.uploads, 2);
     });
 
-    test('a photo whose answer was lost to a reload is not sent twice when it is picked again', async (t) => {
+    test('a photo whose answer was lost by a reload is not sent twice', async (t) => {
       const { program, proxy, page } = await connect(t);
       const file = make(scratch(), 'reloaded.jpg', 3e6);
       const held = proxy.holdNextAnswer();

@@ -20,7 +20,7 @@ function command(home, ...more) {
 const address = /http:\/\/[^:]+:(\d+)\/\?k=(\w+)/;
 const served = async (port, key) => (await fetch(`http://127.0.0.1:${port}/?k=${key}`)).status;
 
-test('keys show the code again, reset the key after a yes, and end the program', async (t) => {
+test('keys show the code again, reset the access key after a confirmation, and end the program', async (t) => {
   const home = scratch();
   const terminal = new Terminal(t, `stty -g; ${command(home)}; echo "status $?"; stty -g`, { DISPLAY: '', WAYLAND_DISPLAY: '' });
   const [, modes] = await terminal.sees(/^([\w:]+)\r\n/);
@@ -52,7 +52,7 @@ test('keys show the code again, reset the key after a yes, and end the program',
   assert.ok(!terminal.screen.includes('#'), 'keys are not echoed');
 });
 
-test('the address of the next interface is shown, around and around, and only for this run', async (t) => {
+test('a key cycles through the addresses of the interfaces for this run only', async (t) => {
   const home = scratch();
   const { computer } = await twoHosts(t);
   computer.ip('link add eth1 type veth peer name far');
@@ -97,7 +97,7 @@ test('the save folder is opened in the file manager', async (t) => {
   assert.equal(await terminal.exited, 0);
 });
 
-test('the terminal is given back by signals and while the program is stopped, and left alone in the background', async (t) => {
+test('the terminal mode is restored by signals, while stopped, and in the background', async (t) => {
   const home = scratch();
   const terminal = new Terminal(t, 'exec sh -im', { ENV: '' });
   const modes = async () => {
@@ -135,7 +135,7 @@ test('the terminal is given back by signals and while the program is stopped, an
   }
 });
 
-test('a second program with the same folder and state ends with 3, and what it was asked is done by the first', async (t) => {
+test('a second instance exits with 3 and forwards its arguments to the first', async (t) => {
   const home = scratch();
   const state = path.join(home, 'state');
   const first = await Program.start(t, { home });

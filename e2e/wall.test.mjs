@@ -19,7 +19,7 @@ function drag(session, from, to) {
   session.run('xdotool', ...at(from), 'mousedown', '1', ...between.flatMap(at), 'sleep', '0.2', 'mouseup', '1');
 }
 
-test('photos are renamed, deleted, turned and put in another order, and each of it can be taken back', async (t) => {
+test('photos are renamed, deleted, rotated and reordered, and each action can be undone', async (t) => {
   const session = await Session.start(t);
   const photos = path.join(session.home, 'photos');
   fs.mkdirSync(photos);

@@ -14,7 +14,7 @@ namespace quarrow::applications {
 // An application that users can choose to open files with.
 struct InstalledApplication {
   std::filesystem::path entry; // its desktop entry
-  std::string name;            // in the person's language
+  std::string name;            // in the user's language
   std::string icon;            // an absolute path, or a name in the icon themes; empty: none
   bool isMadeForIt = false;    // says of itself that it opens such files
 

@@ -17,7 +17,7 @@ export function galleryScenarios(Browser) {
 
     const shown = (page, number) => page.waitFor((least) => document.querySelectorAll('#grid [data-state=shown]').length >= least, `${number} pictures`, number);
 
-    test('a guest who scrolls with an old key is told to scan, and the new code works at once', async (t) => {
+    test('a guest with an old key is asked to scan, and the new code works immediately', async (t) => {
       const home = scratch();
       const first = await Program.start(t, { home, ...on });
       makeMany(first.folder, 120);
@@ -35,7 +35,7 @@ export function galleryScenarios(Browser) {
       await shown(page, 9);
     });
 
-    test('pictures that could not be had while the computer was busy come by themselves', async (t) => {
+    test('thumbnails that failed while the computer was busy are loaded later', async (t) => {
       const program = await Program.start(t, on);
       makeMany(program.folder, 12);
       const page = await browser.visitor(t);

@@ -13,7 +13,7 @@ export function scenarios(Browser) {
     before(async () => { browser = await Browser.launch(); });
     after(() => browser?.close());
 
-    test('photos and a video arrive byte for byte, shown under the names they got', async (t) => {
+    test('photos and a video arrive unchanged and are shown under their final names', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const from = scratch();
@@ -31,7 +31,7 @@ export function scenarios(Browser) {
       assert.ok(shown.some((name) => name.endsWith('.dng')), 'only the name tells a raw picture from a scan');
     });
 
-    test('a file that is too large, empty or no photo is refused before it is sent', async (t) => {
+    test('a file that is too large, empty or not a photo is refused before it is sent', async (t) => {
       const program = await Program.start(t, { set: { maxUploadBytes: 100_000 } });
       const page = await browser.visitor(t);
       const from = scratch();
@@ -46,7 +46,7 @@ export function scenarios(Browser) {
       assert.equal((await program.names(1)).length, 1);
     });
 
-    test('a wrong key is turned away, and a key that changes stops the queue at once', async (t) => {
+    test('a wrong key is refused, and a changed key stops the queue immediately', async (t) => {
       const home = scratch();
       const first = await Program.start(t, { home });
       const page = await browser.visitor(t);
@@ -63,7 +63,7 @@ export function scenarios(Browser) {
       assert.equal((await fetch(second.url)).status, 200, 'this address is not banned for what the page did');
     });
 
-    test('an upload cut off by the end of the program is finished by itself after its return', async (t) => {
+    test('an upload interrupted by a restart of the program continues by itself', async (t) => {
       const home = scratch();
       const first = await Program.start(t, { home });
       const page = await browser.visitor(t);
@@ -79,7 +79,7 @@ export function scenarios(Browser) {
       await until(() => second.parts().length === 0, 'no unfinished file');
     });
 
-    test('a full folder is said before anything is picked, and nothing is sent into it', async (t) => {
+    test('a full folder is reported before a selection, and nothing is sent', async (t) => {
       const program = await Program.start(t, { set: { folderLimit: 1, autoPrune: false } });
       make(program.folder, 'present.jpg');
       const page = await browser.visitor(t);
@@ -90,7 +90,7 @@ export function scenarios(Browser) {
       assert.equal(await page.uploads(), 0);
     });
 
-    test('a folder that fills up stops the queue without a refusal, and room sets it going', async (t) => {
+    test('a folder that becomes full stops the queue without a refusal, and room continues it', async (t) => {
       const program = await Program.start(t, { set: { folderLimit: 3, autoPrune: false } });
       const page = await browser.visitor(t);
       await page.ready(program.url);
@@ -106,7 +106,7 @@ export function scenarios(Browser) {
       await page.hold('full');
     });
 
-    test('what was sent before is marked and skipped, also after a reload, until asked for', async (t) => {
+    test('files that were sent before are marked and skipped, also after a reload', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const files = makeMany(scratch(), 3);
@@ -126,7 +126,7 @@ export function scenarios(Browser) {
       assert.equal((await program.names(7)).length, 7);
     });
 
-    test('a cancelled upload and a stopped queue leave no unfinished file, and go on when asked', async (t) => {
+    test('a cancelled upload and a stopped queue leave no part file and can be continued', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const from = scratch();

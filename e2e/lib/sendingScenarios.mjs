@@ -13,7 +13,7 @@ export function sendingScenarios(Browser) {
     after(() => browser?.close());
 
     // As on a phone, which offers no wake lock to a page that is not encrypted.
-    test('a video keeps the screen on from the tap that continues the queue to its end', async (t) => {
+    test('a video keeps the screen on from the tap that continues the queue until it is done', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       await page.ready(program.url);
@@ -31,7 +31,7 @@ export function sendingScenarios(Browser) {
       await page.waitFor(() => document.querySelector('#awake').paused, 'the video to stand still at the end');
     });
 
-    test('a stopped queue is cleared with one tap, and what the computer has stays in sight', async (t) => {
+    test('a stopped queue is cleared with one tap, and saved files stay visible', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const from = scratch();
@@ -48,7 +48,7 @@ export function sendingScenarios(Browser) {
       await until(() => program.parts().length === 0, 'no unfinished file');
     });
 
-    test('a photo is known by its date, or by name and size where the date is that of the pick', async (t) => {
+    test('a photo is recognised by its date, or by name and size if the date is that of the selection', async (t) => {
       const program = await Program.start(t);
       const page = await browser.visitor(t);
       const dated = (days) => {

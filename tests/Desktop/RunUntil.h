@@ -7,7 +7,7 @@
 
 namespace quarrow::test {
 
-// Runs the event loop until `condition` holds. A test that waits in vain is ended by its time limit.
+// Runs the event loop until `condition` holds. A test whose condition never holds is ended by its time limit.
 inline void runUntil(const std::function<bool()> &condition) {
   while (!condition())
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);

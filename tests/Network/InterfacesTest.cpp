@@ -102,7 +102,7 @@ public:
   void postAfter(Seconds delay, std::function<void()> task) override {
     queue_.postAfter(delay, std::move(task));
   }
-  // A test that waits in vain is ended by its time limit.
+  // A test whose condition never holds is ended by its time limit.
   void awaitPost() { posted_.acquire(); }
   void run() { queue_.run(); }
 

@@ -33,7 +33,7 @@ protected:
     });
     await(1);
   }
-  // A test that waits in vain is ended by its time limit.
+  // A test without enough calls is ended by its time limit.
   void await(int count) {
     Locked locked(lock);
     while (calls < count)

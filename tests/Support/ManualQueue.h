@@ -28,8 +28,8 @@ public:
     while (const auto task = takeDue())
       task();
   }
-  // Runs due tasks and those of other threads until `condition` holds. A test that waits in vain is ended by
-  // its time limit.
+  // Runs due tasks and those of other threads until `condition` holds. A test whose condition never holds is
+  // ended by its time limit.
   void runUntil(const std::function<bool()> &condition) {
     for (run(); !condition(); runNext())
       ;

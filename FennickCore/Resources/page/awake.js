@@ -1,8 +1,8 @@
 // ---- Awake: keeps the screen on while files are sent
 
-// A phone that goes to sleep cuts the connection. Browsers offer a lock for this only to pages of encrypted sites;
-// elsewhere a video that plays keeps the screen on. It has to have sound, which is silence, and may not be marked as
-// looping, or iPhones pay no attention to it. Made with
+// A sleeping phone closes its connections. Browsers offer a wake lock only to pages of encrypted sites; on other
+// pages a playing video keeps the screen on. On iPhones it needs a sound track (which is silent) and must not be
+// marked as looping. The videos were created with
 //   ffmpeg -f lavfi -i color=black:s=16x16:r=1:d=8 -f lavfi -i anullsrc=r=8000:cl=mono -t 8 \
 //     -c:v libx264 -profile:v baseline -pix_fmt yuv420p -crf 51 -c:a aac -b:a 8k -movflags +faststart awake.mp4
 //   (the same sources) -c:v libvpx -crf 63 -b:v 1k -c:a libopus -b:a 6k -frame_duration 60 awake.webm
@@ -26,7 +26,7 @@ const awake = (function () {
     on(video, 'ended', play);
   }
 
-  // A browser that refuses leaves the screen to the phone's own setting.
+  // If the browser refuses, the setting of the phone decides when the screen turns off.
   function play() {
     if (wanted) video.play().catch(() => {});
   }
@@ -58,13 +58,13 @@ const awake = (function () {
 
   return {
     turn,
-    // To be called for a tap: browsers start a video with sound only then, and later those that a tap has started.
+    // Call this in the handler of a tap: browsers start a video with sound only then. Later calls may restart it.
     permit() {
       if (navigator.wakeLock || video.firstChild) return;
       load();
       video.play().then(() => wanted || video.pause(), () => {});
     },
-    // The browser lets go of the lock, and may stop the video, while the page is hidden.
+    // The browser releases the lock, and may stop the video, while the page is hidden.
     wake() {
       if (!wanted) return;
       if (navigator.wakeLock) hold();

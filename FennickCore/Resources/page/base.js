@@ -7,8 +7,8 @@ const path = (route, more) => route + '?k=' + encodeURIComponent(key) + (more ||
 
 // ---- Small helpers
 
-// A short fingerprint of a text. It only has to tell one phone's files apart, not to resist anybody;
-// the browser's own digests are not offered to a page on a plain LAN address.
+// Returns a short hash of a text. It distinguishes the files of one phone and is not cryptographic:
+// browsers offer their digests only to pages of encrypted sites.
 function fingerprint(text) {
   let a = 0xdeadbeef, b = 0x41c6ce57;
   for (let i = 0; i < text.length; i++) {
@@ -21,7 +21,7 @@ function fingerprint(text) {
   return (4294967296 * (2097151 & b) + (a >>> 0)).toString(36);
 }
 
-// 128 random bits in hexadecimal: the identity of an upload.
+// Returns 128 random bits in hexadecimal: the identity of an upload.
 const newID = () => Array.from(crypto.getRandomValues(new Uint8Array(16)), (byte) => byte.toString(16).padStart(2, '0')).join('');
 
 function bytesText(n) {
@@ -39,8 +39,8 @@ function clockText(seconds) {
   return h ? h + ':' + two(m) + ':' + two(s % 60) : m + ':' + two(s % 60);
 }
 
-// The pause before try number `n` (from 0): 1, 2, 4 ... 30 s, a little uneven so that several phones
-// that lost the same network do not come back in step.
+// Returns the pause before attempt `n` (from 0): 1, 2, 4 ... 30 s, with random jitter so that phones
+// that lost the same network do not all reconnect at the same moment.
 const pause = (n) => Math.min(30000, 1000 * Math.pow(2, n)) * (0.85 + Math.random() * 0.3);
 
 let live = '';
@@ -50,7 +50,7 @@ function announce(text) {
   $.live.textContent = text;
 }
 
-// Asks the computer and gives { code, json } or, for a refusal, { code, text }. No answer in time is an error.
+// Sends a request. Returns { code, json } or, for a refusal, { code, text }. Throws if no answer comes in time.
 async function query(route, more) {
   const stopper = new AbortController();
   const alarm = setTimeout(() => stopper.abort(), 10000);
@@ -63,8 +63,8 @@ async function query(route, more) {
   }
 }
 
-// Lists kept by the browser for this computer. Private browsing or a full store may refuse; they then last as
-// long as the page.
+// Lists that the browser stores for this computer. If it refuses (private browsing, a full store), they last
+// as long as the page.
 const memory = {
   read(name) {
     try {
@@ -83,12 +83,12 @@ const memory = {
   },
 };
 
-// ---- Limit: the largest file the computer takes
+// ---- Limit: the largest file that the computer accepts
 
 const limit = {
   bytes: Number('__MAX_BYTES__') || Infinity,
 
-  // A refusal names the limit that is in force now.
+  // A refusal contains the current limit.
   learn(message) {
     const found = /limit\s(\d+)\sbytes/.exec(message);
     if (found) limit.bytes = Number(found[1]);
@@ -115,7 +115,7 @@ const marks = (function () {
     known.add(mark).add(withoutDate(mark));
   }
 
-  // Another tab may have written in the meantime, so the stored list is read again and added to.
+  // Another tab may have written in the meantime, so the stored list is read again and extended.
   function flush() {
     clearTimeout(timer);
     timer = 0;
@@ -129,8 +129,8 @@ const marks = (function () {
 
   return {
     flush,
-    // An iPhone gives the moment of the pick as a photo's date. A date from about now says nothing, and the file is
-    // known by its name and size alone.
+    // An iPhone reports the time of the selection as the date of a photo. If the date is recent, the file is
+    // identified by its name and size alone.
     of(file) {
       const date = Math.abs(now() - file.lastModified) > 120000 ? file.lastModified.toString(36) : '';
       return file.size.toString(36) + '.' + date + '.' + fingerprint(file.name);
@@ -145,9 +145,9 @@ const marks = (function () {
   };
 })();
 
-// ---- Outbox: uploads that were sent and whose outcome this phone has not heard of
+// ---- Outbox: uploads that were sent and whose outcome is unknown
 
-// They are kept across a reload: the computer may have a photo although the page that sent it never heard so.
+// They are kept across a reload: the computer may have saved a photo although its answer was lost.
 const outbox = (function () {
   const store = 'tevrin.outbox.' + fingerprint(key);
   const sent = new Map(memory.read(store).map((entry) => entry.split(' ')));  // identity to mark
@@ -172,9 +172,9 @@ const outbox = (function () {
       sent.set(id, mark);
       keep();
     },
-    // The identity under which an earlier page has sent this file, else a new one.
+    // Returns the identity under which an earlier page sent this file, or a new one.
     idOf: (mark) => Array.from(earlier).find((id) => sent.get(id) === mark) || newID(),
-    // What became of the uploads of earlier pages. Returns the marks of those that the computer has.
+    // Takes the outcomes of uploads of earlier pages. Returns the marks of those that were saved.
     learn(outcomes) {
       const saved = [];
       Array.from(earlier).filter((id) => outcomes[id] && outcomes[id].state !== 'receiving').forEach((id) => {

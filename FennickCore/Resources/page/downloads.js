@@ -12,13 +12,13 @@ const fetcher = (function () {
     link.click();
   }
 
-  // Takes back the memory of the photo before, which by now has been stored.
+  // Frees the memory of the previous photo, which has been stored by now.
   function lend(address) {
     if (lent) URL.revokeObjectURL(lent);
     lent = address;
   }
 
-  // With a pause, since browsers, those of iPhones above all, leave out downloads that come within a second.
+  // Pauses between downloads: browsers, especially on iPhones, drop downloads that follow within a second.
   async function one(item) {
     const address = gallery.url('file', item);
     if (item.bytes > large) return hand(address, item.name);

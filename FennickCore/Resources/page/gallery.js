@@ -1,4 +1,4 @@
-// ---- Gallery: the photos that the computer shows, and the way to them
+// ---- Gallery: the list of photos on the computer
 
 const gallery = (function () {
   const chosen = new Set();
@@ -72,7 +72,7 @@ const gallery = (function () {
     near.observe(item.cell);
   }
 
-  // Pictures are loaded when they come near the screen.
+  // Thumbnails are loaded when they come close to the viewport.
   function look(entries) {
     entries.forEach(({ target, isIntersecting }) => {
       const item = owner(target);
@@ -97,7 +97,7 @@ const gallery = (function () {
     item.cell.querySelector('img').src = item.source;
   }
 
-  // What the user looks at stays where it is, whatever comes or goes above it.
+  // Keeps the visible photos in place when photos above them appear or disappear.
   function steady(change) {
     const above = (item) => item.cell.getBoundingClientRect().top;
     const seen = grid.getBoundingClientRect().top < 0 && items.find((item) => above(item) >= 0);
@@ -113,7 +113,7 @@ const gallery = (function () {
     announce(both('新到 ' + fresh.length + ' 张', fresh.length + ' new'));
   }
 
-  // -- What is said
+  // -- Messages
 
   function tell(state) {
     const known = { list: ['alert', 'warning', '照片列表没读到，请重试 / The list of photos could not be read, please retry'] };
@@ -190,7 +190,7 @@ const gallery = (function () {
     load();
   }
 
-  // -- Choosing
+  // -- Selection
 
   function choose(on) {
     choosing = on;
@@ -215,7 +215,7 @@ const gallery = (function () {
 
   // -- Input
 
-  // A finger that rests on a picture chooses it; the click that may follow is not meant.
+  // A long press selects a photo; the click that may follow is ignored.
   function wireLongPress() {
     let timer = 0, from = null, held = false;
     const off = () => clearTimeout(timer);
@@ -246,7 +246,7 @@ const gallery = (function () {
     });
   }
 
-  // One stop of the Tab key for the whole grid; the arrows move inside it.
+  // The grid is a single tab stop; arrow keys move inside it.
   function wireKeys() {
     on(grid, 'focusin', (event) => {
       grid.querySelectorAll('[tabindex="0"]').forEach((button) => { button.tabIndex = -1; });

@@ -39,7 +39,7 @@ function wireRows() {
   });
 }
 
-// A folder dropped along with the pictures cannot be sent as a file and is left out.
+// Dropped folders cannot be sent as files and are ignored.
 function droppedFiles(transfer) {
   const entries = Array.from(transfer.items || []).filter((item) => item.kind === 'file');
   if (!entries.length) return Array.from(transfer.files);

@@ -1,7 +1,7 @@
-// ---- Pictures: loads thumbnails, a few at a time, until each of them is there
+// ---- Pictures: loads thumbnails, a few at a time, and repeats failed requests
 
-// Browsers give an address a handful of connections and never ask again for a picture that failed. So the page asks for
-// pictures itself, leaves connections to the rest, and asks again for what failed, with growing pauses.
+// Browsers open only a few connections to one address and never repeat the request of a failed image. Therefore the
+// page requests thumbnails itself, leaves connections to other requests, and retries with growing pauses.
 const pictures = (function () {
   const most = 4;
   const jobs = new Set();
@@ -30,7 +30,7 @@ const pictures = (function () {
     next();
   }
 
-  // A picture that cannot be made stays missing until the photo changes; what is busy now comes later.
+  // A thumbnail that cannot be created stays missing until the photo changes; after "busy" it is requested again.
   async function answer(job, reply) {
     if (reply.ok) finish(job, await reply.blob());
     else if (reply.status === 404) finish(job, null);
@@ -45,7 +45,7 @@ const pictures = (function () {
     job.at = now() + Math.max(1000 * (seconds || 0), pause(job.tries++));
   }
 
-  // Each question with a key that is not valid would count against this phone, so nothing more is asked.
+  // Each request with an invalid key would count as a failure of this phone, so no more are sent.
   function refused(code, text) {
     if (code === 403 && /gallery is off/.test(text)) gallery.turn(false);
     else if (code === 403) status.believe('key');
@@ -56,7 +56,7 @@ const pictures = (function () {
 
   return {
     refused,
-    // Calls `done` with the picture, or with null if there is none. Returns what drops the wish.
+    // Calls `done` with the picture, or with null if there is none. Returns a function that cancels the request.
     want(url, urgent, done) {
       const job = { url, urgent: urgent ? 1 : 0, done, at: 0, tries: 0, stopper: null };
       jobs.add(job);
@@ -66,7 +66,7 @@ const pictures = (function () {
         if (job.stopper) job.stopper.abort();
       };
     },
-    // Nothing is asked while the gallery is not seen or the computer cannot be reached.
+    // Sends no requests while the gallery is not visible or the computer cannot be reached.
     run(on) {
       open = on;
       jobs.forEach((job) => {

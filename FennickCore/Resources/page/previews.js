@@ -1,4 +1,4 @@
-// ---- Previews: small pictures, made one at a time and only for rows that are seen
+// ---- Previews: small pictures, created one at a time and only for visible rows
 
 const previews = (function () {
   const edge = 112;
@@ -29,7 +29,7 @@ const previews = (function () {
     });
   }
 
-  // The full picture is decoded once, drawn small, and let go of at once.
+  // The full picture is decoded once, drawn at a small size, and freed immediately.
   function draw(item) {
     const url = URL.createObjectURL(item.file);
     const image = new Image();

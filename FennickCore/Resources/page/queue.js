@@ -1,7 +1,7 @@
-// ---- Queue: the files and what has become of them
+// ---- Queue: the files and their states
 
 // The states of an item: waiting, sending, saved, failed, cancelled, known (already sent, skipped). An item is unsure
-// while nobody on the phone knows what became of its last attempt; it is not sent again until the computer was asked.
+// while the outcome of its last attempt is unknown; it is not sent again before the computer was asked.
 const queue = (function () {
   const items = new Map();
   const changed = new Set();
@@ -73,7 +73,7 @@ const queue = (function () {
     list: (test) => Array.from(items.values()).filter(test),
     inBatch: (item) => item.batch === batch,
 
-    // The next file that fits and whose own pause is over, and otherwise when the first pause ends.
+    // Returns the next file that fits and whose pause is over, or else when the first pause ends.
     next(fits) {
       let soonest = Infinity;
       for (const item of items.values()) {

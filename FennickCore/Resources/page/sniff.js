@@ -1,6 +1,6 @@
-// ---- Sniff: whether a file is one that the computer takes, by its first bytes
+// ---- Sniff: detects by the first bytes whether the computer accepts a file
 
-// The same signatures as the computer's, so that a large file is refused before it is sent.
+// The signatures are those of the computer, so that a large file is refused before it is sent.
 const sniff = (function () {
   const brands = new Set([
     'heic', 'heix', 'hevc', 'hevx', 'mif1', 'msf1', 'heim', 'heis', 'avif', 'avis', 'qt  ', 'm4v ', 'm4vh', 'm4vp',
@@ -20,7 +20,7 @@ const sniff = (function () {
 
   return {
     refusal: '不支持的文件类型，只接收照片和视频 / Unsupported file type; photos and videos only',
-    // Rejects when the file cannot be read.
+    // Rejects if the file cannot be read.
     takes: async (file) => known(new Uint8Array(await file.slice(0, 16).arrayBuffer())),
   };
 })();

@@ -19,8 +19,8 @@ const status = (function () {
     return state;
   }
 
-  // A hidden page asks nothing, unless files are waiting for the way back. A wrong key is not asked about again by
-  // itself: each question would count against this phone, and only a new scan helps.
+  // A hidden page sends no requests unless files are waiting for the connection. After a wrong key no request is
+  // repeated: each would count as a failure of this phone, and only a new scan helps.
   function plan() {
     clearTimeout(timer);
     if (state === 'key' || (document.hidden && !(state === 'lost' && uploader.running()))) return;
@@ -33,7 +33,7 @@ const status = (function () {
     return code === 429 ? 'banned' : 'lost';
   }
 
-  // With the status the computer tells what became of the uploads that this phone does not know the end of.
+  // The status request also asks for the outcomes of uploads that are unknown to this phone.
   async function question() {
     const takenBefore = taken;
     askedAt = now();
@@ -72,10 +72,10 @@ const status = (function () {
     get age() { return now() - askedAt; },
     saved() { taken++; },
 
-    // Whether a file fits on the computer's disk as far as is known.
+    // Returns whether a file fits on the computer's disk, as far as known.
     fits: (file) => !info.diskLow && file.size <= (typeof info.roomBytes === 'number' ? info.roomBytes : Infinity),
 
-    // How many more files fit into the folder as far as is known. Only a count that can refuse counts.
+    // Returns how many more files fit into the folder, as far as known. With automatic pruning there is no limit.
     room() {
       if (typeof info.folderLimit !== 'number' || info.autoPrune) return Infinity;
       return Math.max(0, info.folderLimit - info.folderCount - taken);

@@ -33,8 +33,8 @@ const uploader = (function () {
     timer = setTimeout(pump, Math.max(50, time - now()));
   }
 
-  // How many files may be on their way together with this one. Large files that share a slow connection could each take
-  // longer than the computer keeps a connection; how slow it is shows with the first one.
+  // Returns how many files may be sent at the same time as this one. Large files that share a slow connection could
+  // each exceed the lifetime of a connection. The speed is measured with the first one.
   function slots(item) {
     if (strikes) return 1;
     const largest = Math.max(...[item, ...active].map((each) => each.file.size));
@@ -62,7 +62,7 @@ const uploader = (function () {
 
   const crowded = (item) => item.state === 'waiting' && !item.unsure && !status.fits(item.file);
 
-  // Keeps below the computer's own rate, so that a pick of 500 waits instead of being turned away.
+  // Stays below the rate limit of the computer, so that 500 selected files wait instead of being refused.
   function paced() {
     const time = now();
     starts = starts.filter((at) => time - at < minute && at <= time);
@@ -71,7 +71,7 @@ const uploader = (function () {
     return false;
   }
 
-  // What stands in the way as far as the computer has said.
+  // Returns the reason for a pause that is known from the computer.
   function trouble() {
     const state = status.state;
     if (state === 'lost') return progressing() ? '' : 'offline';
@@ -86,14 +86,14 @@ const uploader = (function () {
     return !kind;
   }
 
-  // Sends no file into a folder that may be full: every refusal counts against this phone.
+  // Sends no file into a folder that may be full: each refusal counts as a failure of this phone.
   function roomy() {
     if (status.state !== 'asking' && status.room() > active.size) return true;
     if (!active.size) check();
     return false;
   }
 
-  // Asks the computer before going on; what it answers sets or lifts the hold (see `learn`).
+  // Requests the status before continuing; the answer sets or ends the hold (see `learn`).
   function check() {
     if (checking || (status.state === 'key' && status.age < 5000)) return;
     checking = true;
@@ -111,7 +111,7 @@ const uploader = (function () {
     else if (status.state === 'ok') recover();
   }
 
-  // A stop that the user asked for stays, whatever the computer says.
+  // A stop by the user stays, whatever the status is.
   function block(kind) {
     const waiting = queue.list((item) => item.state === 'waiting' || item.heldBy).length;
     if (hold && hold.kind === 'stopped') return;
@@ -130,14 +130,14 @@ const uploader = (function () {
     pump();
   }
 
-  // A network that came back need not wait for the rest of the pauses.
+  // When the network is back, the remaining pauses end.
   function hurry() {
     queue.list((item) => item.state === 'waiting' && !item.unsure).forEach((item) => { item.notBefore = 0; });
   }
 
   // -- One file
 
-  // The first bytes tell whether the computer takes the file, before all of it is sent.
+  // Checks by the first bytes whether the computer accepts the file, before all of it is sent.
   function start(item) {
     item.movedAt = now();
     active.add(item);
@@ -153,8 +153,8 @@ const uploader = (function () {
     );
   }
 
-  // The body is the file itself, whole: the browser streams it from storage, and the type it knows
-  // goes along; a file without a type is sent without one.
+  // The body is the file itself, which the browser streams from storage. The media type is sent if the browser
+  // knows it.
   function send(item) {
     const xhr = new XMLHttpRequest();
     const ended = (handle) => () => {
@@ -172,7 +172,7 @@ const uploader = (function () {
     xhr.upload.onprogress = (event) => moved(item, event.loaded);
     xhr.upload.onload = () => moved(item, item.file.size);
     xhr.onload = ended(() => answered(item, xhr.status, (xhr.responseText || '').trim()));
-    // An end that nobody asked for, whatever its name, is a lost connection; see `detach` for the others.
+    // Every unexpected end is treated as a lost connection; `detach` handles the intended ones.
     xhr.onerror = xhr.ontimeout = xhr.onabort = ended(lost);
     item.xhr = xhr;
     item.movedAt = now();
@@ -182,7 +182,7 @@ const uploader = (function () {
     xhr.send(item.file);
   }
 
-  // Half a surrogate pair in a name cannot be encoded; the computer then goes by the content alone.
+  // A name with half a surrogate pair cannot be encoded; the computer then uses the content alone.
   function encoded(name) {
     try {
       return encodeURIComponent(name);
@@ -197,9 +197,9 @@ const uploader = (function () {
     queue.touch(item);
   }
 
-  // -- What became of it
+  // -- Outcomes
 
-  // An answer of the computer, whether it came with the upload or was asked for.
+  // Handles an answer, which came with the upload or with the status.
   function answered(item, code, text) {
     item.unsure = false;
     item.asks = 0;
@@ -220,7 +220,7 @@ const uploader = (function () {
     queue.set(item, 'saved', name);
   }
 
-  // Two reasons share one code: this phone was turned away altogether, or it is only too quick.
+  // The code has two reasons: this phone is banned, or it exceeds the rate limit.
   function tooMany(item, text) {
     queue.set(item, 'waiting');
     if (/too many requests/i.test(text)) return status.believe('banned');
@@ -229,7 +229,7 @@ const uploader = (function () {
     holdFor('pace', '', now() + Math.min(15000, 4000 + 2000 * strikes));
   }
 
-  // The computer's own words, but for those that were written for another one.
+  // Returns the text of the computer, except for texts that mention another kind of computer.
   function words(code, text) {
     if (/Mac/.test(text)) {
       return code === 507
@@ -239,7 +239,7 @@ const uploader = (function () {
     return text || '电脑拒绝了这个文件 / The computer refused this file (' + code + ')';
   }
 
-  // What would be refused again for every other file stops the queue; anything else is this file's own.
+  // A refusal that would apply to every other file holds the queue; any other concerns only this file.
   function refuse(item, code, text) {
     active.delete(item);
     item.final = [400, 411, 413, 415].includes(code);
@@ -260,7 +260,7 @@ const uploader = (function () {
     }
   }
 
-  // The file goes back and is sent once it fits; smaller ones may go before it.
+  // The file returns to the queue and is sent when it fits; smaller files may be sent before it.
   function noRoom(item) {
     item.notBefore = now() + 5000;
     queue.set(item, 'waiting');
@@ -272,8 +272,8 @@ const uploader = (function () {
       .forEach((item) => queue.set(item, 'failed', limit.refusal(item.file)));
   }
 
-  // Refusals can reach the browser as broken connections, since the computer does not read a body that it will not
-  // keep, and an answer can be lost although the photo is saved. So the computer is asked what became of the file.
+  // A refusal can reach the browser as a broken connection, because the computer does not read a body that it will
+  // not keep. An answer can also be lost although the photo is saved. Therefore the outcome is requested.
   function lost(item) {
     queue.set(item, 'waiting');
     doubt(item, 0);
@@ -285,7 +285,7 @@ const uploader = (function () {
     inquire(delay);
   }
 
-  // Asks about all unsure files at once. While the computer cannot be reached, the status itself asks on.
+  // Requests the outcomes of all unsure files. While the computer cannot be reached, the status request repeats this.
   function inquire(delay) {
     clearTimeout(inquiry);
     inquiry = setTimeout(() => { if (status.state !== 'key') status.ask(); }, delay);
@@ -293,7 +293,7 @@ const uploader = (function () {
 
   const unsure = () => queue.list((item) => item.unsure).map((item) => item.upload);
 
-  // What the computer says of the files that were asked about.
+  // Handles the outcomes of the requested files.
   function hear(outcomes) {
     keepToLimit();
     if (outcomes) {
@@ -307,8 +307,8 @@ const uploader = (function () {
     if (asks.length) inquire(next ? pause(next) : 200);
   }
 
-  // An upload that is still being received has either not ended yet, or its connection is dead, which the computer
-  // notices after a minute.
+  // If an upload is still being received, it has not ended yet, or its connection is dead, which the computer
+  // detects after a minute.
   function applyOutcome(item, outcome) {
     if (!outcome) return;  // it became unsure after the question was sent
     if (outcome.state === 'receiving') {
@@ -340,15 +340,15 @@ const uploader = (function () {
       : '连接总是中断，文件还在手机里 / The connection keeps breaking; the file is still on the phone');
   }
 
-  // A picked file can be gone by the time its turn comes (deleted, or still only in the cloud).
+  // A selected file may no longer be readable (deleted, or stored only in the cloud).
   function unreadable(item) {
     active.delete(item);
     queue.set(item, 'failed', '读不到这个文件，请重新选择 / Cannot read this file; please pick it again');
   }
 
-  // -- What the user asks for
+  // -- Commands of the user
 
-  // The computer may have all of the file already, so it is asked.
+  // The computer may have received the whole file already, so its outcome is requested.
   function detach(item) {
     const xhr = item.xhr;
     item.xhr = null;
@@ -373,8 +373,8 @@ const uploader = (function () {
     guard();
   }
 
-  // Takes what was not sent out of the queue; the photos stay on the phone. A file that the computer may have stays in
-  // sight until that is known.
+  // Removes unsent files from the queue; the photos stay on the phone. A file whose outcome is unknown stays visible
+  // until it is known.
   function clear() {
     queue.list((item) => item.state === 'waiting').forEach((item) => {
       item.unwanted = true;
@@ -410,8 +410,8 @@ const uploader = (function () {
 
   const progressing = () => Array.from(active).some((item) => now() - item.movedAt < 5000);
 
-  // Timers stand still while the screen is locked. After such a gap the running uploads get a few
-  // seconds to show life before they are given up.
+  // Timers stop while the screen is locked. After such a gap, running uploads get a few seconds to make progress
+  // before they are cancelled.
   function tick() {
     const time = now();
     const asleep = time - lastTick > 8000;
@@ -431,7 +431,7 @@ const uploader = (function () {
 
   const running = () => !(hold && hold.kind === 'stopped') && queue.list(queue.pending).length > 0;
 
-  // While files are on their way the page watches them, keeps the screen on, and asks before it is left.
+  // While files are being sent, the page checks their progress, keeps the screen on, and asks before it closes.
   function guard() {
     const busy = running();
     awake.turn(busy);

@@ -59,7 +59,7 @@ const view = (function () {
     if (fresh) previews.watch(item);
   }
 
-  // A row moves to the list of its state: what needs a hand on top, what is saved at the end.
+  // Moves a row to the list of its state: rows that need the user come first, saved ones last.
   function arrange(item, row) {
     const state = item.state;
     const list = $[groups[state] + 'Rows'];
@@ -102,7 +102,7 @@ const view = (function () {
     return item.note;
   }
 
-  // -- The sum
+  // -- Summary
 
   function count() {
     const sum = { waiting: 0, sending: 0, saved: 0, failed: 0, cancelled: 0, known: 0, bytes: 0, sent: 0, savedNow: 0 };
@@ -117,8 +117,8 @@ const view = (function () {
     return sum;
   }
 
-  // Adding up is cheap but pointless sixty times a second; the last change is never lost. What comes or goes above the
-  // rows does so together with them, so that nothing moves away under a finger.
+  // The summary is not updated in every frame, but the last change is never lost. Notices above the rows appear and
+  // disappear together with changes of the rows, so that no row moves away under a finger.
   function summary() {
     const isShown = !$.sum.hidden && $.hold.hidden === !uploader.hold;
     if (isShown && now() - summedAt < 100 && uploader.running()) {
@@ -183,9 +183,9 @@ const view = (function () {
     celebrated = true;
   }
 
-  // -- What the user should know
+  // -- Notices
 
-  // Why the queue stands still: tone, icon, what happened, what it means, and the button.
+  // The reasons for a hold: tone, icon, what happened, what it means, and the button.
   const again = '重试 / Retry';
   const holds = {
     offline: ['warning', 'signal', '连接断了，正在重连 / Connection lost, reconnecting',
@@ -228,14 +228,14 @@ const view = (function () {
     return both(seconds + ' 秒后自动继续', 'going on in ' + seconds + ' s');
   }
 
-  // What stands between the phone and the computer, by the state of the connection: icon, tone, text.
+  // The notice for each state of the connection: icon, tone, text.
   const walls = {
     key: ['scan', 'danger', '密钥不对或已失效，请重新扫描电脑上的二维码 / This code is not valid (any more); scan the one on the computer'],
     banned: ['clock', 'warning', holds.banned[2] + '. ' + holds.banned[3]],
     lost: ['signal', 'warning', '连不上电脑，请确认在同一个 Wi-Fi / Cannot reach the computer; check that both are on the same Wi-Fi'],
   };
 
-  // Said before anything is picked: what would turn a pick away, or soon will.
+  // The warning before a selection: what would refuse files now or soon.
   function showHint(busy) {
     const room = status.room();
     const info = status.info;

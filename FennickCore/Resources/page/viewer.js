@@ -30,14 +30,14 @@ const viewer = (function () {
   function picture(item, source) {
     const image = new Image();
     image.alt = item.name;
-    // A mouse would drag the picture away instead of moving it; a finger's long press needs it as it is.
+    // Prevents a mouse from dragging the image out of the page; a long press on a phone needs the default.
     if (matchMedia('(hover: hover)').matches) image.draggable = false;
     if (source) image.src = source;
     return image;
   }
 
-  // The small picture stands in until the large one can be painted at once. That has the address of the photo, so that
-  // what a long press saves has its name; by then the browser has it in its store.
+  // Shows the small picture until the large one is decoded. The large one has the URL of the photo, so that a file
+  // saved by a long press has the right name; the browser has it in its cache by then.
   function sharpen(item) {
     const slide = slides.get(item);
     if (!slide || slide.unwant) return;
@@ -118,7 +118,7 @@ const viewer = (function () {
     pan(0, 0);
   }
 
-  // The edges of a zoomed photo never come inside the screen.
+  // The edges of a zoomed photo never leave a gap on the screen.
   function pan(right, down) {
     const { naturalWidth: w, naturalHeight: h } = slides.get(list[at]).lastChild;
     const fit = Math.min(innerWidth / w, innerHeight / h) || 0;
@@ -200,7 +200,7 @@ const viewer = (function () {
     place(false);
   }
 
-  // Pictures behind the large one neither scroll nor take the focus.
+  // The page behind the viewer neither scrolls nor takes the focus.
   function stay(still) {
     document.documentElement.classList.toggle('still', still);
     [$.page, $.tabs, $.fetcher].forEach((part) => { part.inert = still; });
@@ -223,7 +223,7 @@ const viewer = (function () {
     history.back();
   }
 
-  // The list has changed: the photo that is seen keeps its place, or gives it to the next.
+  // After a change of the list, the current photo stays visible, or the next one replaces it if it is gone.
   function refresh() {
     if (at < 0) return;
     const next = gallery.items;
