@@ -115,7 +115,7 @@ bool mayChange(const ImagingOptions &options, std::string_view extension) {
 PrivateData privateDataOf(const PictureFacts &facts) {
   const bool isRead =
       isProcessable(facts) || facts.type == PictureType::webp || facts.type == PictureType::png;
-  return {.location = facts.hasLocation || !(isRead || facts.type == PictureType::gif),
+  return {.location = facts.hasLocation || (!isRead && facts.type != PictureType::gif),
           .metadata = facts.hasMetadata || !isRead};
 }
 

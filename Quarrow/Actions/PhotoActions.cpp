@@ -288,7 +288,7 @@ void PhotoActions::noteRestored(const Outcome &outcome) {
 }
 
 // Reports how much of a stopped undo remains, and lists failures.
-void PhotoActions::sayWhatIsLeft(Outcome &&outcome) {
+void PhotoActions::sayWhatIsLeft(Outcome outcome) {
   const int left = countOf(outcome.left);
   const QString again = left > 0 ? tr("，可按 Ctrl+Z 重试") : QString();
   if (!outcome.problem.isEmpty())

@@ -128,7 +128,7 @@ private:
   void undoArrangement(const Arrangement &arrangement);
   void finishUndo(const UndoEntry &entry, Outcome outcome);
   void noteRestored(const Outcome &outcome);
-  void sayWhatIsLeft(Outcome &&outcome);
+  void sayWhatIsLeft(Outcome outcome);
   void failOrder(const QString &what, const std::error_code &reason);
   enum class Selecting { whatWas, all };
   void adopt(const std::vector<fennick::Renaming> &renamings, Selecting selecting = Selecting::whatWas);
