@@ -107,6 +107,19 @@ TEST_F(FileSystemTest, UsesTheEarlierOfBirthAndModification) {
   EXPECT_EQ(fileStatus(file)->created(), fresh.born.value_or(fileStatus(file)->modified));
 }
 
+// No file system here refuses to change permissions of files, but all refuse it for links, so a link is used.
+TEST_F(FileSystemTest, ToleratesRefusedPermissionsAndCopiesTheTime) {
+  FileStatus like;
+  like.modified = Instant(std::chrono::seconds(5));
+  like.permissions = 0640;
+  const auto link = folder / "link";
+  fs::create_symlink(folder.write("photo"), link);
+  ASSERT_FALSE(setPermissions(link, 0640));
+  EXPECT_TRUE(copyPermissionsAndTime(like, link));
+  EXPECT_EQ(fileStatus(link)->modified, like.modified);
+  EXPECT_FALSE(copyPermissionsAndTime(like, folder / "gone"));
+}
+
 TEST_F(FileSystemTest, RestoresAFileFromTheTrash) {
   ASSERT_EQ(kDataHomeIsSet, 0);
   SystemTrash trash;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <functional>
 #include <thread>
 
 namespace fennick {
@@ -77,6 +78,28 @@ TEST_F(FilePreferencesTest, KeepsADamagedFileBeforeTheFirstWrite) {
     EXPECT_EQ(reopened().text("text"), "2");
     kept = "tevrin/preferences.json.damaged-" + std::to_string(++number);
   }
+}
+
+TEST_F(FilePreferencesTest, KeepsUnusableContentThatAppearsWhileInUse) {
+  auto preferences = reopened();
+  ASSERT_TRUE(preferences.setText("text", "1"));
+  const std::function<void()> intruders[] = {
+      [&] { folder.write("tevrin/preferences.json/file", "theirs"); }, // a folder
+      [&] { folder.write("tevrin/preferences.json", "cut sho"); },
+      [&] { ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); },
+      [&] { fs::create_symlink(file, file); },
+      [] {}, // nothing is there any more
+  };
+  for (const auto &intrude : intruders) {
+    fs::remove(file);
+    intrude();
+    ASSERT_TRUE(preferences.setFlag("on", true));
+    EXPECT_TRUE(reopened().flag("on"));
+    EXPECT_EQ(reopened().text("text"), "1");
+  }
+  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged/file"), "theirs");
+  EXPECT_EQ(folder.read("tevrin/preferences.json.damaged-2"), "cut sho");
+  EXPECT_TRUE(fs::is_symlink(folder / "tevrin/preferences.json.damaged-4"));
 }
 
 TEST_F(FilePreferencesTest, StoresAFailedValueTogetherWithTheNext) {

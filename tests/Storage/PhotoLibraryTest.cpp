@@ -2,12 +2,15 @@
 
 #include "FennickCore/Storage/PhotoOrder.h"
 #include "tests/Support/FakeDecoder.h"
+#include "tests/Support/FaultyFileSystem.h"
 #include "tests/Support/ManualQueue.h"
 #include "tests/Support/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+
+#include <cerrno>
 
 namespace fennick {
 namespace {
@@ -223,6 +226,23 @@ TEST_F(PhotoLibraryTest, RemovesAndRestoresACustomOrder) {
   library->undo(made.at(0));
   await({"a.jpg", "b.jpg", "c.jpg", "x.jpg", "y.jpg", "new.jpg", "newer.jpg"});
   EXPECT_FALSE(library->isArranged());
+}
+
+TEST_F(PhotoLibraryTest, RepeatsAnUndoThatCouldNotBeStored) {
+  test::FaultyFileSystem faulty;
+  library = std::make_unique<PhotoLibrary>(faulty, decoder, queue);
+  write("a.jpg", 2), write("b.jpg", 1);
+  PhotoLibrary::RearrangementRef made;
+  const auto subscription = library->observeRearrangements([&](const auto &change) { made = change; });
+  open();
+  library->reorder({photos / "b.jpg"});
+  faulty.failNext(test::FaultyFileSystem::Operation::remove, EACCES);
+  std::vector<bool> stored;
+  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
+  library->undo(made, [&](const auto &result) { stored.push_back(result.has_value()); });
+  queue.runUntil([&] { return stored.size() == 2; });
+  EXPECT_THAT(stored, ElementsAre(false, true));
+  EXPECT_THAT(shownAfresh(), ElementsAre("a.jpg", "b.jpg"));
 }
 
 class PhotoOrderTest : public ::testing::Test {

@@ -142,7 +142,7 @@ TEST_F(SaveFolderTest, NeverReplacesFilesThatAppearBeforeTheMove) {
 }
 
 TEST_F(SaveFolderTest, NeverReusesNumbersAndStaysInsideTheFolder) {
-  destination.subfolder = "../trip";
+  destination.subfolder = "a/../../trip";
   EXPECT_EQ(place(), "IMG_001.jpg");
   fs::remove_all(photos);
   files.failNext(Operation::syncDirectory, EIO);
